@@ -1,0 +1,23 @@
+# Small helpers, so that each folder's list says what it holds and nothing else.
+
+# The sources of one room of the library, listed by name.
+function(zelLibrarySources)
+  target_sources(zel_effects_objects PRIVATE ${ARGN})
+endfunction()
+
+# Tests, benchmarks: every folder adds its files to the one program of its kind.
+function(zelAddTest)
+  target_sources(zel_tests PRIVATE ${ARGN})
+endfunction()
+
+function(zelAddBench)
+  target_sources(zel_bench PRIVATE ${ARGN})
+endfunction()
+
+# One libFuzzer program from NAME.cpp in the current folder.
+function(zelAddFuzzer name)
+  add_executable(${name} ${name}.cpp)
+  target_link_libraries(${name} PRIVATE zel_effects_objects)
+  target_compile_options(${name} PRIVATE -fsanitize=fuzzer)
+  target_link_options(${name} PRIVATE -fsanitize=fuzzer)
+endfunction()

@@ -1,0 +1,13 @@
+#pragma once
+
+#include <vector>
+
+#include "../effect.h"
+
+/// Each family of effects is one file here; effectRegistry.cpp strings the lists together.
+
+namespace zel {
+
+std::vector<Effect> simpleSkinEffects();  // bright, mascara, nature-smooth
+
+}  // namespace zel

@@ -1,0 +1,24 @@
+#pragma once
+
+#include <array>
+#include <string>
+#include <vector>
+
+#include "zel_records.h"
+
+namespace zel {
+
+/// One face as fractions of its picture, as in FACES.json.
+struct Face {
+    std::array<float, 4> rect{};                // x, y, width, height
+    std::array<zellab::Vector2f, 83> points{};  // in the library's landmark order
+};
+
+/// The faces of one picture and the size they were found at.
+struct FaceSet {
+    int width = 0;
+    int height = 0;
+    std::vector<Face> faces;
+};
+
+}  // namespace zel

@@ -1,0 +1,188 @@
+// Operations that are declared but not built yet. Each leaves the picture as it is (void) or returns false
+// (bool), with a line in the log that names it. An operation moves out of this file when its module comes;
+// the file goes with the last one.
+#include "frame/zel_effects.h"
+
+#include "frame/zel_log.h"
+
+#define ZEL_NOT_YET(name) ZEL_LOG_ERROR("%s is not available in this version", name)
+
+namespace ZelImageCore {
+void TableBase::ImageProcessWithAlphaMix(unsigned char*, int, int, unsigned char*, unsigned char*, float*) {
+    ZEL_NOT_YET("TableBase::ImageProcessWithAlphaMix");
+}
+void TableBase::ImageProcessWithColorMixing(unsigned char*, int, int, float*, int) {
+    ZEL_NOT_YET("TableBase::ImageProcessWithColorMixing");
+}
+void TableBase::ImageProcessWithGaussBlur(unsigned char*, int, int, int) {
+    ZEL_NOT_YET("TableBase::ImageProcessWithGaussBlur");
+}
+void TableBase::ImageProcessWithMosaic(unsigned char*, int, int, int) {
+    ZEL_NOT_YET("TableBase::ImageProcessWithMosaic");
+}
+void TableBase::ImageProcessWithSharp(unsigned char*, int, int, float, unsigned char**) {
+    ZEL_NOT_YET("TableBase::ImageProcessWithSharp");
+}
+
+}  // namespace ZelImageCore
+
+namespace ZelImageCore {
+void TableSkin::ImageProcessWithAutoEyeBright(unsigned char*, int, int, void*, int, float, float, float,
+                                              float, float, float, float, float, float, float) {
+    ZEL_NOT_YET("TableSkin::ImageProcessWithAutoEyeBright");
+}
+void TableSkin::ImageProcessWithAutoFaceInpaint(unsigned char*, unsigned char*, int, int, CGRect&, void*, int,
+                                                int) {
+    ZEL_NOT_YET("TableSkin::ImageProcessWithAutoFaceInpaint");
+}
+void TableSkin::ImageProcessWithAutoRemoveBlackCircle(unsigned char*, int, int, CGRect&, void*, int, float,
+                                                      int) {
+    ZEL_NOT_YET("TableSkin::ImageProcessWithAutoRemoveBlackCircle");
+}
+bool TableSkin::ImageProcessWithBright(unsigned char*, int, int, int, int) {
+    ZEL_NOT_YET("TableSkin::ImageProcessWithBright");
+    return false;
+}
+void TableSkin::ImageProcessWithInpaint(unsigned char*, int, int, unsigned char*, int) {
+    ZEL_NOT_YET("TableSkin::ImageProcessWithInpaint");
+}
+void TableSkin::ImageProcessWithQornSkinRetouch(unsigned char*, int, int, float, ImageCoreFaceInfo*,
+                                                unsigned char*) {
+    ZEL_NOT_YET("TableSkin::ImageProcessWithQornSkinRetouch");
+}
+void TableSkin::ImageProcessWithQornSkinWhitening(unsigned char*, int, int, float*, ImageCoreFaceInfo*,
+                                                  unsigned char*, unsigned char*) {
+    ZEL_NOT_YET("TableSkin::ImageProcessWithQornSkinWhitening");
+}
+void TableSkin::ImageProcessWithMascara(unsigned char*, int, int, int, int) {
+    ZEL_NOT_YET("TableSkin::ImageProcessWithMascara");
+}
+void TableSkin::ImageProcessWithNatureSmooth(unsigned char*, int, int, int) {
+    ZEL_NOT_YET("TableSkin::ImageProcessWithNatureSmooth");
+}
+void TableSkin::ImageProcessWithRemoveBlackCircle(unsigned char*, int, int, unsigned char*, float*, int) {
+    ZEL_NOT_YET("TableSkin::ImageProcessWithRemoveBlackCircle");
+}
+void TableSkin::ImageProcessWithSkin(unsigned char*, int, int, float*, char*) {
+    ZEL_NOT_YET("TableSkin::ImageProcessWithSkin");
+}
+void TableSkin::ImageProcessWithSkinColor(unsigned char*, int, int, float, float, const unsigned char*, int,
+                                          int) {
+    ZEL_NOT_YET("TableSkin::ImageProcessWithSkinColor");
+}
+void TableSkin::ImageProcessWithWrinkleCleaner(unsigned char*, int, int, unsigned char*, int, int) {
+    ZEL_NOT_YET("TableSkin::ImageProcessWithWrinkleCleaner");
+}
+
+}  // namespace ZelImageCore
+
+namespace ZelImageCore {
+unsigned char* StbImageUtil::loadImageFromFile(const std::string&, int&, int&, int&, bool, bool, int, bool,
+                                               void*) {
+    ZEL_NOT_YET("StbImageUtil::loadImageFromFile");
+    return nullptr;
+}
+unsigned char* StbImageUtil::loadImageFromMemory(unsigned char*, int, int&, int&, int&, bool, int, bool) {
+    ZEL_NOT_YET("StbImageUtil::loadImageFromMemory");
+    return nullptr;
+}
+bool StbImageUtil::IsEncryptImageWithHead(char*, unsigned long) {
+    ZEL_NOT_YET("StbImageUtil::IsEncryptImageWithHead");
+    return false;
+}
+
+}  // namespace ZelImageCore
+
+namespace ZelImageCore {
+bool CScenarioBeauty::Run(unsigned char*, int, int, eScenarioType, float, unsigned char*,
+                          ImageCoreFaceInfo*) {
+    ZEL_NOT_YET("CScenarioBeauty::Run");
+    return false;
+}
+void CScenarioBeauty::Defog(unsigned char*, int, int) {
+    ZEL_NOT_YET("CScenarioBeauty::Defog");
+}
+void CScenarioBeauty::PersonBeautyFilter(unsigned char*, int, int, ImageCoreFaceInfo*, unsigned char*) {
+    ZEL_NOT_YET("CScenarioBeauty::PersonBeautyFilter");
+}
+
+}  // namespace ZelImageCore
+bool CFaceSlimRender::autoSlimFace(unsigned char*, int, int, zellab::CInterFacePoint*, float, int) {
+    ZEL_NOT_YET("CFaceSlimRender::autoSlimFace");
+    return false;
+}
+bool CFaceSlimRender::autoSlimFace(unsigned char*, int, int, zellab::CInterFacePoint*, float, float, float,
+                                   float, float, float, float, float, int) {
+    ZEL_NOT_YET("CFaceSlimRender::autoSlimFace");
+    return false;
+}
+bool CFaceSlimRender::slimFace(unsigned char*, int, int, float, float, float, float, float, float) {
+    ZEL_NOT_YET("CFaceSlimRender::slimFace");
+    return false;
+}
+bool CEyeZoomRender::autoZoomEye(unsigned char*, int, int, zellab::CInterFacePoint*, float, int) {
+    ZEL_NOT_YET("CEyeZoomRender::autoZoomEye");
+    return false;
+}
+bool CEyeZoomRender::autoZoomEye(unsigned char*, int, int, zellab::CInterFacePoint*, float, float, float,
+                                 float, int) {
+    ZEL_NOT_YET("CEyeZoomRender::autoZoomEye");
+    return false;
+}
+bool CEyeZoomRender::zoomEye(unsigned char*, int, int, zellab::Vector2f, float, int) {
+    ZEL_NOT_YET("CEyeZoomRender::zoomEye");
+    return false;
+}
+
+namespace DefocusCore {
+
+ZelDepthDefocusRender::ZelDepthDefocusRender() = default;
+ZelDepthDefocusRender::ZelDepthDefocusRender(const ZelDepthDefocusRender&) = default;
+ZelDepthDefocusRender::~ZelDepthDefocusRender() = default;
+ZelDepthDefocusRender& ZelDepthDefocusRender::operator=(const ZelDepthDefocusRender&) = default;
+bool ZelDepthDefocusRender::Init(bool) {
+    ZEL_NOT_YET("ZelDepthDefocusRender::Init");
+    return false;
+}
+void ZelDepthDefocusRender::Release() {
+    ZEL_NOT_YET("ZelDepthDefocusRender::Release");
+}
+void ZelDepthDefocusRender::setResourcePath(const char*, const char*) {
+    ZEL_NOT_YET("ZelDepthDefocusRender::setResourcePath");
+}
+bool ZelDepthDefocusRender::DepthEstimate(unsigned char*, int, int, unsigned char*, int, int) {
+    ZEL_NOT_YET("ZelDepthDefocusRender::DepthEstimate");
+    return false;
+}
+bool ZelDepthDefocusRender::SetBokehImage(const char*, unsigned char*, int, int) {
+    ZEL_NOT_YET("ZelDepthDefocusRender::SetBokehImage");
+    return false;
+}
+void ZelDepthDefocusRender::SetHairMaskData(unsigned char*, int, int) {
+    ZEL_NOT_YET("ZelDepthDefocusRender::SetHairMaskData");
+}
+bool ZelDepthDefocusRender::MixWidthMask(unsigned char*, unsigned char*, int, int, unsigned char*, int, int,
+                                         float, int) {
+    ZEL_NOT_YET("ZelDepthDefocusRender::MixWidthMask");
+    return false;
+}
+bool ZelDepthDefocusRender::Run(unsigned char*, int, int, unsigned char*, int, int, int, float*, float, float,
+                                bool, int, float, const char*, bool, bool, bool, float, float, float) {
+    ZEL_NOT_YET("ZelDepthDefocusRender::Run");
+    return false;
+}
+bool ZelDepthDefocusRender::Run(unsigned char*, int, int, int, float*, float, float, int, float, bool, bool,
+                                float, float, float) {
+    ZEL_NOT_YET("ZelDepthDefocusRender::Run");
+    return false;
+}
+unsigned char* ZelDepthDefocusRender::createNoise(int&, int&) {
+    ZEL_NOT_YET("ZelDepthDefocusRender::createNoise");
+    return nullptr;
+}
+char* ZelDepthDefocusRender::ReadFile2String(const char*, unsigned long&) {
+    ZEL_NOT_YET("ZelDepthDefocusRender::ReadFile2String");
+    return nullptr;
+}
+
+}  // namespace DefocusCore

@@ -1,0 +1,41 @@
+#include "zellab/imageproc/parallelRows.h"
+
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <stdexcept>
+#include <vector>
+
+namespace {
+
+using zellab::parallelRows;
+using zellab::runTasks;
+
+TEST(ParallelRows, EveryRowIsVisitedOnceOnAnyWorkerCount) {
+    for (int workers : {0, 1, 2, 7})
+        for (int height : {-3, 0, 1, 31, 32, 33, 1000}) {
+            SCOPED_TRACE(testing::Message() << height << " rows, " << workers << " workers");
+            std::vector<std::atomic<int>> visits(static_cast<std::size_t>(height > 0 ? height : 0));
+            parallelRows(height, workers, [&](int begin, int end) {
+                for (int y = begin; y < end; ++y) ++visits[static_cast<std::size_t>(y)];
+            });
+            for (const auto& count : visits) ASSERT_EQ(count, 1);
+        }
+}
+
+TEST(RunTasks, TheFirstExceptionReachesTheCallerAfterAllThreadsEnded) {
+    std::atomic<int> running{0};
+    EXPECT_THROW(runTasks(100, 4,
+                          [&](int i) {
+                              ++running;
+                              if (i == 5) {
+                                  --running;
+                                  throw std::runtime_error("band");
+                              }
+                              --running;
+                          }),
+                 std::runtime_error);
+    EXPECT_EQ(running, 0);
+}
+
+}  // namespace
