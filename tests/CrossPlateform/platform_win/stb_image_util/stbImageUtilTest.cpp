@@ -200,6 +200,7 @@ TEST_F(StbImageUtilTest, EightCallsAtOnceGiveTheBytesOfOne) {
     const Bytes alone = loadFile(path, {.scrambled = true, .keepAlpha = false, .maxSize = 150}).bytes();
     std::vector<std::thread> threads;
     std::vector<Bytes> results(8);
+    threads.reserve(results.size());
     for (Bytes& result : results)
         threads.emplace_back([&] {
             for (int i = 0; i < 5; ++i)
