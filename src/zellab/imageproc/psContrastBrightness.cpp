@@ -24,7 +24,7 @@ struct BrightShape {
 /// Fitted to the reference samples of the five rows, all of which they meet; rows between are interpolated
 /// linearly, which keeps every entry rising with the row.
 constexpr BrightShape kBrightShapes[] = {
-    {1, 0.00630, 97.0, 0.052},  {30, 0.00632, 101.5, 0.497}, {75, 0.00634, 71.5, 0.446},
+    {1, 0.00630, 97.0, 0.052},   {30, 0.00632, 101.5, 0.497}, {75, 0.00634, 71.5, 0.446},
     {120, 0.00631, 71.0, 0.453}, {150, 0.00627, 59.0, 0.370},
 };
 /// Entries over which the foot turns into the shoulder.
@@ -98,7 +98,8 @@ constexpr int kContrastCentre = 128;
 /// Level of entry i of a contrast row: the parabola through both ends of its half.
 double contrastLevel(int row, int i) {
     const bool upper = i >= kContrastCentre;
-    const double start = upper ? kContrastCentre : 0, length = upper ? kWhite - kContrastCentre : kContrastCentre;
+    const double start = upper ? kContrastCentre : 0,
+                 length = upper ? kWhite - kContrastCentre : kContrastCentre;
     const double t = (i - start) / length;
     const double bulge = 4 * t * (1 - t) * kContrastHeight * row;
     return upper ? i + bulge : i - bulge;
