@@ -82,8 +82,8 @@ int dispatch(const CommandLine& line) {
         return kDone;
     }
     if (name == "apply") return runApply(line.apply);
-    std::cout << line.app.help();
-    return kDone;
+    std::cerr << line.app.help();
+    return kWrongUsage;
 }
 
 /// Results that could not be delivered (a full disk behind standard output) are a failure.
@@ -125,7 +125,7 @@ void CommandLine::addApply() {
     const auto add = [&](const char* names, auto& target, const char* help, const char* value) {
         return command.add_option(names, target, help)->option_text(value);
     };
-    add("EFFECT", apply.effect, "The effect, as in zel effects", "")->required();
+    add("EFFECT", apply.effect, "The effect, as in zel effects", " ")->required();
     add("IN", apply.inputs, "Pictures to read", "...")->required();
     add("-o,--output", apply.output, "Picture to write, or a folder for several inputs", "OUT")->required();
     add("--set", apply.assignments, "Set a parameter of the effect (repeatable)", "NAME=VALUE")

@@ -55,14 +55,14 @@ void Messages::progress(std::size_t index, const std::string& stage, double done
 }
 
 void Messages::finished(std::size_t index, const std::string& line, bool failed) {
-    {
-        const std::lock_guard lock(m_mutex);
-        if (index < m_done.size()) m_done[index] = 1.0;
-        ++m_finished;
-        drawBar(true);
-        if (m_terminal || m_quiet || failed) return;
-    }
-    print(oneLine("[" + std::to_string(m_finished) + "/" + std::to_string(m_done.size()) + "] " + line));
+    const std::lock_guard lock(m_mutex);
+    if (index < m_done.size()) m_done[index] = 1.0;
+    ++m_finished;
+    drawBar(true);
+    if (m_terminal || m_quiet || failed) return;
+    std::string text("[");
+    text.append(std::to_string(m_finished)).append("/").append(std::to_string(m_done.size())).append("] ");
+    writeLine(oneLine(text + line));
 }
 
 void Messages::endProgress() {
@@ -74,7 +74,14 @@ void Messages::endProgress() {
 
 void Messages::print(const std::string& line) {
     const std::lock_guard lock(m_mutex);
-    write((m_barShown ? kClearLine : "") + line + "\n");
+    writeLine(line);
+}
+
+/// Expects the lock to be held.
+void Messages::writeLine(const std::string& line) {
+    std::string text(m_barShown ? kClearLine : "");
+    text.append(line).append("\n");
+    write(text);
     m_barShown = false;
     drawBar(true);
 }
@@ -88,10 +95,11 @@ void Messages::drawBar(bool force) {
     const double share =
         std::accumulate(m_done.begin(), m_done.end(), 0.0) / static_cast<double>(m_done.size());
     const int filled = static_cast<int>(share * kBarCells);
-    std::string text = std::string(kClearLine) + "[" + std::string(static_cast<std::size_t>(filled), '#') +
-                       std::string(static_cast<std::size_t>(kBarCells - filled), '.') + "] " +
-                       std::to_string(m_finished) + "/" + std::to_string(m_done.size());
-    if (!m_stage.empty()) text += "  " + oneLine(m_stage.substr(0, kStageWidth));
+    std::string text(kClearLine);
+    text.append("[").append(static_cast<std::size_t>(filled), '#');
+    text.append(static_cast<std::size_t>(kBarCells - filled), '.').append("] ");
+    text.append(std::to_string(m_finished)).append("/").append(std::to_string(m_done.size()));
+    if (!m_stage.empty()) text.append("  ").append(oneLine(m_stage.substr(0, kStageWidth)));
     write(text);
     m_barShown = true;
 }

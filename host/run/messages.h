@@ -40,6 +40,7 @@ public:
 
 private:
     void print(const std::string& line);
+    void writeLine(const std::string& line);
     void drawBar(bool force);
     void write(const std::string& text);
 
