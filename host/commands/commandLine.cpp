@@ -10,6 +10,7 @@
 #include "manPage.h"
 #include "nearestWord.h"
 #include "run/messages.h"
+#include "wrapText.h"
 
 namespace zel {
 
@@ -100,7 +101,7 @@ CommandLine::CommandLine() : app(std::string("zel: ") + kProgramSummary, "zel") 
     app.set_version_flag("--version", "zel " ZEL_VERSION, "Print the version and leave");
     app.add_flag("--man", manPage)->group("");  // for the build: the manual page
     app.get_formatter()->column_width(kHelpColumn);
-    app.footer(std::string(kProgramDetails) + "\n\nSee zel COMMAND --help for each command.");
+    app.footer(wrapText(kProgramDetails) + "\n\nSee zel COMMAND --help for each command.");
     app.require_subcommand(0, 1);
     addEffects();
     addApply();
@@ -120,7 +121,7 @@ void CommandLine::addEffects() {
 
 void CommandLine::addApply() {
     CLI::App& command = addCommand("apply");
-    command.footer(helpFooter(commandText("apply")) + "\n\nEffects: " + effectNames());
+    command.footer(helpFooter(commandText("apply")) + "\n\n" + wrapText("Effects: " + effectNames()));
     // Every option takes one value a time, so that "--set a=1 in.png" leaves the picture alone.
     const auto add = [&](const char* names, auto& target, const char* help, const char* value) {
         return command.add_option(names, target, help)->option_text(value);

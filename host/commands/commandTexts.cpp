@@ -1,5 +1,7 @@
 #include "commandTexts.h"
 
+#include "wrapText.h"
+
 namespace zel {
 
 const char* const kProgramSummary = "portrait effects on picture files";
@@ -59,10 +61,11 @@ const CommandText& commandText(const std::string& name) {
 }
 
 std::string helpFooter(const CommandText& text) {
-    std::string footer = std::string(text.details) + "\n\nExamples:";
+    std::string footer(text.details);
+    footer += "\n\nExamples:";
     for (const auto& example : text.examples)
-        footer += std::string("\n  ") + example.what + ":\n    " + example.command;
-    return footer;
+        footer.append("\n  ").append(example.what).append(":\n    ").append(example.command);
+    return wrapText(footer);
 }
 
 }  // namespace zel
