@@ -125,8 +125,7 @@ FaceSet readFaces(const std::filesystem::path& path) {
 }
 
 void writeFaces(const std::filesystem::path& path, const FaceSet& set) {
-    const std::string text = formatFaces(set);
-    writeFileSafely(path, {reinterpret_cast<const unsigned char*>(text.data()), text.size()});
+    writeText(path, formatFaces(set));
 }
 
 }  // namespace zel

@@ -83,6 +83,7 @@ int dispatch(const CommandLine& line) {
         return kDone;
     }
     if (name == "apply") return runApply(line.apply);
+    if (name == "portrait") return runPortrait(line.portrait);
     std::cerr << line.app.help();
     return kWrongUsage;
 }
@@ -105,6 +106,7 @@ CommandLine::CommandLine() : app(std::string("zel: ") + kProgramSummary, "zel") 
     app.require_subcommand(0, 1);
     addEffects();
     addApply();
+    addPortrait();
 }
 
 CLI::App& CommandLine::addCommand(const std::string& name) {
@@ -141,6 +143,22 @@ void CommandLine::addApply() {
     command.add_flag("--scrambled", apply.scrambled, "The inputs are scrambled picture files");
     command.add_flag("--quiet", apply.quiet, "Only errors on standard error");
     command.add_flag("--verbose", apply.verbose, "Show the library's log");
+}
+
+void CommandLine::addPortrait() {
+    CLI::App& command = addCommand("portrait");
+    command.footer(helpFooter(commandText("portrait")) +
+                   "\n\nParameters for --set (the seed chooses the rest):\n" + portraitParameterLines());
+    const auto add = [&](const char* names, auto& target, const char* help, const char* value) {
+        return command.add_option(names, target, help)->option_text(value);
+    };
+    add("-o,--output", portrait.output, "Picture to write", "OUT.png")->required();
+    add("--faces", portrait.faces, "Write the face data", "FACES.json");
+    add("--size", portrait.size, "Size in pixels, 900x1200 where not given", "WxH");
+    add("--seed", portrait.seed, "Chooses person and scene, 1 where not given", "N");
+    add("--set", portrait.assignments, "Set a parameter (repeatable)", "NAME=VALUE")->allow_extra_args(false);
+    add("--truth", portrait.truth, "Write the clean picture, masks, depth (16 bits) and spots", "DIR");
+    command.add_flag("--quiet", portrait.quiet, "Only errors on standard error");
 }
 
 int runCommand(const std::vector<std::string>& words) {

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "applyPlan.h"
+#include "portraitCommand.h"
 
 namespace zel {
 
@@ -17,6 +18,7 @@ public:
 
     CLI::App app;
     ApplyOptions apply;
+    PortraitOptions portrait;
     bool effectsAsJson = false;
     bool manPage = false;
 
@@ -24,6 +26,7 @@ private:
     CLI::App& addCommand(const std::string& name);
     void addEffects();
     void addApply();
+    void addPortrait();
 };
 
 /// Runs the command with the words behind the program's name; returns the exit status.

@@ -2,6 +2,7 @@
 
 #include "commandTexts.h"
 #include "effectRegistry.h"
+#include "portraitCommand.h"
 
 namespace zel {
 
@@ -69,10 +70,18 @@ std::string examples(const CommandText& text) {
     return page;
 }
 
+/// What a command takes for --set, where that is not a matter of the effect.
+std::string parameterEntries(const CLI::App& command) {
+    if (command.get_name() != "portrait") return {};
+    std::string page = ".PP\nParameters for " + plain("--set") + ":\n";
+    for (const auto& [name, text] : portraitParameterTexts()) page += entry(name, text);
+    return page;
+}
+
 std::string commandSection(const CLI::App& command) {
     const CommandText& text = commandText(command.get_name());
     return ".SS " + plain(synopsisOf(command)) + "\n" + plain(text.summary) + ".\n" +
-           paragraphs(text.details) + optionEntries(command) + examples(text);
+           paragraphs(text.details) + optionEntries(command) + parameterEntries(command) + examples(text);
 }
 
 std::string effectSection() {

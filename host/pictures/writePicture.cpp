@@ -100,6 +100,10 @@ void writeFileSafely(const fs::path& path, std::span<const unsigned char> bytes)
     temporary.renameTo(target);
 }
 
+void writeText(const fs::path& path, const std::string& text) {
+    writeFileSafely(path, {reinterpret_cast<const unsigned char*>(text.data()), text.size()});
+}
+
 void writePicture(const fs::path& path, const Image& image) {
     const auto format = formatOfSuffix(path);
     if (!format) throw Failure("has no suffix that names a format (.png, .jpg, .jpeg)");

@@ -3,6 +3,7 @@
 #include <filesystem>
 #include <optional>
 #include <span>
+#include <string>
 
 #include "image.h"
 
@@ -17,6 +18,8 @@ std::optional<PictureFormat> formatOfSuffix(const std::filesystem::path& path);
 /// then renamed. An existing file keeps its permissions; a symbolic link keeps pointing to its file. Throws
 /// Failure and leaves what was there.
 void writeFileSafely(const std::filesystem::path& path, std::span<const unsigned char> bytes);
+
+void writeText(const std::filesystem::path& path, const std::string& text);
 
 /// Encodes by the suffix and writes safely. Throws Failure.
 void writePicture(const std::filesystem::path& path, const Image& image);
