@@ -5,6 +5,7 @@
 #include <algorithm>
 
 #include "effectRegistry.h"
+#include "facesJson.h"
 #include "hostSupport.h"
 #include "pictures/exifBlock.h"
 #include "pictures/readPicture.h"
@@ -38,6 +39,12 @@ TEST(Command, WrongUsageIsStatusTwoInOneLineAndTouchesNothing) {
         {"apply bright a.png -o o.tiff", ".png, .jpg or .jpeg"},
         {"apply", "EFFECT"},
         {"--nonsense", "--nonsense"},
+        {"portrait -o o.png --set mole=3", "did you mean 'moles'?"},
+        {"portrait -o o.png --set moles=300", "moles"},
+        {"portrait -o o.png --size 90", "WIDTHxHEIGHT"},
+        {"portrait -o o.png --size 0x9", "WIDTHxHEIGHT"},
+        {"portrait -o o.png --size 9x99999999999", "WIDTHxHEIGHT"},
+        {"portrait -o o.png --seed -1", "--seed"},
     };
     for (const auto& c : cases) {
         const ProgramRun run = runZel(folder, c.words);
@@ -151,6 +158,26 @@ TEST(Command, ReadsScrambledFilesOnlyWhenToldSo) {
     EXPECT_EQ(runZel(folder, "apply mascara s.bin -o o.png --set level=0").status, 1);
     EXPECT_EQ(runZel(folder, "apply mascara s.bin -o o.png --set level=0 --scrambled").status, 0);
     EXPECT_EQ(zel::readPicture(folder / "o.png", false).image.rgba, testImage(9, 7, 4).rgba);
+}
+
+TEST(Command, DrawsAPortraitWithFacesAndTruth) {
+    const TemporaryFolder folder;
+    const std::string words = "portrait --size 90x120 --seed 5 --set noise=0.2 ";
+    const ProgramRun run = runZel(folder, words + "--set moles=9 -o p.png --faces f.json --truth t/deep");
+    ASSERT_EQ(run.status, 0) << run.err;
+    EXPECT_EQ(run.out, "");
+    const zel::FaceSet faces = zel::readFaces(folder / "f.json");
+    ASSERT_EQ(faces.faces.size(), 1u);
+    EXPECT_EQ(faces.width, 90);
+    EXPECT_EQ(readBytes(folder / "f.json"), readBytes(folder / "t/deep/faces.json"));
+    EXPECT_EQ(readBytes(folder / "t/deep/depth.png")[24], 16);  // bits a sample in IHDR
+    // The clean picture is what the same words draw without the layer.
+    ASSERT_EQ(runZel(folder, words + "-o clean.png").status, 0);
+    EXPECT_EQ(readBytes(folder / "clean.png"), readBytes(folder / "t/deep/clean.png"));
+    EXPECT_NE(readBytes(folder / "p.png"), readBytes(folder / "clean.png"));
+    const zel::Mask moles = zel::readMask(folder / "t/deep/moles.png");
+    EXPECT_TRUE(std::any_of(moles.samples.begin(), moles.samples.end(), [](auto m) { return m > 0; }));
+    EXPECT_EQ(runZel(folder, words + "-o none/p.png").status, 1);
 }
 
 }  // namespace
