@@ -38,10 +38,9 @@ bool isExactHalf(ConstImageView from, ImageView to) {
 /// behind the picture. It is scaled apart, from a copy with the picture's last row repeated.
 bool scaleToHalf(ConstImageView from, ImageView to) {
     const auto row = static_cast<std::size_t>(from.stride);
-    std::vector<unsigned char> last(3 * row + ImageView::kChannels);
+    std::vector<unsigned char> last(3 * row);
     for (std::size_t copy = 0; copy < 3; ++copy)
         std::memcpy(&last[copy * row], from.row(from.height - 1), row);
-    std::memcpy(&last[3 * row], from.row(from.height - 1), ImageView::kChannels);
 
     const bool done = to.height == 1 || scale(from.crop(0, 0, from.width, from.height - 2),
                                               to.crop(0, 0, to.width, to.height - 1));
@@ -75,15 +74,14 @@ bool isWholeStep(int source, int target) {
     return source % target == 0;
 }
 
-/// Scales down with the filter of the size limit. False where the scaler does not take the size.
-bool scaleDown(ConstImageView from, ImageView to) {
+}  // namespace
+
+bool scaleToLimit(ConstImageView from, ImageView to) {
     if (isExactHalf(from, to)) return scaleToHalf(from, to);
     if (!scale(from, to)) return false;
     if (!isWholeStep(from.width, to.width) || !isWholeStep(from.height, to.height)) mendLastColumn(from, to);
     return true;
 }
-
-}  // namespace
 
 ImageSize limitedSize(ImageSize size, int maxSize) {
     const auto shorter = [maxSize](int side, int longer) {
@@ -110,8 +108,8 @@ ImageSize maxSizeAdjust(ImageBuffer& pixels, ImageSize size, int maxSize) {
         ZEL_LOG_ERROR("%s(%d) new %d error.", "MaxSizeAdjust", __LINE__, static_cast<int>(bytes));
         return size;
     }
-    if (bytes > 0 &&
-        !scaleDown({pixels.get(), size.width, size.height}, {scaled.get(), reduced.width, reduced.height})) {
+    if (bytes > 0 && !scaleToLimit({pixels.get(), size.width, size.height},
+                                   {scaled.get(), reduced.width, reduced.height})) {
         ZEL_LOG_ERROR("%s(%d) scale %d x %d error.", "MaxSizeAdjust", __LINE__, size.width, size.height);
         return size;
     }
