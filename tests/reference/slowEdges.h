@@ -84,7 +84,7 @@ inline Bytes cannyEdges(const Bytes& plane, int width, int height, int low, int 
             const auto between = [&](int side) {
                 const int straight = magnitude[index(x + side * dx, y + side * dy)];
                 const int diagonal = magnitude[index(x + side * ex, y + side * ey)];
-                return ratio * diagonal + (1.0f - ratio) * straight;
+                return static_cast<float>(straight) + (diagonal - straight) * ratio;
             };
             const auto here = static_cast<float>(magnitude[i]);
             if (here >= between(1) && here >= between(-1)) edges[i] = 128;

@@ -70,8 +70,8 @@ inline FilterTaps fourTaps(int i, int target, int source) {
     const float scale = 16384.0f / (kernel[0] + kernel[1] + kernel[2] + kernel[3]);
     FilterTaps taps{(p >> 7) - 1, {}};
     int sum = 0;
-    for (const float k : kernel) sum += taps.weights.emplace_back(static_cast<int>(std::lround(k * scale)));
-    *std::max_element(taps.weights.begin(), taps.weights.end()) += 16384 - sum;  // what rounding left over
+    for (const float k : kernel) sum += taps.weights.emplace_back(static_cast<int>(k * scale));
+    *std::max_element(taps.weights.begin(), taps.weights.end()) += 16384 - sum;  // what truncation left over
     return taps;
 }
 
