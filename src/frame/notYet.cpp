@@ -8,22 +8,6 @@
 #define ZEL_NOT_YET(name) ZEL_LOG_ERROR("%s is not available in this version", name)
 
 namespace ZelImageCore {
-void TableBase::ImageProcessWithAlphaMix(unsigned char*, int, int, unsigned char*, unsigned char*, float*) {
-    ZEL_NOT_YET("TableBase::ImageProcessWithAlphaMix");
-}
-void TableBase::ImageProcessWithColorMixing(unsigned char*, int, int, float*, int) {
-    ZEL_NOT_YET("TableBase::ImageProcessWithColorMixing");
-}
-void TableBase::ImageProcessWithMosaic(unsigned char*, int, int, int) {
-    ZEL_NOT_YET("TableBase::ImageProcessWithMosaic");
-}
-void TableBase::ImageProcessWithSharp(unsigned char*, int, int, float, unsigned char**) {
-    ZEL_NOT_YET("TableBase::ImageProcessWithSharp");
-}
-
-}  // namespace ZelImageCore
-
-namespace ZelImageCore {
 void TableSkin::ImageProcessWithAutoEyeBright(unsigned char*, int, int, void*, int, float, float, float,
                                               float, float, float, float, float, float, float) {
     ZEL_NOT_YET("TableSkin::ImageProcessWithAutoEyeBright");

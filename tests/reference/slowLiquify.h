@@ -74,7 +74,7 @@ public:
         float px = x2 + sx, py = y2 + sy;
         const auto axis = [&](float start, float s) {
             const int first = static_cast<int>(start), reach = static_cast<int>((n - 1) * std::fabs(s));
-            const int low = (s >= 0 ? first : static_cast<int>(first + (n - 1) * s)) - m_radius;
+            const int low = first - (s >= 0 ? 0 : reach) - m_radius;
             return std::pair(low, low + reach + 2 * m_radius);
         };
         const auto [left, right] = axis(px, sx);
