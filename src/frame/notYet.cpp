@@ -48,23 +48,6 @@ void TableSkin::ImageProcessWithWrinkleCleaner(unsigned char*, int, int, unsigne
 }  // namespace ZelImageCore
 
 namespace ZelImageCore {
-unsigned char* StbImageUtil::loadImageFromFile(const std::string&, int&, int&, int&, bool, bool, int, bool,
-                                               void*) {
-    ZEL_NOT_YET("StbImageUtil::loadImageFromFile");
-    return nullptr;
-}
-unsigned char* StbImageUtil::loadImageFromMemory(unsigned char*, int, int&, int&, int&, bool, int, bool) {
-    ZEL_NOT_YET("StbImageUtil::loadImageFromMemory");
-    return nullptr;
-}
-bool StbImageUtil::IsEncryptImageWithHead(char*, unsigned long) {
-    ZEL_NOT_YET("StbImageUtil::IsEncryptImageWithHead");
-    return false;
-}
-
-}  // namespace ZelImageCore
-
-namespace ZelImageCore {
 bool CScenarioBeauty::Run(unsigned char*, int, int, eScenarioType, float, unsigned char*,
                           ImageCoreFaceInfo*) {
     ZEL_NOT_YET("CScenarioBeauty::Run");

@@ -19,8 +19,7 @@ constexpr float kRedWeight = 79.0f, kGreenWeight = 156.0f, kBlueWeight = 21.0f;
 constexpr int kMostPercent = 3000000;
 
 SaturationWeights saturationWeights(int percent) {
-    const float k =
-        static_cast<float>(std::clamp(percent, -kMostPercent, kMostPercent)) * 0.01f + 1.0f;
+    const float k = static_cast<float>(std::clamp(percent, -kMostPercent, kMostPercent)) * 0.01f + 1.0f;
     const float g = 1.0f - k;
     return {static_cast<int>(k * 256.0f), static_cast<int>(g * kRedWeight),
             static_cast<int>(g * kGreenWeight), static_cast<int>(g * kBlueWeight)};

@@ -10,8 +10,7 @@ namespace {
 /// Red's step of one pixel: in each half this and the next green's four channels, scaled by 128 and less
 /// 128 * 128, so that they fit 16 bits.
 ZEL_TARGET_AVX2 inline __m256i alongRed(const Byte* pixel, const CubeCells& cells) {
-    const __m256i corners =
-        _mm256_loadu_si256(reinterpret_cast<const __m256i*>(cells.corners(pixel)));
+    const __m256i corners = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(cells.corners(pixel)));
     return _mm256_maddubs_epi16(_mm256_set1_epi16(cells.redWeights(pixel[0])), corners);
 }
 
@@ -26,8 +25,8 @@ ZEL_TARGET_AVX2 inline __m128i twoPixels(const Byte* pixels, const CubeCells& ce
     const __m256i thisGreen = _mm256_unpacklo_epi64(first, second);
     const __m256i nextGreen = _mm256_unpackhi_epi64(first, second);
     // Green: (difference * fraction + 64) >> 7, as the rounded high product with the fraction times 256.
-    const __m256i greenFraction = _mm256_broadcastsi128_si256(
-        pairOf(cells.greenFraction(pixels[1]), cells.greenFraction(pixels[5])));
+    const __m256i greenFraction =
+        _mm256_broadcastsi128_si256(pairOf(cells.greenFraction(pixels[1]), cells.greenFraction(pixels[5])));
     const __m256i alongGreen = _mm256_add_epi16(
         _mm256_mulhrs_epi16(_mm256_sub_epi16(nextGreen, thisGreen), greenFraction), thisGreen);
 

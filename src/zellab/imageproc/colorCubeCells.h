@@ -42,8 +42,8 @@ public:
 
     explicit CubeCells(const Byte* cube);
 
-    /// Corners of a cell, less 128. Low half: for this and the next green, the four channels, each as the pair
-    /// of this and the next red. High half: the same for the next blue.
+    /// Corners of a cell, less 128. Low half: for this and the next green, the four channels, each as the
+    /// pair of this and the next red. High half: the same for the next blue.
     const std::int8_t* corners(const Byte* pixel) const {
         return m_corners.data() + m_offsets[0][pixel[0]] + m_offsets[1][pixel[1]] + m_offsets[2][pixel[2]];
     }

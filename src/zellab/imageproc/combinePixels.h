@@ -9,8 +9,8 @@
 #include "zellab/imageproc/parallelRows.h"
 
 /// Two pictures combined byte by byte. The operation is a small value with an always-inlined
-/// `Byte operator()(int first, int second) const`; its loop is compiled for the baseline and for AVX2 from the
-/// same lines, so that both give the same bytes.
+/// `Byte operator()(int first, int second) const`; its loop is compiled for the baseline and for AVX2 from
+/// the same lines, so that both give the same bytes.
 
 namespace zellab {
 
@@ -61,8 +61,8 @@ ZEL_TARGET_AVX2 void combineRowAvx2(Byte* target, const Byte* first, const Byte*
     combineRow<kChannels>(target, first, second, width, op);
 }
 
-/// target = op(first, second) for bytes 0 to 2 of each pixel; alpha of `target` stays. The views have the same
-/// size; `target` may be the same picture as either source.
+/// target = op(first, second) for bytes 0 to 2 of each pixel; alpha of `target` stays. The views have the
+/// same size; `target` may be the same picture as either source.
 template <typename Op>
 void combinePixels(ImageView target, ConstImageView first, ConstImageView second, const Op& op) {
     const bool wide = platform::simdLevel() == platform::SimdLevel::avx2;

@@ -37,8 +37,8 @@ void forEntries(const Limits& limits, const Set& set) {
 void linearLevels(const Limits& limits, Byte* table) {
     const std::int64_t half = limits.outRange() < 0 ? -(limits.inRange() / 2) : limits.inRange() / 2;
     forEntries(limits, [&](std::int64_t i) {
-        table[i] = saturate((half + (i - limits.inBlack) * limits.outRange()) / limits.inRange() +
-                            limits.outBlack);
+        table[i] =
+            saturate((half + (i - limits.inBlack) * limits.outRange()) / limits.inRange() + limits.outBlack);
     });
 }
 

@@ -15,8 +15,8 @@ constexpr int kWhite = 255, kEntries = 256;
 constexpr int kLastBrightness = 150, kFirstContrast = -50, kLastContrast = 100;
 
 /// A brightness curve by its slope. Along the foot the slope is exp(growth * row). Beyond the knee it falls
-/// with z, the distance from the knee in hundredths, as exp(-fall * z - bell * z * z); `fall` is whatever
-/// brings the curve to white at the end.
+/// to kEndSlope with z, the distance from the knee in hundredths, as exp(-fall * z - bell * z * z); `fall` is
+/// whatever brings the curve to white at the end.
 struct BrightShape {
     double row, growth, knee, bell;
 };
@@ -24,11 +24,13 @@ struct BrightShape {
 /// Fitted to the reference samples of the five rows, all of which they meet; rows between are interpolated
 /// linearly, which keeps every entry rising with the row.
 constexpr BrightShape kBrightShapes[] = {
-    {1, 0.00630, 97.0, 0.052},  {30, 0.00632, 101.5, 0.497}, {75, 0.00634, 71.5, 0.446},
-    {120, 0.00631, 71.0, 0.453}, {150, 0.00627, 59.0, 0.370},
+    {1, 0.00624, 97.25, 0.053},   {30, 0.00630, 104.0, 0.517}, {75, 0.00634, 69.75, 0.493},
+    {120, 0.00631, 69.75, 0.692}, {150, 0.00629, 56.5, 0.750},
 };
 /// Entries over which the foot turns into the shoulder.
-constexpr double kKneeWidth = 3.5;
+constexpr double kKneeWidth = 3.0;
+/// The least slope of a shoulder. It keeps the top of the mirrored rows from becoming a cliff.
+constexpr double kEndSlope = 0.02;
 
 using Curve = std::array<double, kEntries>;
 
@@ -50,10 +52,10 @@ double softRamp(double x) {
 /// The unrounded curve of a row in 1..150.
 Curve brightCurve(int row) {
     const BrightShape shape = brightShape(row);
-    Curve z, base;  // distance from the knee; slope without the fall
+    Curve z, base;  // distance from the knee; slope above the least, without the fall
     for (int i = 0; i < kEntries; ++i) {
         z[i] = kKneeWidth * softRamp((i - shape.knee) / kKneeWidth) / 100;
-        base[i] = std::exp(shape.growth * row - shape.bell * z[i] * z[i]);
+        base[i] = (std::exp(shape.growth * row) - kEndSlope) * std::exp(-shape.bell * z[i] * z[i]);
     }
     // Newton's method on the fall: the end value is convex and falls with it, so it converges from below.
     Curve curve{};
@@ -63,7 +65,7 @@ Curve brightCurve(int row) {
         double end = 0, change = 0, before = base[0] * std::exp(-fall * z[0]);
         for (int i = 1; i < kEntries; ++i) {
             const double slope = base[i] * std::exp(-fall * z[i]);
-            end += (before + slope) / 2;
+            end += kEndSlope + (before + slope) / 2;
             change -= (before * z[i - 1] + slope * z[i]) / 2;
             curve[i] = end;
             before = slope;
@@ -98,7 +100,8 @@ constexpr int kContrastCentre = 128;
 /// Level of entry i of a contrast row: the parabola through both ends of its half.
 double contrastLevel(int row, int i) {
     const bool upper = i >= kContrastCentre;
-    const double start = upper ? kContrastCentre : 0, length = upper ? kWhite - kContrastCentre : kContrastCentre;
+    const double start = upper ? kContrastCentre : 0,
+                 length = upper ? kWhite - kContrastCentre : kContrastCentre;
     const double t = (i - start) / length;
     const double bulge = 4 * t * (1 - t) * kContrastHeight * row;
     return upper ? i + bulge : i - bulge;

@@ -69,8 +69,7 @@ ZEL_TARGET_AVX2 inline __m256i factors(int red, int green, int blue, int constan
 
 /// The dot products of eight pixels with the factors, as 32-bit values in the order of the pixels.
 ZEL_TARGET_AVX2 inline __m256i dot(const WidePixels& pixels, __m256i factors) {
-    return _mm256_hadd_epi32(_mm256_madd_epi16(pixels.low, factors),
-                             _mm256_madd_epi16(pixels.high, factors));
+    return _mm256_hadd_epi32(_mm256_madd_epi16(pixels.low, factors), _mm256_madd_epi16(pixels.high, factors));
 }
 
 }  // namespace zellab::avx2

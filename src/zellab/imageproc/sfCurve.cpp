@@ -87,16 +87,16 @@ void SFCurve::BuildTable(const int* points, int count, unsigned char* table) {
     int position = 0;
     for (int i = 0; i < count - 1; ++i) {
         const auto k = static_cast<std::size_t>(i);
-        const float c1 = static_cast<float>(
-            static_cast<std::int64_t>(static_cast<float>(2 * b[k] + b[k + 1]) / 3.0f));
-        const float c2 = static_cast<float>(
-            static_cast<std::int64_t>(static_cast<float>(b[k] + 2 * b[k + 1]) / 3.0f));
+        const float c1 =
+            static_cast<float>(static_cast<std::int64_t>(static_cast<float>(2 * b[k] + b[k + 1]) / 3.0f));
+        const float c2 =
+            static_cast<float>(static_cast<std::int64_t>(static_cast<float>(b[k] + 2 * b[k + 1]) / 3.0f));
         const std::int64_t run =
             std::max<std::int64_t>(std::abs(std::int64_t{x(i + 1)} - std::int64_t{x(i)}), 1);
         for (std::int64_t step = 0; step < run && position < kTableSize; ++step, ++position) {
             const float t = static_cast<float>(step) / static_cast<float>(run);
-            table[position] = truncateToByte(
-                bezier(t, static_cast<float>(y(i)), c1, c2, static_cast<float>(y(i + 1))));
+            table[position] =
+                truncateToByte(bezier(t, static_cast<float>(y(i)), c1, c2, static_cast<float>(y(i + 1))));
         }
     }
 }

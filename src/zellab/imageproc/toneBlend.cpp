@@ -55,8 +55,8 @@ ByteTable kneeCurve(int knee) {
 ByteTable blendWithIdentity(const ByteTable& curve, float weight) {
     ByteTable result;
     for (std::size_t i = 0; i < result.size(); ++i)
-        result[i] = truncateToByte(static_cast<float>(curve[i]) * weight +
-                                   static_cast<float>(i) * (1.0f - weight));
+        result[i] =
+            truncateToByte(static_cast<float>(curve[i]) * weight + static_cast<float>(i) * (1.0f - weight));
     return result;
 }
 

@@ -40,7 +40,8 @@ std::vector<int> gaussWeights(float sigma) {
 
 }  // namespace
 
-UnsharpMaskKernel::UnsharpMaskKernel(int width, int height, int rowBytes, float sigma, float amount)
+UnsharpMaskKernel::UnsharpMaskKernel(int width, int height, std::ptrdiff_t rowBytes, float sigma,
+                                     float amount)
     : m_width(width),
       m_height(height),
       m_rowBytes(rowBytes),

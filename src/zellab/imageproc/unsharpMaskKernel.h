@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <vector>
 
 namespace zellab {
@@ -12,7 +13,7 @@ public:
     /// @param rowBytes  4 * width
     /// @param sigma     above 0 and finite; sizes the weight table
     /// @param amount    finite
-    UnsharpMaskKernel(int width, int height, int rowBytes, float sigma, float amount);
+    UnsharpMaskKernel(int width, int height, std::ptrdiff_t rowBytes, float sigma, float amount);
 
     /// Sharpens the RGBA picture in place; `blurred` has the same size and may be the same buffer.
     /// @param channelMask  7: all channels in single precision; other values: the channels whose bit is set,
@@ -24,7 +25,8 @@ public:
     const std::vector<int>& Weights() const { return m_weights; }
 
 private:
-    int m_width, m_height, m_rowBytes;
+    int m_width, m_height;
+    std::ptrdiff_t m_rowBytes;
     float m_sigma, m_amount;
     std::vector<int> m_weights;
 };

@@ -76,9 +76,9 @@ void RGBAToGray(const unsigned char* rgba, unsigned char* plane, int pixelCount)
         // Thousandths in integers: the same bytes as the weights in floating point give.
         for (; i < end; ++i) {
             const Byte* const p = rgba + 4 * i;
-            plane[i] = static_cast<Byte>((kGrayFactors.red * p[0] + kGrayFactors.green * p[1] +
-                                          kGrayFactors.blue * p[2] + kGrayHalf) /
-                                         kGrayScale);
+            plane[i] = static_cast<Byte>(
+                (kGrayFactors.red * p[0] + kGrayFactors.green * p[1] + kGrayFactors.blue * p[2] + kGrayHalf) /
+                kGrayScale);
         }
     });
 }

@@ -48,8 +48,8 @@ ZEL_TARGET_AVX2 std::ptrdiff_t yCbCrPlanesAvx2(const Byte* rgba, Byte* y, Byte* 
 ZEL_TARGET_AVX2 std::ptrdiff_t grayAvx2(const Byte* rgba, Byte* gray, std::ptrdiff_t count) {
     constexpr int kOffsetConstant = 125;
     static_assert(kOffsetConstant * (kGrayHalf / kOffsetConstant) == kGrayHalf);
-    const __m256i weights = avx2::factors(kGrayFactors.red, kGrayFactors.green, kGrayFactors.blue,
-                                          kGrayHalf / kOffsetConstant);
+    const __m256i weights =
+        avx2::factors(kGrayFactors.red, kGrayFactors.green, kGrayFactors.blue, kGrayHalf / kOffsetConstant);
     // Dividing by 1000: by 8, then by 125 as a product with 2^22 / 125, exact over the whole range.
     const __m256i reciprocal = _mm256_set1_epi32(33555);
     std::ptrdiff_t i = 0;
