@@ -30,18 +30,19 @@ struct Job {
     Byte* targetRow(int y) const { return target + static_cast<std::size_t>(y) * targetRowBytes(); }
 };
 
-/// A source-wide row with its end samples repeated on both sides, as far as the filter reaches.
+/// A source-wide row with its end samples repeated on both sides, as far as the kernel reads.
 class PaddedRow {
 public:
     explicit PaddedRow(const Job& job) : m_width(job.sourceWidth), m_channels(job.channels) {
         const std::ptrdiff_t lowest = job.columns.first.front();
-        const std::ptrdiff_t end = std::ptrdiff_t{job.columns.first.back()} + job.columns.rowLength;
+        const std::ptrdiff_t end =
+            std::ptrdiff_t{job.columns.first.back()} + job.columns.rowLength + job.columns.slack;
         m_before = std::max<std::ptrdiff_t>(0, -lowest);
         m_after = std::max<std::ptrdiff_t>(0, end - m_width);
         if (needed()) m_bytes.resize(static_cast<std::size_t>((m_before + m_width + m_after) * m_channels));
     }
 
-    /// Whether the filter reaches past the row's ends at all.
+    /// Whether the kernel reads past the row's ends at all.
     bool needed() const { return m_before > 0 || m_after > 0; }
 
     Byte* samples() { return m_bytes.data() + m_before * m_channels; }
@@ -141,7 +142,7 @@ bool ImageResampler::Resize(const unsigned char* source, int sourceWidth, int so
             buildAxisFilter(sourceHeight, targetHeight, quality),
             nullptr,
             nullptr};
-    job.horizontal = horizontalKernel(level, channels, job.columns.taps);
+    job.horizontal = horizontalKernel(level, channels, job.columns);
     job.vertical = verticalKernel(level, job.lines.taps);
 
     // The pass that leaves the smaller picture in between goes first.

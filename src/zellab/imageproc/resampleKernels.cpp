@@ -2,10 +2,10 @@
 
 #include <immintrin.h>
 
-#include <array>
 #include <cstring>
 
 #include "zellab/imageproc/pixelMath.h"
+#include "zellab/imageproc/resampleShuffles.h"
 
 namespace zellab {
 
@@ -157,55 +157,6 @@ ZEL_TARGET_AVX2 void horizontalRgbaAvx2(const Byte* row, const AxisFilter& filte
     }
 }
 
-/// Two-tap weights of each phase for one pixel, left and right share by turns.
-constexpr auto kPixelShares = [] {
-    std::array<std::array<Byte, 8>, kPhases> shares{};
-    for (int phase = 0; phase < kPhases; ++phase)
-        for (std::size_t c = 0; c < 8; ++c)
-            shares[static_cast<std::size_t>(phase)][c] =
-                static_cast<Byte>(c % 2 == 0 ? kPhases - phase : phase);
-    return shares;
-}();
-
-inline __m128i join64(__m128i low, __m128i high) {
-    return _mm_unpacklo_epi64(low, high);
-}
-
-/// Samples are taken as signed, 128 lower, because the byte product wants one unsigned factor and a share
-/// of 128 fits no signed byte. This gives back the 128 and rounds.
-constexpr short kSignedRound = 128 * kPhases + kPhases / 2;
-
-/// Four pixels a step.
-ZEL_TARGET_AVX2 void horizontalRgbaTwoTapAvx2(const Byte* row, const AxisFilter& filter, std::size_t count,
-                                              Byte* out) {
-    const __m256i pairUp = _mm256_setr_epi8(0, 4, 1, 5, 2, 6, 3, 7, 8, 12, 9, 13, 10, 14, 11, 15,  //
-                                            0, 4, 1, 5, 2, 6, 3, 7, 8, 12, 9, 13, 10, 14, 11, 15);
-    const __m256i sign = _mm256_set1_epi8(-128), round = _mm256_set1_epi16(kSignedRound);
-    std::size_t i = 0;
-    for (; i + 4 <= count; i += 4) {
-        __m128i pixels[4], shares[4];
-        for (std::size_t j = 0; j < 4; ++j) {
-            pixels[j] = load64(row + std::ptrdiff_t{4} * filter.first[i + j]);
-            shares[j] = load64(kPixelShares[filter.phase[i + j]].data());
-        }
-        const __m256i four = _mm256_set_m128i(join64(pixels[2], pixels[3]), join64(pixels[0], pixels[1]));
-        const __m256i weights = _mm256_set_m128i(join64(shares[2], shares[3]), join64(shares[0], shares[1]));
-        const __m256i pairs = _mm256_xor_si256(_mm256_shuffle_epi8(four, pairUp), sign);
-        const __m256i sums = _mm256_add_epi16(_mm256_maddubs_epi16(weights, pairs), round);
-        const __m256i words = _mm256_srli_epi16(sums, kPhaseBits);
-        const __m128i bytes =
-            _mm_packus_epi16(_mm256_castsi256_si128(words), _mm256_extracti128_si256(words, 1));
-        _mm_storeu_si128(reinterpret_cast<__m128i*>(out + 4 * i), bytes);
-    }
-    for (; i < count; ++i)
-        for (std::ptrdiff_t c = 0; c < 4; ++c) {
-            const Byte* pixel = row + std::ptrdiff_t{4} * filter.first[i];
-            const int share = filter.phase[i];
-            out[4 * i + static_cast<std::size_t>(c)] = static_cast<Byte>(
-                (pixel[c] * (kPhases - share) + pixel[c + 4] * share + kPhases / 2) >> kPhaseBits);
-        }
-}
-
 /// Thirty-two bytes of a column pass.
 ZEL_TARGET_AVX2 inline __m256i mixRowsAvx2(const Byte* const* rows, const std::int16_t* weights, int taps,
                                            std::size_t x) {
@@ -228,6 +179,26 @@ ZEL_TARGET_AVX2 inline __m256i mixRowsAvx2(const Byte* const* rows, const std::i
     return _mm256_packus_epi16(first, second);
 }
 
+ZEL_TARGET_AVX2 void verticalTwoTapAvx2(const Byte* const* rows, const std::int16_t* weights, int taps,
+                                        std::size_t bytes, Byte* out) {
+    const int share = weights[1] >> (kWeightBits - kPhaseBits);
+    const __m256i shares = _mm256_set1_epi16(static_cast<short>((kPhases - share) | share << 8));
+    const __m256i sign = _mm256_set1_epi8(-128), round = _mm256_set1_epi16(kSignedRound);
+    std::size_t x = 0;
+    for (; x + 32 <= bytes; x += 32) {
+        const __m256i a = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(rows[0] + x));
+        const __m256i b = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(rows[1] + x));
+        const __m256i low = _mm256_xor_si256(_mm256_unpacklo_epi8(a, b), sign);
+        const __m256i high = _mm256_xor_si256(_mm256_unpackhi_epi8(a, b), sign);
+        const __m256i lowSums = _mm256_add_epi16(_mm256_maddubs_epi16(shares, low), round);
+        const __m256i highSums = _mm256_add_epi16(_mm256_maddubs_epi16(shares, high), round);
+        const __m256i mixed = _mm256_packus_epi16(_mm256_srli_epi16(lowSums, kPhaseBits),
+                                                  _mm256_srli_epi16(highSums, kPhaseBits));
+        _mm256_storeu_si256(reinterpret_cast<__m256i*>(out + x), mixed);
+    }
+    verticalTail(rows, weights, taps, x, bytes, out);
+}
+
 ZEL_TARGET_AVX2 void verticalAvx2(const Byte* const* rows, const std::int16_t* weights, int taps,
                                   std::size_t bytes, Byte* out) {
     std::size_t x = 0;
@@ -238,15 +209,16 @@ ZEL_TARGET_AVX2 void verticalAvx2(const Byte* const* rows, const std::int16_t* w
 
 }  // namespace
 
-HorizontalKernel horizontalKernel(platform::SimdLevel level, int channels, int taps) {
-    const bool wide = level == platform::SimdLevel::avx2;
-    if (channels == 1) return taps == 2 ? horizontalPlaneTwoTap : horizontalPlane;
-    if (!wide) return horizontalRgba;
-    return taps == 2 ? horizontalRgbaTwoTapAvx2 : horizontalRgbaAvx2;
+HorizontalKernel horizontalKernel(platform::SimdLevel level, int channels, AxisFilter& filter) {
+    const bool wide = level == platform::SimdLevel::avx2, twoTap = filter.taps == 2;
+    if (wide && channels == 1 && planShuffledPlane(filter)) return horizontalShuffledPlane;
+    if (wide && channels == 4 && twoTap && planShuffledPixels(filter)) return horizontalShuffledPixels;
+    if (channels == 1) return twoTap ? horizontalPlaneTwoTap : horizontalPlane;
+    return wide ? horizontalRgbaAvx2 : horizontalRgba;
 }
 
 VerticalKernel verticalKernel(platform::SimdLevel level, int taps) {
-    if (taps == 2) return verticalTwoTap;
+    if (taps == 2) return level == platform::SimdLevel::avx2 ? verticalTwoTapAvx2 : verticalTwoTap;
     return level == platform::SimdLevel::avx2 ? verticalAvx2 : vertical;
 }
 

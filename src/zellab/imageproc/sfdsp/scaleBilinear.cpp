@@ -155,6 +155,119 @@ ZEL_TARGET_AVX2 std::size_t scalePlaneRowAvx2(const RowPair& rows, const std::ve
     return x;
 }
 
+// Rows that grow read every source sample more than once: the two rows are blended first, all samples at
+// once, and stay floats in a line that the columns are mixed from.
+
+/// Samples that the vectors below may read past the last one; they repeat it.
+constexpr std::size_t kLineSlack = 16;
+
+ZEL_TARGET_AVX2 void blendLine(const RowPair& rows, std::size_t count, std::size_t channels, float* line) {
+    const __m256 fy = _mm256_set1_ps(rows.fraction);
+    std::size_t i = 0;
+    for (; i + 8 <= count; i += 8) {
+        const __m128i top = _mm_loadl_epi64(reinterpret_cast<const __m128i*>(rows.top + i));
+        const __m128i bottom = _mm_loadl_epi64(reinterpret_cast<const __m128i*>(rows.bottom + i));
+        _mm256_storeu_ps(line + i, blendRows(_mm256_cvtepu8_epi32(top), _mm256_cvtepu8_epi32(bottom), fy));
+    }
+    for (; i < count; ++i) {
+        const int top = rows.top[i], difference = rows.bottom[i] - top;
+        line[i] = static_cast<float>(top) + static_cast<float>(difference) * rows.fraction;
+    }
+    for (; i < count + kLineSlack; ++i) line[i] = line[i - channels];
+}
+
+/// Two pixels at once, as long as two are left. Returns the first column left to do.
+ZEL_TARGET_AVX2 std::size_t enlargeRgbaRow(const float* line, const std::vector<Step>& columns, Byte* out) {
+    std::size_t x = 0;
+    for (; x + 2 <= columns.size(); x += 2) {
+        const Step &a = columns[x], &b = columns[x + 1];
+        const __m256 first = _mm256_loadu_ps(line + std::ptrdiff_t{4} * a.index);
+        const __m256 second = _mm256_loadu_ps(line + std::ptrdiff_t{4} * b.index);
+        const __m256 fx = _mm256_set_m128(_mm_set1_ps(b.fraction), _mm_set1_ps(a.fraction));
+        const __m128i words = mixColumns(_mm256_permute2f128_ps(first, second, 0x20),
+                                         _mm256_permute2f128_ps(first, second, 0x31), fx);
+        const __m128i pixels = _mm_or_si128(_mm_packus_epi16(words, words), _mm_set1_epi32(kOpaque));
+        _mm_storel_epi64(reinterpret_cast<__m128i*>(out + 4 * x), pixels);
+    }
+    return x;
+}
+
+/// Eight samples at once. They step by one source sample at most, so the left neighbours of all eight lie
+/// within eight samples, and the right ones within the eight from the next.
+ZEL_TARGET_AVX2 std::size_t enlargePlaneRow(const float* line, const std::vector<Step>& columns,
+                                            const int* indices, const float* fractions, Byte* out) {
+    std::size_t x = 0;
+    for (; x + 8 <= columns.size(); x += 8) {
+        const int base = indices[x];
+        const __m256i own = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(indices + x));
+        const __m256i within = _mm256_sub_epi32(own, _mm256_set1_epi32(base));
+        const __m256 left = _mm256_permutevar8x32_ps(_mm256_loadu_ps(line + base), within);
+        const __m256 right = _mm256_permutevar8x32_ps(_mm256_loadu_ps(line + base + 1), within);
+        const __m128i words = mixColumns(left, right, _mm256_loadu_ps(fractions + x));
+        _mm_storel_epi64(reinterpret_cast<__m128i*>(out + x), _mm_packus_epi16(words, words));
+    }
+    return x;
+}
+
+/// Everything that the rows of one call share.
+class Job {
+public:
+    Job(const Byte* source, int sourceWidth, int sourceHeight, int targetWidth, int targetHeight,
+        int channels)
+        : m_source(source),
+          m_columns(walkAxis(sourceWidth, targetWidth)),
+          m_lines(walkAxis(sourceHeight, targetHeight)),
+          m_sourceRowBytes(sampleCount(sourceWidth, 1, channels)),
+          m_targetRowBytes(sampleCount(targetWidth, 1, channels)),
+          m_channels(channels),
+          m_wide(platform::simdLevel() == platform::SimdLevel::avx2),
+          m_enlarges(m_wide && targetWidth >= sourceWidth) {
+        for (const Step& s : m_columns) {
+            m_fractions.push_back(s.fraction);
+            m_indices.push_back(s.index);
+            if (s.next != s.index) ++m_inner;
+        }
+    }
+
+    void scaleRows(Byte* target, int begin, int end) const {
+        std::vector<float> line(m_enlarges ? m_sourceRowBytes + kLineSlack : 0);
+        for (int y = begin; y < end; ++y) {
+            const Step& at = m_lines[static_cast<std::size_t>(y)];
+            const RowPair rows{m_source + static_cast<std::size_t>(at.index) * m_sourceRowBytes,
+                               m_source + static_cast<std::size_t>(at.next) * m_sourceRowBytes, at.fraction};
+            Byte* out = target + static_cast<std::size_t>(y) * m_targetRowBytes;
+            if (m_channels == 4)
+                scaleRgbaRow(rows, m_columns, vectorRgba(rows, line.data(), out), out);
+            else
+                scalePlaneRow(rows, m_columns, vectorPlane(rows, line.data(), out), out);
+        }
+    }
+
+private:
+    /// The columns that go by vectors; returns the first that is left to do.
+    std::size_t vectorRgba(const RowPair& rows, float* line, Byte* out) const {
+        if (!m_wide) return 0;
+        if (!m_enlarges) return scaleRgbaRowAvx2(rows, m_columns, m_inner, out);
+        blendLine(rows, m_sourceRowBytes, 4, line);
+        return enlargeRgbaRow(line, m_columns, out);
+    }
+    std::size_t vectorPlane(const RowPair& rows, float* line, Byte* out) const {
+        if (!m_wide) return 0;
+        if (!m_enlarges) return scalePlaneRowAvx2(rows, m_columns, m_fractions.data(), m_inner, out);
+        blendLine(rows, m_sourceRowBytes, 1, line);
+        return enlargePlaneRow(line, m_columns, m_indices.data(), m_fractions.data(), out);
+    }
+
+    const Byte* m_source;
+    std::vector<Step> m_columns, m_lines;
+    std::vector<float> m_fractions;
+    std::vector<int> m_indices;
+    std::size_t m_inner = 0;  // columns whose right neighbour is the next sample in memory
+    std::size_t m_sourceRowBytes, m_targetRowBytes;
+    int m_channels;
+    bool m_wide, m_enlarges;
+};
+
 }  // namespace
 
 bool ScaleBilinearThreaded(const unsigned char* source, int sourceWidth, int sourceHeight,
@@ -172,33 +285,8 @@ bool ScaleBilinearThreaded(const unsigned char* source, int sourceWidth, int sou
         return false;
     }
 
-    const std::vector<Step> columns = walkAxis(sourceWidth, targetWidth);
-    const std::vector<Step> lines = walkAxis(sourceHeight, targetHeight);
-    const bool wide = platform::simdLevel() == platform::SimdLevel::avx2;
-    std::vector<float> fractions;
-    for (const Step& s : columns) fractions.push_back(s.fraction);
-    const auto inner = static_cast<std::size_t>(
-        std::find_if(columns.begin(), columns.end(), [](const Step& s) { return s.next == s.index; }) -
-        columns.begin());
-    const std::ptrdiff_t sourceStride = std::ptrdiff_t{channels} * sourceWidth;
-    const std::ptrdiff_t targetStride = std::ptrdiff_t{channels} * targetWidth;
-
-    parallelRows(targetHeight, [&](int begin, int end) {
-        for (int y = begin; y < end; ++y) {
-            const Step& line = lines[static_cast<std::size_t>(y)];
-            const RowPair rows{source + line.index * sourceStride, source + line.next * sourceStride,
-                               line.fraction};
-            Byte* out = target + y * targetStride;
-            std::size_t done = 0;
-            if (channels == 4) {
-                if (wide) done = scaleRgbaRowAvx2(rows, columns, inner, out);
-                scaleRgbaRow(rows, columns, done, out);
-            } else {
-                if (wide) done = scalePlaneRowAvx2(rows, columns, fractions.data(), inner, out);
-                scalePlaneRow(rows, columns, done, out);
-            }
-        }
-    });
+    const Job job(source, sourceWidth, sourceHeight, targetWidth, targetHeight, channels);
+    parallelRows(targetHeight, [&](int begin, int end) { job.scaleRows(target, begin, end); });
     return true;
 }
 
