@@ -14,9 +14,6 @@ void TableBase::ImageProcessWithAlphaMix(unsigned char*, int, int, unsigned char
 void TableBase::ImageProcessWithColorMixing(unsigned char*, int, int, float*, int) {
     ZEL_NOT_YET("TableBase::ImageProcessWithColorMixing");
 }
-void TableBase::ImageProcessWithGaussBlur(unsigned char*, int, int, int) {
-    ZEL_NOT_YET("TableBase::ImageProcessWithGaussBlur");
-}
 void TableBase::ImageProcessWithMosaic(unsigned char*, int, int, int) {
     ZEL_NOT_YET("TableBase::ImageProcessWithMosaic");
 }
@@ -39,10 +36,6 @@ void TableSkin::ImageProcessWithAutoRemoveBlackCircle(unsigned char*, int, int, 
                                                       int) {
     ZEL_NOT_YET("TableSkin::ImageProcessWithAutoRemoveBlackCircle");
 }
-bool TableSkin::ImageProcessWithBright(unsigned char*, int, int, int, int) {
-    ZEL_NOT_YET("TableSkin::ImageProcessWithBright");
-    return false;
-}
 void TableSkin::ImageProcessWithInpaint(unsigned char*, int, int, unsigned char*, int) {
     ZEL_NOT_YET("TableSkin::ImageProcessWithInpaint");
 }
@@ -53,12 +46,6 @@ void TableSkin::ImageProcessWithQornSkinRetouch(unsigned char*, int, int, float,
 void TableSkin::ImageProcessWithQornSkinWhitening(unsigned char*, int, int, float*, ImageCoreFaceInfo*,
                                                   unsigned char*, unsigned char*) {
     ZEL_NOT_YET("TableSkin::ImageProcessWithQornSkinWhitening");
-}
-void TableSkin::ImageProcessWithMascara(unsigned char*, int, int, int, int) {
-    ZEL_NOT_YET("TableSkin::ImageProcessWithMascara");
-}
-void TableSkin::ImageProcessWithNatureSmooth(unsigned char*, int, int, int) {
-    ZEL_NOT_YET("TableSkin::ImageProcessWithNatureSmooth");
 }
 void TableSkin::ImageProcessWithRemoveBlackCircle(unsigned char*, int, int, unsigned char*, float*, int) {
     ZEL_NOT_YET("TableSkin::ImageProcessWithRemoveBlackCircle");
@@ -72,23 +59,6 @@ void TableSkin::ImageProcessWithSkinColor(unsigned char*, int, int, float, float
 }
 void TableSkin::ImageProcessWithWrinkleCleaner(unsigned char*, int, int, unsigned char*, int, int) {
     ZEL_NOT_YET("TableSkin::ImageProcessWithWrinkleCleaner");
-}
-
-}  // namespace ZelImageCore
-
-namespace ZelImageCore {
-unsigned char* StbImageUtil::loadImageFromFile(const std::string&, int&, int&, int&, bool, bool, int, bool,
-                                               void*) {
-    ZEL_NOT_YET("StbImageUtil::loadImageFromFile");
-    return nullptr;
-}
-unsigned char* StbImageUtil::loadImageFromMemory(unsigned char*, int, int&, int&, int&, bool, int, bool) {
-    ZEL_NOT_YET("StbImageUtil::loadImageFromMemory");
-    return nullptr;
-}
-bool StbImageUtil::IsEncryptImageWithHead(char*, unsigned long) {
-    ZEL_NOT_YET("StbImageUtil::IsEncryptImageWithHead");
-    return false;
 }
 
 }  // namespace ZelImageCore
