@@ -61,32 +61,6 @@ void CScenarioBeauty::PersonBeautyFilter(unsigned char*, int, int, ImageCoreFace
 }
 
 }  // namespace ZelImageCore
-bool CFaceSlimRender::autoSlimFace(unsigned char*, int, int, zellab::CInterFacePoint*, float, int) {
-    ZEL_NOT_YET("CFaceSlimRender::autoSlimFace");
-    return false;
-}
-bool CFaceSlimRender::autoSlimFace(unsigned char*, int, int, zellab::CInterFacePoint*, float, float, float,
-                                   float, float, float, float, float, int) {
-    ZEL_NOT_YET("CFaceSlimRender::autoSlimFace");
-    return false;
-}
-bool CFaceSlimRender::slimFace(unsigned char*, int, int, float, float, float, float, float, float) {
-    ZEL_NOT_YET("CFaceSlimRender::slimFace");
-    return false;
-}
-bool CEyeZoomRender::autoZoomEye(unsigned char*, int, int, zellab::CInterFacePoint*, float, int) {
-    ZEL_NOT_YET("CEyeZoomRender::autoZoomEye");
-    return false;
-}
-bool CEyeZoomRender::autoZoomEye(unsigned char*, int, int, zellab::CInterFacePoint*, float, float, float,
-                                 float, int) {
-    ZEL_NOT_YET("CEyeZoomRender::autoZoomEye");
-    return false;
-}
-bool CEyeZoomRender::zoomEye(unsigned char*, int, int, zellab::Vector2f, float, int) {
-    ZEL_NOT_YET("CEyeZoomRender::zoomEye");
-    return false;
-}
 
 namespace DefocusCore {
 
