@@ -43,9 +43,6 @@ bool TableSkin::ImageProcessWithBright(unsigned char*, int, int, int, int) {
     ZEL_NOT_YET("TableSkin::ImageProcessWithBright");
     return false;
 }
-void TableSkin::ImageProcessWithInpaint(unsigned char*, int, int, unsigned char*, int) {
-    ZEL_NOT_YET("TableSkin::ImageProcessWithInpaint");
-}
 void TableSkin::ImageProcessWithQornSkinRetouch(unsigned char*, int, int, float, ImageCoreFaceInfo*,
                                                 unsigned char*) {
     ZEL_NOT_YET("TableSkin::ImageProcessWithQornSkinRetouch");
@@ -70,10 +67,6 @@ void TableSkin::ImageProcessWithSkinColor(unsigned char*, int, int, float, float
                                           int) {
     ZEL_NOT_YET("TableSkin::ImageProcessWithSkinColor");
 }
-void TableSkin::ImageProcessWithWrinkleCleaner(unsigned char*, int, int, unsigned char*, int, int) {
-    ZEL_NOT_YET("TableSkin::ImageProcessWithWrinkleCleaner");
-}
-
 }  // namespace ZelImageCore
 
 namespace ZelImageCore {
