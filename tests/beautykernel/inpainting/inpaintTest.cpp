@@ -25,11 +25,16 @@ struct Picture {
     int width, height;
     Bytes pixels, mask;
     Picture(int w, int h, unsigned seed)
-        : width(w), height(h), pixels(zeltest::patternRgba(w, h, seed)), mask(static_cast<std::size_t>(w * h), 0) {}
+        : width(w),
+          height(h),
+          pixels(zeltest::patternRgba(w, h, seed)),
+          mask(static_cast<std::size_t>(w * h), 0) {}
     void mark(int x0, int y0, int x1, int y1, Byte value = 255) {
         for (int y = y0; y < y1; ++y) std::fill_n(mask.begin() + y * width + x0, x1 - x0, value);
     }
-    void inpaint(int method) { TableSkin::ImageProcessWithInpaint(pixels.data(), width, height, mask.data(), method); }
+    void inpaint(int method) {
+        TableSkin::ImageProcessWithInpaint(pixels.data(), width, height, mask.data(), method);
+    }
 };
 
 /// A smooth slope with a dark blot in the hole: what a repair must restore.
@@ -38,7 +43,8 @@ Picture blotOnASlope() {
     for (int y = 0; y < p.height; ++y)
         for (int x = 0; x < p.width; ++x) {
             Byte* q = &p.pixels[static_cast<std::size_t>(y * p.width + x) * 4];
-            for (int c = 0; c < 3; ++c) q[c] = static_cast<Byte>(80 + x / 2 + y / 3 + 10 * c + ((x * 7 + y * 13) % 5));
+            for (int c = 0; c < 3; ++c)
+                q[c] = static_cast<Byte>(80 + x / 2 + y / 3 + 10 * c + ((x * 7 + y * 13) % 5));
         }
     p.mark(50, 40, 72, 55);
     return p;
@@ -64,7 +70,8 @@ TEST(Inpaint, BothEnginesRestoreASlopeUnderABlot) {
         // What lies outside the hole is the same, but for the roundings of the solve.
         for (std::size_t i = 0; i < p.mask.size(); ++i)
             for (std::size_t c = 0; !p.mask[i] && c < 4; ++c)
-                ASSERT_LE(std::abs(p.pixels[i * 4 + c] - truth.pixels[i * 4 + c]), method == 1 && c < 3 ? 3 : 0);
+                ASSERT_LE(std::abs(p.pixels[i * 4 + c] - truth.pixels[i * 4 + c]),
+                          method == 1 && c < 3 ? 3 : 0);
     }
 }
 
@@ -72,7 +79,8 @@ TEST(Inpaint, AwkwardMasksAreContained) {
     for (int method : {0, 1, 2, -7})
         for (const auto& [w, h] : {std::pair{1, 1}, {1, 50}, {50, 1}, {9, 9}, {12, 11}, {33, 40}})
             for (int kind = 0; kind < 6; ++kind) {
-                SCOPED_TRACE(testing::Message() << w << " by " << h << ", method " << method << ", mask " << kind);
+                SCOPED_TRACE(testing::Message()
+                             << w << " by " << h << ", method " << method << ", mask " << kind);
                 Picture p(w, h, 2);
                 if (kind == 1) p.mark(0, 0, w, h);
                 if (kind == 2) p.mask.front() = p.mask.back() = 1;
@@ -100,7 +108,8 @@ TEST(GradientInpainter, StrengthActsThroughItsSquareRoot) {
         if (blot.mask[i]) std::fill_n(&blot.pixels[i * 4], 3, Byte{20});
     const auto repaired = [&](int strength) {
         Bytes pixels = blot.pixels;
-        EXPECT_TRUE(GradientInpainter().Run(pixels.data(), blot.mask.data(), blot.width, blot.height, strength));
+        EXPECT_TRUE(
+            GradientInpainter().Run(pixels.data(), blot.mask.data(), blot.width, blot.height, strength));
         return pixels;
     };
     const Bytes full = repaired(100), faint = repaired(1);
@@ -125,7 +134,8 @@ TEST(PatchFill, IsRepeatableUnderTheSameSeedAndTakesColoursFromOutsideTheHole) {
     EXPECT_EQ(first.pixels, second.pixels);
     EXPECT_NE(first.pixels, other.pixels);
     for (std::size_t i = 0; i < p.mask.size(); ++i) {
-        const std::array<Byte, 3> colour{first.pixels[i * 4], first.pixels[i * 4 + 1], first.pixels[i * 4 + 2]};
+        const std::array<Byte, 3> colour{first.pixels[i * 4], first.pixels[i * 4 + 1],
+                                         first.pixels[i * 4 + 2]};
         ASSERT_TRUE(outside.count(colour)) << i;
     }
 }
@@ -171,7 +181,8 @@ TEST(PatchTables, HoldTheirTellingValues) {
 }
 
 TEST(HoleBlocks, ComeFromTheOutsideInwards) {
-    // Five by four blocks of a hole in a larger grid: the seeds are those with an open block within two to the right or below.
+    // Five by four blocks of a hole in a larger grid: the seeds are those with an open block within two to
+    // the right or below.
     constexpr int kBlock = 3, kWidth = 30, kHeight = 31;
     Bytes mask(kWidth * kHeight, 0);
     for (int y = 6; y < 18; ++y) std::fill_n(mask.begin() + y * kWidth + 6, 15, Byte{255});
@@ -199,7 +210,8 @@ TEST(WrinkleCleaner, TheTwoPathsReadTheMaskByTheirOwnRule) {
     Picture soft = blotOnASlope();
     std::replace(soft.mask.begin(), soft.mask.end(), Byte{255}, Byte{254});
     const Bytes before = soft.pixels;
-    EXPECT_FALSE(WrinkleMaskCleaner().Run(soft.pixels.data(), soft.width, soft.height, soft.mask.data(), 100));
+    EXPECT_FALSE(
+        WrinkleMaskCleaner().Run(soft.pixels.data(), soft.width, soft.height, soft.mask.data(), 100));
     EXPECT_EQ(soft.pixels, before) << "the mask path counts 255 alone";
     testing::internal::CaptureStdout();
     WrinkleRegionCleaner region;

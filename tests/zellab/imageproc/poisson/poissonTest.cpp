@@ -76,8 +76,8 @@ TEST(GradientRepair, UnchangedGradientsGiveThePictureBack) {
 }
 
 TEST(GradientRepair, FarCornerHolesAreTreatedLikeNearOnes) {
-    // The turn by 180 degrees: a hole at the far corner of a turned picture gives the turned repair. The hole's
-    // rectangle reaches the far edges and not the near ones.
+    // The turn by 180 degrees: a hole at the far corner of a turned picture gives the turned repair. The
+    // hole's rectangle reaches the far edges and not the near ones.
     constexpr int kSide = 60;
     const Bytes image = zeltest::patternRgba(kSide, kSide, 3);
     Bytes mask(kSide * kSide, 0);
@@ -96,13 +96,16 @@ TEST(GradientRepair, FarCornerHolesAreTreatedLikeNearOnes) {
     EXPECT_EQ(pixels, image);
 }
 
-/// The documented repaint, guidance and solve of PoissonEdit, box by box and sample by sample, in double precision.
+/// The documented repaint, guidance and solve of PoissonEdit, box by box and sample by sample, in double
+/// precision.
 Bytes slowPoissonEdit(const Bytes& image, int width, int height, const Bytes& mask, float strength) {
     const PixelBox marked = markedBox({mask.data(), width, height}, 254);
     const Span xs = growToTransformSize(widen(marked.x, 10, width), width);
     const Span ys = growToTransformSize(widen(marked.y, 10, height), height);
     const int w = xs.length(), h = ys.length();
-    const auto pixel = [&](int x, int y) { return static_cast<std::size_t>((y + ys.begin) * width + x + xs.begin); };
+    const auto pixel = [&](int x, int y) {
+        return static_cast<std::size_t>((y + ys.begin) * width + x + xs.begin);
+    };
     const auto luma = [](const Byte* p) { return (306 * p[0] + 601 * p[1] + 117 * p[2]) / 1024; };
     Bytes p(static_cast<std::size_t>(w * h) * 4), m(static_cast<std::size_t>(w * h));
     const auto at = [&](int x, int y) { return static_cast<std::size_t>(y * w + x); };
@@ -121,7 +124,8 @@ Bytes slowPoissonEdit(const Bytes& image, int width, int height, const Bytes& ma
             } else if (x >= 3 && w - 1 - x >= 2 && y >= 3) {
                 for (std::size_t c = 0; c < 3; ++c)
                     q[c] = static_cast<Byte>((p[at(x - 1, y) * 4 + c] + p[at(x - 1, y - 1) * 4 + c] +
-                                              p[at(x, y - 1) * 4 + c] + p[at(x + 1, y - 1) * 4 + c]) / 4);
+                                              p[at(x, y - 1) * 4 + c] + p[at(x + 1, y - 1) * 4 + c]) /
+                                             4);
             }
         }
     Bytes solved = p;
@@ -134,7 +138,8 @@ Bytes slowPoissonEdit(const Bytes& image, int width, int height, const Bytes& ma
         std::vector<double> side;
         for (int y = 1; y < h - 1; ++y)
             for (int x = 1; x < w - 1; ++x) {
-                double d = step(x, y, x + 1, y) - step(x - 1, y, x, y) + step(x, y, x, y + 1) - step(x, y - 1, x, y);
+                double d =
+                    step(x, y, x + 1, y) - step(x - 1, y, x, y) + step(x, y, x, y + 1) - step(x, y - 1, x, y);
                 if (x == 1) d -= value(0, y);
                 if (y == 1) d -= value(x, 0);
                 if (x == w - 2) d -= value(w - 1, y);
@@ -156,7 +161,8 @@ Bytes slowPoissonEdit(const Bytes& image, int width, int height, const Bytes& ma
             for (std::size_t c = 0; c < 3; ++c) {
                 const float a = static_cast<float>(m[at(x, y)]) / 255.0f;
                 Byte& out = result[pixel(x, y) * 4 + c];
-                out = static_cast<Byte>(static_cast<float>(solved[at(x, y) * 4 + c]) * a + static_cast<float>(out) * (1 - a));
+                out = static_cast<Byte>(static_cast<float>(solved[at(x, y) * 4 + c]) * a +
+                                        static_cast<float>(out) * (1 - a));
             }
     return result;
 }
@@ -192,7 +198,8 @@ TEST(PoissonEdit, BadMasksLeaveThePictureAlone) {
     EXPECT_FALSE(PoissonEdit(pixels.data(), kSide, kSide, nullptr, 1.0f));
     std::fill(mask.begin(), mask.end(), Byte{0});
     mask[20 * kSide + 30] = 255;
-    for (const float strength : {0.0f, -3.0f, NAN}) EXPECT_TRUE(PoissonEdit(pixels.data(), kSide, kSide, mask.data(), strength));
+    for (const float strength : {0.0f, -3.0f, NAN})
+        EXPECT_TRUE(PoissonEdit(pixels.data(), kSide, kSide, mask.data(), strength));
     EXPECT_EQ(pixels, image) << "a strength of nothing";
 }
 

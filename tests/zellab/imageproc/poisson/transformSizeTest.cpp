@@ -22,7 +22,8 @@ TEST(TransformSize, PaddingIsTheLeastThatMakesTheTransformFast) {
     for (int side = 3; side <= 5001; ++side) {
         const int padding = transformPadding(side);
         ASSERT_LE(largestPrimeFactor(2 * (side + padding) - 2), 7) << side;
-        for (int less = 0; less < padding; ++less) ASSERT_GT(largestPrimeFactor(2 * (side + less) - 2), 7) << side;
+        for (int less = 0; less < padding; ++less)
+            ASSERT_GT(largestPrimeFactor(2 * (side + less) - 2), 7) << side;
     }
     EXPECT_EQ(transformPadding(5002), 0) << "longer than the table";
     EXPECT_EQ(transformPadding(1), 0);
