@@ -186,6 +186,8 @@ TEST(ReadPicture, RefusesWhatIsNotAWholePicture) {
     EXPECT_THAT(failureOf(folder / "damaged.png"), HasSubstr("damaged"));
     writeBytes(folder / "empty.png", {});
     EXPECT_EQ(failureOf(folder / "empty.png"), "is empty");
+    std::filesystem::resize_file(folder / "empty.png", std::uintmax_t{1} << 40);  // sparse
+    EXPECT_THAT(failureOf(folder / "empty.png"), HasSubstr("two gigabytes"));
     writeBytes(folder / "text.png", {'h', 'e', 'l', 'l', 'o'});
     EXPECT_THAT(failureOf(folder / "text.png"), HasSubstr("not a picture"));
     EXPECT_THAT(failureOf(folder.path().string()), HasSubstr("folder"));
