@@ -189,9 +189,8 @@ TEST(StackBlur, StaysInsideTheBuffer) {
         for (const auto& [width, height] : kSizes)
             for (int radius : {1, 9, 1000}) {
                 Bytes image = randomFor(member, width, height);
-                Bytes framed(kMargin, 0x66);
-                framed.insert(framed.end(), image.begin(), image.end());
-                framed.insert(framed.end(), kMargin, 0x66);
+                Bytes framed(image.size() + 2 * kMargin, 0x66);
+                std::copy(image.begin(), image.end(), framed.begin() + kMargin);
                 member.blur(framed.data() + kMargin, width, height, radius);
                 member.blur(image.data(), width, height, radius);
                 const auto begin = framed.begin() + kMargin, end = framed.end() - kMargin;
