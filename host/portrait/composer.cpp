@@ -37,7 +37,7 @@ struct Composer::Face {
 
 Composer::Composer(const PortraitParams& params)
     : m_sitter(resolveSitter(params)),
-      m_scene(resolveScene(params)),
+      m_scene(resolveScene(params, m_sitter)),
       m_shape(m_sitter),
       m_pose(m_scene, m_shape),
       m_lit(m_shape, m_pose, m_scene),
