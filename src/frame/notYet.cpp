@@ -8,22 +8,6 @@
 #define ZEL_NOT_YET(name) ZEL_LOG_ERROR("%s is not available in this version", name)
 
 namespace ZelImageCore {
-void TableBase::ImageProcessWithAlphaMix(unsigned char*, int, int, unsigned char*, unsigned char*, float*) {
-    ZEL_NOT_YET("TableBase::ImageProcessWithAlphaMix");
-}
-void TableBase::ImageProcessWithColorMixing(unsigned char*, int, int, float*, int) {
-    ZEL_NOT_YET("TableBase::ImageProcessWithColorMixing");
-}
-void TableBase::ImageProcessWithMosaic(unsigned char*, int, int, int) {
-    ZEL_NOT_YET("TableBase::ImageProcessWithMosaic");
-}
-void TableBase::ImageProcessWithSharp(unsigned char*, int, int, float, unsigned char**) {
-    ZEL_NOT_YET("TableBase::ImageProcessWithSharp");
-}
-
-}  // namespace ZelImageCore
-
-namespace ZelImageCore {
 void TableSkin::ImageProcessWithAutoEyeBright(unsigned char*, int, int, void*, int, float, float, float,
                                               float, float, float, float, float, float, float) {
     ZEL_NOT_YET("TableSkin::ImageProcessWithAutoEyeBright");
@@ -35,9 +19,6 @@ void TableSkin::ImageProcessWithAutoFaceInpaint(unsigned char*, unsigned char*, 
 void TableSkin::ImageProcessWithAutoRemoveBlackCircle(unsigned char*, int, int, CGRect&, void*, int, float,
                                                       int) {
     ZEL_NOT_YET("TableSkin::ImageProcessWithAutoRemoveBlackCircle");
-}
-void TableSkin::ImageProcessWithInpaint(unsigned char*, int, int, unsigned char*, int) {
-    ZEL_NOT_YET("TableSkin::ImageProcessWithInpaint");
 }
 void TableSkin::ImageProcessWithQornSkinRetouch(unsigned char*, int, int, float, ImageCoreFaceInfo*,
                                                 unsigned char*) {
@@ -57,10 +38,6 @@ void TableSkin::ImageProcessWithSkinColor(unsigned char*, int, int, float, float
                                           int) {
     ZEL_NOT_YET("TableSkin::ImageProcessWithSkinColor");
 }
-void TableSkin::ImageProcessWithWrinkleCleaner(unsigned char*, int, int, unsigned char*, int, int) {
-    ZEL_NOT_YET("TableSkin::ImageProcessWithWrinkleCleaner");
-}
-
 }  // namespace ZelImageCore
 
 namespace ZelImageCore {
@@ -77,33 +54,6 @@ void CScenarioBeauty::PersonBeautyFilter(unsigned char*, int, int, ImageCoreFace
 }
 
 }  // namespace ZelImageCore
-bool CFaceSlimRender::autoSlimFace(unsigned char*, int, int, zellab::CInterFacePoint*, float, int) {
-    ZEL_NOT_YET("CFaceSlimRender::autoSlimFace");
-    return false;
-}
-bool CFaceSlimRender::autoSlimFace(unsigned char*, int, int, zellab::CInterFacePoint*, float, float, float,
-                                   float, float, float, float, float, int) {
-    ZEL_NOT_YET("CFaceSlimRender::autoSlimFace");
-    return false;
-}
-bool CFaceSlimRender::slimFace(unsigned char*, int, int, float, float, float, float, float, float) {
-    ZEL_NOT_YET("CFaceSlimRender::slimFace");
-    return false;
-}
-bool CEyeZoomRender::autoZoomEye(unsigned char*, int, int, zellab::CInterFacePoint*, float, int) {
-    ZEL_NOT_YET("CEyeZoomRender::autoZoomEye");
-    return false;
-}
-bool CEyeZoomRender::autoZoomEye(unsigned char*, int, int, zellab::CInterFacePoint*, float, float, float,
-                                 float, int) {
-    ZEL_NOT_YET("CEyeZoomRender::autoZoomEye");
-    return false;
-}
-bool CEyeZoomRender::zoomEye(unsigned char*, int, int, zellab::Vector2f, float, int) {
-    ZEL_NOT_YET("CEyeZoomRender::zoomEye");
-    return false;
-}
-
 namespace DefocusCore {
 
 ZelDepthDefocusRender::ZelDepthDefocusRender() = default;
