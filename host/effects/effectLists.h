@@ -8,6 +8,7 @@
 
 namespace zel {
 
+std::vector<Effect> reshapeEffects();     // slim-face, auto-slim-face, zoom-eye, auto-zoom-eye
 std::vector<Effect> simpleSkinEffects();  // bright, mascara, nature-smooth
 
 }  // namespace zel
