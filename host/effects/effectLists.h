@@ -9,5 +9,6 @@
 namespace zel {
 
 std::vector<Effect> simpleSkinEffects();  // bright, mascara, nature-smooth
+std::vector<Effect> tableBaseEffects();   // sharp, gauss-blur, mosaic, color-mixing, alpha-mix
 
 }  // namespace zel

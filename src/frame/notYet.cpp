@@ -20,9 +20,6 @@ void TableSkin::ImageProcessWithAutoRemoveBlackCircle(unsigned char*, int, int, 
                                                       int) {
     ZEL_NOT_YET("TableSkin::ImageProcessWithAutoRemoveBlackCircle");
 }
-void TableSkin::ImageProcessWithInpaint(unsigned char*, int, int, unsigned char*, int) {
-    ZEL_NOT_YET("TableSkin::ImageProcessWithInpaint");
-}
 void TableSkin::ImageProcessWithQornSkinRetouch(unsigned char*, int, int, float, ImageCoreFaceInfo*,
                                                 unsigned char*) {
     ZEL_NOT_YET("TableSkin::ImageProcessWithQornSkinRetouch");
@@ -41,10 +38,6 @@ void TableSkin::ImageProcessWithSkinColor(unsigned char*, int, int, float, float
                                           int) {
     ZEL_NOT_YET("TableSkin::ImageProcessWithSkinColor");
 }
-void TableSkin::ImageProcessWithWrinkleCleaner(unsigned char*, int, int, unsigned char*, int, int) {
-    ZEL_NOT_YET("TableSkin::ImageProcessWithWrinkleCleaner");
-}
-
 }  // namespace ZelImageCore
 
 namespace ZelImageCore {
@@ -61,7 +54,6 @@ void CScenarioBeauty::PersonBeautyFilter(unsigned char*, int, int, ImageCoreFace
 }
 
 }  // namespace ZelImageCore
-
 namespace DefocusCore {
 
 ZelDepthDefocusRender::ZelDepthDefocusRender() = default;
