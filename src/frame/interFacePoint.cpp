@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <array>
 
+#include "frame/faceInterpolation.h"
+
 namespace zellab {
 
 namespace {
@@ -42,8 +44,7 @@ void CInterFacePoint::AddFace(const Vector2f* points83, int face) {
     std::copy_n(points83, kLandmarkCount, source);
     Vector2f* anchors = blockOf(anchorPoints, index);
     for (std::size_t i = 0; i < kAnchorLandmarks.size(); ++i) anchors[i] = source[kAnchorLandmarks[i]];
-    blockOf(interPoints, index);
-    interPointCount = 0;
+    interPointCount = interpolateFace(source, blockOf(interPoints, index));
 }
 
 }  // namespace zellab

@@ -28,8 +28,12 @@ public:
     int GetInterPointCount() const { return interPointCount; }
 
     /// The 310 points of a face, owned by this object; null where no face was added at that index.
-    /// The index is not tested: a caller clamps it with clampFaceIndex.
-    Vector2f* GetInterPoints(int face) const { return interPoints[static_cast<std::size_t>(face)]; }
+    /// A caller clamps its index with clampFaceIndex; a face count that promises more than was added, or an
+    /// index below 0, gets null too.
+    Vector2f* GetInterPoints(int face) const {
+        const auto index = static_cast<std::size_t>(face);
+        return index < interPoints.size() ? interPoints[index] : nullptr;
+    }
 
     /// Copies 83 landmarks (in pixels) and derives the interpolated list of the face. Grows the object so
     /// that index `face` exists; faces left out stay null. The same index again overwrites the face.

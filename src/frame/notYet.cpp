@@ -8,25 +8,6 @@
 #define ZEL_NOT_YET(name) ZEL_LOG_ERROR("%s is not available in this version", name)
 
 namespace ZelImageCore {
-void TableBase::ImageProcessWithAlphaMix(unsigned char*, int, int, unsigned char*, unsigned char*, float*) {
-    ZEL_NOT_YET("TableBase::ImageProcessWithAlphaMix");
-}
-void TableBase::ImageProcessWithColorMixing(unsigned char*, int, int, float*, int) {
-    ZEL_NOT_YET("TableBase::ImageProcessWithColorMixing");
-}
-void TableBase::ImageProcessWithGaussBlur(unsigned char*, int, int, int) {
-    ZEL_NOT_YET("TableBase::ImageProcessWithGaussBlur");
-}
-void TableBase::ImageProcessWithMosaic(unsigned char*, int, int, int) {
-    ZEL_NOT_YET("TableBase::ImageProcessWithMosaic");
-}
-void TableBase::ImageProcessWithSharp(unsigned char*, int, int, float, unsigned char**) {
-    ZEL_NOT_YET("TableBase::ImageProcessWithSharp");
-}
-
-}  // namespace ZelImageCore
-
-namespace ZelImageCore {
 void TableSkin::ImageProcessWithAutoEyeBright(unsigned char*, int, int, void*, int, float, float, float,
                                               float, float, float, float, float, float, float) {
     ZEL_NOT_YET("TableSkin::ImageProcessWithAutoEyeBright");
@@ -39,13 +20,6 @@ void TableSkin::ImageProcessWithAutoRemoveBlackCircle(unsigned char*, int, int, 
                                                       int) {
     ZEL_NOT_YET("TableSkin::ImageProcessWithAutoRemoveBlackCircle");
 }
-bool TableSkin::ImageProcessWithBright(unsigned char*, int, int, int, int) {
-    ZEL_NOT_YET("TableSkin::ImageProcessWithBright");
-    return false;
-}
-void TableSkin::ImageProcessWithInpaint(unsigned char*, int, int, unsigned char*, int) {
-    ZEL_NOT_YET("TableSkin::ImageProcessWithInpaint");
-}
 void TableSkin::ImageProcessWithQornSkinRetouch(unsigned char*, int, int, float, ImageCoreFaceInfo*,
                                                 unsigned char*) {
     ZEL_NOT_YET("TableSkin::ImageProcessWithQornSkinRetouch");
@@ -53,12 +27,6 @@ void TableSkin::ImageProcessWithQornSkinRetouch(unsigned char*, int, int, float,
 void TableSkin::ImageProcessWithQornSkinWhitening(unsigned char*, int, int, float*, ImageCoreFaceInfo*,
                                                   unsigned char*, unsigned char*) {
     ZEL_NOT_YET("TableSkin::ImageProcessWithQornSkinWhitening");
-}
-void TableSkin::ImageProcessWithMascara(unsigned char*, int, int, int, int) {
-    ZEL_NOT_YET("TableSkin::ImageProcessWithMascara");
-}
-void TableSkin::ImageProcessWithNatureSmooth(unsigned char*, int, int, int) {
-    ZEL_NOT_YET("TableSkin::ImageProcessWithNatureSmooth");
 }
 void TableSkin::ImageProcessWithRemoveBlackCircle(unsigned char*, int, int, unsigned char*, float*, int) {
     ZEL_NOT_YET("TableSkin::ImageProcessWithRemoveBlackCircle");
@@ -70,27 +38,6 @@ void TableSkin::ImageProcessWithSkinColor(unsigned char*, int, int, float, float
                                           int) {
     ZEL_NOT_YET("TableSkin::ImageProcessWithSkinColor");
 }
-void TableSkin::ImageProcessWithWrinkleCleaner(unsigned char*, int, int, unsigned char*, int, int) {
-    ZEL_NOT_YET("TableSkin::ImageProcessWithWrinkleCleaner");
-}
-
-}  // namespace ZelImageCore
-
-namespace ZelImageCore {
-unsigned char* StbImageUtil::loadImageFromFile(const std::string&, int&, int&, int&, bool, bool, int, bool,
-                                               void*) {
-    ZEL_NOT_YET("StbImageUtil::loadImageFromFile");
-    return nullptr;
-}
-unsigned char* StbImageUtil::loadImageFromMemory(unsigned char*, int, int&, int&, int&, bool, int, bool) {
-    ZEL_NOT_YET("StbImageUtil::loadImageFromMemory");
-    return nullptr;
-}
-bool StbImageUtil::IsEncryptImageWithHead(char*, unsigned long) {
-    ZEL_NOT_YET("StbImageUtil::IsEncryptImageWithHead");
-    return false;
-}
-
 }  // namespace ZelImageCore
 
 namespace ZelImageCore {
@@ -107,33 +54,6 @@ void CScenarioBeauty::PersonBeautyFilter(unsigned char*, int, int, ImageCoreFace
 }
 
 }  // namespace ZelImageCore
-bool CFaceSlimRender::autoSlimFace(unsigned char*, int, int, zellab::CInterFacePoint*, float, int) {
-    ZEL_NOT_YET("CFaceSlimRender::autoSlimFace");
-    return false;
-}
-bool CFaceSlimRender::autoSlimFace(unsigned char*, int, int, zellab::CInterFacePoint*, float, float, float,
-                                   float, float, float, float, float, int) {
-    ZEL_NOT_YET("CFaceSlimRender::autoSlimFace");
-    return false;
-}
-bool CFaceSlimRender::slimFace(unsigned char*, int, int, float, float, float, float, float, float) {
-    ZEL_NOT_YET("CFaceSlimRender::slimFace");
-    return false;
-}
-bool CEyeZoomRender::autoZoomEye(unsigned char*, int, int, zellab::CInterFacePoint*, float, int) {
-    ZEL_NOT_YET("CEyeZoomRender::autoZoomEye");
-    return false;
-}
-bool CEyeZoomRender::autoZoomEye(unsigned char*, int, int, zellab::CInterFacePoint*, float, float, float,
-                                 float, int) {
-    ZEL_NOT_YET("CEyeZoomRender::autoZoomEye");
-    return false;
-}
-bool CEyeZoomRender::zoomEye(unsigned char*, int, int, zellab::Vector2f, float, int) {
-    ZEL_NOT_YET("CEyeZoomRender::zoomEye");
-    return false;
-}
-
 namespace DefocusCore {
 
 ZelDepthDefocusRender::ZelDepthDefocusRender() = default;

@@ -1,5 +1,6 @@
 #include "platform/processorInfo.h"
 
+#include <sched.h>
 #include <sys/sysinfo.h>
 
 #include <algorithm>
@@ -7,8 +8,10 @@
 namespace zellab::platform {
 
 int logicalProcessors() {
-    // glibc counts the processors of the affinity mask, so a process bound to one core gets 1.
-    return std::max(get_nprocs(), 1);
+    // A process bound to one core gets 1. Machines with more processors than the set holds count them all.
+    cpu_set_t allowed;
+    const bool known = sched_getaffinity(0, sizeof allowed, &allowed) == 0;
+    return std::max(known ? CPU_COUNT(&allowed) : get_nprocs(), 1);
 }
 
 }  // namespace zellab::platform

@@ -1,0 +1,84 @@
+#include "applyPlan.h"
+
+#include <map>
+
+#include "effectRegistry.h"
+#include "pictures/writePicture.h"
+
+namespace zel {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+bool isFolder(const std::string& path) {
+    std::error_code error;
+    return !path.empty() && fs::is_directory(path, error);
+}
+
+/// Whether `path` names a folder to write into, for this number of inputs. `option` names it in messages.
+bool meansFolder(const std::string& path, std::size_t inputs, const char* option) {
+    if (isFolder(path) || (!path.empty() && path.back() == '/')) return true;
+    if (inputs == 1) return false;
+    std::error_code error;
+    if (fs::exists(path, error) || formatOfSuffix(path))
+        throw UsageError(std::string(option) + " must be a folder for several inputs, not '" + path + "'");
+    return true;
+}
+
+void requireFormat(const std::string& path, const char* option) {
+    if (!formatOfSuffix(path))
+        throw UsageError(std::string(option) + " must end in .png, .jpg or .jpeg, not '" + path + "'");
+}
+
+/// The name of an input's output in a folder.
+std::string outputName(const fs::path& input) {
+    return formatOfSuffix(input) ? input.filename().string() : input.stem().string() + ".png";
+}
+
+/// Two inputs must not write one file.
+void refuseCollisions(const std::vector<ApplyItem>& items) {
+    std::map<fs::path, std::string> owners;
+    for (const ApplyItem& item : items) {
+        for (const UserPath* target : {&item.output, &item.sheet}) {
+            if (target->shown.empty()) continue;
+            const auto [owner, fresh] = owners.emplace(target->real.lexically_normal(), item.input.shown);
+            if (!fresh)
+                throw UsageError("'" + target->shown + "' would be written twice (for '" + owner->second +
+                                 "' and '" + item.input.shown + "')");
+        }
+    }
+}
+
+}  // namespace
+
+ApplyPlan planApply(const ApplyOptions& options) {
+    const std::size_t count = options.inputs.size();
+    const bool toFolder = meansFolder(options.output, count, "OUT");
+    const bool hasSheet = !options.compare.empty();
+    const bool sheetsToFolder = hasSheet && meansFolder(options.compare, count, "--compare");
+    if (!toFolder) requireFormat(options.output, "OUT");
+    if (hasSheet && !sheetsToFolder) requireFormat(options.compare, "--compare");
+
+    ApplyPlan plan;
+    if (toFolder) plan.folders.emplace_back(options.output);
+    if (sheetsToFolder) plan.folders.emplace_back(options.compare);
+    const UserPath output(options.output);
+    for (const std::string& name : options.inputs) {
+        ApplyItem item;
+        item.input = UserPath(name);
+        const std::string stem = fs::path(name).stem().string();
+        item.output = toFolder ? output / outputName(name) : output;
+        if (hasSheet)
+            item.sheet = sheetsToFolder ? UserPath(options.compare) / (stem + "-sheet.png")
+                                        : UserPath(options.compare);
+        if (!options.faces.empty())
+            item.faces = isFolder(options.faces) ? UserPath(options.faces) / (stem + ".json")
+                                                 : UserPath(options.faces);
+        plan.items.push_back(item);
+    }
+    refuseCollisions(plan.items);
+    return plan;
+}
+
+}  // namespace zel

@@ -1,0 +1,35 @@
+#pragma once
+
+#include <CLI/CLI.hpp>
+#include <string>
+#include <vector>
+
+#include "applyPlan.h"
+#include "portraitCommand.h"
+
+namespace zel {
+
+/// The command's grammar with the places where a parse puts what was typed.
+class CommandLine {
+public:
+    CommandLine();
+    CommandLine(const CommandLine&) = delete;
+    CommandLine& operator=(const CommandLine&) = delete;
+
+    CLI::App app;
+    ApplyOptions apply;
+    PortraitOptions portrait;
+    bool effectsAsJson = false;
+    bool manPage = false;
+
+private:
+    CLI::App& addCommand(const std::string& name);
+    void addEffects();
+    void addApply();
+    void addPortrait();
+};
+
+/// Runs the command with the words behind the program's name; returns the exit status.
+int runCommand(const std::vector<std::string>& words);
+
+}  // namespace zel

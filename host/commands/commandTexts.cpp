@@ -1,0 +1,71 @@
+#include "commandTexts.h"
+
+#include "wrapText.h"
+
+namespace zel {
+
+const char* const kProgramSummary = "portrait effects on picture files";
+
+const char* const kProgramDetails =
+    "Retouches portraits: reads PNG and JPEG files (and BMP, GIF, TGA, PSD, HDR, PIC and PNM), runs one "
+    "effect "
+    "of the library, and writes PNG or JPEG. EXIF orientation is applied; EXIF data and the colour profile "
+    "go "
+    "with the picture.\n\n"
+    "Standard output carries results only. Progress and messages go to standard error, one line each. An "
+    "output is written as a whole or not at all: where the work fails, an existing file stays as it was.";
+
+const std::vector<std::pair<int, const char*>> kExitStatuses = {
+    {0, "all is done"},
+    {1, "some work failed; a line says which file and why, and the other inputs were processed"},
+    {2, "the command was not understood; nothing was done"},
+};
+
+const std::vector<CommandText>& commandTexts() {
+    static const std::vector<CommandText> texts = {
+        {"effects",
+         "List every effect, its parameters with range and default",
+         "The list goes to standard output; with --json it is made for scripts.",
+         {{"Read what there is", "zel effects"},
+          {"The names alone, in a script", "zel effects --json | jq -r '.effects[].name'"}}},
+        {"apply",
+         "Run one effect on pictures",
+         "The suffix of OUT chooses the format: .png keeps transparency, .jpg and .jpeg (quality 95) put the "
+         "picture on white. With several inputs OUT is a folder, made where it is missing; outputs there are "
+         "called like their inputs. A failing input does not stop the others.\n\n"
+         "A mask is a picture of the same size: white where the effect works fully, black where it does "
+         "not.\n\n"
+         "zel apply EFFECT --help tells the parameters of one effect.",
+         {{"Smooth a portrait and look at both side by side",
+           "zel apply nature-smooth portrait.jpg -o smooth.jpg --compare sheet.png"},
+          {"Turn two knobs", "zel apply bright portrait.png -o clear.png --set radius=8 --set level=3"},
+          {"A whole folder, four pictures at once",
+           "zel apply nature-smooth photos/*.jpg -o out/ --jobs 4"}}},
+        {"portrait",
+         "Draw the built-in synthetic portrait",
+         "The same seed and settings give the same picture. Its landmarks are known exactly and can be "
+         "written "
+         "as face data for zel apply --faces.",
+         {{"A portrait with its face data",
+           "zel portrait -o portrait.png --faces portrait.json --size 900x1200 --seed 7"},
+          {"The truth beside it: clean picture, masks, depth",
+           "zel portrait -o portrait.png --seed 7 --set moles=12 --truth truth/"}}},
+    };
+    return texts;
+}
+
+const CommandText& commandText(const std::string& name) {
+    for (const auto& text : commandTexts())
+        if (name == text.name) return text;
+    return commandTexts().front();
+}
+
+std::string helpFooter(const CommandText& text) {
+    std::string footer(text.details);
+    footer += "\n\nExamples:";
+    for (const auto& example : text.examples)
+        footer.append("\n  ").append(example.what).append(":\n    ").append(example.command);
+    return wrapText(footer);
+}
+
+}  // namespace zel

@@ -1,0 +1,11 @@
+#pragma once
+
+#include <CLI/CLI.hpp>
+#include <string>
+
+namespace zel {
+
+/// The manual page zel(1) in troff, from the grammar, the texts of --help and the list of effects.
+std::string manPage(const CLI::App& app);
+
+}  // namespace zel

@@ -1,0 +1,40 @@
+#include "effectChecks.h"
+
+namespace zel {
+
+namespace {
+
+std::string sizeText(int width, int height) {
+    return std::to_string(width) + " by " + std::to_string(height);
+}
+
+/// `what` is "the mask" or "the second picture".
+template <typename Picture>
+const Picture& ofPictureSize(const Picture* picture, const Image& image, const char* what,
+                             const char* option) {
+    if (!picture) throw Failure(std::string("needs ") + option);
+    if (picture->width != image.width || picture->height != image.height)
+        throw Failure(std::string(what) + " is " + sizeText(picture->width, picture->height) +
+                      " pixels, the picture " + sizeText(image.width, image.height));
+    return *picture;
+}
+
+}  // namespace
+
+const Mask& maskOfPictureSize(const EffectRun& run) {
+    return ofPictureSize(run.mask, run.image, "the mask", "--mask");
+}
+
+const Image& secondOfPictureSize(const EffectRun& run) {
+    return ofPictureSize(run.second, run.image, "the second picture", "--second");
+}
+
+const Face& faceAt(const EffectRun& run, int index) {
+    const std::size_t count = run.faces.faces.size();
+    if (index < 0 || static_cast<std::size_t>(index) >= count)
+        throw Failure("there is no face " + std::to_string(index) + " (the face data holds " +
+                      std::to_string(count) + ", counted from 0)");
+    return run.faces.faces[static_cast<std::size_t>(index)];
+}
+
+}  // namespace zel

@@ -1,0 +1,49 @@
+#pragma once
+
+#include <filesystem>
+#include <string>
+#include <vector>
+
+#include "effect.h"
+#include "image.h"
+
+namespace zel {
+
+/// A path as the user typed it, for messages, and where it leads whatever the working directory.
+struct UserPath {
+    std::string shown;
+    std::filesystem::path real;
+
+    UserPath() = default;
+    explicit UserPath(const std::string& typed) : shown(typed), real(std::filesystem::absolute(typed)) {}
+    UserPath operator/(const std::string& name) const;
+};
+
+/// A failure that names its file itself, where that is not the input at hand.
+class FileFailure : public Failure {
+public:
+    FileFailure(const std::string& file, const std::string& why) : Failure(why), m_file(file) {}
+    const std::string& file() const { return m_file; }
+
+private:
+    std::string m_file;
+};
+
+/// All bytes of a regular file. Throws Failure with the reason (a folder, no permission, ...).
+std::vector<unsigned char> readFileBytes(const std::filesystem::path& path);
+
+/// A picture with what deserves a word to the user ("16 bits a channel are reduced to 8").
+struct LoadedPicture {
+    Image image;
+    std::vector<std::string> notes;
+};
+
+/// Reads a picture through the library: PNG and JPEG with EXIF, colour profile and orientation, the
+/// library's other formats with their pixels alone. `scrambled` files give their pixels alone as well: only
+/// the library can look inside. Throws Failure.
+LoadedPicture readPicture(const std::filesystem::path& path, bool scrambled);
+
+/// Reads a picture as a mask: its grey value, weighed by its alpha. Throws Failure.
+Mask readMask(const std::filesystem::path& path);
+
+}  // namespace zel

@@ -1,0 +1,119 @@
+#include "sheet.h"
+
+#include <algorithm>
+#include <array>
+#include <cstddef>
+#include <cstdint>
+
+#include "glyphs.h"
+
+namespace zel {
+
+namespace {
+
+constexpr int kMargin = 24, kLabelScale = 3, kFrame = 2;
+constexpr int kLabelHeight = kGlyphHeight * kLabelScale + 18;
+constexpr int kMaxCellWidth = 960, kMaxCellHeight = 1280;
+constexpr unsigned char kPaper[3] = {34, 34, 38}, kInk[3] = {232, 232, 232}, kLine[3] = {110, 110, 116};
+
+std::size_t offsetOf(const Image& image, int x, int y) {
+    return 4 * (static_cast<std::size_t>(y) * static_cast<std::size_t>(image.width) +
+                static_cast<std::size_t>(x));
+}
+
+/// Source range behind target position i of n; at least one sample.
+std::pair<int, int> areaOf(int i, int n, int sourceLength) {
+    const int begin = static_cast<int>(std::int64_t{i} * sourceLength / n);
+    const int end = static_cast<int>(std::int64_t{i + 1} * sourceLength / n);
+    return {begin, std::max(begin + 1, end)};
+}
+
+/// Mean of an area; colours are weighed by their alpha so that what cannot be seen does not tint.
+std::array<unsigned char, 4> meanOf(const Image& image, std::pair<int, int> columns,
+                                    std::pair<int, int> rows) {
+    std::uint64_t sums[3] = {0, 0, 0}, alphas = 0, count = 0;
+    for (int y = rows.first; y < rows.second; ++y) {
+        const unsigned char* p = image.rgba.data() + offsetOf(image, columns.first, y);
+        for (int x = columns.first; x < columns.second; ++x, p += 4, ++count) {
+            for (int c = 0; c < 3; ++c) sums[c] += std::uint64_t{p[c]} * p[3];
+            alphas += p[3];
+        }
+    }
+    std::array<unsigned char, 4> mean{0, 0, 0, static_cast<unsigned char>((alphas + count / 2) / count)};
+    for (std::size_t c = 0; c < 3 && alphas > 0; ++c)
+        mean[c] = static_cast<unsigned char>((sums[c] + alphas / 2) / alphas);
+    return mean;
+}
+
+void fillRect(Image& image, int x0, int y0, int width, int height, const unsigned char (&rgb)[3]) {
+    for (int y = y0; y < y0 + height; ++y)
+        for (int x = x0; x < x0 + width; ++x) {
+            unsigned char* p = image.rgba.data() + offsetOf(image, x, y);
+            std::copy_n(rgb, 3, p);
+            p[3] = 255;
+        }
+}
+
+/// Copies a picture in, transparent parts over white as on a page.
+void paste(Image& sheet, const Image& picture, int x0, int y0) {
+    for (int y = 0; y < picture.height; ++y)
+        for (int x = 0; x < picture.width; ++x) {
+            const unsigned char* p = picture.rgba.data() + offsetOf(picture, x, y);
+            unsigned char* q = sheet.rgba.data() + offsetOf(sheet, x0 + x, y0 + y);
+            for (int c = 0; c < 3; ++c)
+                q[c] = static_cast<unsigned char>((p[c] * p[3] + 255 * (255 - p[3]) + 127) / 255);
+        }
+}
+
+/// The label, or what of it fits above a picture.
+std::string fitLabel(std::string label, int width) {
+    while (!label.empty() && textWidth(label, kLabelScale) > width) label.pop_back();
+    return label;
+}
+
+void placeCell(Image& sheet, const Image& picture, const std::string& label, int x, int cellWidth) {
+    const int y = kMargin + kLabelHeight;
+    drawText(sheet, x, kMargin, fitLabel(label, cellWidth), kLabelScale, kInk);
+    fillRect(sheet, x - kFrame, y - kFrame, picture.width + 2 * kFrame, picture.height + 2 * kFrame, kLine);
+    paste(sheet, picture, x, y);
+}
+
+}  // namespace
+
+Image reduceToFit(const Image& image, int maxWidth, int maxHeight) {
+    const double factor = std::min(
+        {1.0, static_cast<double>(maxWidth) / image.width, static_cast<double>(maxHeight) / image.height});
+    if (factor >= 1.0) return image;
+    Image reduced;
+    reduced.width = std::max(1, static_cast<int>(image.width * factor));
+    reduced.height = std::max(1, static_cast<int>(image.height * factor));
+    reduced.exif = image.exif;
+    reduced.iccProfile = image.iccProfile;
+    reduced.rgba.reserve(4 * static_cast<std::size_t>(reduced.width) *
+                         static_cast<std::size_t>(reduced.height));
+    for (int y = 0; y < reduced.height; ++y)
+        for (int x = 0; x < reduced.width; ++x) {
+            const auto mean =
+                meanOf(image, areaOf(x, reduced.width, image.width), areaOf(y, reduced.height, image.height));
+            reduced.rgba.insert(reduced.rgba.end(), mean.begin(), mean.end());
+        }
+    return reduced;
+}
+
+Image makeSheet(const Image& before, const Image& after, const std::string& effectLabel) {
+    const Image left = reduceToFit(before, kMaxCellWidth, kMaxCellHeight);
+    const Image right = reduceToFit(after, kMaxCellWidth, kMaxCellHeight);
+    const std::string beforeLabel = "before", afterLabel = "after  " + effectLabel;
+    const int cellWidth = std::max({left.width, right.width, textWidth(beforeLabel, kLabelScale)});
+    Image sheet;
+    sheet.width = 2 * cellWidth + 3 * kMargin;
+    sheet.height = std::max(left.height, right.height) + kLabelHeight + 2 * kMargin;
+    sheet.rgba.resize(4 * static_cast<std::size_t>(sheet.width) * static_cast<std::size_t>(sheet.height));
+    sheet.iccProfile = after.iccProfile;
+    fillRect(sheet, 0, 0, sheet.width, sheet.height, kPaper);
+    placeCell(sheet, left, beforeLabel, kMargin, cellWidth);
+    placeCell(sheet, right, afterLabel, 2 * kMargin + cellWidth, cellWidth);
+    return sheet;
+}
+
+}  // namespace zel

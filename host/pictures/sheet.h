@@ -1,0 +1,17 @@
+#pragma once
+
+#include <string>
+
+#include "image.h"
+
+namespace zel {
+
+/// The picture reduced so that it fits the given size, by the mean of the area behind every pixel; never
+/// enlarged. EXIF and profile stay.
+Image reduceToFit(const Image& image, int maxWidth, int maxHeight);
+
+/// Before and after side by side, each in a frame with a label above. Large pictures are reduced so that
+/// the sheet is about 2,000 pixels wide; both by the same factor. The colour profile is that of `after`.
+Image makeSheet(const Image& before, const Image& after, const std::string& effectLabel);
+
+}  // namespace zel

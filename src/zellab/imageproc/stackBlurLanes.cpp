@@ -1,0 +1,140 @@
+#include "zellab/imageproc/stackBlurLanes.h"
+
+#include <cmath>
+#include <cstdint>
+
+namespace zellab {
+
+namespace {
+
+__extension__ using Int128 = __int128;
+
+/// Divides sums of at most 24 bits.
+struct SingleDivider {
+    explicit SingleDivider(std::int64_t reach) : reciprocal(reciprocalFromAbove(static_cast<int>(reach))) {}
+    Byte operator()(std::int32_t sum) const {
+        return static_cast<Byte>(static_cast<std::int32_t>(static_cast<float>(sum) * reciprocal));
+    }
+    float reciprocal;
+};
+
+/// Divides sums of at most 31 bits: an estimate that is never above, and the remainder's verdict.
+struct CorrectedDivider {
+    explicit CorrectedDivider(std::int64_t reach)
+        : reciprocal(reciprocalFromBelow(static_cast<int>(reach))),
+          divisor(static_cast<std::int32_t>(reach * reach)) {}
+    Byte operator()(std::int32_t sum) const {
+        const auto estimate = static_cast<std::int32_t>(static_cast<float>(sum) * reciprocal);
+        return static_cast<Byte>(estimate + (sum - estimate * divisor >= divisor ? 1 : 0));
+    }
+    float reciprocal;
+    std::int32_t divisor;
+};
+
+/// Divides sums of any length: the same in double precision.
+template <typename Sum>
+struct WideDivider {
+    explicit WideDivider(std::int64_t reach)
+        : reciprocal((1.0 - 0x1p-40) / (static_cast<double>(reach) * static_cast<double>(reach))),
+          divisor(Sum{reach} * reach) {}
+    Byte operator()(Sum sum) const {
+        const auto estimate = static_cast<int>(static_cast<double>(sum) * reciprocal);
+        return static_cast<Byte>(estimate + (sum - estimate * divisor >= divisor ? 1 : 0));
+    }
+    double reciprocal;
+    Sum divisor;
+};
+
+/// Written so that the compiler turns the loops over a group into vector code.
+template <typename Sum, typename Divider>
+class PlainLanes final : public LaneBlur {
+public:
+    explicit PlainLanes(const LaneBlurSpec& spec)
+        : m_groups(static_cast<std::size_t>(spec.groups)),
+          m_divider(std::int64_t{spec.radius} + 1),
+          m_radius(spec.radius) {
+        for (int lane = 0; lane < kLaneGroup; ++lane)
+            m_kept[lane] = spec.keepAlpha && lane % 4 == 3 ? 255 : 0;
+    }
+
+    void begin(const std::vector<const Byte*>& first) override {
+        std::size_t offset = 0;
+        for (Group& group : m_groups) {
+            group = Group{};
+            for (std::size_t i = 1; i < first.size(); ++i)
+                for (int lane = 0; lane < kLaneGroup; ++lane) {
+                    group.slope[lane] += first[i][offset + lane];
+                    group.sum[lane] += group.slope[lane];
+                }
+            finishBegin(group, first.front() + offset, first.back() + offset,
+                        m_radius - static_cast<Sum>(first.size() - 1));
+            offset += kLaneGroup;
+        }
+    }
+
+    void advance(const Taps& taps, Byte* out) override {
+        std::size_t offset = 0;
+        for (Group& group : m_groups) {
+            for (int i = 0; i < taps.count; ++i)
+                step(group, taps.enter[i] + offset, taps.centre[i] + offset, taps.leave[i] + offset,
+                     out + m_groups.size() * kLaneGroup * static_cast<std::size_t>(i) + offset);
+            offset += kLaneGroup;
+        }
+    }
+
+private:
+    struct Group {
+        Sum sum[kLaneGroup];
+        Sum slope[kLaneGroup];
+    };
+
+    /// Adds the repeats of both end samples: `beyond` of the last one, radius + 1 of position 0.
+    void finishBegin(Group& group, const Byte* start, const Byte* last, Sum beyond) const {
+        const Sum triangle = beyond * (beyond + 1) / 2;
+        const Sum startWeight = (Sum{m_radius} + 1) * (Sum{m_radius} + 2) / 2;
+        for (int lane = 0; lane < kLaneGroup; ++lane) {
+            group.sum[lane] += beyond * group.slope[lane] + triangle * last[lane] + startWeight * start[lane];
+            group.slope[lane] += beyond * last[lane] - Sum{m_radius} * start[lane];
+        }
+    }
+
+    void step(Group& group, const Byte* enter, const Byte* centre, const Byte* leave, Byte* out) const {
+        for (int lane = 0; lane < kLaneGroup; ++lane) {
+            const Byte quotient = m_divider(group.sum[lane]);
+            out[lane] = static_cast<Byte>((quotient & ~m_kept[lane]) | (centre[lane] & m_kept[lane]));
+            group.slope[lane] += enter[lane] - 2 * centre[lane] + leave[lane];
+            group.sum[lane] += group.slope[lane];
+        }
+    }
+
+    std::vector<Group> m_groups;
+    Divider m_divider;
+    int m_radius;
+    Byte m_kept[kLaneGroup];
+};
+
+}  // namespace
+
+float reciprocalFromAbove(int reach) {
+    const double exact = 1.0 / (static_cast<double>(reach) * reach);
+    const auto nearest = static_cast<float>(exact);
+    return nearest < exact ? std::nextafter(nearest, 1.0f) : nearest;
+}
+
+float reciprocalFromBelow(int reach) {
+    return static_cast<float>((1.0 - 0x1p-21) / (static_cast<double>(reach) * reach));
+}
+
+std::unique_ptr<LaneBlur> makeLaneBlur(const LaneBlurSpec& spec) {
+    // Compared before 1 is added, which the largest radius would not survive.
+    if (spec.radius >= kLast64BitReach)
+        return std::make_unique<PlainLanes<Int128, WideDivider<Int128>>>(spec);
+    if (spec.radius >= kLast32BitReach)
+        return std::make_unique<PlainLanes<std::int64_t, WideDivider<std::int64_t>>>(spec);
+    if (spec.simd >= platform::SimdLevel::avx2) return makeAvx2LaneBlur(spec);
+    if (spec.radius >= kLastSingleReach)
+        return std::make_unique<PlainLanes<std::int32_t, CorrectedDivider>>(spec);
+    return std::make_unique<PlainLanes<std::int32_t, SingleDivider>>(spec);
+}
+
+}  // namespace zellab

@@ -1,0 +1,85 @@
+#include "zellab/utils/zelFileUtils.h"
+
+#include <cstdint>
+#include <cstdio>
+#include <cstdlib>
+#include <memory>
+#include <string>
+
+#include "frame/zel_log.h"
+#include "platform/fileProbe.h"
+
+namespace zellab {
+
+namespace {
+
+/// A head that claims more bytes than this is damaged. The largest asset has a quarter of a megabyte.
+constexpr std::uint64_t kLargestAsset = std::uint64_t{1} << 30;
+
+using File = std::unique_ptr<std::FILE, int (*)(std::FILE*)>;
+
+std::string& assetRoot() {
+    static std::string root;
+    return root;
+}
+
+std::string fullPath(const char* path) {
+    const std::string& root = assetRoot();
+    if (root.empty() || platform::pathExists(path)) return path;
+    return root + "/" + path;
+}
+
+/// A signed little-endian word; 0 where the file ends.
+std::int32_t readWord(std::FILE* file) {
+    unsigned char bytes[4];
+    if (std::fread(bytes, 1, sizeof bytes, file) != sizeof bytes) return 0;
+    std::uint32_t word = 0;
+    for (int i = 3; i >= 0; --i) word = word << 8 | bytes[i];
+    return static_cast<std::int32_t>(word);
+}
+
+/// The pixels behind the head. The buffer is zeroed first: a file that is shorter than its head claims
+/// leaves no stray memory at the end.
+unsigned char* readPixels(std::FILE* file, std::int32_t width, std::int32_t height, int channels) {
+    if (width < 1 || height < 1 || channels < 1) return nullptr;
+    const std::uint64_t pixels = static_cast<std::uint64_t>(width) * static_cast<std::uint64_t>(height);
+    if (pixels > kLargestAsset / static_cast<std::uint64_t>(channels)) return nullptr;
+    const auto bytes = static_cast<std::size_t>(pixels * static_cast<std::uint64_t>(channels));
+    auto* data = static_cast<unsigned char*>(std::calloc(bytes, 1));
+    if (data && std::fread(data, 1, bytes, file) < bytes && std::ferror(file)) {
+        std::free(data);
+        return nullptr;
+    }
+    return data;
+}
+
+}  // namespace
+
+unsigned char* ZelFileUtils::LoadPPM(const char* path, int* width, int* height, int channels) {
+    if (!path) {
+        ZEL_LOG_ERROR("ERROR: ZelFileUtils->LoadPPM file path is NULL");
+        return nullptr;
+    }
+    const std::string full = fullPath(path);
+    if (!platform::pathExists(full.c_str())) {
+        ZEL_LOG_DEBUG("ZelFileUtils->LoadPPM file not from sdcard or not exist!");
+        return nullptr;
+    }
+    const File file(std::fopen(full.c_str(), "rb"), std::fclose);
+    if (!file) return nullptr;
+    const std::int32_t first = readWord(file.get());
+    const std::int32_t second = readWord(file.get());
+    if (width) *width = first;
+    if (height) *height = second;
+    return readPixels(file.get(), first, second, channels);
+}
+
+const char* ZelFileUtils::GetAssetRoot() {
+    return assetRoot().c_str();
+}
+
+void ZelFileUtils::SetAssetRoot(const char* root) {
+    assetRoot() = root ? root : "";
+}
+
+}  // namespace zellab

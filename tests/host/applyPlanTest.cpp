@@ -1,0 +1,63 @@
+#include "commands/applyPlan.h"
+
+#include <gtest/gtest.h>
+
+#include "effectRegistry.h"
+#include "hostSupport.h"
+
+namespace {
+
+using namespace zeltest;
+
+zel::ApplyOptions optionsFor(const std::vector<std::string>& inputs, const std::string& output) {
+    zel::ApplyOptions options;
+    options.inputs = inputs;
+    options.output = output;
+    return options;
+}
+
+TEST(ApplyPlan, OneInputGoesToAFileOrIntoAFolder) {
+    const TemporaryFolder folder;
+    EXPECT_EQ(zel::planApply(optionsFor({"a.png"}, "b.JPG")).items[0].output.shown, "b.JPG");
+    const std::string here = folder.path().string();
+    EXPECT_EQ(zel::planApply(optionsFor({"x/a.png"}, here)).items[0].output.shown, here + "/a.png");
+    const auto plan = zel::planApply(optionsFor({"x/a.png"}, here + "/new/"));
+    EXPECT_EQ(plan.items[0].output.shown, here + "/new/a.png");
+    ASSERT_EQ(plan.folders.size(), 1u);
+    EXPECT_TRUE(plan.items[0].sheet.shown.empty());
+}
+
+TEST(ApplyPlan, SeveralInputsShareAFolderWithSheetsAndFaces) {
+    const TemporaryFolder folder;
+    auto options = optionsFor({"x/a.jpeg", "y/b.bmp"}, folder / "out");
+    options.compare = folder / "out";
+    options.faces = folder.path().string();
+    const auto plan = zel::planApply(options);
+    EXPECT_EQ(plan.items[0].output.shown, folder / "out/a.jpeg");
+    EXPECT_EQ(plan.items[1].output.shown, folder / "out/b.png");
+    EXPECT_EQ(plan.items[1].sheet.shown, folder / "out/b-sheet.png");
+    EXPECT_EQ(plan.items[1].faces.shown, folder / "b.json");
+    options.faces = "one.json";
+    EXPECT_EQ(zel::planApply(options).items[1].faces.shown, "one.json");
+    EXPECT_TRUE(zel::planApply(options).items[1].faces.real.is_absolute());
+}
+
+TEST(ApplyPlan, RefusesWhatCouldNotBeMeant) {
+    const TemporaryFolder folder;
+    writeBytes(folder / "file", {1});
+    const zel::ApplyOptions cases[] = {
+        optionsFor({"a.png"}, "out"),                        // no format
+        optionsFor({"a.png"}, "out.bmp"),                    // not one that is written
+        optionsFor({"a.png", "b.png"}, "out.png"),           // one file for two inputs
+        optionsFor({"a.png", "b.png"}, folder / "file"),     // likewise
+        optionsFor({"x/a.png", "y/a.png"}, folder / "out"),  // two inputs with one name
+        optionsFor({"a.bmp", "a.png"}, folder / "out"),      // one name after the suffix changed
+    };
+    for (const auto& options : cases)
+        EXPECT_THROW(zel::planApply(options), zel::UsageError) << options.output;
+    auto sheet = optionsFor({"a.png"}, "b.png");
+    sheet.compare = "./b.png";
+    EXPECT_THROW(zel::planApply(sheet), zel::UsageError);
+}
+
+}  // namespace

@@ -1,0 +1,183 @@
+// The built program from outside: words in, files, streams and exit status out.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+
+#include "effectRegistry.h"
+#include "facesJson.h"
+#include "hostSupport.h"
+#include "pictures/exifBlock.h"
+#include "pictures/readPicture.h"
+#include "pictures/writePicture.h"
+
+namespace {
+
+using namespace zeltest;
+using testing::HasSubstr;
+
+int lineCount(const std::string& text) {
+    return static_cast<int>(std::count(text.begin(), text.end(), '\n'));
+}
+
+TEST(Command, WrongUsageIsStatusTwoInOneLineAndTouchesNothing) {
+    const TemporaryFolder folder;
+    zel::writePicture(folder / "a.png", testImage(8, 8, 1));
+    const struct {
+        const char *words, *says;
+    } cases[] = {
+        {"aply bright a.png -o o.png", "did you mean 'apply'?"},
+        {"apply brihgt a.png -o o.png", "did you mean 'bright'?"},
+        {"apply bright a.png -o o.png --set raduis=2", "did you mean 'radius'?"},
+        {"apply bright a.png -o o.png --set level=11", "0..10"},
+        {"apply bright a.png -o o.png --jbos 2", "did you mean '--jobs'?"},
+        {"apply bright a.png -o o.png --jobs 0", "1 to 64"},
+        {"apply bright a.png -o o.png --jobs two", "--jobs"},
+        {"apply bright a.png -o o.png --mask a.png", "takes no --mask"},
+        {"apply bright a.png", "--output"},
+        {"apply bright -o o.png", "IN"},
+        {"apply bright a.png -o o.tiff", ".png, .jpg or .jpeg"},
+        {"apply", "EFFECT"},
+        {"--nonsense", "--nonsense"},
+        {"portrait -o o.png --set mole=3", "did you mean 'moles'?"},
+        {"portrait -o o.png --set moles=300", "moles"},
+        {"portrait -o o.png --size 90", "WIDTHxHEIGHT"},
+        {"portrait -o o.png --size 0x9", "WIDTHxHEIGHT"},
+        {"portrait -o o.png --size 9x99999999999", "WIDTHxHEIGHT"},
+        {"portrait -o o.png --seed -1", "--seed"},
+    };
+    for (const auto& c : cases) {
+        const ProgramRun run = runZel(folder, c.words);
+        EXPECT_EQ(run.status, 2) << c.words;
+        EXPECT_THAT(run.err, HasSubstr(c.says)) << c.words;
+        EXPECT_EQ(run.err.rfind("zel: ", 0), 0u) << c.words;
+        EXPECT_EQ(lineCount(run.err), 1) << run.err;
+        EXPECT_EQ(run.out, "") << c.words;
+        EXPECT_FALSE(std::filesystem::exists(folder / "o.png")) << c.words;
+    }
+    EXPECT_EQ(runZel(folder, "").status, 2);
+}
+
+TEST(Command, HelpTeachesByExampleAndListsEveryEffect) {
+    const TemporaryFolder folder;
+    const std::string apply = runZel(folder, "apply --help").out, list = runZel(folder, "effects").out,
+                      json = runZel(folder, "effects --json").out, man = runZel(folder, "--man").out;
+    for (const zel::Effect& effect : zel::allEffects()) {
+        EXPECT_THAT(apply, HasSubstr(effect.name));
+        EXPECT_THAT(list, HasSubstr(effect.name + "\n"));
+        EXPECT_THAT(json, HasSubstr("\"name\": \"" + effect.name + "\""));
+        const ProgramRun help = runZel(folder, "apply " + effect.name + " --help");
+        EXPECT_EQ(help.status, 0);
+        EXPECT_EQ(help.err, "");
+        EXPECT_THAT(help.out, HasSubstr(effect.example));
+        for (const auto& parameter : effect.parameters) EXPECT_THAT(help.out, HasSubstr(parameter.name));
+    }
+    EXPECT_THAT(apply, HasSubstr("zel apply nature-smooth portrait.jpg -o smooth.jpg"));
+    for (const char* section :
+         {".SH NAME", ".SH SYNOPSIS", ".SH EFFECTS", ".SH EXIT STATUS", "\\-\\-compare"})
+        EXPECT_THAT(man, HasSubstr(section));
+}
+
+TEST(Command, AFailingInputLeavesItsOutputAndTheOthersGoOn) {
+    const TemporaryFolder folder;
+    std::filesystem::create_directories(folder / "out");
+    zel::writePicture(folder / "a.png", testImage(20, 30, 1));
+    zel::writePicture(folder / "c.jpg", testImage(30, 20, 2));
+    writeBytes(folder / "b.png", {'n', 'o', 'n', 'e'});
+    writeBytes(folder / "out/b.png", {'o', 'l', 'd'});
+    const ProgramRun run =
+        runZel(folder, "apply mascara a.png b.png gone.png c.jpg -o out --quiet --set level=0");
+    EXPECT_EQ(run.status, 1);
+    EXPECT_THAT(run.err, HasSubstr("zel: b.png: is not a picture that can be decoded\n"));
+    EXPECT_THAT(run.err, HasSubstr("zel: gone.png: No such file or directory\n"));
+    EXPECT_EQ(lineCount(run.err), 2) << run.err;
+    EXPECT_EQ(readText(folder / "out/b.png"), "old");
+    EXPECT_EQ(zel::readPicture(folder / "out/a.png", false).image.height, 30);
+    EXPECT_EQ(zel::readPicture(folder / "out/c.jpg", false).image.height, 20);
+    EXPECT_EQ(std::distance(std::filesystem::directory_iterator(folder / "out"), {}), 3);
+}
+
+TEST(Command, FourJobsWriteTheBytesOfOne) {
+    const TemporaryFolder folder;
+    std::vector<std::string> names;
+    std::string inputs;
+    for (unsigned i = 0; i < 10; ++i) {
+        names.emplace_back(1, static_cast<char>('a' + i));
+        names.back().append(i % 3 ? ".png" : ".jpg");
+        zel::writePicture(folder / names.back(), testImage(60 + 7 * static_cast<int>(i), 50, i));
+        inputs.append(" ").append(names.back());
+    }
+    const std::string words = "apply nature-smooth" + inputs + " --set radius=6";
+    const ProgramRun one = runZel(folder, words + " -o one"),
+                     four = runZel(folder, words + " -o four/ --jobs 4");
+    EXPECT_EQ(one.status, 0) << one.err;
+    EXPECT_EQ(four.status, 0) << four.err;
+    EXPECT_EQ(one.out + four.out, "");
+    EXPECT_THAT(four.err, HasSubstr("[10/10] "));
+    for (const std::string& name : names) {
+        const Bytes bytes = readBytes(folder / ("one/" + name));
+        EXPECT_FALSE(bytes.empty());
+        EXPECT_EQ(bytes, readBytes(folder / ("four/" + name))) << name;
+    }
+}
+
+TEST(Command, CarriesExifAndProfileBetweenFormatsAndWritesTheSheet) {
+    const TemporaryFolder folder;
+    zel::Image image = testImage(64, 40, 3);
+    image.exif = exifBlock(6);
+    image.iccProfile = colourProfile("RGB ");
+    zel::writePicture(folder / "in.jpg", image);
+    const ProgramRun run = runZel(
+        folder, "apply mascara in.jpg -o sub/../out.png --compare sheet.png --assets . --set radius=2");
+    // The folder "sub" is not there: nothing is written, and the line names the output.
+    EXPECT_EQ(run.status, 1);
+    EXPECT_THAT(run.err, HasSubstr("zel: sub/../out.png: cannot be written"));
+    EXPECT_FALSE(std::filesystem::exists(folder / "sheet.png"));
+
+    ASSERT_EQ(runZel(folder, "apply mascara in.jpg -o out.png --compare sheet.png --set radius=2").status, 0);
+    const zel::Image out = zel::readPicture(folder / "out.png", false).image;
+    EXPECT_EQ(out.width, 40);
+    EXPECT_EQ(out.iccProfile, image.iccProfile);
+    EXPECT_EQ(out.exif.size(), image.exif.size());
+    EXPECT_EQ(zel::exifOrientation(out.exif), 1);
+    EXPECT_GT(zel::readPicture(folder / "sheet.png", false).image.width, 2 * 40);
+}
+
+TEST(Command, ReadsScrambledFilesOnlyWhenToldSo) {
+    const TemporaryFolder folder;
+    zel::writePicture(folder / "plain.png", testImage(9, 7, 4));
+    Bytes bytes = readBytes(folder / "plain.png");
+    while (bytes.size() % 4) bytes.push_back(0);  // whole words; a decoder stops at the end mark
+    const unsigned char key[4] = {0xD6, 0x27, 0x1E, 0x5C};
+    for (std::size_t i = 0; i < bytes.size(); ++i) bytes[i] ^= key[i % 4];
+    const std::size_t size = bytes.size();
+    Bytes head;
+    for (std::size_t i = 0; i < 4; ++i) head.push_back(static_cast<unsigned char>(size >> (8 * i)));
+    bytes.insert(bytes.begin(), head.begin(), head.end());
+    writeBytes(folder / "s.bin", bytes);
+    EXPECT_EQ(runZel(folder, "apply mascara s.bin -o o.png --set level=0").status, 1);
+    EXPECT_EQ(runZel(folder, "apply mascara s.bin -o o.png --set level=0 --scrambled").status, 0);
+    EXPECT_EQ(zel::readPicture(folder / "o.png", false).image.rgba, testImage(9, 7, 4).rgba);
+}
+
+TEST(Command, DrawsAPortraitWithFacesAndTruth) {
+    const TemporaryFolder folder;
+    const std::string words = "portrait --size 90x120 --seed 5 --set noise=0.2 ";
+    const ProgramRun run = runZel(folder, words + "--set moles=9 -o p.png --faces f.json --truth t/deep");
+    ASSERT_EQ(run.status, 0) << run.err;
+    EXPECT_EQ(run.out, "");
+    const zel::FaceSet faces = zel::readFaces(folder / "f.json");
+    ASSERT_EQ(faces.faces.size(), 1u);
+    EXPECT_EQ(faces.width, 90);
+    EXPECT_EQ(readBytes(folder / "f.json"), readBytes(folder / "t/deep/faces.json"));
+    EXPECT_EQ(readBytes(folder / "t/deep/depth.png")[24], 16);  // bits a sample in IHDR
+    // The clean picture is what the same words draw without the layer.
+    ASSERT_EQ(runZel(folder, words + "-o clean.png").status, 0);
+    EXPECT_EQ(readBytes(folder / "clean.png"), readBytes(folder / "t/deep/clean.png"));
+    EXPECT_NE(readBytes(folder / "p.png"), readBytes(folder / "clean.png"));
+    const zel::Mask moles = zel::readMask(folder / "t/deep/moles.png");
+    EXPECT_TRUE(std::any_of(moles.samples.begin(), moles.samples.end(), [](auto m) { return m > 0; }));
+    EXPECT_EQ(runZel(folder, words + "-o none/p.png").status, 1);
+}
+
+}  // namespace

@@ -1,0 +1,105 @@
+#include "effectRegistry.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <set>
+
+#include "effectChecks.h"
+#include "nearestWord.h"
+
+namespace {
+
+using testing::HasSubstr;
+using zel::ParameterKind;
+
+zel::Effect sampleEffect() {
+    zel::Effect effect;
+    effect.name = "sample";
+    effect.parameters = {{"amount", ParameterKind::number, -1, 1, "0.5", "", {}},
+                         {"free", ParameterKind::number, 0, 0, "0", "", {}},
+                         {"radius", ParameterKind::integer, 1, 20, "", "", {}},
+                         {"soft", ParameterKind::toggle, 0, 0, "false", "", {}},
+                         {"mode", ParameterKind::choice, 0, 0, "fast", "", {"fast", "fine"}}};
+    return effect;
+}
+
+std::string usageErrorOf(const std::vector<std::string>& words) {
+    try {
+        zel::parseValues(sampleEffect(), words);
+    } catch (const zel::UsageError& error) {
+        return error.what();
+    }
+    return "accepted";
+}
+
+TEST(ParameterValues, FillDefaultsAndKeepTheLastWord) {
+    const auto values =
+        zel::parseValues(sampleEffect(), {"radius=3", "soft=on", "radius=7", "free=1e6", "amount=-1"});
+    EXPECT_EQ(values.integer("radius"), 7);
+    EXPECT_FLOAT_EQ(values.number("amount"), -1.0f);
+    EXPECT_FLOAT_EQ(values.number("free"), 1e6f);
+    EXPECT_TRUE(values.toggle("soft"));
+    EXPECT_EQ(values.text("mode"), "fast");
+}
+
+TEST(ParameterValues, RefuseWhatAnEffectCouldNotMean) {
+    for (const char* word :
+         {"amount=nan", "amount=inf", "amount=1.01", "amount=", "amount=0.5x", "amount= 0.5", "amount=1e-60",
+          "free=1e39", "free=nan", "free=-inf", "radius=0", "radius=21", "radius=2.5", "radius=99999999999",
+          "soft=maybe", "mode=Fast", "amount", "=3"})
+        EXPECT_NE(usageErrorOf({"radius=3", word}), "accepted") << word;
+    EXPECT_THAT(usageErrorOf({}), HasSubstr("radius"));
+    EXPECT_THAT(usageErrorOf({"radius=21"}), HasSubstr("1..20"));
+    EXPECT_THAT(usageErrorOf({"raduis=2"}), HasSubstr("did you mean 'radius'?"));
+}
+
+TEST(EffectRegistry, EveryEffectIsCompleteAndItsDefaultsAreInRange) {
+    std::set<std::string> names;
+    for (const zel::Effect& effect : zel::allEffects()) {
+        SCOPED_TRACE(effect.name);
+        EXPECT_TRUE(names.insert(effect.name).second) << "listed twice";
+        EXPECT_TRUE(effect.run && !effect.summary.empty() && !effect.operation.empty());
+        EXPECT_EQ(effect.example.rfind("zel apply " + effect.name + " ", 0), 0u) << effect.example;
+        std::vector<std::string> defaults;
+        for (const auto& parameter : effect.parameters)
+            if (!parameter.defaultValue.empty())
+                defaults.push_back(parameter.name + "=" + parameter.defaultValue);
+        try {
+            zel::parseValues(effect, defaults);
+        } catch (const zel::UsageError& error) {
+            // A parameter without a default is the one thing that may be missing.
+            EXPECT_THAT(error.what(), HasSubstr(" needs --set "));
+        }
+    }
+    EXPECT_THROW(zel::findEffect(""), zel::UsageError);
+}
+
+TEST(NearestWord, FindsSlipsAndLeavesStrangersAlone) {
+    const std::vector<std::string> words = {"bright", "mascara", "nature-smooth", "sharp"};
+    EXPECT_EQ(zel::nearestWord("brigth", words), "bright");
+    EXPECT_EQ(zel::nearestWord("shrap", words), "sharp");
+    EXPECT_EQ(zel::nearestWord("masscarra", words), "mascara");
+    EXPECT_EQ(zel::nearestWord("smooth", words), "nature-smooth");
+    EXPECT_EQ(zel::nearestWord("defocus", words), "");
+    EXPECT_EQ(zel::nearestWord(std::string(100000, 'a'), words), "");
+}
+
+TEST(EffectChecks, TellBothSizesAndMissingFaces) {
+    zel::Image image{4, 3, std::vector<unsigned char>(48), {}, {}};
+    const zel::Mask mask{3, 4, std::vector<unsigned char>(12)};
+    const zel::FaceSet faces;
+    const zel::ParameterValues values;
+    const zel::EffectRun run{image, faces, &mask, nullptr, values, [](const std::string&, double) {}};
+    try {
+        zel::maskOfPictureSize(run);
+        ADD_FAILURE() << "a mask of another size was accepted";
+    } catch (const zel::Failure& failure) {
+        EXPECT_STREQ(failure.what(), "the mask is 3 by 4 pixels, the picture 4 by 3");
+    }
+    EXPECT_THROW(zel::secondOfPictureSize(run), zel::Failure);
+    EXPECT_THROW(zel::faceAt(run, 0), zel::Failure);
+    EXPECT_THROW(zel::faceAt(run, -1), zel::Failure);
+}
+
+}  // namespace

@@ -1,0 +1,258 @@
+// Reading and writing of picture files, with what they carry and with what can be wrong about them.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <sys/resource.h>
+#include <sys/stat.h>
+
+#include <csignal>
+
+#include <cstdio>
+
+#include <jpeglib.h>
+
+#include "hostSupport.h"
+#include "pictures/exifBlock.h"
+#include "pictures/jpegFile.h"
+#include "pictures/orientation.h"
+#include "pictures/pngFile.h"
+#include "pictures/readPicture.h"
+#include "pictures/writePicture.h"
+
+namespace {
+
+using namespace zeltest;
+using testing::HasSubstr;
+
+std::string failureOf(const std::string& path, bool scrambled = false) {
+    try {
+        zel::readPicture(path, scrambled);
+    } catch (const zel::Failure& failure) {
+        return failure.what();
+    }
+    return "accepted";
+}
+
+/// A JPEG file with four ink channels.
+Bytes cmykJpeg(int width, int height) {
+    jpeg_compress_struct jpeg{};
+    jpeg_error_mgr errors;
+    jpeg.err = jpeg_std_error(&errors);
+    jpeg_create_compress(&jpeg);
+    unsigned char* bytes = nullptr;
+    unsigned long size = 0;
+    jpeg_mem_dest(&jpeg, &bytes, &size);
+    jpeg.image_width = static_cast<JDIMENSION>(width);
+    jpeg.image_height = static_cast<JDIMENSION>(height);
+    jpeg.input_components = 4;
+    jpeg.in_color_space = JCS_CMYK;
+    jpeg_set_defaults(&jpeg);
+    jpeg_start_compress(&jpeg, TRUE);
+    const Bytes profile = colourProfile("CMYK");
+    jpeg_write_icc_profile(&jpeg, profile.data(), static_cast<unsigned>(profile.size()));
+    Bytes line = randomBytes(static_cast<std::size_t>(width) * 4, 5);
+    JSAMPROW row = line.data();
+    while (jpeg.next_scanline < jpeg.image_height) jpeg_write_scanlines(&jpeg, &row, 1);
+    jpeg_finish_compress(&jpeg);
+    Bytes file(bytes, bytes + size);
+    jpeg_destroy_compress(&jpeg);
+    std::free(bytes);
+    return file;
+}
+
+TEST(Orientation, TurnsAllEightUpright) {
+    // Two columns, three rows, each pixel named by its red byte; the upright pictures worked out by hand.
+    const int stored[] = {1, 2, 3, 4, 5, 6};
+    const struct {
+        int orientation, width;
+        std::vector<int> upright;
+    } cases[] = {{1, 2, {1, 2, 3, 4, 5, 6}}, {2, 2, {2, 1, 4, 3, 6, 5}}, {3, 2, {6, 5, 4, 3, 2, 1}},
+                 {4, 2, {5, 6, 3, 4, 1, 2}}, {5, 3, {1, 3, 5, 2, 4, 6}}, {6, 3, {5, 3, 1, 6, 4, 2}},
+                 {7, 3, {6, 4, 2, 5, 3, 1}}, {8, 3, {2, 4, 6, 1, 3, 5}}, {9, 2, {1, 2, 3, 4, 5, 6}}};
+    for (const auto& c : cases) {
+        zel::Image image{2, 3, {}, {}, {}};
+        for (const int red : stored)
+            image.rgba.insert(image.rgba.end(), {static_cast<unsigned char>(red), 0, 0, 255});
+        zel::turnUpright(image, c.orientation);
+        EXPECT_EQ(image.width, c.width) << c.orientation;
+        EXPECT_EQ(image.height, 6 / c.width) << c.orientation;
+        std::vector<int> reds;
+        for (std::size_t i = 0; i < image.rgba.size(); i += 4) reds.push_back(image.rgba[i]);
+        EXPECT_EQ(reds, c.upright) << c.orientation;
+    }
+}
+
+TEST(ExifBlock, IsMadeTrueForTheUprightPictureAndKeptOtherwise) {
+    Bytes block = exifBlock(6);
+    EXPECT_EQ(zel::exifOrientation(block), 6);
+    zel::adaptExif(block, 300, 200);
+    Bytes wanted = exifBlock(1);
+    for (const std::size_t at : {34u, 35u, 36u, 37u}) wanted[at] = 0;  // the thumbnail is unlinked,
+    wanted[80 + 11] = 6;                                               // not rewritten
+    wanted[50] = 300 >> 8, wanted[51] = 300 & 255;
+    wanted[60] = 0, wanted[61] = 200;
+    EXPECT_EQ(block, wanted);
+}
+
+TEST(ExifBlock, SurvivesEveryCutAndDamage) {
+    const Bytes whole = exifBlock(6);
+    for (std::size_t size = 0; size < whole.size(); ++size) {
+        Bytes cut(whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(size));
+        cut.shrink_to_fit();  // so that a read behind its end shows under the sanitizer
+        zel::adaptExif(cut, 1, 1);
+        EXPECT_GE(zel::exifOrientation(cut), 1);
+    }
+    for (std::size_t at = 0; at < whole.size(); ++at)
+        for (const unsigned char value : {0, 127, 255}) {
+            Bytes damaged = whole;
+            damaged[at] = value;
+            zel::adaptExif(damaged, 1, 1);
+            EXPECT_LE(zel::exifOrientation(damaged), 8);
+        }
+}
+
+class CarriedThrough : public testing::TestWithParam<const char*> {};
+INSTANTIATE_TEST_SUITE_P(Formats, CarriedThrough, testing::Values("p.png", "p.JPEG"));
+
+TEST_P(CarriedThrough, ExifProfileAndOrientation) {
+    const TemporaryFolder folder;
+    const std::string path = folder / GetParam();
+    zel::Image image = testImage(40, 30, 1);
+    image.exif = exifBlock(8);
+    image.iccProfile = colourProfile("RGB ", 150000);  // more than one JPEG marker holds
+    zel::writePicture(path, image);
+    const zel::LoadedPicture read = zel::readPicture(path, false);
+    EXPECT_TRUE(read.notes.empty());
+    EXPECT_EQ(read.image.width, 30);
+    EXPECT_EQ(read.image.height, 40);
+    EXPECT_EQ(read.image.iccProfile, image.iccProfile);
+    EXPECT_EQ(zel::exifOrientation(read.image.exif), 1);
+    EXPECT_EQ(read.image.exif.size(), image.exif.size());
+}
+
+TEST(PngFile, KeepsEveryPixelAndDropsOnlyAnOpaqueAlpha) {
+    const TemporaryFolder folder;
+    for (const bool opaque : {true, false}) {
+        const zel::Image image = testImage(37, 21, 2, opaque);
+        zel::writePicture(folder / "p.png", image);
+        EXPECT_EQ(readBytes(folder / "p.png")[25], opaque ? 2 : 6);  // colour type in IHDR
+        EXPECT_EQ(zel::readPicture(folder / "p.png", false).image.rgba, image.rgba);
+    }
+    const std::vector<std::uint16_t> depth = {0, 65535, 0x1234, 0x8001};
+    writeBytes(folder / "d.png", zel::encodeGray16Png(2, 2, depth));
+    const auto read = zel::readPicture(folder / "d.png", false);
+    EXPECT_EQ(read.image.rgba[8], 0x12);
+    ASSERT_EQ(read.notes.size(), 1u);
+    EXPECT_THAT(read.notes[0], HasSubstr("16 bits"));
+}
+
+TEST(JpegFile, IsCloseToThePictureAndWhiteWhereItWasClear) {
+    const TemporaryFolder folder;
+    zel::Image image = testImage(64, 48, 3);
+    for (std::size_t i = 0; i < image.rgba.size(); i += 4) {
+        // Hard red and blue columns show chroma subsampling at once.
+        image.rgba[i] = i / 4 % 2 ? 255 : 0;
+        image.rgba[i + 1] = 0;
+        image.rgba[i + 2] = i / 4 % 2 ? 0 : 255;
+    }
+    for (std::size_t i = 64 * 4 * 24; i < image.rgba.size(); i += 4) image.rgba[i + 3] = 0;
+    zel::writePicture(folder / "p.jpg", image);
+    const zel::Image read = zel::readPicture(folder / "p.jpg", false).image;
+    for (std::size_t i = 0; i < read.rgba.size(); i += 4)
+        for (std::size_t c = 0; c < 3; ++c)
+            ASSERT_NEAR(read.rgba[i + c], i < 64 * 4 * 24 ? image.rgba[i + c] : 255, 16) << i;
+}
+
+TEST(ReadPicture, ConvertsInksAndLeavesTheirProfile) {
+    const TemporaryFolder folder;
+    writeBytes(folder / "inks.jpg", cmykJpeg(20, 10));
+    const auto read = zel::readPicture(folder / "inks.jpg", false);
+    EXPECT_EQ(read.image.width, 20);
+    EXPECT_TRUE(read.image.iccProfile.empty());
+    EXPECT_EQ(read.notes.size(), 2u);
+}
+
+TEST(ReadPicture, RefusesWhatIsNotAWholePicture) {
+    const TemporaryFolder folder;
+    const zel::Image image = testImage(60, 50, 4);
+    for (const char* name : {"p.png", "p.jpg"}) {
+        zel::writePicture(folder / name, image);
+        const Bytes whole = readBytes(folder / name);
+        for (const std::size_t keep : {whole.size() - 2, whole.size() / 2, std::size_t{40}, std::size_t{9}}) {
+            writeBytes(folder / "cut",
+                       Bytes(whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(keep)));
+            const std::string why = failureOf(folder / "cut");
+            EXPECT_NE(why, "accepted") << name << " cut to " << keep;
+            if (keep > 40) {
+                EXPECT_THAT(why, HasSubstr("ends early")) << name << " cut to " << keep;
+            }
+        }
+    }
+    Bytes damaged = zel::encodePng(image);
+    damaged[damaged.size() / 2] ^= 1;
+    writeBytes(folder / "damaged.png", damaged);
+    EXPECT_THAT(failureOf(folder / "damaged.png"), HasSubstr("damaged"));
+    writeBytes(folder / "empty.png", {});
+    EXPECT_EQ(failureOf(folder / "empty.png"), "is empty");
+    std::filesystem::resize_file(folder / "empty.png", std::uintmax_t{1} << 40);  // sparse
+    EXPECT_THAT(failureOf(folder / "empty.png"), HasSubstr("two gigabytes"));
+    writeBytes(folder / "text.png", {'h', 'e', 'l', 'l', 'o'});
+    EXPECT_THAT(failureOf(folder / "text.png"), HasSubstr("not a picture"));
+    EXPECT_THAT(failureOf(folder.path().string()), HasSubstr("folder"));
+    EXPECT_THAT(failureOf(folder / "missing.png"), HasSubstr("No such file"));
+    ASSERT_EQ(mkfifo((folder / "pipe.png").c_str(), 0600), 0);
+    EXPECT_THAT(failureOf(folder / "pipe.png"), HasSubstr("not a regular file"));
+}
+
+TEST(ReadPicture, RefusesAbsurdSizesBeforeItDecodes) {
+    const TemporaryFolder folder;
+    // A whole JPEG whose frame head claims 65,500 by 65,500 pixels.
+    Bytes jpeg = zel::encodeJpeg(testImage(16, 16, 5));
+    for (std::size_t i = 0; i + 9 < jpeg.size(); ++i)
+        if (jpeg[i] == 0xFF && jpeg[i + 1] == 0xC0) {
+            for (const std::size_t at : {5u, 7u}) jpeg[i + at] = 0xFF, jpeg[i + at + 1] = 0xDC;
+            break;
+        }
+    writeBytes(folder / "huge.jpg", jpeg);
+    EXPECT_THAT(failureOf(folder / "huge.jpg"), HasSubstr("65500 by 65500"));
+}
+
+TEST(ReadMask, TakesGreyWeighedByAlpha) {
+    const TemporaryFolder folder;
+    const zel::Image image{3, 1, {255, 255, 255, 255, 255, 255, 255, 0, 100, 100, 100, 255}, {}, {}};
+    zel::writePicture(folder / "m.png", image);
+    EXPECT_EQ(zel::readMask(folder / "m.png").samples, (Bytes{255, 0, 100}));
+}
+
+TEST(SafeOutput, ReplacesAsAWholeAndKeepsLinksAndPermissions) {
+    const TemporaryFolder folder;
+    const Bytes before = {1, 2, 3}, after = {4, 5};
+    writeBytes(folder / "real", before);
+    chmod((folder / "real").c_str(), 0640);
+    std::filesystem::create_symlink("real", folder / "link");
+    zel::writeFileSafely(folder / "link", after);
+    EXPECT_EQ(readBytes(folder / "real"), after);
+    EXPECT_TRUE(std::filesystem::is_symlink(folder / "link"));
+    struct stat status {};
+    ASSERT_EQ(stat((folder / "real").c_str(), &status), 0);
+    EXPECT_EQ(status.st_mode & 0777, 0640u);
+
+    EXPECT_THROW(zel::writeFileSafely("/dev/null", after), zel::Failure);
+    EXPECT_THROW(zel::writeFileSafely(folder.path(), after), zel::Failure);
+    EXPECT_THROW(zel::writeFileSafely(folder / "none/x", after), zel::Failure);
+    EXPECT_THROW(zel::writePicture(folder / "x.bmp", testImage(2, 2, 1)), zel::Failure);
+    // A write that breaks off (here at a size limit, elsewhere on a full disk) leaves the old file.
+    const auto handler = std::signal(SIGXFSZ, SIG_IGN);
+    rlimit limit{};
+    getrlimit(RLIMIT_FSIZE, &limit);
+    const rlimit small{1000, limit.rlim_max};
+    setrlimit(RLIMIT_FSIZE, &small);
+    EXPECT_THROW(zel::writeFileSafely(folder / "real", Bytes(2000)), zel::Failure);
+    setrlimit(RLIMIT_FSIZE, &limit);
+    std::signal(SIGXFSZ, handler);
+    EXPECT_EQ(readBytes(folder / "real"), after);
+
+    const auto entries = std::distance(std::filesystem::directory_iterator(folder.path()), {});
+    EXPECT_EQ(entries, 2) << "a temporary file stayed behind";
+}
+
+}  // namespace

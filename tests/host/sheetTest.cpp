@@ -1,0 +1,79 @@
+#include "pictures/sheet.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+
+#include "hostSupport.h"
+#include "pictures/glyphs.h"
+
+namespace {
+
+using namespace zeltest;
+
+zel::Image flat(int width, int height, unsigned char grey, unsigned char alpha = 255) {
+    zel::Image image{width, height, Bytes(static_cast<std::size_t>(4 * width * height), grey), {}, {}};
+    for (std::size_t i = 3; i < image.rgba.size(); i += 4) image.rgba[i] = alpha;
+    return image;
+}
+
+int countGrey(const zel::Image& image, unsigned char grey, int fromX, int toX) {
+    int count = 0;
+    for (int y = 0; y < image.height; ++y)
+        for (int x = fromX; x < toX; ++x) {
+            const unsigned char* p = image.rgba.data() + 4 * (y * image.width + x);
+            count += p[0] == grey && p[1] == grey && p[2] == grey;
+        }
+    return count;
+}
+
+TEST(Sheet, ShowsBothPicturesWholeOnTheirSides) {
+    const zel::Image sheet = zel::makeSheet(flat(200, 90, 77), flat(200, 90, 155), "bright");
+    const int middle = sheet.width / 2;
+    EXPECT_EQ(countGrey(sheet, 77, 0, middle), 200 * 90);
+    EXPECT_EQ(countGrey(sheet, 155, middle, sheet.width), 200 * 90);
+    EXPECT_EQ(countGrey(sheet, 77, middle, sheet.width), 0);
+    for (std::size_t i = 3; i < sheet.rgba.size(); i += 4) ASSERT_EQ(sheet.rgba[i], 255);
+}
+
+TEST(Sheet, TakesAwkwardPictures) {
+    for (const auto& [width, height] : {std::pair{1, 1}, {1, 5000}, {5000, 1}, {3001, 2}}) {
+        const zel::Image sheet = zel::makeSheet(flat(width, height, 60), flat(width, height, 61), "x");
+        EXPECT_LE(sheet.width, 2100);
+        EXPECT_LE(sheet.height, 1500);
+        EXPECT_GT(countGrey(sheet, 61, sheet.width / 2, sheet.width), 0) << width << " by " << height;
+    }
+}
+
+TEST(Sheet, ReducesByTheMeanOfAreas) {
+    zel::Image checks = flat(400, 300, 0);
+    for (int y = 0; y < 300; ++y)
+        for (int x = 0; x < 400; ++x)
+            if ((x + y) % 2)
+                std::fill_n(checks.rgba.begin() + 4 * (y * 400 + x), 3, static_cast<unsigned char>(200));
+    const zel::Image reduced = zel::reduceToFit(checks, 100, 100);
+    EXPECT_EQ(reduced.width, 100);
+    EXPECT_EQ(reduced.height, 75);
+    EXPECT_EQ(countGrey(reduced, 100, 0, 100), 100 * 75);
+    // What is wholly clear has no say in the colour.
+    zel::Image half = flat(2, 1, 200);
+    half.rgba[0] = 90;
+    half.rgba[3] = 0;
+    const zel::Image one = zel::reduceToFit(half, 1, 1);
+    EXPECT_EQ(one.rgba[0], 200);
+    EXPECT_EQ(one.rgba[3], 128);
+    EXPECT_EQ(zel::reduceToFit(checks, 4000, 4000).rgba, checks.rgba);
+}
+
+TEST(Glyphs, StayInsideThePictureAndShowWhereTheyFit) {
+    zel::Image image = flat(40, 12, 0);
+    const unsigned char white[3] = {255, 255, 255};
+    zel::drawText(image, -3, -3, "after", 2, white);
+    zel::drawText(image, 36, 9, "w~w", 3, white);
+    EXPECT_GT(countGrey(image, 255, 0, 20), 0);
+    zel::Image letter = flat(5, 7, 0);
+    zel::drawText(letter, 0, 0, "i", 1, white);
+    EXPECT_EQ(countGrey(letter, 255, 2, 3), 7);  // the stem of the I
+}
+
+}  // namespace
