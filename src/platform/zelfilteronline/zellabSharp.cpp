@@ -19,7 +19,7 @@ using ConstPlane = zellab::PlaneView<const Byte>;
 constexpr int kUnit = 256;           // gains and gates are in 1/256
 constexpr int kStructureRadius = 2;  // pixels
 constexpr int kHeadroom = 2;         // levels beyond the neighbourhood's darkest and brightest sample
-constexpr float kFineGain = 2.2f, kStructureGain = 1.2f;  // at an amount of 1
+constexpr float kFineGain = 3.4f, kStructureGain = 3.4f;  // at an amount of 1
 
 /// Where sharpening sets in and where it is full, by the steepness of the structure and by the height of the
 /// detail, in levels. Set on noise of three to four levels: below the first values it does not show, above
@@ -90,7 +90,7 @@ public:
         const int gate = m_protectFlat ? gateOf(structureRows, columns, here - broad) : kUnit;
         if (gate == 0 || boost == 0) return 0;
         const Range range = rangeAround(lumaRows, columns);
-        return std::clamp(here + boost / kUnit * gate / kUnit, range.lowest - kHeadroom,
+        return std::clamp(here + boost * gate / (kUnit * kUnit), range.lowest - kHeadroom,
                           range.highest + kHeadroom) -
                here;
     }
