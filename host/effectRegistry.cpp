@@ -113,7 +113,7 @@ const Parameter& findParameter(const Effect& effect, const std::string& name) {
 
 std::vector<Effect> gatherEffects() {
     std::vector<Effect> effects;
-    for (const auto& list : {tableBaseEffects(), simpleSkinEffects()})
+    for (const auto& list : {tableBaseEffects(), simpleSkinEffects(), reshapeEffects()})
         effects.insert(effects.end(), list.begin(), list.end());
     return effects;
 }

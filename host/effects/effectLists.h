@@ -8,6 +8,7 @@
 
 namespace zel {
 
+std::vector<Effect> reshapeEffects();     // slim-face, auto-slim-face, zoom-eye, auto-zoom-eye
 std::vector<Effect> simpleSkinEffects();  // bright, mascara, nature-smooth
 std::vector<Effect> tableBaseEffects();   // sharp, gauss-blur, mosaic, color-mixing, alpha-mix
 
