@@ -116,14 +116,14 @@ void mixTowardsCheek(ImageView crop, const CheekRows& cheeks, const Plane<Byte>&
 }
 
 template <typename Mix>
-void removeCircles(unsigned char* rgba, int width, int height, const DarkCircleRun& run, bool keepCore) {
+void removeCircles(unsigned char* rgba, int width, int height, const DarkCircleRun& run) {
     const ImageView image(rgba, width, height);
     if (!image.valid() || !run.points) return;
     const std::optional<EyeRegion> region = findEyeRegion(width, height, run);
     if (!region) return;
-    const UnderEyeMasks masks = drawUnderEyeMasks(*region, run, keepCore);
+    const UnderEyeMasks masks = drawUnderEyeMasks(*region, run);
     if (run.useEdges && allowsSeamlessRepair(image, *region, run.points))
-        repairSeamlessly(image, *region, masks.region, run.strength);
+        repairSeamlessly(image, *region, masks.repair, run.strength);
 
     const PixelRect &face = region->face, &area = region->crop;
     const ImageView crop = image.crop(area.x, area.y, area.width, area.height);
@@ -135,11 +135,11 @@ void removeCircles(unsigned char* rgba, int width, int height, const DarkCircleR
 }  // namespace
 
 void CBlackEyeCleaner::Run(unsigned char* image, int width, int height, const DarkCircleRun& run) {
-    removeCircles<ShiftedMix>(image, width, height, run, true);
+    removeCircles<ShiftedMix>(image, width, height, run);
 }
 
 void CBlackEyeCleanerB::Run(unsigned char* image, int width, int height, const DarkCircleRun& run) {
-    removeCircles<RoundedMix>(image, width, height, run, false);
+    removeCircles<RoundedMix>(image, width, height, run);
 }
 
 }  // namespace zellab

@@ -116,18 +116,21 @@ std::optional<EyeRegion> findEyeRegion(int width, int height, const DarkCircleRu
     return region;
 }
 
-UnderEyeMasks drawUnderEyeMasks(const EyeRegion& region, const DarkCircleRun& run, bool keepCore) {
+UnderEyeMasks drawUnderEyeMasks(const EyeRegion& region, const DarkCircleRun& run) {
     const int w = region.crop.width, h = region.crop.height;
-    UnderEyeMasks masks{Plane<Byte>(w, h), Plane<Byte>(w, h)};
+    UnderEyeMasks masks{Plane<Byte>(w, h), Plane<Byte>(w, h), Plane<Byte>(w, h)};
     Plane<Byte> core(w, h);
     for (const EyeIndices& eye : {kLeftEye, kRightEye}) {
         if (!liesInside(region.points[static_cast<std::size_t>(eye.outer)], region.face)) continue;
         drawUnderEyeShape(masks.region.view(), shapeOf(region, eye, false, run.ringWeight));
         drawUnderEyeShape(core.view(), shapeOf(region, eye, true, run.ringWeight));
     }
+    const Byte coreShare = static_cast<Byte>(limited(run.coreStrength * 255.0f, 0.0f, 255.0f));
     for (std::size_t i = 0; i < core.size(); ++i) {
-        const bool isCore = keepCore && core.data()[i] != 0;
-        masks.soft.data()[i] = masks.region.data()[i] != 0 && !isCore ? 255 : 0;
+        if (masks.region.data()[i] == 0) continue;
+        const Byte share = core.data()[i] != 0 ? coreShare : Byte{255};
+        masks.repair.data()[i] = share;
+        masks.soft.data()[i] = share == 255 ? 255 : 0;
     }
     StackBlurGray(masks.soft.data(), w, h, std::max(8, run.rectWidth / 20 + 5));
     return masks;

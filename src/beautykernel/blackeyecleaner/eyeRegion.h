@@ -33,10 +33,11 @@ std::optional<EyeRegion> findEyeRegion(int width, int height, const DarkCircleRu
 /// Planes of the crop's size.
 struct UnderEyeMasks {
     Plane<Byte> region;  // 255 in both crescents
-    Plane<Byte> soft;    // weight of the mix: the crescents without their cores, blurred
+    Plane<Byte> repair;  // for the seamless repair: 255 in the crescents, the core's share in their cores
+    Plane<Byte> soft;    // weight of the mix: the crescents without cores of less than full strength, blurred
 };
 
-/// Draws the crescents of both eyes. @param keepCore  leave the part close to the lid to the seamless repair
-UnderEyeMasks drawUnderEyeMasks(const EyeRegion& region, const DarkCircleRun& run, bool keepCore);
+/// Draws the crescents of both eyes.
+UnderEyeMasks drawUnderEyeMasks(const EyeRegion& region, const DarkCircleRun& run);
 
 }  // namespace zellab
