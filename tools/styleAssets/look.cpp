@@ -1,15 +1,12 @@
 #include "look.h"
 
 #include <algorithm>
-#include <array>
 
 namespace zelassets {
 
 namespace {
 
 constexpr int kSteps = 16, kTiles = 4, kSide = kSteps * kTiles;
-
-using Colour = std::array<float, 3>;
 
 float luma(const Colour& c) {
     return 0.299f * c[0] + 0.587f * c[1] + 0.114f * c[2];
@@ -27,6 +24,8 @@ float toned(float v, const Look& look) {
     return look.matte + v * (1.0f - look.matte);
 }
 
+}  // namespace
+
 Colour graded(Colour c, const Look& look) {
     for (float& v : c) v = toned(v, look);
     const float grey = std::clamp(luma(c), 0.0f, 1.0f), tint = midTone(grey);
@@ -35,8 +34,6 @@ Colour graded(Colour c, const Look& look) {
         c[i] = std::clamp(grey + (c[i] - grey) * (1.0f + look.saturation) + shift[i], 0.0f, 1.0f);
     return c;
 }
-
-}  // namespace
 
 std::vector<unsigned char> lookCube(const Look& look) {
     std::vector<unsigned char> texels;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <vector>
 
 namespace zelassets {
@@ -13,6 +14,12 @@ struct Look {
     float saturation;  // change of the distance from grey, as a factor less 1
     float matte;       // black is raised by this share of the range
 };
+
+/// Red, green, blue in 0..1.
+using Colour = std::array<float, 3>;
+
+/// One colour through the look.
+Colour graded(Colour colour, const Look& look);
 
 /// The look as a colour lookup: 64 by 64 RGBA texels, 4 by 4 tiles of 16 by 16. Red runs along x within a
 /// tile, green along y, blue from tile to tile.

@@ -7,11 +7,12 @@
 #include <string>
 #include <vector>
 
+#include "cubeLooks.h"
 #include "look.h"
 #include "overlayTable.h"
 
 /// Writes the style assets that the beauty effects read at run time:
-///   style_assets FOLDER   makes FOLDER/style/base/*.bin
+///   style_assets FOLDER   makes FOLDER/style/base/*.bin, and FOLDER/looks/*.cube for the command
 
 namespace {
 
@@ -64,6 +65,7 @@ int main(int argc, char** argv) {
     }
     try {
         writeAll(argv[1]);
+        writeCubeLooks(std::filesystem::path(argv[1]) / "looks");
         return 0;
     } catch (const std::exception& error) {
         std::fprintf(stderr, "style_assets: %s\n", error.what());
