@@ -4,6 +4,7 @@
 
 #include "peerThreads.h"
 #include "zellab/imageproc/domaintransform/domainTransform.h"
+#include "zellab/imageproc/surfaceBlur.h"
 
 namespace {
 
@@ -51,6 +52,21 @@ void BM_opencvDomainTransform(benchmark::State& state, int channels, int mode) {
     });
 }
 
+void BM_surfaceBlur(benchmark::State& state, int radius) {
+    run(state, 4, [=](auto& pixels, Size size) {
+        zellab::SurfaceBlurFilter().Run(pixels.data(), size.width, size.height, size.width * 4, radius, 10,
+                                        nullptr);
+    });
+}
+
+void BM_opencvBilateral(benchmark::State& state, int radius) {
+    const Size size = sizeOf(state.range(0));
+    std::vector<unsigned char> rgba = benchRgba(size);
+    cv::Mat image, out;
+    cv::cvtColor(matOf(rgba, size), image, cv::COLOR_RGBA2RGB);
+    run(state, 4, [&](auto&, Size) { cv::bilateralFilter(image, out, 2 * radius + 1, 10, radius); });
+}
+
 int registerAll() {
     const auto add = [](const std::string& name, auto function, auto... arguments) {
         sizesAndThreads(benchmark::RegisterBenchmark(name.c_str(), function, arguments...));
@@ -60,6 +76,11 @@ int registerAll() {
         add(group + "own", BM_domainTransform, channels);
         add(group + "opencv_recursive", BM_opencvDomainTransform, channels, int{cv::ximgproc::DTF_RF});
         add(group + "opencv_normalised", BM_opencvDomainTransform, channels, int{cv::ximgproc::DTF_NC});
+    }
+    for (int radius : {4, 12, 24}) {
+        const std::string group = "surface_blur/radius_" + std::to_string(radius) + "/";
+        add(group + "own", BM_surfaceBlur, radius);
+        add(group + "opencv_bilateral", BM_opencvBilateral, radius);
     }
     return 0;
 }

@@ -36,7 +36,7 @@ BodyPlace placeOnBody(const Studio& studio, Vec2 pixel) {
     place.fromNeck = place.p.x - mix(throat.x, base, smoothStep(70, 175, y));
     place.fromSpine = place.p.x - base;
     const float thick = mix(47.0f, 57.0f, s.masculine) * mix(1.0f, s.faceWidth, 0.6f) +
-                        (s.clothing == Clothing::knit ? 4.0f * smoothStep(118.0f, 121.0f, y) : 0.0f);
+                        (s.clothing == Clothing::knit ? 2.5f * smoothStep(117.0f, 122.0f, y) : 0.0f);
     place.neckHalf = thick - 3.0f * smoothStep(70, 110, y) + 6.0f * smoothStep(125, 165, y);
     place.inNeck = y > 20 ? place.neckHalf - std::fabs(place.fromNeck) : -50.0f;
     place.inShoulders = (y - shoulderLine(s, std::fabs(place.fromSpine))) * 0.9f;

@@ -22,8 +22,9 @@ float FaceShape::noseRelief(Vec2 p) const {
     const float fall = 1.0f - smoothStep(tipY - 1.0f, nose.baseY + 5.5f, p.y);
     const float ridge =
         (4.0f * smoothStep(-22, -4, p.y) + 13.5f * nose.bridge * (0.35f * rise + 0.65f * rise * rise)) * fall;
-    const float width = mix(7.6f, 10.0f, smoothStep(0, tipY, p.y)) * mix(1.0f, nose.wingX / 16.5f, 0.5f);
-    float z = ridge * expOf(-powerOf(x / width, 2.2f));
+    const float width = mix(7.0f, 9.2f, smoothStep(0, tipY, p.y)) * mix(1.0f, nose.wingX / 16.5f, 0.5f);
+    // A narrow back on broad flanks that run out into the cheeks.
+    float z = ridge * (0.66f * bell(x, 0, width) + 0.34f * bell(x, 0, 2.2f * width));
     z += 6.5f * nose.tip * bell(p.x, p.y, 0, tipY, 8.0f, 7.5f);
     // The wings, the pit behind each of them, and the nostrils.
     const float wing = nose.wingX - 4.5f;

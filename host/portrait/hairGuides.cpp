@@ -201,7 +201,8 @@ HairPlan planHair(const Sitter& s, const FaceShape& shape) {
             break;
         case HairStyle::tiedBack:
             plan.patch = shortSides();
-            plan.patch.comb = {0, -0.9f};
+            plan.patch.comb = {0, -1.6f};
+            plan.patch.high = 0.965f;
             plan.front.push_back(combedBack(s, shape, 3, 0.8f));
             plan.bun = s.seed % 2 == 0;
             break;

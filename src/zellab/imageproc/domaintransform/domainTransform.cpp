@@ -1,5 +1,7 @@
 #include "zellab/imageproc/domaintransform/domainTransform.h"
 
+#include <immintrin.h>
+
 #include <algorithm>
 #include <array>
 #include <cmath>
@@ -18,17 +20,20 @@ namespace zellab {
 namespace {
 
 constexpr int kMostDifference = 3 * 255;
-/// Feedback by difference.
-using Decay = std::array<float, kMostDifference + 1>;
+/// Feedback by difference, and the same for the four bytes of a pixel, of which the last does not move.
+struct Decay {
+    std::array<float, kMostDifference + 1> share;
+    alignas(16) std::array<std::array<float, 4>, kMostDifference + 1> pixel;
+};
 
 /// From here on 4^iterations is no float, every sigma is 0 and nothing moves.
 constexpr int kMostIterations = 63;
 
 /// Feedback of pass i of n, the widest pass being n - 1, in single precision. The exponent is a whole number,
-/// so that differences fall into steps. Sigmas of opposite sign or beyond all measure make powers that no
-/// byte can follow; those move nothing.
+/// so that differences fall into steps. Sigmas below 0 or beyond all measure make feedback above 1, which no
+/// byte can follow, or none at all; those move nothing.
 Decay decayOf(float sigmaSpace, float sigmaRange, int i, int n) {
-    constexpr float kMostFeedback = 1e6f, kMostExponent = 1e9f;
+    constexpr float kMostExponent = 1e9f;
     const float width =
         sigmaSpace * std::sqrt(3.0f) * std::ldexp(1.0f, i) / std::sqrt(std::ldexp(1.0f, 2 * n) - 1.0f);
     const float a = std::exp(-std::sqrt(2.0f) / width), ratio = sigmaSpace / sigmaRange;
@@ -40,7 +45,9 @@ Decay decayOf(float sigmaSpace, float sigmaRange, int i, int n) {
             const int e = static_cast<int>(exponent);
             w = e == 2 ? a * a : static_cast<float>(std::pow(static_cast<double>(a), e));
         }
-        decay[static_cast<std::size_t>(d)] = std::fabs(w) < kMostFeedback ? w : 0.0f;
+        if (!(w >= 0.0f && w <= 1.0f)) w = 0.0f;
+        decay.share[static_cast<std::size_t>(d)] = w;
+        decay.pixel[static_cast<std::size_t>(d)] = {w, w, w, 0.0f};
     }
     return decay;
 }
@@ -58,47 +65,85 @@ struct Lines {
     std::size_t lanes, length;
 };
 
-/// Moves the samples at `to` towards those at `from`. Bytes wrap, as sums of bytes do.
+/// Moves the samples from `begin` on at `to` towards those at `from`. Bytes wrap, as sums of bytes do.
 template <int kChannels>
 [[gnu::always_inline]] inline void follow(const Byte* from, Byte* to, const std::uint16_t* difference,
-                                          std::size_t lanes, const Decay& decay) {
+                                          std::size_t begin, std::size_t lanes, const Decay& decay) {
     constexpr float kRound = kChannels == 4 ? 0.5f : 0.0f;
-    constexpr std::size_t kStep = kChannels;
     float feedback[kLanes];
-    for (std::size_t p = 0; p < lanes / kStep; ++p) {
-        const float w = decay[difference[p]];
-        for (std::size_t c = 0; c < kStep; ++c) feedback[p * kStep + c] = c < 3 ? w : 0.0f;
-    }
-    for (std::size_t j = 0; j < lanes; ++j) {
+    if constexpr (kChannels == 4)
+        for (std::size_t p = begin / 4; p < lanes / 4; ++p)
+            std::copy_n(decay.pixel[difference[p]].data(), 4, feedback + 4 * p);
+    else
+        for (std::size_t p = begin; p < lanes; ++p) feedback[p] = decay.share[difference[p]];
+    for (std::size_t j = begin; j < lanes; ++j) {
         const float move = static_cast<float>(from[j] - to[j]) * feedback[j] + kRound;
         to[j] = static_cast<Byte>(to[j] + static_cast<int>(move));
     }
 }
 
-/// Forth and back along the lines.
-template <int kChannels>
-[[gnu::always_inline]] inline void filterLines(const Lines& lines, const Decay& decay) {
+/// Two pixels' feedback.
+ZEL_TARGET_AVX2 inline __m256 loadFeedback(const Decay& decay, const std::uint16_t* difference) {
+    const __m128 low = _mm_load_ps(decay.pixel[difference[0]].data());
+    return _mm256_insertf128_ps(_mm256_castps128_ps256(low), _mm_load_ps(decay.pixel[difference[1]].data()),
+                                1);
+}
+
+/// trunc(words * feedback + 0.5) of eight words.
+ZEL_TARGET_AVX2 inline __m256i moveOf(__m128i words, __m256 feedback) {
+    const __m256 differences = _mm256_cvtepi32_ps(_mm256_cvtepi16_epi32(words));
+    return _mm256_cvttps_epi32(_mm256_add_ps(_mm256_mul_ps(differences, feedback), _mm256_set1_ps(0.5f)));
+}
+
+/// As `follow`, four pixels at a time. Returns the first byte left to do.
+ZEL_TARGET_AVX2 inline std::size_t followPixels(const Byte* from, Byte* to, const std::uint16_t* difference,
+                                                std::size_t lanes, const Decay& decay) {
+    std::size_t j = 0;
+    for (; j + 16 <= lanes; j += 16, difference += 4) {
+        const __m256i own = _mm256_cvtepu8_epi16(_mm_loadu_si128(reinterpret_cast<const __m128i*>(to + j)));
+        const __m256i other =
+            _mm256_cvtepu8_epi16(_mm_loadu_si128(reinterpret_cast<const __m128i*>(from + j)));
+        const __m256i apart = _mm256_sub_epi16(other, own);
+        const __m256i low = moveOf(_mm256_castsi256_si128(apart), loadFeedback(decay, difference));
+        const __m256i high = moveOf(_mm256_extracti128_si256(apart, 1), loadFeedback(decay, difference + 2));
+        // Packing works in halves; the permutation puts the words back in order.
+        const __m256i move = _mm256_permute4x64_epi64(_mm256_packs_epi32(low, high), 0xd8);
+        const __m256i sum = _mm256_and_si256(_mm256_add_epi16(own, move), _mm256_set1_epi16(255));
+        const __m128i bytes = _mm_packus_epi16(_mm256_castsi256_si128(sum), _mm256_extracti128_si256(sum, 1));
+        _mm_storeu_si128(reinterpret_cast<__m128i*>(to + j), bytes);
+    }
+    return j;
+}
+
+/// Calls step(to, from, difference) forth and back along the lines.
+template <typename Step>
+[[gnu::always_inline]] inline void walkLines(const Lines& lines, const Step& step) {
     for (std::size_t i = 1; i < lines.length; ++i) {
         const auto at = static_cast<std::ptrdiff_t>(i);
         Byte* to = lines.data + at * lines.stride;
-        follow<kChannels>(to - lines.stride, to, lines.difference + at * lines.differenceStride, lines.lanes,
-                          decay);
+        step(to - lines.stride, to, lines.difference + at * lines.differenceStride);
     }
     for (std::size_t i = lines.length - 1; i-- > 0;) {
         const auto at = static_cast<std::ptrdiff_t>(i);
         Byte* to = lines.data + at * lines.stride;
-        follow<kChannels>(to + lines.stride, to, lines.difference + (at + 1) * lines.differenceStride,
-                          lines.lanes, decay);
+        step(to + lines.stride, to, lines.difference + (at + 1) * lines.differenceStride);
     }
 }
 
 template <int kChannels>
 void filterLinesBaseline(const Lines& lines, const Decay& decay) {
-    filterLines<kChannels>(lines, decay);
+    walkLines(lines, [&](const Byte* from, Byte* to, const std::uint16_t* difference) {
+        follow<kChannels>(from, to, difference, 0, lines.lanes, decay);
+    });
 }
+
 template <int kChannels>
 ZEL_TARGET_AVX2 void filterLinesAvx2(const Lines& lines, const Decay& decay) {
-    filterLines<kChannels>(lines, decay);
+    walkLines(lines, [&](const Byte* from, Byte* to, const std::uint16_t* difference) ZEL_TARGET_AVX2 {
+        std::size_t done = 0;
+        if constexpr (kChannels == 4) done = followPixels(from, to, difference, lines.lanes, decay);
+        follow<kChannels>(from, to, difference, done, lines.lanes, decay);
+    });
 }
 
 template <int kChannels>
