@@ -36,7 +36,7 @@ BodyPlace placeOnBody(const Studio& studio, Vec2 pixel) {
     place.fromNeck = place.p.x - mix(throat.x, base, smoothStep(70, 175, y));
     place.fromSpine = place.p.x - base;
     const float thick = mix(47.0f, 57.0f, s.masculine) * mix(1.0f, s.faceWidth, 0.6f) +
-                        (s.clothing == Clothing::knit && y > 116 ? 4.0f : 0.0f);
+                        (s.clothing == Clothing::knit ? 2.5f * smoothStep(117.0f, 122.0f, y) : 0.0f);
     place.neckHalf = thick - 3.0f * smoothStep(70, 110, y) + 6.0f * smoothStep(125, 165, y);
     place.inNeck = y > 20 ? place.neckHalf - std::fabs(place.fromNeck) : -50.0f;
     place.inShoulders = (y - shoulderLine(s, std::fabs(place.fromSpine))) * 0.9f;
@@ -90,12 +90,12 @@ Colour paintCloth(const Studio& studio, const BodyPlace& place, float below, flo
     const Vec2 p = place.p;
     const std::uint32_t seed = s.seed * 53u + 3u;
     // Folds hang from the shoulders.
-    const float lean = p.x + 0.35f * std::fabs(place.fromSpine);
-    const auto folds = [&](float x, float y) { return cloudNoise(x / 48, y / 105, 3, seed); };
-    const float here = folds(lean, p.y);
+    const float lean = place.fromSpine, slant = p.y + 0.55f * std::fabs(place.fromSpine);
+    const auto folds = [&](float x, float y) { return cloudNoise(x / 62, y / 84, 3, seed); };
+    const float here = folds(lean, slant);
     Vec3 normal = bodyNormal(place);
-    normal.x -= 5.2f * (folds(lean + 4, p.y) - here);
-    normal.y -= 4.2f * (folds(lean, p.y + 4) - here);
+    normal.x -= 3.4f * (folds(lean + 4, slant) - here);
+    normal.y -= 3.4f * (folds(lean, slant + 4) - here);
     normal = normalized(normal);
     Colour cloth = s.cloth;
     const float thread = visibleShare(1.2f, studio.pixelMm);
@@ -149,7 +149,7 @@ BodySample paintBody(const Studio& studio, Vec2 pixel, float hairShadow) {
     const float shadowed = studio.shape.polar(studio.pose.toFace(towards)).distance;
     const float keyVisible =
         smoothStep(-16, 14, shadowed) * smoothStep(-2, 26, near) * (1 - 0.6f * hairShadow);
-    const float open = mix(0.34f, 1.0f, smoothStep(-4, 62, near)) * (1 - 0.4f * hairShadow);
+    const float open = mix(0.42f, 1.0f, smoothStep(-4, 62, near)) * (1 - 0.4f * hairShadow);
 
     Vec3 normal = bodyNormal(place);
     // Two cords run from behind the ears to the pit of the throat; the collarbones start beside it.

@@ -56,16 +56,16 @@ void drawBrow(const Studio& studio, const BrowShape& brow, RandomSource& random,
 void toneBrow(const Studio& studio, const BrowShape& brow, StrokeList& list) {
     constexpr int kSteps = 26, kRows = 5;
     for (int row = 0; row < kRows; ++row) {
-        const float level = (static_cast<float>(row) / (kRows - 1) - 0.5f) * 1.35f;
+        const float level = (static_cast<float>(row) / (kRows - 1) - 0.5f) * 1.15f;
         std::vector<StrokePoint> points;
         for (int i = 0; i <= kSteps; ++i) {
             const float t = mix(0.02f, 0.97f, static_cast<float>(i) / kSteps);
-            const Vec2 at{brow.x(t), brow.y(t) + level * brow.half(t)};
+            const Vec2 at{brow.x(t), brow.y(t) + 0.7f + level * brow.half(t)};
             StrokePoint point;
             point.at = studio.pose.toPicture(at);
             point.radius = brow.half(t) * 0.42f * studio.pose.pixelsPerMm();
             point.depth = headDepth(studio.pose.toCamera({at.x, at.y, studio.shape.coarseRelief(at)}).z);
-            point.cover = 0.17f * smoothStep(0, 0.2f, t);
+            point.cover = 0.22f * smoothStep(0, 0.2f, t);
             point.colour = studio.sitter.browHair * studio.lit.at(at).light * 1.1f;
             points.push_back(point);
         }

@@ -37,7 +37,7 @@ struct Composer::Face {
 
 Composer::Composer(const PortraitParams& params)
     : m_sitter(resolveSitter(params)),
-      m_scene(resolveScene(params)),
+      m_scene(resolveScene(params, m_sitter)),
       m_shape(m_sitter),
       m_pose(m_scene, m_shape),
       m_lit(m_shape, m_pose, m_scene),
@@ -197,7 +197,8 @@ void Composer::store(const Pixel& pixel, Portrait& portrait) const {
     m_developer.develop(pixel.colour, pixel.x, pixel.y, &portrait.image.rgba[4 * i]);
     m_developer.develop(pixel.clean, pixel.x, pixel.y, &portrait.clean.rgba[4 * i]);
     const auto byte = [](float cover) { return static_cast<unsigned char>(clamp01(cover) * 255.0f + 0.5f); };
-    portrait.person.samples[i] = byte(pixel.person);
+    // Rounded down, so that 255 means that no background shines through.
+    portrait.person.samples[i] = static_cast<unsigned char>(clamp01(pixel.person) * 255.0f + 1e-3f);
     portrait.hair.samples[i] = byte(pixel.hair);
     portrait.skin.samples[i] = byte(pixel.skin);
     portrait.face.samples[i] = byte(pixel.head);

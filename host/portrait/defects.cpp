@@ -169,7 +169,7 @@ void Defects::placeWrinkles() {
                             3.0f * smoothStep(0.75f, 1, t);
             fold.push_back({side * x, mix(shape.nose.wingY - 4, endY, t)});
         }
-        addLine(m_wrinkleLines, std::move(fold), 1.15f, 1.0f);
+        addLine(m_wrinkleLines, std::move(fold), 1.5f, 0.7f);
         // Under the eye, and the frown beside the nose's root.
         for (int row = 0; row < 2; ++row) {
             std::vector<Vec2> points;
@@ -260,7 +260,7 @@ Colour Defects::apply(const DefectCover& cover, Vec2 p, Colour skin) const {
     const float shade = 1.0f - 0.25f * m_studio.sitter.melanin;
     skin = skin * mix(Colour{1, 1, 1}, Colour{0.60f, 0.50f, 0.56f} * (1 / shade),
                       0.9f * of(cover, Defect::darkCircles));
-    skin = skin * mix(Colour{1, 1, 1}, Colour{0.66f, 0.50f, 0.38f}, of(cover, Defect::freckles));
+    skin = skin * mix(Colour{1, 1, 1}, Colour{0.74f, 0.58f, 0.46f}, of(cover, Defect::freckles));
     if (of(cover, Defect::wrinkles) > 0) {
         const float groove = nearestLine(m_wrinkleLines, p).groove;
         const Colour tint = groove > 0 ? mix(Colour{1, 1, 1}, Colour{0.52f, 0.42f, 0.40f}, groove)

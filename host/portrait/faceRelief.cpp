@@ -10,30 +10,34 @@ float FaceShape::dome(Vec2 p) const {
                 up = smoothStep(0.3f, 1.0f, -sineOf(at.angle));
     const float exponent = mix(mix(2.7f, 2.5f, up), 5.5f, down);
     const float depth = mix(72.0f, 42.0f, down);
-    return depth * (std::sqrt(1.0f - powerOf(share, exponent)) - 1.0f);
+    // Beyond the outline the surface goes on falling away, so that no light leaks in from there.
+    const float beyond = std::max(0.0f, at.share - share);
+    return depth * (std::sqrt(1.0f - powerOf(share, exponent)) - 1.0f) - 160.0f * beyond;
 }
 
 float FaceShape::noseRelief(Vec2 p) const {
     const float x = std::fabs(p.x), tipY = nose.tipY;
     if (x > 45 || p.y < -35 || p.y > 75) return 0;
     const float rise = smoothStep(-16, tipY, p.y);
-    const float fall = 1.0f - smoothStep(tipY + 1.5f, nose.baseY + 3.5f, p.y);
+    const float fall = 1.0f - smoothStep(tipY - 1.0f, nose.baseY + 5.5f, p.y);
     const float ridge =
-        (4.0f * smoothStep(-22, -4, p.y) + 15.5f * nose.bridge * (0.35f * rise + 0.65f * rise * rise)) * fall;
-    const float width = mix(6.2f, 10.5f, smoothStep(0, tipY, p.y)) * mix(1.0f, nose.wingX / 16.5f, 0.5f);
-    float z = ridge * expOf(-powerOf(x / width, 2.2f));
-    z += 5.5f * nose.tip * bell(p.x, p.y, 0, tipY, 8.5f, 8.0f);
+        (4.0f * smoothStep(-22, -4, p.y) + 13.5f * nose.bridge * (0.35f * rise + 0.65f * rise * rise)) * fall;
+    const float width = mix(7.0f, 9.2f, smoothStep(0, tipY, p.y)) * mix(1.0f, nose.wingX / 16.5f, 0.5f);
+    // A narrow back on broad flanks that run out into the cheeks.
+    float z = ridge * (0.66f * bell(x, 0, width) + 0.34f * bell(x, 0, 2.2f * width));
+    z += 6.5f * nose.tip * bell(p.x, p.y, 0, tipY, 8.0f, 7.5f);
     // The wings, the pit behind each of them, and the nostrils.
     const float wing = nose.wingX - 4.5f;
-    z += 8.0f * bell(x, p.y, wing, nose.wingY, 5.2f, 6.0f);
-    z -= 2.2f * bell(x, p.y, nose.wingX + 3.0f, nose.wingY - 1, 3.2f, 7.5f);
+    z += 9.5f * bell(x, p.y, wing + 0.5f, nose.wingY, 4.6f, 5.6f);
+    z -= 2.0f * bell(x, p.y, nose.wingX + 3.0f, nose.wingY - 1, 2.6f, 7.0f);
+    z -= 1.6f * bell(x, p.y, wing - 4.0f, nose.wingY - 5.0f, 2.4f, 5.0f);
     z -= 4.0f * bell(x, p.y, wing * 0.62f, nose.baseY - 1.2f, 3.6f, 2.0f);
     return z;
 }
 
 float FaceShape::mouthRelief(Vec2 p) const {
     const float t = p.x / mouth.halfWidth, y = p.y, cy = mouth.centreY;
-    float z = 5.5f * bell(p.x, y, 0, cy - 1, 27, 20);
+    float z = 4.5f * bell(p.x, y, 0, cy - 1, 30, 22);
     // The groove from nose to lip, between its two ridges.
     const float grooveY = mix(nose.baseY, mouth.upperEdge(0), 0.5f);
     z -= 1.5f * bell(p.x, y, 0, grooveY, 3.2f, 7.0f);
@@ -48,7 +52,7 @@ float FaceShape::mouthRelief(Vec2 p) const {
     }
     // Corners lie in a small pit; below the lower lip the chin's groove.
     const float cornerY = mouth.line(1);
-    z -= 2.6f * bell(std::fabs(p.x), y, mouth.halfWidth + 1.5f, cornerY + 0.5f, 4.0f, 5.0f);
+    z -= 1.5f * 0.7f * bell(std::fabs(p.x), y, mouth.halfWidth + 1.5f, cornerY + 0.5f, 4.5f, 5.0f);
     z -= 3.2f * bell(p.x, y, 0, mouth.lowerEdge(0) + 6.0f, 17, 5.0f);
     return z;
 }
@@ -67,7 +71,7 @@ float FaceShape::relief(Vec2 p) const {
     const float apple = 4.2f * m_cheeks * (1.0f + 0.7f * clamp01(mouth.smile));
     z += apple * bell(x, y, 38, 30 - 4 * clamp01(mouth.smile), 19, 17);
     z += 3.0f * bell(x, y, 52, 17, 13, 10);
-    z -= 2.6f * mix(0.6f, 1.2f, m_masculine) * bell(x, y, 50, 55, 15, 20);
+    z -= 1.6f * mix(0.4f, 1.2f, m_masculine) * bell(x, y, 50, 55, 17, 22);
     z -= 3.0f * bell(x, y, 62, -30, 14, 22);
     z += 6.0f * bell(p.x, y, 0, m_chinY - 12, mix(13.0f, 17.0f, m_masculine), 11);
     z += 2.0f * bell(p.x, y, 0, -62, 42, 24);

@@ -5,9 +5,9 @@ namespace zel::drawing {
 namespace {
 
 /// Half of the average outline from the crown to the chin, and what a strong jaw adds to it.
-constexpr Vec2 kOutline[] = {{0, -120},   {31, -116},   {53, -100}, {66, -74}, {71, -40},
-                             {71.5f, -8}, {69.5f, 18},  {65, 42},   {58, 65},  {47.5f, 86},
-                             {34, 101},   {18.5f, 111}, {0, 114}};
+constexpr Vec2 kOutline[] = {{0, -120},    {31, -116},   {53, -100},  {66, -74}, {71, -40},
+                             {71.5f, -8},  {69.5f, 18},  {65.5f, 42}, {60, 64},  {48.8f, 84},
+                             {35.2f, 100}, {18.6f, 110}, {0, 114}};
 constexpr Vec2 kStrongJaw[] = {{0, 0}, {0, 0}, {0, 0}, {0, 0}, {0, 0}, {0.5f, 0}, {1, 0},
                                {2, 0}, {4, 1}, {6, 3}, {6, 4}, {4, 4}, {0, 4}};
 constexpr int kOutlinePoints = 13;
@@ -42,31 +42,32 @@ float EyeShape::upperLid(float along) const {
 float EyeShape::insideBy(Vec2 p) const {
     const float along = t(p.x);
     const float corner = (1.0f - std::fabs(along)) * halfWidth;
-    if (corner <= 0) return std::max(corner, -20.0f);
+    if (corner <= 0)
+        return -length(p - Vec2{x(along < 0 ? -1.0f : 1.0f), lowerLid(along < 0 ? -1.0f : 1.0f)});
     return std::min(std::min(p.y - upperLid(along), lowerLid(along) - p.y), corner);
 }
 
 float MouthShape::line(float t) const {
     const float u = std::min(std::fabs(t), 1.2f);
-    return centreY + 0.9f * bell(t, 0, 0.22f) - 0.6f * bell(u, 0.5f, 0.22f) + 1.2f * u * u -
+    return centreY + 0.9f * bell(t, 0, 0.22f) - 0.6f * bell(u, 0.5f, 0.22f) + 0.4f * u * u -
            smile * 5.5f * u * u;
 }
 
 float MouthShape::upperEdge(float t) const {
     const float u = std::fabs(t);
     if (u >= 1) return line(t);
-    const float body = 1.0f - powerOf(u, 1.45f);
+    const float body = 1.0f - powerOf(u, 1.35f);
     return line(t) - upper * body * (1.0f - 0.2f * bell(u, 0, 0.13f) + 0.1f * bell(u, 0.24f, 0.14f));
 }
 
 float MouthShape::lowerEdge(float t) const {
     const float u = std::fabs(t);
-    return u >= 1 ? line(t) : line(t) + lower * powerOf(1.0f - u * u, 0.95f);
+    return u >= 1 ? line(t) : line(t) + lower * (1.0f - powerOf(u, 2.5f));
 }
 
 float MouthShape::insideBy(Vec2 p) const {
     const float t = p.x / halfWidth;
-    if (std::fabs(t) >= 1) return (1.0f - std::fabs(t)) * halfWidth;
+    if (std::fabs(t) >= 1) return -length(Vec2{std::fabs(p.x) - halfWidth, p.y - line(1)});
     // The edges run slanted near the corners, where the vertical gap overstates the distance.
     const float slope = 0.75f + 0.25f * (1.0f - t * t);
     return std::min(p.y - upperEdge(t), lowerEdge(t) - p.y) * slope;
@@ -81,27 +82,31 @@ FaceShape::FaceShape(const Sitter& sitter)
 }
 
 void FaceShape::layOutline(const Sitter& s) {
-    float xs[kOutlinePoints], ys[kOutlinePoints];
+    // One point of the other half stands before the crown and after the chin, so that both are smooth.
+    constexpr int kTold = kOutlinePoints + 2;
+    float xs[kTold], ys[kTold];
     for (int i = 0; i < kOutlinePoints; ++i) {
-        Vec2 p = kOutline[i] + kStrongJaw[i] * (s.masculine * 1.6f - 0.6f);
+        Vec2 p = kOutline[i] + kStrongJaw[i] * (s.masculine * 1.2f - 0.6f);
         p.x *= s.faceWidth * mix(1.0f, s.jawWidth, smoothStep(10, 80, p.y));
         if (p.y > 40) p.y = 40 + (p.y - 40) * s.chinLength;
         if (p.y < -20) p.y = -20 + (p.y + 20) * s.foreheadHeight;
-        xs[i] = p.x;
-        ys[i] = p.y;
+        xs[i + 1] = p.x;
+        ys[i + 1] = p.y;
     }
-    m_crownY = ys[0];
-    m_chinY = ys[kOutlinePoints - 1];
+    xs[0] = -xs[2];
+    ys[0] = ys[2];
+    xs[kTold - 1] = -xs[kTold - 3];
+    ys[kTold - 1] = ys[kTold - 3];
+    m_crownY = ys[1];
+    m_chinY = ys[kOutlinePoints];
     // Walk the curve finely and note the radius wherever it passes one of the table's directions.
     constexpr int kWalk = 4000;
     int step = 0;
     Vec2 before{};
     float angleBefore = -0.5f * kPi;
     for (int i = 0; i <= kWalk; ++i) {
-        const float t = static_cast<float>(i) / kWalk;
-        const Vec2 p =
-            Vec2{std::max(0.0f, curveThrough(xs, kOutlinePoints, t)), curveThrough(ys, kOutlinePoints, t)} -
-            kMiddle;
+        const float t = mix(1.0f, kTold - 2.0f, static_cast<float>(i) / kWalk) / (kTold - 1.0f);
+        const Vec2 p = Vec2{std::max(0.0f, curveThrough(xs, kTold, t)), curveThrough(ys, kTold, t)} - kMiddle;
         const float angle = i == 0 ? -0.5f * kPi : i == kWalk ? 0.5f * kPi : angleOf(p.y, p.x);
         while (step <= kOutlineSteps) {
             const float wanted = (static_cast<float>(step) / kOutlineSteps - 0.5f) * kPi;
@@ -122,9 +127,9 @@ void FaceShape::layFeatures(const Sitter& s) {
         EyeShape& eye = eyes[i];
         eye.side = i == 0 ? -1.0f : 1.0f;
         eye.centre = {eye.side * 31.5f * s.eyeSpacing * mix(1.0f, s.faceWidth, 0.5f), 0};
-        eye.halfWidth = 15.2f * s.eyeSize;
-        eye.upperRise = mix(6.9f, 5.9f, s.masculine) * s.eyeSize;
-        eye.lowerDrop = 4.3f * s.eyeSize - 0.5f * clamp01(s.smile);
+        eye.halfWidth = 15.8f * s.eyeSize;
+        eye.upperRise = mix(7.4f, 6.3f, s.masculine) * s.eyeSize;
+        eye.lowerDrop = 4.5f * s.eyeSize - 0.5f * clamp01(s.smile);
         eye.slant = 0.5f + 1.5f * s.eyeSlant;
         eye.open = open;
         eye.irisRadius = 5.9f * mix(1.0f, s.eyeSize, 0.5f);
@@ -136,25 +141,25 @@ void FaceShape::layFeatures(const Sitter& s) {
         brow.innerX = 12.0f * s.eyeSpacing;
         brow.outerX = 54.0f * mix(1.0f, s.faceWidth, 0.7f);
         const float arch = s.browArch, lift = s.browHeight + 0.5f;
-        brow.middle = {-17.5f - lift, -20.2f - arch * 1.2f - lift, -22.0f - arch * 3.0f - lift,
-                       -21.6f - arch * 3.2f - lift, -15.5f - arch * 0.5f - lift};
+        brow.middle = {-17.6f - lift, -18.9f - arch * 0.8f - lift, -20.4f - arch * 2.0f - lift,
+                       -20.6f - arch * 2.8f - lift, -16.6f - arch * 1.2f - lift};
         const float thick = s.browThickness;
         brow.halfThickness = {3.0f * thick, 3.9f * thick, 3.5f * thick, 2.3f * thick, 0.5f};
     }
     const float longer = s.noseLength;
-    nose.tipY = 40.0f * longer;
-    nose.baseY = 50.5f * longer;
-    nose.wingY = 44.0f * longer;
+    nose.tipY = 36.5f * longer;
+    nose.baseY = 45.5f * longer;
+    nose.wingY = 40.0f * longer;
     nose.wingX = mix(15.6f, 17.6f, s.masculine) * s.noseWidth * mix(1.0f, 1.13f, s.melanin);
     nose.bridge = mix(0.92f, 1.1f, s.masculine) * mix(1.0f, 0.86f, s.melanin);
     nose.tip = s.noseTip;
     mouth.smile = s.smile;
-    mouth.centreY = nose.baseY + mix(19.5f, 21.5f, s.masculine) * s.chinLength;
+    mouth.centreY = nose.baseY + mix(20.0f, 21.5f, s.masculine) * s.chinLength;
     mouth.halfWidth =
         24.5f * s.mouthWidth * mix(0.97f, 1.05f, s.masculine) * (1.0f + 0.12f * clamp01(s.smile));
-    mouth.upper = 7.0f * s.lipFullness * mix(1.0f, 1.2f, s.melanin) * (1.0f - 0.15f * clamp01(s.smile));
-    mouth.lower = 9.8f * s.lipFullness * mix(1.0f, 1.1f, s.melanin) * (1.0f - 0.12f * clamp01(s.smile));
-    earCentre = {outlineRadius(0) + 4.5f, 14};
+    mouth.upper = 8.4f * s.lipFullness * mix(1.0f, 1.2f, s.melanin) * (1.0f - 0.15f * clamp01(s.smile));
+    mouth.lower = 10.4f * s.lipFullness * mix(1.0f, 1.1f, s.melanin) * (1.0f - 0.12f * clamp01(s.smile));
+    earCentre = {outlineRadius(0) + 0.5f, 11};
 }
 
 float FaceShape::outlineRadius(float angle) const {

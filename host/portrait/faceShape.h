@@ -42,12 +42,12 @@ struct BrowShape {
 };
 
 struct NoseShape {
-    float tipY = 40, baseY = 51, wingY = 44, wingX = 16.5f, bridge = 1, tip = 1;
+    float tipY = 36.5f, baseY = 45.5f, wingY = 40, wingX = 16.5f, bridge = 1, tip = 1;
 };
 
 /// The mouth. t runs from -1 at the picture's left corner to 1 at the right one.
 struct MouthShape {
-    float centreY = 73, halfWidth = 25, upper = 6.5f, lower = 9.5f, smile = 0, gap = 0.3f;
+    float centreY = 66, halfWidth = 25, upper = 6.5f, lower = 9.5f, smile = 0, gap = 0.3f;
 
     float line(float t) const;       // where the lips meet
     float upperEdge(float t) const;  // top of the upper lip
@@ -64,7 +64,7 @@ public:
     NoseShape nose;
     MouthShape mouth;
     Vec2 earCentre{75, 12};  // of the right ear; mirrored for the left
-    Vec2 earHalf{10.5f, 30};
+    Vec2 earHalf{9.8f, 27};
 
     /// Where p stands between the head's middle (0) and its outline (1), and in which direction.
     struct Polar {

@@ -30,12 +30,12 @@ HairSection longSide(const Sitter& s, float side, float part, float end, float t
     const float a = end * 0.30f, b = end * 0.65f;
     HairSection section;
     section.guides = {guide(side, part,
-                            {{2, -71, 5},
-                             {21, -75, 9},
-                             {47, -59, 10},
-                             {63, -22, 7},
-                             {68, a, 4},
-                             {67, b, 4},
+                            {{2, -68, 5},
+                             {21, -71, 9},
+                             {47, -57, 10},
+                             {65, -22, 7},
+                             {71, a, 4},
+                             {69, b, 4},
                              {60 - tuck, end * 0.94f, 6}},
                             v, scaleX),
                       guide(side, part,
@@ -57,8 +57,8 @@ HairSection longSide(const Sitter& s, float side, float part, float end, float t
                              {81 - tuck, end * 1.02f, 3}},
                             v, scaleX),
                       guide(side, part,
-                            {{0, -121, 2},
-                             {26, -130, 4},
+                            {{0, -123, 2},
+                             {26, -126, 4},
                              {68, -108, 4},
                              {88, -52, 0},
                              {95, a, -6},
@@ -73,7 +73,7 @@ HairSection longSide(const Sitter& s, float side, float part, float end, float t
 HairSection curtain(float end, float scaleX, float volume) {
     HairSection section;
     for (const float x : {-1.0f, -0.5f, 0.0f, 0.5f, 1.0f}) {
-        const float wide = 84 * scaleX * (1 + (volume - 1) * 0.1f);
+        const float wide = 90 * scaleX * (1 + (volume - 1) * 0.1f);
         section.guides.push_back({{x * wide * 0.9f, -30, -20},
                                   {x * wide, 20, -30},
                                   {x * wide, end * 0.6f, -30},
@@ -88,16 +88,16 @@ HairSection sweptOver(const Sitter& s, float side, float part, float scaleX) {
     HairSection section;
     section.guides = {
         guide(side, part,
-              {{0, -75, 5}, {14, -88, 10}, {40, -84, 12}, {56, -70, 9}, {64, -52, 6}, {68, -30, 3}}, v,
+              {{0, -70, 4}, {13, -82, 9}, {38, -80, 11}, {54, -68, 8}, {62, -54, 5}, {66, -40, 2}}, v,
               scaleX),
         guide(side, part,
-              {{0, -90, 6}, {15, -107, 13}, {44, -104, 14}, {62, -86, 10}, {70, -60, 5}, {73, -26, 2}}, v,
+              {{0, -88, 6}, {15, -104, 12}, {43, -101, 13}, {61, -84, 9}, {69, -62, 4}, {70.5f, -38, 1}}, v,
               scaleX),
         guide(side, part,
-              {{0, -116, 3}, {14, -130, 5}, {46, -126, 5}, {68, -102, 3}, {77, -66, 0}, {77, -20, -2}}, v,
+              {{0, -120, 2}, {14, -130, 4}, {45, -124, 4}, {66, -101, 2}, {73, -70, 0}, {70.5f, -32, -2}}, v,
               scaleX)};
-    section.ragged = 0.25f;
-    section.spread = 2.2f;
+    section.ragged = 0.4f;
+    section.spread = 2.4f;
     return section;
 }
 
@@ -105,39 +105,53 @@ HairSection sweptAside(const Sitter& s, float side, float part, float scaleX) {
     const float v = s.hairVolume;
     HairSection section;
     section.guides = {
-        guide(side, part, {{0, -74, 4}, {10, -76, 6}, {30, -70, 6}, {50, -58, 4}, {64, -36, 3}}, v, scaleX),
-        guide(side, part, {{0, -95, 4}, {10, -101, 7}, {34, -96, 7}, {60, -72, 4}, {70, -34, 2}}, v, scaleX),
-        guide(side, part, {{0, -118, 2}, {12, -125, 3}, {36, -120, 2}, {67, -92, 0}, {75, -36, -2}}, v,
+        guide(side, part, {{0, -69, 3}, {9, -71, 5}, {28, -67, 5}, {48, -58, 4}, {63, -40, 2}}, v, scaleX),
+        guide(side, part, {{0, -93, 4}, {10, -99, 7}, {34, -94, 7}, {59, -72, 4}, {69, -38, 1}}, v, scaleX),
+        guide(side, part, {{0, -121, 2}, {12, -127, 3}, {36, -120, 2}, {66, -93, 0}, {71, -34, -2}}, v,
               scaleX)};
-    section.ragged = 0.25f;
-    section.spread = 2.0f;
+    section.ragged = 0.4f;
+    section.spread = 2.2f;
     return section;
 }
 
-/// Roots all along the hairline, hair combed up and back over the head.
-HairSection combedBack(const Sitter& s, float scaleX, float loft, float narrowing) {
-    HairSection section;
-    for (const float x : {-69.0f, -66.0f, -58.0f, -44.0f, -24.0f, 0.0f, 24.0f, 44.0f, 58.0f, 66.0f, 69.0f}) {
-        const float reach = std::fabs(x), y = hairlineY(s, reach);
-        const float topY = mix(-124.0f - loft, -66.0f, powerOf(reach / 69.0f, 3.0f));
-        const float endX = x * mix(1.0f, narrowing, smoothStep(40, 0, topY + 124));
-        const float wideX = x * (1.0f + 0.06f * loft / 12.0f) * scaleX;
-        section.guides.push_back({{x * scaleX, y, 1},
-                                  {wideX, mix(y, topY, 0.30f), 6 + 0.6f * loft},
-                                  {wideX * 1.02f, mix(y, topY, 0.68f), 6 + 0.6f * loft},
-                                  {endX * scaleX, topY, 2}});
+/// y of the head's upper outline at a distance of `x` mm from its middle.
+float outlineTop(const FaceShape& shape, float x) {
+    constexpr int kSteps = 60;
+    for (int i = 0; i < kSteps; ++i) {
+        const Vec2 p = shape.outlinePoint(-0.5f * kPi * (1.0f - static_cast<float>(i) / kSteps));
+        if (p.x >= x) return p.y;
     }
-    section.ragged = 0.12f;
+    return -30;
+}
+
+/// Roots all along the hairline, hair combed up and back over the head.
+HairSection combedBack(const Sitter& s, const FaceShape& shape, float loft, float narrowing) {
+    HairSection section;
+    const float temple = shape.outlineRadius(-0.3f) - 1.5f;
+    for (const float share :
+         {-1.0f, -0.95f, -0.85f, -0.66f, -0.36f, 0.0f, 0.36f, 0.66f, 0.85f, 0.95f, 1.0f}) {
+        const float reach = std::fabs(share), x = share * temple;
+        const float y = std::min(hairlineY(s, std::fabs(x)), -10.0f);
+        const float over = loft * (1.0f - 0.8f * reach * reach);
+        const float topY = outlineTop(shape, std::fabs(x)) - over - 3.0f;
+        const float wide = x * (1.0f + 0.004f * loft);
+        section.guides.push_back({{x, y, 1},
+                                  {wide * 1.01f, mix(y, topY, 0.30f), 5 + 0.6f * over},
+                                  {wide * 1.03f, mix(y, topY, 0.68f), 5 + 0.6f * over},
+                                  {wide * 1.01f, topY, 1},
+                                  {wide * narrowing, topY - 10.0f * (1.0f - narrowing) - 4.0f * reach, -6}});
+    }
+    section.ragged = 0.10f;
     section.spread = 1.6f;
     return section;
 }
 
 HairPatch shortSides() {
     HairPatch patch;
-    patch.amount = 0.35f;
+    patch.amount = 0.9f;
     patch.low = 0.86f;
-    patch.high = 1.015f;
-    patch.lengthMm = 9;
+    patch.high = 1.03f;
+    patch.lengthMm = 7;
     patch.comb = {0, 0.9f};
     return patch;
 }
@@ -160,7 +174,7 @@ void planLong(HairPlan& plan, const Sitter& s, float scaleX) {
 
 float hairlineY(const Sitter& s, float x) {
     const float recede = mix(0.0f, 7.0f, s.masculine);
-    const float forehead = -70.0f * s.foreheadHeight;
+    const float forehead = -66.0f * s.foreheadHeight;
     return forehead - recede * bell(x, 38, 16) + 14.0f * smoothStep(34, 56, x) +
            46.0f * smoothStep(50, 71, x);
 }
@@ -182,17 +196,20 @@ HairPlan planHair(const Sitter& s, const FaceShape& shape) {
             break;
         case HairStyle::swept:
             plan.patch = shortSides();
-            plan.front.push_back(combedBack(s, scaleX, 11 * s.hairVolume, 0.95f));
+            plan.front.push_back(combedBack(s, shape, 11 * s.hairVolume, 0.96f));
             plan.front.back().spread = 2.4f;
             break;
         case HairStyle::tiedBack:
-            plan.front.push_back(combedBack(s, scaleX, 3, 0.55f));
+            plan.patch = shortSides();
+            plan.patch.comb = {0, -1.6f};
+            plan.patch.high = 0.965f;
+            plan.front.push_back(combedBack(s, shape, 3, 0.8f));
             plan.bun = s.seed % 2 == 0;
             break;
         case HairStyle::curly:
             plan.patch = {1.0f,
                           0.80f,
-                          1.16f + 0.12f * s.hairVolume,
+                          1.08f + 0.09f * s.hairVolume,
                           mix(58.0f, 4.0f, s.masculine),
                           26,
                           mix(4.6f, 3.2f, s.melanin),

@@ -108,7 +108,7 @@ void HairPainter::stroke(const std::vector<Vec3>& path, const Layer& layer, Colo
         point.radius =
             0.5f * layer.widthMm * m_studio.pose.pixelsPerMm() * mix(1.0f, 0.25f, smoothStep(0.6f, 1.0f, t));
         point.depth = headDepth(m_studio.pose.toCamera(at).z);
-        point.cover = layer.cover * mix(1.0f, 0.35f, smoothStep(0.75f, 1.0f, t));
+        point.cover = layer.cover * mix(1.0f, 0.55f, smoothStep(0.85f, 1.0f, t));
         point.colour = shade(at, tangent, tint, t) * layer.brightness;
         points.push_back(point);
     }
@@ -131,7 +131,7 @@ void HairPainter::addStrand(const HairSection& section, float place, const Layer
     const float clump = std::floor(place * kClumps + 0.6f * m_random.uniform());
     const std::uint32_t seed = sitter.seed * 19u + 7u;
     const float driftX = smoothNoise(clump * 3.1f, 0.5f, seed),
-                phase = 2.6f * smoothNoise(clump * 1.7f, 9.5f, seed);
+                phase = 3.2f * smoothNoise(place * 4.0f, 9.5f, seed);
     const float ownX = m_random.bellShaped() * section.spread * layer.looseness;
     const float ownY = m_random.bellShaped() * section.spread * layer.looseness * 0.7f;
     const float end =
@@ -143,7 +143,7 @@ void HairPainter::addStrand(const HairSection& section, float place, const Layer
         Vec3 p = alongCurve(control, t);
         const float free = smoothStep(0.05f, 0.6f, t);
         const float swing = section.wave * free * sineOf(t * 15.0f + phase + 0.02f * p.x);
-        p.x += swing + driftX * 5.0f * free + ownX * mix(0.55f, 1.0f, free);
+        p.x += swing + driftX * 5.0f * free * std::min(layer.looseness, 1.0f) + ownX * mix(0.55f, 1.0f, free);
         p.y += ownY;
         p.z += swing * 0.6f + 1.5f * layer.looseness;
         path.push_back(p);
@@ -152,27 +152,28 @@ void HairPainter::addStrand(const HairSection& section, float place, const Layer
 }
 
 void HairPainter::fillSection(const HairSection& section, StrokeList& list, float brightness) {
-    const Layer ground{5.0f, 0.42f * brightness, 1.0f, 0.3f, 0.05f};
-    const Layer body{m_strandMm * 2.6f, 0.72f * brightness, 0.9f, 0.8f, 0.02f};
+    const Layer ground{5.0f, 0.42f * brightness, 1.0f, 0.15f, 0.12f};
+    const Layer body{m_strandMm * 2.6f, 0.74f * brightness, 0.9f, 0.8f, 0.02f};
     const Layer fine{m_strandMm, 1.06f * brightness, 0.85f, 1.0f, 0.0f};
     const Layer stray{std::min(0.12f, m_strandMm), 1.15f * brightness, 0.7f, 3.2f, 0.0f};
     const auto lay = [&](const Layer& layer, float count, float from, float to) {
         for (int i = 0; i < static_cast<int>(count * section.share); ++i)
             addStrand(section, mix(from, to, m_random.uniform()), layer, list);
     };
-    lay(ground, 240, 0.03f, 0.96f);
+    lay(ground, 300, 0.03f, 0.96f);
     lay(body, 0.22f * m_strands, 0.01f, 0.99f);
     lay(fine, 0.5f * m_strands, 0.0f, 1.0f);
-    lay(stray, 90, 0.0f, 1.0f);
+    lay(stray, 90, 0.25f, 1.0f);
     lay(stray, 60, 0.9f, 1.0f);
-    lay(stray, 30, 0.0f, 0.05f);
 }
 
 bool HairPainter::patchRoot(Vec2& root) {
     const HairPatch& patch = m_plan.patch;
     const Sitter& sitter = m_studio.sitter;
     const float angle = m_random.range(-kPi, 0.5f);
-    const float share = std::sqrt(mix(square(patch.low), square(patch.high), m_random.uniform()));
+    // Big hair is widest above the ears and tapers below them.
+    const float high = mix(patch.high, std::min(patch.high, 1.03f), smoothStep(-0.35f, 0.5f, angle));
+    const float share = std::sqrt(mix(square(patch.low), square(high), m_random.uniform()));
     const float turned = m_random.chance(0.5f) ? angle : -kPi - angle;
     root = FaceShape::kMiddle +
            Vec2{cosineOf(turned), sineOf(turned)} * (m_studio.shape.outlineRadius(turned) * share);
@@ -180,7 +181,7 @@ bool HairPainter::patchRoot(Vec2& root) {
     if (root.y > patch.sideEndY + wobble) return false;
     // Sideburns stay near the ear, everything else above the hairline.
     const float line = hairlineY(sitter, std::min(x, 66.0f)) + patch.overFace + wobble;
-    const float inset = m_studio.shape.outlineRadius(0) * 0.93f;
+    const float inset = m_studio.shape.outlineRadius(0) * 0.945f - 0.10f * (root.y + 5);
     return root.y < line || x > inset + wobble * 0.5f;
 }
 
@@ -191,7 +192,7 @@ void HairPainter::addPatchStrand(Vec2 root, const Layer& layer, StrokeList& list
     const float topness = smoothStep(-40, -90, root.y);
     Vec2 direction = outward * mix(0.35f, 0.8f, topness) + patch.comb +
                      Vec2{0.35f * m_random.bellShaped(), 0.35f * m_random.bellShaped()};
-    if (root.y > -45) direction = direction + Vec2{0, 0.8f};
+    if (root.y > -45 && patch.comb.y >= 0) direction = direction + Vec2{0, 0.8f};
     direction = direction * (1.0f / std::max(length(direction), 0.2f));
     const float size = patch.lengthMm * m_random.range(0.6f, 1.1f);
     const float lift = 2.0f + 5.0f * topness;
@@ -223,10 +224,11 @@ void HairPainter::fillPatch(StrokeList& list) {
             if (Vec2 root; patchRoot(root)) addPatchStrand(root, layer, list);
     };
     if (shaved) {
-        lay({0.45f, 0.95f, 0.55f, 1, 0}, 15000);
+        lay({3.2f, 0.6f, 0.12f, 1, 0}, 2600);
+        lay({0.34f, 0.55f, 0.6f, 1, 0}, 15000);
         return;
     }
-    lay({curls ? 5.5f : 3.4f, 0.40f, 1.0f, 1, 0}, curls ? 900 : 1500);
+    lay({curls ? 5.5f : 1.7f, 0.42f, 0.9f, 1, 0}, curls ? 900 : 3600);
     lay({m_strandMm * (curls ? 2.4f : 2.2f), 0.72f, 0.9f, 1, 0}, (curls ? 0.35f : 0.8f) * m_strands);
     lay({m_strandMm, 1.08f, 0.85f, 1, 0}, (curls ? 0.8f : 1.8f) * m_strands);
 }

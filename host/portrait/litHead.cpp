@@ -69,7 +69,7 @@ float LitHead::heightAt(float column, float row) const {
 void LitHead::castShadows() {
     // Walk towards the lamp in growing steps; the further the obstacle, the softer its shadow.
     constexpr int kSteps = 26;
-    constexpr float kSoftness = 0.22f;
+    constexpr float kSoftness = 0.34f;
     const float climb = std::max(m_lamp.z, 0.15f);
     forRowBands(kHeight, [&](int begin, int end) {
         for (int y = begin; y < end; ++y)
@@ -93,7 +93,10 @@ void LitHead::illuminate(const Scene& scene) {
         const float lamp = clamp01((dot(point.normal, m_lamp) + kWrap) / (1 + kWrap)) * point.keyVisible;
         const float front = clamp01(dot(point.normal, m_camera));
         const float above = 0.55f - 0.45f * point.normal.y;
-        const Colour bounced = Colour{0.10f, 0.055f, 0.035f} * (1.0f - point.open);
+        // Chest and clothes throw light up, and the walls of a hollow light each other.
+        const float below = clamp01(point.normal.y);
+        const Colour bounced =
+            Colour{0.10f, 0.055f, 0.035f} * (1.0f - point.open) + (scene.key + scene.sky) * (0.13f * below);
         point.light = scene.key * lamp + scene.fill * (front * mix(0.4f, 1.0f, point.open)) +
                       scene.sky * (above * point.open) + bounced;
     }

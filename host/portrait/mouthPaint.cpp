@@ -41,7 +41,7 @@ Colour paintOpenings(const Studio& studio, Vec2 p, Colour skin) {
     if (std::fabs(p.y - mouth.centreY) < 12 && std::fabs(t) < 1.12f) {
         const float off = std::fabs(p.y - mouth.line(t));
         const float width = mouth.gap * 0.5f + 0.75f * (1.0f - 0.35f * t * t);
-        const float ends = smoothStep(1.1f, 0.9f, std::fabs(t));
+        const float ends = smoothStep(1.04f, 0.72f, std::fabs(t));
         const float dark =
             ends * (0.80f * edgeCoverage(width - off, studio.pixelMm, 1.0f) + 0.32f * bell(off, 0, 2.2f));
         skin =

@@ -58,7 +58,7 @@ void chooseFeatures(Sitter& s, const PortraitParams& p, RandomSource& random) {
     s.mouthWidth = settled(p.mouthWidth, factor(random, 0.05f), 0.85f, 1.15f);
     s.lipFullness =
         settled(p.lipFullness, mix(1.08f, 0.88f, s.masculine) * factor(random, 0.13f), 0.6f, 1.5f);
-    s.smile = settled(p.smile, random.range(0.0f, 0.65f), -0.5f, 1);
+    s.smile = settled(p.smile, random.range(0.1f, 0.8f), -0.5f, 1);
     const float paint = clamp01(random.range(-0.5f, 0.8f)) * (1.0f - s.masculine);
     s.lipstick = settled(p.lipstick, paint, 0, 1);
     const float beard = clamp01(random.range(-0.3f, 0.9f)) * smoothStep(0.5f, 0.8f, s.masculine);
@@ -125,9 +125,9 @@ void lightScene(Scene& s, const PortraitParams& p, RandomSource& random) {
                       cosineOf(direction) * cosineOf(height)};
     const Colour tint = warmth > 0 ? mix(Colour{1, 1, 1}, Colour{1.12f, 1.0f, 0.80f}, warmth)
                                    : mix(Colour{1, 1, 1}, Colour{0.88f, 1.0f, 1.16f}, -warmth);
-    s.key = tint * mix(0.52f, 1.12f, contrast);
-    s.fill = mix(Colour{1, 1, 1}, tint, 0.4f) * mix(0.34f, 0.05f, contrast);
-    s.sky = Colour{0.94f, 0.99f, 1.06f} * mix(0.36f, 0.16f, contrast);
+    s.key = tint * mix(0.62f, 1.30f, contrast);
+    s.fill = mix(Colour{1, 1, 1}, tint, 0.4f) * mix(0.38f, 0.07f, contrast);
+    s.sky = Colour{0.94f, 0.99f, 1.06f} * mix(0.42f, 0.20f, contrast);
 }
 
 }  // namespace
@@ -148,7 +148,7 @@ Sitter resolveSitter(const PortraitParams& params) {
     return sitter;
 }
 
-Scene resolveScene(const PortraitParams& params) {
+Scene resolveScene(const PortraitParams& params, const Sitter& sitter) {
     Scene scene;
     scene.width = params.width;
     scene.height = params.height;
@@ -158,7 +158,9 @@ Scene resolveScene(const PortraitParams& params) {
     lightScene(scene, params, random);
     scene.background = pick(random, params.background, 5);
     scene.defocus = settled(params.defocus, random.range(0.35f, 0.75f), 0, 1);
-    scene.exposure = exp2Of(settled(params.exposure, 0.12f * random.bellShaped(), -2, 2));
+    constexpr float kMeteredSkin = 0.36f;
+    scene.exposure = powerOf(kMeteredSkin / luminance(sitter.skin), 0.25f) *
+                     exp2Of(settled(params.exposure, 0.12f * random.bellShaped(), -2, 2));
     scene.noise = settled(params.noise, random.range(0.08f, 0.3f), 0, 1);
     return scene;
 }

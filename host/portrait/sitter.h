@@ -50,7 +50,8 @@ struct Scene {
 /// Every choice of the seed is drawn whether or not it is overridden, so that setting one aspect leaves the
 /// rest.
 Sitter resolveSitter(const PortraitParams& params);
-Scene resolveScene(const PortraitParams& params);
+/// The camera meters on the sitter: dark skin gets a little more light, very light skin less.
+Scene resolveScene(const PortraitParams& params, const Sitter& sitter);
 
 /// `given` moved into the range, or `chosen` where it is not set or not a number.
 float settled(const std::optional<double>& given, float chosen, float minimum, float maximum);

@@ -45,7 +45,7 @@ Colour addStubble(const Studio& studio, Vec2 p, Colour skin) {
         smoothStep(0.34f, 0.12f, cellNoise(p.x / kSpacing, p.y / kSpacing, textureSeed(studio, kBristles)));
     const float patchy = 1.0f + 0.35f * cloudNoise(p.x / 9, p.y / 9, 2, textureSeed(studio, kBlotches));
     const float shows = visibleShare(kSpacing, studio.pixelMm);
-    const float cover = growth * patchy * mix(0.30f, 0.16f + 0.62f * hair, shows);
+    const float cover = growth * patchy * mix(0.30f, 0.20f + 0.38f * hair, shows);
     return mix(skin, studio.sitter.browHair * 0.8f + Colour{0.004f, 0.006f, 0.01f}, clamp01(cover));
 }
 
@@ -78,7 +78,7 @@ Colour skinReflectance(const Studio& studio, Vec2 p) {
         bell(x, p.y, 60, -45, 22, 26) + 0.6f * bell(x, p.y, 22, studio.shape.mouth.centreY, 12, 14);
     skin = skin * (1.0f - 0.10f * sitter.melanin * rim);
     skin = addStubble(studio, p, skin);
-    return skin * (1.0f - 0.075f * poreDepth(studio, p));
+    return skin * (1.0f - 0.055f * poreDepth(studio, p));
 }
 
 namespace {
@@ -108,7 +108,7 @@ Colour shadeSkin(const Studio& studio, const LitPoint& point, Vec2 p, Colour ref
     light = light * Colour{1.0f + 0.16f * dim, 1.0f - 0.02f * dim, 1.0f - 0.10f * dim};
 
     constexpr float kGrain = 0.75f;  // mm, the skin's own fine relief
-    const float amplitude = 0.11f * visibleShare(kGrain, studio.pixelMm);
+    const float amplitude = 0.08f * visibleShare(kGrain, studio.pixelMm);
     Vec3 normal = point.normal;
     if (amplitude > 0) {
         const std::uint32_t seed = textureSeed(studio, kSheen);
@@ -120,7 +120,7 @@ Colour shadeSkin(const Studio& studio, const LitPoint& point, Vec2 p, Colour ref
     const float oil = oilAt(studio.shape, p) * mix(0.55f, 1.35f, studio.sitter.oil) * gloss;
     const float shine =
         sheen(normal, studio.lit.lamp(), studio.lit.camera(), 22) * point.keyVisible * shaded * broken;
-    const Colour film = studio.scene.key * (0.075f * oil * shine) +
+    const Colour film = studio.scene.key * (0.17f * oil * shine) +
                         studio.scene.sky * (0.05f * oil * point.open * clamp01(0.4f - normal.y));
     return reflectance * light + film;
 }

@@ -8,22 +8,6 @@
 #define ZEL_NOT_YET(name) ZEL_LOG_ERROR("%s is not available in this version", name)
 
 namespace ZelImageCore {
-void TableBase::ImageProcessWithAlphaMix(unsigned char*, int, int, unsigned char*, unsigned char*, float*) {
-    ZEL_NOT_YET("TableBase::ImageProcessWithAlphaMix");
-}
-void TableBase::ImageProcessWithColorMixing(unsigned char*, int, int, float*, int) {
-    ZEL_NOT_YET("TableBase::ImageProcessWithColorMixing");
-}
-void TableBase::ImageProcessWithMosaic(unsigned char*, int, int, int) {
-    ZEL_NOT_YET("TableBase::ImageProcessWithMosaic");
-}
-void TableBase::ImageProcessWithSharp(unsigned char*, int, int, float, unsigned char**) {
-    ZEL_NOT_YET("TableBase::ImageProcessWithSharp");
-}
-
-}  // namespace ZelImageCore
-
-namespace ZelImageCore {
 void TableSkin::ImageProcessWithAutoEyeBright(unsigned char*, int, int, void*, int, float, float, float,
                                               float, float, float, float, float, float, float) {
     ZEL_NOT_YET("TableSkin::ImageProcessWithAutoEyeBright");
@@ -31,13 +15,6 @@ void TableSkin::ImageProcessWithAutoEyeBright(unsigned char*, int, int, void*, i
 void TableSkin::ImageProcessWithAutoFaceInpaint(unsigned char*, unsigned char*, int, int, CGRect&, void*, int,
                                                 int) {
     ZEL_NOT_YET("TableSkin::ImageProcessWithAutoFaceInpaint");
-}
-void TableSkin::ImageProcessWithAutoRemoveBlackCircle(unsigned char*, int, int, CGRect&, void*, int, float,
-                                                      int) {
-    ZEL_NOT_YET("TableSkin::ImageProcessWithAutoRemoveBlackCircle");
-}
-void TableSkin::ImageProcessWithInpaint(unsigned char*, int, int, unsigned char*, int) {
-    ZEL_NOT_YET("TableSkin::ImageProcessWithInpaint");
 }
 void TableSkin::ImageProcessWithQornSkinRetouch(unsigned char*, int, int, float, ImageCoreFaceInfo*,
                                                 unsigned char*) {
@@ -47,9 +24,6 @@ void TableSkin::ImageProcessWithQornSkinWhitening(unsigned char*, int, int, floa
                                                   unsigned char*, unsigned char*) {
     ZEL_NOT_YET("TableSkin::ImageProcessWithQornSkinWhitening");
 }
-void TableSkin::ImageProcessWithRemoveBlackCircle(unsigned char*, int, int, unsigned char*, float*, int) {
-    ZEL_NOT_YET("TableSkin::ImageProcessWithRemoveBlackCircle");
-}
 void TableSkin::ImageProcessWithSkin(unsigned char*, int, int, float*, char*) {
     ZEL_NOT_YET("TableSkin::ImageProcessWithSkin");
 }
@@ -57,27 +31,7 @@ void TableSkin::ImageProcessWithSkinColor(unsigned char*, int, int, float, float
                                           int) {
     ZEL_NOT_YET("TableSkin::ImageProcessWithSkinColor");
 }
-void TableSkin::ImageProcessWithWrinkleCleaner(unsigned char*, int, int, unsigned char*, int, int) {
-    ZEL_NOT_YET("TableSkin::ImageProcessWithWrinkleCleaner");
-}
-
 }  // namespace ZelImageCore
-
-namespace ZelImageCore {
-bool CScenarioBeauty::Run(unsigned char*, int, int, eScenarioType, float, unsigned char*,
-                          ImageCoreFaceInfo*) {
-    ZEL_NOT_YET("CScenarioBeauty::Run");
-    return false;
-}
-void CScenarioBeauty::Defog(unsigned char*, int, int) {
-    ZEL_NOT_YET("CScenarioBeauty::Defog");
-}
-void CScenarioBeauty::PersonBeautyFilter(unsigned char*, int, int, ImageCoreFaceInfo*, unsigned char*) {
-    ZEL_NOT_YET("CScenarioBeauty::PersonBeautyFilter");
-}
-
-}  // namespace ZelImageCore
-
 namespace DefocusCore {
 
 ZelDepthDefocusRender::ZelDepthDefocusRender() = default;

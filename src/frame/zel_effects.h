@@ -47,7 +47,7 @@ public:
     TableBase& operator=(TableBase&&);
 
     /// Mixes `source` (same size as `image`) into a region of `image`, by a mask.
-    /// @param height  not read
+    /// @param height  only limits the region: what overhangs the picture stays untouched
     /// @param mask    params[2] by params[3] pixels of four bytes, of which byte 0 counts; it is blurred in
     /// place
     /// @param params  six floats: left, top, width and height of the region and the radius of the mask blur

@@ -1,0 +1,79 @@
+#include "beautykernel/skinmaskstatisdetector/skinMaskManager.h"
+
+#include <algorithm>
+
+#include "beautykernel/skinmaskstatisdetector/skinMaskStatisDetector.h"
+#include "beautykernel/skintools/featureMaskPainter.h"
+#include "zellab/imageproc/imageResampler.h"
+#include "zellab/imageproc/imageView.h"
+#include "zellab/imageproc/stackBlur.h"
+#include "zellab/imageproc/yCbCr.h"
+
+namespace zelbeauty {
+
+namespace {
+
+constexpr int kPartValue = 100;    // what features are marked with
+constexpr int kSmallestFace = 10;  // boxes up to this side get no marks
+constexpr int kBlurSide = 800;     // longer side of the copy that is blurred, at most
+constexpr int kSameSize = 5;       // copies closer than this to the picture's size are not made
+constexpr int kBlurShare = 40;     // the blur radius is the shorter side of the copy divided by this
+constexpr int kShrinkQuality = 0, kEnlargeQuality = 3;
+
+struct Size {
+    int width, height;
+};
+
+Size blurSize(int width, int height) {
+    if (width <= kBlurSide && height <= kBlurSide) return {width, height};
+    const float fx = static_cast<float>(width) / kBlurSide, fy = static_cast<float>(height) / kBlurSide;
+    if (fx > fy) return {kBlurSide, static_cast<int>(static_cast<float>(height) / fx + 0.5f)};
+    return {static_cast<int>(static_cast<float>(width) / fy + 0.5f), kBlurSide};
+}
+
+/// Blurs a map, through a copy of at most 800 pixels where the map is larger.
+void blurMap(unsigned char* map, int width, int height) {
+    const Size work = blurSize(width, height);
+    const int radius = std::max(std::min(work.width, work.height) / kBlurShare, 1);
+    if (width - work.width < kSameSize && height - work.height < kSameSize) {
+        zellab::StackBlurGray(map, width, height, radius);
+        return;
+    }
+    // A very long picture has a copy of no height: it keeps one row.
+    zellab::Plane<unsigned char> small(std::max(work.width, 1), std::max(work.height, 1));
+    zellab::ImageResampler resampler;
+    resampler.Resize(map, width, height, small.data(), small.width(), small.height(), 1, kShrinkQuality);
+    zellab::StackBlurGray(small.data(), small.width(), small.height(), radius);
+    resampler.Resize(small.data(), small.width(), small.height(), map, width, height, 1, kEnlargeQuality);
+}
+
+}  // namespace
+
+SkinMaskManager::SkinMaskManager(int kind) : detectorKind(kind) {}
+
+void SkinMaskManager::DetectSkin(const unsigned char* planeY, const unsigned char* planeCb,
+                                 const unsigned char* planeCr, int width, int height, int faceCount,
+                                 const SkinFaceRecord* faces, int partFlags, bool altTable) {
+    skinMask.assign(zellab::sampleCount(width, height), 0);
+    if (skinMask.empty() || !planeY || !planeCb || !planeCr) {
+        smoothMask = skinMask;
+        return;
+    }
+    if (!faces) faceCount = 0;
+    SkinMaskStatisDetector::Detect(planeY, planeCb, planeCr, width, height, skinMask.data(), faceCount, faces,
+                                   &meanY, &meanCb, &meanCr, altTable);
+    if (faceCount < 1) {
+        meanY = 139, meanCb = 121, meanCr = 143;
+        meanR = 160, meanG = 130, meanB = 126;
+    } else {
+        zellab::YCbCrToRGB(&meanY, &meanCb, &meanCr, &meanR, &meanG, &meanB);
+    }
+    for (int i = 0; i < faceCount && partFlags != 0; ++i)
+        if (faces[i].right - faces[i].left > kSmallestFace && faces[i].bottom - faces[i].top > kSmallestFace)
+            zellab::CFeatureMaskPainter::Paint(skinMask.data(), width, height, faces[i].points, partFlags,
+                                               kPartValue);
+    smoothMask = skinMask;
+    blurMap(smoothMask.data(), width, height);
+}
+
+}  // namespace zelbeauty

@@ -1,0 +1,39 @@
+#pragma once
+
+#include <vector>
+
+#include "beautykernel/skinmaskstatisdetector/skinFaceRecord.h"
+
+namespace zelbeauty {
+
+/// Makes a map of how much each pixel is skin, 0..255, learnt from the faces of the picture; marks the
+/// features of the faces with 100; keeps a second, blurred copy. Without a face the picture's own brightness
+/// and a fixed skin colour serve.
+class SkinMaskManager {
+public:
+    /// @param detectorKind  0; no other kind exists
+    explicit SkinMaskManager(int detectorKind);
+    virtual ~SkinMaskManager() = default;
+
+    /// @param planeY, planeCb, planeCr  planes of width by height bytes
+    /// @param partFlags  features that are marked: 1 brows, 2 eyes, 4 nose, 8 mouth
+    /// @param altTable   the chroma model that leans towards smaller Cb, with a wider range of brightness
+    void DetectSkin(const unsigned char* planeY, const unsigned char* planeCb, const unsigned char* planeCr,
+                    int width, int height, int faceCount, const SkinFaceRecord* faces, int partFlags,
+                    bool altTable);
+
+    /// The map of the last detection; null before the first. It stays this object's.
+    unsigned char* GetSkinMask() { return skinMask.empty() ? nullptr : skinMask.data(); }
+    const unsigned char* GetSmoothMask() const { return smoothMask.empty() ? nullptr : smoothMask.data(); }
+
+    /// Mean colour of the sure skin.
+    unsigned char meanY = 0, meanCb = 0, meanCr = 0;
+    unsigned char meanR = 0, meanG = 0, meanB = 0;
+
+private:
+    std::vector<unsigned char> smoothMask;
+    std::vector<unsigned char> skinMask;
+    int detectorKind;
+};
+
+}  // namespace zelbeauty

@@ -1,0 +1,27 @@
+#pragma once
+
+#include "frame/zel_records.h"
+
+namespace zellab {
+
+/// Bits of the features that CFeatureMaskPainter knows.
+enum FeatureFlags : int {
+    kBrows = 1,
+    kEyes = 2,
+    kNose = 4,
+    kMouth = 8,
+    kAllFeatures = kBrows | kEyes | kNose | kMouth,
+};
+
+/// Paints eyes, brows, nose and mouth of a face into a mask, so that repairs keep away from them.
+class CFeatureMaskPainter {
+public:
+    /// Fills the convex hull of each feature whose bit is set, in the order of the bits, with `value`.
+    /// @param mask    plane of width by height bytes
+    /// @param points  the interpolated points of the face, in pixels of the mask
+    /// @return false where the mask or the points are null or no bit is set
+    static bool Paint(unsigned char* mask, int width, int height, const Vector2f* points, int flags,
+                      int value);
+};
+
+}  // namespace zellab

@@ -1,0 +1,19 @@
+#include "beautykernel/wrinkle_cleaner/wrinkleMaskCleaner.h"
+#include "beautykernel/wrinkle_cleaner/wrinkleRegionCleaner.h"
+#include "frame/zel_effects.h"
+
+namespace ZelImageCore {
+
+void TableSkin::ImageProcessWithWrinkleCleaner(unsigned char* image, int width, int height,
+                                               unsigned char* mask, int strength, int method) {
+    constexpr int kRegionMethod = 2;
+    constexpr int kRegionStrength = 100;  // percent; the caller's strength does not act on this path
+    if (method == kRegionMethod) {
+        zellab::WrinkleRegionCleaner cleaner;
+        if (cleaner.Prepare(mask, width, height)) cleaner.Apply(image, kRegionStrength);
+    } else {
+        zellab::WrinkleMaskCleaner().Run(image, width, height, mask, strength);
+    }
+}
+
+}  // namespace ZelImageCore

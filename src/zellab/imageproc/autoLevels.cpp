@@ -1,0 +1,182 @@
+// AutoLevels: histogram stretch and lift. Declared in levels.h.
+#include <algorithm>
+#include <array>
+#include <cstdint>
+#include <mutex>
+#include <optional>
+
+#include "zellab/imageproc/levels.h"
+#include "zellab/imageproc/parallelRows.h"
+#include "zellab/imageproc/toneTables.h"
+
+namespace zellab {
+
+namespace {
+
+constexpr int kWhite = 255;
+/// Share of the pixels that each tail of the histogram gives up.
+constexpr float kTailShare = 0.003f;
+/// The stretch never starts above this level and never ends below the other.
+constexpr int kHighestBlack = 60, kLowestWhite = 200;
+/// Pictures with a mean below this are lifted: strongly where no channel's dark end lies below the first
+/// level, weakly where every channel's dark end lies above the second.
+constexpr int kDarkMean = 101, kStrongLiftBlack = 38, kWeakLiftBlack = 17;
+constexpr float kStrongLift = 1.4f, kWeakLift = 1.2f;
+
+using Histogram = std::array<std::uint64_t, 256>;
+
+/// What one pass over the picture counts.
+struct Counts {
+    std::array<Histogram, 3> channels{};
+    std::uint64_t pixels = 0, lumaSum = 0, lumaPixels = 0;
+
+    void add(const Counts& other) {
+        for (std::size_t c = 0; c < 3; ++c)
+            for (std::size_t i = 0; i < 256; ++i) channels[c][i] += other.channels[c][i];
+        pixels += other.pixels;
+        lumaSum += other.lumaSum;
+        lumaPixels += other.lumaPixels;
+    }
+};
+
+/// Full-range luma in 1/256. Byte 0 carries the weight of blue and byte 2 that of red: the mean was always
+/// taken by a routine for pixels in blue, green, red order, and the lift's threshold goes with it.
+int swappedLuma(const Byte* pixel) {
+    return (29 * pixel[0] + 150 * pixel[1] + 77 * pixel[2] + 128) >> 8;
+}
+
+/// The picture as samples of `channels` bytes with what restricts the count.
+struct Source {
+    Byte* data;
+    int width, height, channels;
+    const Byte* mask;     // null: all pixels count
+    LevelsRegion region;  // of the mean, inside the picture
+
+    Byte* row(int y) const { return data + std::ptrdiff_t{y} * width * channels; }
+    const Byte* maskRow(int y) const { return mask ? mask + std::ptrdiff_t{y} * width : nullptr; }
+};
+
+void countRow(const Source& source, int y, Counts& counts) {
+    const Byte* pixel = source.row(y);
+    const Byte* const mask = source.maskRow(y);
+    const bool meanRow = y >= source.region.top && y <= source.region.bottom;
+    for (int x = 0; x < source.width; ++x, pixel += source.channels) {
+        if (mask && mask[x] != kWhite) continue;
+        const int used = source.channels == 4 ? 3 : 1;
+        for (int c = 0; c < used; ++c) ++counts.channels[static_cast<std::size_t>(c)][pixel[c]];
+        ++counts.pixels;
+        if (!meanRow || x < source.region.left || x > source.region.right) continue;
+        counts.lumaSum += static_cast<std::uint64_t>(source.channels == 4 ? swappedLuma(pixel) : pixel[0]);
+        ++counts.lumaPixels;
+    }
+}
+
+Counts count(const Source& source) {
+    Counts total;
+    std::mutex mutex;
+    parallelRows(source.height, [&](int begin, int end) {
+        Counts band;
+        for (int y = begin; y < end; ++y) countRow(source, y, band);
+        const std::lock_guard<std::mutex> lock(mutex);
+        total.add(band);
+    });
+    return total;
+}
+
+/// Where the tails of a histogram end.
+struct Ends {
+    int low, high;
+};
+
+Ends ends(const Histogram& histogram, std::uint64_t clip) {
+    Ends result{0, kWhite};
+    std::uint64_t sum = histogram[0];
+    while (result.low < kWhite && sum <= clip) sum += histogram[static_cast<std::size_t>(++result.low)];
+    sum = histogram[kWhite];
+    while (result.high > 0 && sum <= clip) sum += histogram[static_cast<std::size_t>(--result.high)];
+    return result;
+}
+
+ByteTable stretchTable(int low, int high) {
+    ByteTable table;
+    const float step = 255.0f / static_cast<float>(high - low);
+    float value = step;  // single-precision running sum
+    for (int i = 0; i <= kWhite; ++i) {
+        auto& entry = table[static_cast<std::size_t>(i)];
+        if (i <= low) {
+            entry = 0;
+        } else if (i >= high) {
+            entry = kWhite;
+        } else {
+            entry = static_cast<Byte>(value + 0.4f);
+            value += step;
+        }
+    }
+    return table;
+}
+
+void lift(ByteTable& table, float gamma) {
+    ByteTable curve;
+    GammaTable(curve.data(), gamma);
+    for (auto& entry : table) entry = curve[entry];
+}
+
+/// The table of the whole step, or nothing where the picture stays as it is.
+std::optional<ByteTable> levelsTable(const Counts& counts, bool isPlane) {
+    if (counts.pixels == 0) return std::nullopt;
+    const auto clip = static_cast<std::uint64_t>(static_cast<float>(counts.pixels) * kTailShare + 0.5f);
+    int low = kHighestBlack, high = kLowestWhite, darkestEnd = kWhite;
+    for (std::size_t c = 0; c < (isPlane ? 1u : 3u); ++c) {
+        const Ends channel = ends(counts.channels[c], clip);
+        low = std::min(low, channel.low);
+        high = std::max(high, channel.high);
+        darkestEnd = std::min(darkestEnd, channel.low);
+    }
+    if (low >= high || (isPlane && high - low == kWhite)) return std::nullopt;
+
+    ByteTable table = stretchTable(low, high);
+    const auto mean = static_cast<int>(counts.lumaSum / std::max<std::uint64_t>(counts.lumaPixels, 1));
+    if (mean < kDarkMean) {
+        if (darkestEnd >= kStrongLiftBlack)
+            lift(table, kStrongLift);
+        else if (darkestEnd > kWeakLiftBlack)
+            lift(table, kWeakLift);
+    }
+    return table;
+}
+
+/// Moves each sample towards its table value by mask / 255.
+void applyMasked(const Source& source, const ByteTable& table) {
+    parallelRows(source.height, [&](int begin, int end) {
+        for (int y = begin; y < end; ++y) {
+            Byte* pixel = source.row(y);
+            const Byte* const mask = source.maskRow(y);
+            for (int x = 0; x < source.width; ++x, pixel += source.channels)
+                for (int c = 0; c < (source.channels == 4 ? 3 : 1); ++c)
+                    pixel[c] = static_cast<Byte>(pixel[c] + (table[pixel[c]] - pixel[c]) * mask[x] / kWhite);
+        }
+    });
+}
+
+}  // namespace
+
+void AutoLevels(unsigned char* rgba, int width, int height, int rowBytes, int useRegion, const int* region,
+                const unsigned char* mask) {
+    if (!rgba || width < 1 || height < 1) return;
+    const bool isPlane = rowBytes / width == 1;
+    Source source{rgba, width, height, isPlane ? 1 : 4, mask, {0, height - 1, 0, width - 1}};
+    if (useRegion != 0 && region)
+        source.region = {std::max(region[0], 0), std::min(region[1], height - 1), std::max(region[2], 0),
+                         std::min(region[3], width - 1)};
+
+    const std::optional<ByteTable> table = levelsTable(count(source), isPlane);
+    if (!table) return;
+    if (mask)
+        applyMasked(source, *table);
+    else if (isPlane)
+        mapPlane({rgba, width, height}, table->data());
+    else
+        mapPixels({rgba, width, height}, table->data());
+}
+
+}  // namespace zellab

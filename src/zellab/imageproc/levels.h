@@ -1,0 +1,30 @@
+#pragma once
+
+namespace zellab {
+
+/// Levels as a table of 256 bytes.
+/// @param params  input black, gamma * 100, input white, output black, output white
+/// Entries below input black are 0 and entries from input white on are 255, whatever the output limits are.
+/// Nothing happens for null pointers.
+void LevelsAdjust(const int* params, unsigned char* table);
+
+/// A gamma curve of 256 bytes, (i / 255) ^ (1 / gamma), whose foot is eased where gamma is above 1: the pure
+/// power rises too steeply at 0. A gamma below 0.001 or NaN leaves the table as it is.
+void GammaTable(unsigned char* table, float gamma);
+
+/// The rectangle over which AutoLevels takes its mean: first and last row, first and last column.
+struct LevelsRegion {
+    int top, bottom, left, right;
+};
+
+/// Stretches a picture between its histogram's 0.3 % tails and lifts it where it is dark; in place.
+/// @param rowBytes   4 * width for RGBA (bytes 0 to 2 change), width for a plane
+/// @param useRegion  not 0: the mean that decides the lift is taken over `region`, limited to the picture
+/// @param region     four integers as in LevelsRegion; read only with useRegion
+/// @param mask       null, or a plane of the picture's size: pixels count where it is 255, and each pixel
+///                   moves towards its new value by mask / 255
+/// Nothing happens for a null picture or a side below 1.
+void AutoLevels(unsigned char* rgba, int width, int height, int rowBytes, int useRegion, const int* region,
+                const unsigned char* mask);
+
+}  // namespace zellab

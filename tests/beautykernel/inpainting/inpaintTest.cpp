@@ -1,0 +1,243 @@
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <cstdlib>
+#include <set>
+#include <thread>
+
+#include "beautykernel/inpainting/gradientInpainter.h"
+#include "beautykernel/inpainting/patchFillInpainter.h"
+#include "beautykernel/inpainting/patchTables.h"
+#include "beautykernel/wrinkle_cleaner/wrinkleMaskCleaner.h"
+#include "beautykernel/wrinkle_cleaner/wrinkleRegionCleaner.h"
+#include "frame/zel_effects.h"
+#include "support/randomImage.h"
+#include "zellab/imageproc/poisson/holeBlocks.h"
+
+namespace {
+
+using namespace zellab;
+using ZelImageCore::TableSkin;
+using zeltest::Bytes;
+
+struct Picture {
+    int width, height;
+    Bytes pixels, mask;
+    Picture(int w, int h, unsigned seed)
+        : width(w),
+          height(h),
+          pixels(zeltest::patternRgba(w, h, seed)),
+          mask(static_cast<std::size_t>(w * h), 0) {}
+    void mark(int x0, int y0, int x1, int y1, Byte value = 255) {
+        for (int y = y0; y < y1; ++y) std::fill_n(mask.begin() + y * width + x0, x1 - x0, value);
+    }
+    void inpaint(int method) {
+        TableSkin::ImageProcessWithInpaint(pixels.data(), width, height, mask.data(), method);
+    }
+};
+
+/// A smooth slope with a hole marked on it. What a repair must restore after paintBlot.
+Picture blotOnASlope() {
+    Picture p(120, 90, 1);
+    for (int y = 0; y < p.height; ++y)
+        for (int x = 0; x < p.width; ++x) {
+            Byte* q = &p.pixels[static_cast<std::size_t>(y * p.width + x) * 4];
+            for (int c = 0; c < 3; ++c)
+                q[c] = static_cast<Byte>(80 + x / 2 + y / 3 + 10 * c + ((x * 7 + y * 13) % 5));
+        }
+    p.mark(50, 40, 72, 55);
+    return p;
+}
+
+/// Paints a blot into the hole, two pixels short of its rim: the steps of the pixels around a hole stay, so a
+/// mask is painted a little larger than the defect.
+void paintBlot(Picture& p) {
+    for (int y = 42; y < 53; ++y)
+        for (int x = 52; x < 70; ++x)
+            std::fill_n(&p.pixels[static_cast<std::size_t>(y * p.width + x) * 4], 3, Byte{20});
+}
+
+double errorInHole(const Picture& p, const Picture& truth) {
+    double sum = 0, count = 0;
+    for (std::size_t i = 0; i < p.mask.size(); ++i)
+        for (std::size_t c = 0; p.mask[i] && c < 3; ++c, ++count)
+            sum += std::abs(p.pixels[i * 4 + c] - truth.pixels[i * 4 + c]);
+    return sum / count;
+}
+
+TEST(Inpaint, BothEnginesRestoreASlopeUnderABlot) {
+    const Picture truth = blotOnASlope();
+    for (int method : {0, 1}) {
+        Picture p = truth;
+        paintBlot(p);
+        std::srand(1);
+        p.inpaint(method);
+        EXPECT_LT(errorInHole(p, truth), method == 1 ? 4.0 : 12.0) << "method " << method;
+        // What lies outside the hole is the same, but for the roundings of the solve.
+        for (std::size_t i = 0; i < p.mask.size(); ++i)
+            for (std::size_t c = 0; !p.mask[i] && c < 4; ++c)
+                ASSERT_LE(std::abs(p.pixels[i * 4 + c] - truth.pixels[i * 4 + c]),
+                          method == 1 && c < 3 ? 3 : 0);
+    }
+}
+
+TEST(Inpaint, AwkwardMasksAreContained) {
+    for (int method : {0, 1, 2, -7})
+        for (const auto& [w, h] : {std::pair{1, 1}, {1, 50}, {50, 1}, {9, 9}, {12, 11}, {33, 40}})
+            for (int kind = 0; kind < 6; ++kind) {
+                SCOPED_TRACE(testing::Message()
+                             << w << " by " << h << ", method " << method << ", mask " << kind);
+                Picture p(w, h, 2);
+                if (kind == 1) p.mark(0, 0, w, h);
+                if (kind == 2) p.mask.front() = p.mask.back() = 1;
+                if (kind == 3) p.mask[p.mask.size() / 2] = 9;
+                if (kind == 4) p.mark(0, h / 2, w, h / 2 + 1);
+                if (kind == 5) p.mark(w / 2, 0, w, h);
+                const Bytes alphaBefore = p.pixels;
+                p.inpaint(method);
+                TableSkin::ImageProcessWithWrinkleCleaner(p.pixels.data(), w, h, p.mask.data(), 80, method);
+                for (std::size_t i = 3; i < p.pixels.size(); i += 4) ASSERT_EQ(p.pixels[i], alphaBefore[i]);
+                if (kind == 0) {
+                    EXPECT_EQ(p.pixels, alphaBefore);
+                }
+            }
+    Picture p(30, 30, 3);
+    TableSkin::ImageProcessWithInpaint(nullptr, 30, 30, p.mask.data(), 1);
+    TableSkin::ImageProcessWithInpaint(p.pixels.data(), 30, 30, nullptr, 0);
+    TableSkin::ImageProcessWithInpaint(p.pixels.data(), -5, 30, p.mask.data(), 0);
+}
+
+TEST(GradientInpainter, StrengthActsThroughItsSquareRoot) {
+    const Picture original = blotOnASlope();
+    Picture blot = original;
+    paintBlot(blot);
+    const auto repaired = [&](int strength) {
+        Bytes pixels = blot.pixels;
+        EXPECT_TRUE(
+            GradientInpainter().Run(pixels.data(), blot.mask.data(), blot.width, blot.height, strength));
+        return pixels;
+    };
+    const Bytes full = repaired(100), faint = repaired(1);
+    EXPECT_EQ(repaired(0), blot.pixels);
+    for (std::size_t i = 0; i < full.size(); ++i)
+        ASSERT_EQ(faint[i], i % 4 == 3 ? blot.pixels[i] : (full[i] * 25 + blot.pixels[i] * 231) / 256);
+}
+
+TEST(PatchFill, IsRepeatableUnderTheSameSeedAndTakesColoursFromOutsideTheHole) {
+    Picture p(70, 60, 4);
+    p.mark(25, 20, 45, 40);
+    std::set<std::array<Byte, 3>> outside;
+    for (std::size_t i = 0; i < p.mask.size(); ++i)
+        if (!p.mask[i]) outside.insert({p.pixels[i * 4], p.pixels[i * 4 + 1], p.pixels[i * 4 + 2]});
+    Picture first = p, second = p, other = p;
+    std::srand(42);
+    first.inpaint(0);
+    std::srand(42);
+    second.inpaint(0);
+    std::srand(43);
+    other.inpaint(0);
+    EXPECT_EQ(first.pixels, second.pixels);
+    EXPECT_NE(first.pixels, other.pixels);
+    for (std::size_t i = 0; i < p.mask.size(); ++i) {
+        const std::array<Byte, 3> colour{first.pixels[i * 4], first.pixels[i * 4 + 1],
+                                         first.pixels[i * 4 + 2]};
+        ASSERT_TRUE(outside.count(colour)) << i;
+    }
+}
+
+TEST(PatchFill, RunsOnSeveralThreadsTakeTurns) {
+    Picture p(60, 60, 5);
+    p.mark(20, 20, 40, 40);
+    std::vector<Picture> pictures(4, p);
+    std::vector<std::thread> threads;
+    for (Picture& picture : pictures) threads.emplace_back([&picture] { picture.inpaint(0); });
+    for (std::thread& thread : threads) thread.join();
+    for (const Picture& picture : pictures) EXPECT_NE(picture.pixels, p.pixels);
+}
+
+TEST(PatchFill, AHoleOfOneRowOrWithoutSourcesStays) {
+    Picture row(40, 40, 6), whole(40, 40, 6);
+    row.mark(5, 20, 30, 21);
+    whole.mark(0, 0, 40, 40);
+    auto& engine = PatchFillInpainter::instance();
+    const Bytes before = row.pixels;
+    EXPECT_FALSE(engine.Run(row.pixels.data(), 40, 40, 20, row.mask.data(), 16, 100, 20));
+    EXPECT_TRUE(engine.Run(whole.pixels.data(), 40, 40, 20, whole.mask.data(), 16, 100, 20));
+    EXPECT_FALSE(engine.Run(row.pixels.data(), 40, 40, 0, row.mask.data(), 16, 100, 20));
+    EXPECT_EQ(row.pixels, before);
+    EXPECT_EQ(whole.pixels, before);
+}
+
+TEST(PatchTables, HoldTheirTellingValues) {
+    const auto& cost = colourCost();
+    const int expected[] = {0, 16, 67, 151, 269, 418};
+    for (std::size_t i = 0; i < std::size(expected); ++i) {
+        EXPECT_EQ(cost[256 + i], expected[i]);
+        EXPECT_EQ(cost[256 - i], expected[i]);
+    }
+    EXPECT_EQ(cost[0], 65535);
+    int last = 0;
+    std::set<std::pair<int, int>> seen;
+    for (const CellOffset o : kNeighbourOffsets) {
+        EXPECT_GE(o.x * o.x + o.y * o.y, last);
+        last = o.x * o.x + o.y * o.y;
+        EXPECT_TRUE(seen.insert({o.x, o.y}).second);
+    }
+}
+
+TEST(HoleBlocks, ComeFromTheOutsideInwards) {
+    // Five by four blocks of a hole in a larger grid: the seeds are those with an open block within two to
+    // the right or below.
+    constexpr int kBlock = 3, kWidth = 30, kHeight = 31;
+    Bytes mask(kWidth * kHeight, 0);
+    for (int y = 6; y < 18; ++y) std::fill_n(mask.begin() + y * kWidth + 6, 15, Byte{255});
+    const BlockGrid grid(kWidth, kHeight, kBlock);
+    const auto list = holeBlocksFromOutside({mask.data(), kWidth, kHeight}, grid);
+    ASSERT_EQ(list.size(), 20u);
+    std::vector<std::pair<int, int>> order;
+    for (const GridBlock b : list) order.emplace_back(b.x, b.y);
+    const std::vector<std::pair<int, int>> seeds = {{5, 2}, {6, 2}, {5, 3}, {6, 3}, {2, 4}, {3, 4}, {4, 4},
+                                                    {5, 4}, {6, 4}, {2, 5}, {3, 5}, {4, 5}, {5, 5}, {6, 5}};
+    EXPECT_TRUE(std::equal(seeds.begin(), seeds.end(), order.begin()));
+    const std::vector<std::pair<int, int>> inner = {{4, 2}, {4, 3}, {2, 3}, {3, 3}, {3, 2}, {2, 2}};
+    EXPECT_TRUE(std::is_permutation(inner.begin(), inner.end(), order.begin() + 14));
+}
+
+TEST(WrinkleCleaner, BlockSizeFollowsThePicture) {
+    EXPECT_EQ(WrinkleMaskCleaner::blockSizeFor(3000), 53);
+    EXPECT_EQ(WrinkleMaskCleaner::blockSizeFor(400), 5);
+    EXPECT_EQ(WrinkleMaskCleaner::blockSizeFor(20), 5);
+    EXPECT_EQ(WrinkleMaskCleaner::blockSizeFor(700), 9);
+    EXPECT_EQ(WrinkleMaskCleaner::blockSizeFor(30000), 55);
+}
+
+TEST(WrinkleCleaner, TheTwoPathsReadTheMaskByTheirOwnRule) {
+    Picture soft = blotOnASlope();
+    std::replace(soft.mask.begin(), soft.mask.end(), Byte{255}, Byte{254});
+    const Bytes before = soft.pixels;
+    EXPECT_FALSE(
+        WrinkleMaskCleaner().Run(soft.pixels.data(), soft.width, soft.height, soft.mask.data(), 100));
+    EXPECT_EQ(soft.pixels, before) << "the mask path counts 255 alone";
+    testing::internal::CaptureStdout();
+    WrinkleRegionCleaner region;
+    EXPECT_TRUE(region.Prepare(soft.mask.data(), soft.width, soft.height));
+    EXPECT_EQ(testing::internal::GetCapturedStdout(), "<[zel_RtKit] ERROR:> rvl 50 71 40 54\n");
+    EXPECT_FALSE(WrinkleMaskCleaner().Run(soft.pixels.data(), 19, 200, soft.mask.data(), 100)) << "too small";
+}
+
+TEST(WrinkleCleaner, StrengthDoesNotActOnTheRegionPath) {
+    Picture weak = blotOnASlope();
+    for (std::size_t i = 0; i < weak.mask.size(); ++i)
+        if (weak.mask[i]) weak.pixels[i * 4] = 30;
+    Picture strong = weak, none = weak;
+    testing::internal::CaptureStdout();
+    TableSkin::ImageProcessWithWrinkleCleaner(weak.pixels.data(), 120, 90, weak.mask.data(), 0, 2);
+    TableSkin::ImageProcessWithWrinkleCleaner(strong.pixels.data(), 120, 90, strong.mask.data(), 90, 2);
+    testing::internal::GetCapturedStdout();
+    TableSkin::ImageProcessWithWrinkleCleaner(none.pixels.data(), 120, 90, none.mask.data(), 0, 0);
+    EXPECT_EQ(weak.pixels, strong.pixels);
+    EXPECT_NE(weak.pixels, none.pixels);
+}
+
+}  // namespace

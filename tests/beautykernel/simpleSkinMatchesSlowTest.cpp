@@ -1,0 +1,62 @@
+#include <gtest/gtest.h>
+
+#include "frame/zel_effects.h"
+#include "reference/slowSimpleSkin.h"
+#include "support/everyMachine.h"
+
+namespace {
+
+using ZelImageCore::TableSkin;
+using zeltest::Bytes;
+using zeltest::Size;
+
+template <typename Operation>
+void compareEverywhere(const Bytes& expected, const Bytes& picture, Size size, const Operation& operation) {
+    zeltest::onEveryMachine([&] {
+        Bytes actual = picture;
+        operation(actual.data(), size.width, size.height);
+        ASSERT_TRUE(zeltest::sameSamples(expected, actual, size.width * 4));
+    });
+}
+
+/// Noise meets every branch, a patterned picture the values between; one size is shared by workers.
+std::vector<std::pair<Size, Bytes>> pictures() {
+    std::vector<std::pair<Size, Bytes>> all;
+    for (const Size size : zeltest::kAwkwardSizes)
+        all.emplace_back(size, zeltest::randomRgba(size.width, size.height, 61));
+    all.emplace_back(Size{160, 90}, zeltest::patternRgba(160, 90, 62));
+    return all;
+}
+
+TEST(BrightAndMascaraMatchSlow, OnEveryLevel) {
+    for (const auto& [size, picture] : pictures())
+        for (const int radius : {0, 1, 3, 100})
+            for (const int level : {-2, 0, 1, 3, 7, 10, 15}) {
+                SCOPED_TRACE(testing::Message() << size.width << " by " << size.height << ", radius "
+                                                << radius << ", level " << level);
+                Bytes expected = picture;
+                slow::highPassBrighten(expected, size.width, size.height, radius, level);
+                compareEverywhere(expected, picture, size, [&](unsigned char* p, int w, int h) {
+                    EXPECT_TRUE(TableSkin::ImageProcessWithBright(p, w, h, radius, level));
+                });
+                compareEverywhere(expected, picture, size, [&](unsigned char* p, int w, int h) {
+                    TableSkin::ImageProcessWithMascara(p, w, h, radius, level);
+                });
+                ASSERT_FALSE(HasFailure());
+            }
+}
+
+TEST(NatureSmoothMatchesSlow, OnNoiseAndPattern) {
+    for (const auto& [size, picture] : pictures())
+        for (const int radius : {0, 1, 4, 100}) {
+            SCOPED_TRACE(testing::Message() << size.width << " by " << size.height << ", radius " << radius);
+            Bytes expected = picture;
+            slow::natureSmooth(expected, size.width, size.height, radius);
+            compareEverywhere(expected, picture, size, [&](unsigned char* p, int w, int h) {
+                TableSkin::ImageProcessWithNatureSmooth(p, w, h, radius);
+            });
+            ASSERT_FALSE(HasFailure());
+        }
+}
+
+}  // namespace

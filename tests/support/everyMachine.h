@@ -1,0 +1,54 @@
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstddef>
+#include <vector>
+
+#include "frame/processorCount.h"
+#include "platform/simdLevel.h"
+#include "support/randomImage.h"
+
+namespace zeltest {
+
+/// Runs `check` under every worker count and instruction set. No result may depend on either, so `check`
+/// compares with one expectation.
+template <typename Check>
+void onEveryMachine(const Check& check) {
+    using zellab::platform::SimdLevel;
+    for (const SimdLevel level : {SimdLevel::baseline, SimdLevel::avx2})
+        for (const int workers : {1, 2, 3, 5}) {
+            SCOPED_TRACE(testing::Message()
+                         << workers << " workers, instruction set " << static_cast<int>(level));
+            const zellab::WorkerCount count(workers);
+            const zellab::platform::SimdLimit limit(level);
+            check();
+            if (testing::Test::HasFailure()) return;
+        }
+}
+
+struct Size {
+    int width, height;
+};
+
+/// Sizes at which loops go wrong first: one pixel, one row, one column, odd, around a vector's width.
+inline const std::vector<Size> kAwkwardSizes = {{1, 1}, {1, 9},  {13, 1}, {2, 2},   {2, 5},   {3, 4},
+                                                {7, 3}, {16, 8}, {17, 5}, {33, 31}, {5, 130}, {67, 41}};
+
+/// Compares buffers of equal shape; a failure names the first sample that differs.
+template <typename Samples>
+testing::AssertionResult sameSamples(const Samples& expected, const Samples& actual, int samplesPerRow) {
+    if (expected.size() != actual.size())
+        return testing::AssertionFailure() << expected.size() << " samples, not " << actual.size();
+    const auto at = std::mismatch(expected.begin(), expected.end(), actual.begin());
+    if (at.first == expected.end()) return testing::AssertionSuccess();
+    const auto index = at.first - expected.begin();
+    std::size_t differing = 0;
+    for (std::size_t i = 0; i < expected.size(); ++i) differing += expected[i] != actual[i];
+    return testing::AssertionFailure()
+           << "row " << index / samplesPerRow << ", sample " << index % samplesPerRow << ": expected "
+           << +*at.first << ", got " << +*at.second << "; " << differing << " differ";
+}
+
+}  // namespace zeltest

@@ -1,0 +1,128 @@
+#include <gtest/gtest.h>
+
+#include "reference/slowColour.h"
+#include "support/everyMachine.h"
+#include "zellab/imageproc/colorAdjust.h"
+#include "zellab/imageproc/colorCube.h"
+#include "zellab/imageproc/yCbCr.h"
+
+namespace {
+
+using slow::Rgb;
+using slow::YCbCr;
+using zeltest::Bytes;
+using zeltest::Size;
+
+unsigned char byte(int value) {
+    return static_cast<unsigned char>(value);
+}
+
+// Every third value of each channel, both ends among them; the grey axis whole.
+TEST(YCbCrMatchesSlow, OnOnePixelBothWays) {
+    const auto compare = [](int a, int b, int c) {
+        const unsigned char in[3] = {byte(a), byte(b), byte(c)};
+        unsigned char out[3], luma;
+        zellab::RGBToYCbCr(in, in + 1, in + 2, out, out + 1, out + 2);
+        ASSERT_EQ(slow::toYCbCr({a, b, c}), (YCbCr{out[0], out[1], out[2]})) << a << ' ' << b << ' ' << c;
+        zellab::RGBToLuma(in, in + 1, in + 2, &luma);
+        ASSERT_EQ(slow::toYCbCr({a, b, c}).y, luma) << a << ' ' << b << ' ' << c;
+        zellab::YCbCrToRGB(in, in + 1, in + 2, out, out + 1, out + 2);
+        ASSERT_EQ(slow::toRgb({a, b, c}), (Rgb{out[0], out[1], out[2]})) << a << ' ' << b << ' ' << c;
+    };
+    for (int a = 0; a < 256; a += 3)
+        for (int b = 0; b < 256; b += 3)
+            for (int c = 0; c < 256 && !HasFailure(); c += 3) compare(a, b, c);
+    for (int a = 0; a < 256; ++a) compare(a, a, a);
+}
+
+TEST(YCbCrMatchesSlow, OnPlanesOfAnyLength) {
+    for (const int count : {1, 2, 3, 7, 16, 31, 33, 100, 70001}) {
+        SCOPED_TRACE(testing::Message() << count << " pixels");
+        const Bytes rgba = zeltest::randomRgba(count, 1, 41);
+        Bytes planes[4];
+        for (int i = 0; i < count; ++i) {
+            const unsigned char* p = &rgba[static_cast<std::size_t>(4 * i)];
+            const Rgb colour{p[0], p[1], p[2]};
+            const YCbCr v = slow::toYCbCr(colour);
+            planes[0].push_back(byte(v.y)), planes[1].push_back(byte(v.cb)), planes[2].push_back(byte(v.cr));
+            planes[3].push_back(byte(slow::gray(colour)));
+        }
+        zeltest::onEveryMachine([&] {
+            Bytes source = rgba, out[4];
+            for (auto& plane : out) plane.resize(static_cast<std::size_t>(count));
+            zellab::RGBAToYCbCrPlanes(source.data(), out[0].data(), out[1].data(), out[2].data(), count);
+            zellab::RGBAToGray(source.data(), out[3].data(), count);
+            for (int k = 0; k < 4; ++k) ASSERT_TRUE(zeltest::sameSamples(planes[k], out[k], count)) << k;
+        });
+    }
+}
+
+// Sums that end close to a whole number are where the width of a step shows: all greens and reds at a few
+// blues.
+TEST(GrayMatchesSlow, OnAllRedsAndGreens) {
+    for (const int blue : {0, 1, 57, 128, 250, 255}) {
+        Bytes rgba, expected;
+        for (int r = 0; r < 256; ++r)
+            for (int g = 0; g < 256; ++g) {
+                rgba.insert(rgba.end(), {byte(r), byte(g), byte(blue), 1});
+                expected.push_back(byte(slow::gray({r, g, blue})));
+            }
+        zeltest::onEveryMachine([&] {
+            Bytes actual(256 * 256);
+            zellab::RGBAToGray(rgba.data(), actual.data(), 256 * 256);
+            ASSERT_TRUE(zeltest::sameSamples(expected, actual, 256))
+                << "rows red, samples green, blue " << blue;
+        });
+    }
+}
+
+TEST(ColorCubeMatchesSlow, OnRandomCubesOfBothSizes) {
+    const auto grey = [] {
+        Bytes ramp;
+        for (int i = 0; i < 256; ++i) ramp.insert(ramp.end(), {byte(i), byte(i), byte(i), byte(i / 2)});
+        return ramp;
+    }();
+    for (const auto& [steps, extreme] : {std::pair{16, false}, {16, true}, {64, false}}) {
+        const int side = steps == 16 ? 64 : 512;
+        Bytes cube = zeltest::randomRgba(side, side, 42);
+        if (extreme)  // the widest differences that sums have to hold
+            for (auto& b : cube) b = b < 128 ? 0 : 255;
+        const auto compare = [&](const Bytes& picture, Size size) {
+            SCOPED_TRACE(testing::Message() << steps << " steps, " << size.width << " by " << size.height);
+            Bytes expected = picture;
+            slow::colorCube(expected, cube, steps);
+            zeltest::onEveryMachine([&] {
+                Bytes actual = picture;
+                (steps == 16 ? zellab::ApplyColorCube : zellab::ApplyColorCube64)(actual.data(), cube.data(),
+                                                                                  size.width, size.height);
+                ASSERT_TRUE(zeltest::sameSamples(expected, actual, size.width * 4));
+            });
+        };
+        compare(grey, {256, 1});
+        for (const Size size : zeltest::kAwkwardSizes)
+            compare(zeltest::randomRgba(size.width, size.height, 43), size);
+        compare(zeltest::randomRgba(200, 150, 44), {200, 150});
+    }
+}
+
+TEST(ColorAdjustMatchesSlow, OnEveryPercentageAndLift) {
+    const Size size{37, 23};
+    const Bytes picture = zeltest::randomRgba(size.width, size.height, 45);
+    const auto compare = [&](int amount, auto slowForm, auto engine) {
+        Bytes expected = picture;
+        slowForm(expected, amount);
+        zeltest::onEveryMachine([&] {
+            Bytes actual = picture;
+            engine(actual.data(), size.width, size.height, amount);
+            ASSERT_TRUE(zeltest::sameSamples(expected, actual, size.width * 4)) << "amount " << amount;
+        });
+    };
+    for (int percent = -260; percent <= 400 && !HasFailure(); ++percent)
+        compare(percent, slow::saturationAdjust, zellab::SaturationAdjust);
+    for (int lift = -150; lift <= 150 && !HasFailure(); ++lift)
+        compare(lift, slow::logBrightnessAdjust, zellab::LogBrightnessAdjust);
+    for (const int lift : {-100000, 2500, 100000})
+        compare(lift, slow::logBrightnessAdjust, zellab::LogBrightnessAdjust);
+}
+
+}  // namespace

@@ -1,0 +1,112 @@
+#include "zellab/imageproc/edgeDetect.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+
+#include "support/everyWorkerAndLevel.h"
+#include "support/guardedBuffer.h"
+#include "support/randomImage.h"
+
+namespace {
+
+using zellab::EdgeDetectCanny;
+using zeltest::Bytes;
+
+Bytes edgesOf(const Bytes& plane, int width, int low, int high, bool automatic = false) {
+    const int height = static_cast<int>(plane.size()) / width;
+    Bytes edges(plane.size(), 0x55);
+    EXPECT_TRUE(EdgeDetectCanny(plane.data(), edges.data(), width, height, width, 0, low, high, automatic));
+    return edges;
+}
+
+Bytes smoothPlane(int width, int height) {
+    const Bytes rgba = zeltest::patternRgba(width, height, 11);
+    Bytes plane(rgba.size() / 4);
+    for (std::size_t i = 0; i < plane.size(); ++i) plane[i] = rgba[4 * i + 1];
+    return plane;
+}
+
+TEST(EdgeDetectCanny, FlatPlanesHaveNoEdges) {
+    for (bool automatic : {false, true})
+        for (int low : {0, -5, 10})
+            EXPECT_EQ(edgesOf(Bytes(20 * 30, 77), 20, low, 10, automatic), Bytes(20 * 30, 0));
+}
+
+TEST(EdgeDetectCanny, OutcomeTurnsAndMirrorsWithThePlane) {
+    constexpr int kWidth = 61, kHeight = 83;
+    const Bytes plane = smoothPlane(kWidth, kHeight);
+    const Bytes edges = edgesOf(plane, kWidth, 8, 20);
+    EXPECT_GT(std::count(edges.begin(), edges.end(), 255), 200);
+    Bytes turned(plane.size()), mirrored(plane.rbegin(), plane.rend());
+    for (std::size_t i = 0; i < plane.size(); ++i) turned[i % kWidth * kHeight + i / kWidth] = plane[i];
+    const Bytes turnedEdges = edgesOf(turned, kHeight, 8, 20),
+                mirroredEdges = edgesOf(mirrored, kWidth, 8, 20);
+    EXPECT_EQ(Bytes(mirroredEdges.rbegin(), mirroredEdges.rend()), edges);
+    for (std::size_t i = 0; i < plane.size(); ++i)
+        ASSERT_EQ(turnedEdges[i % kWidth * kHeight + i / kWidth], edges[i]);
+}
+
+// A weak step over 200 rows, strong on one row alone: the chain must run through every band of rows.
+TEST(EdgeDetectCanny, AWeakChainLivesByItsStrongLinkOnly) {
+    constexpr int kWidth = 40, kHeight = 200, kStrongRow = 77;
+    Bytes plane(kWidth * kHeight, 100);
+    for (int y = 0; y < kHeight; ++y)
+        std::fill_n(plane.begin() + y * kWidth + 20, 20, static_cast<unsigned char>(124));
+    EXPECT_EQ(edgesOf(plane, kWidth, 5, 40), Bytes(plane.size(), 0));
+    std::fill_n(plane.begin() + kStrongRow * kWidth + 20, 20, static_cast<unsigned char>(240));
+    for (const auto& [low, high] : {std::pair{5, 40}, std::pair{40, 5}}) {
+        const Bytes edges = edgesOf(plane, kWidth, low, high);
+        for (int y = 1; y < kHeight - 1; ++y)
+            ASSERT_EQ(std::count(edges.begin() + y * kWidth + 15, edges.begin() + y * kWidth + 25, 255) > 0,
+                      true)
+                << "row " << y;
+    }
+    EXPECT_EQ(edgesOf(plane, kWidth, 5, 1000), Bytes(plane.size(), 0));
+}
+
+// The strongest tenth of the thinned pixels starts chains: a faint step beside many strong ones stays out.
+TEST(EdgeDetectCanny, AutomaticThresholdsFollowThePicture) {
+    constexpr int kWidth = 64, kHeight = 48;
+    Bytes plane(kWidth * kHeight, 60);
+    for (int y = 0; y < kHeight; ++y)
+        for (int x = 0; x < kWidth; ++x) {
+            if (x >= 24) plane[static_cast<std::size_t>(y * kWidth + x)] = 200;
+            if (x >= 48) plane[static_cast<std::size_t>(y * kWidth + x)] = 212;
+        }
+    const Bytes edges = edgesOf(plane, kWidth, 0, 0, true);
+    for (int y = 2; y < kHeight - 2; ++y) {
+        EXPECT_GT(std::count(edges.begin() + y * kWidth + 20, edges.begin() + y * kWidth + 28, 255), 0);
+        EXPECT_EQ(std::count(edges.begin() + y * kWidth + 40, edges.begin() + y * kWidth + 60, 255), 0);
+    }
+}
+
+TEST(EdgeDetectCanny, BadArgumentsAndOddShapes) {
+    Bytes plane(5000, 1), edges(5000, 0x55);
+    EXPECT_FALSE(EdgeDetectCanny(nullptr, edges.data(), 50, 100, 50, 0, 5, 10, false));
+    EXPECT_FALSE(EdgeDetectCanny(plane.data(), nullptr, 50, 100, 50, 0, 5, 10, false));
+    EXPECT_FALSE(EdgeDetectCanny(plane.data(), edges.data(), 50, 100, 51, 0, 5, 10, false));
+    EXPECT_FALSE(EdgeDetectCanny(plane.data(), edges.data(), 1, 5000, 1, 0, 5, 10, false));
+    EXPECT_FALSE(EdgeDetectCanny(plane.data(), edges.data(), 5000, 1, 5000, 0, 5, 10, false));
+    EXPECT_FALSE(EdgeDetectCanny(plane.data(), edges.data(), -50, -100, -50, 0, 5, 10, true));
+    EXPECT_EQ(edges, Bytes(5000, 0x55));
+    for (const auto& [width, height] :
+         {std::pair{2, 2}, std::pair{2, 1000}, std::pair{1000, 2}, std::pair{3, 3}}) {
+        const Bytes noise = zeltest::randomPlane(width, height, 3);
+        zeltest::GuardedBuffer out(noise.size());
+        EXPECT_TRUE(EdgeDetectCanny(noise.data(), out.data(), width, height, width, 0, 1, 2, true));
+        EXPECT_TRUE(out.guardsIntact());
+    }
+}
+
+TEST(EdgeDetectCanny, WorkersLevelsAndWorkingInPlaceChangeNothing) {
+    const Bytes plane = smoothPlane(157, 301);
+    for (bool automatic : {false, true}) {
+        zeltest::expectSameOnEveryWorkerCountAndLevel([&] { return edgesOf(plane, 157, 5, 10, automatic); });
+        Bytes inPlace = plane;
+        EdgeDetectCanny(inPlace.data(), inPlace.data(), 157, 301, 157, 0, 5, 10, automatic);
+        EXPECT_EQ(inPlace, edgesOf(plane, 157, 5, 10, automatic));
+    }
+}
+
+}  // namespace

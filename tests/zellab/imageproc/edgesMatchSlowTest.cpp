@@ -1,0 +1,77 @@
+#include <gtest/gtest.h>
+
+#include "reference/slowEdges.h"
+#include "support/everyMachine.h"
+#include "zellab/imageproc/edgeDetect.h"
+#include "zellab/imageproc/recursiveGaussian.h"
+
+namespace {
+
+using zeltest::Bytes;
+using zeltest::Size;
+
+struct Sigmas {
+    float x, y;
+};
+
+/// Thresholds; negative ones are found automatically.
+struct Limits {
+    int low, high;
+};
+
+// Row sizes of one byte a pixel, of planes read with a step, and of four-byte pixels with and without a tail.
+TEST(RecursiveGaussianMatchesSlow, OnEveryRowSize) {
+    for (const Size size : zeltest::kAwkwardSizes)
+        for (const int rowBytes : {size.width, 2 * size.width, 4 * size.width, 5 * size.width - 1}) {
+            const Bytes picture = zeltest::randomBytes(static_cast<std::size_t>(rowBytes * size.height), 81);
+            for (const Sigmas s : {Sigmas{0.1f, 0.0999f}, Sigmas{0.0f, 0.7f}, Sigmas{1.0f, 1.0f},
+                                   Sigmas{2.5f, 9.0f}, Sigmas{250.0f, 300.0f}}) {
+                SCOPED_TRACE(testing::Message() << size.width << " by " << size.height << ", row " << rowBytes
+                                                << ", sigma " << s.x << ' ' << s.y);
+                Bytes expected = picture;
+                slow::recursiveGaussian(expected, size.width, size.height, rowBytes, s.x, s.y);
+                zeltest::onEveryMachine([&] {
+                    Bytes actual = picture;
+                    EXPECT_TRUE(zellab::RecursiveGaussianBlur(actual.data(), size.width, size.height,
+                                                              rowBytes, s.x, s.y, 0));
+                    ASSERT_TRUE(zeltest::sameSamples(expected, actual, rowBytes));
+                });
+                ASSERT_FALSE(HasFailure());
+            }
+        }
+}
+
+/// Planes that meet ties, chains and every gradient direction: noise, two levels, a few grey levels, waves.
+std::vector<Bytes> edgePlanes(int width, int height) {
+    const Bytes noise = zeltest::randomPlane(width, height, 82);
+    const Bytes pattern = zeltest::patternRgba(width, height, 83);
+    std::vector<Bytes> planes = {noise, noise, noise, noise};
+    for (std::size_t i = 0; i < noise.size(); ++i) {
+        planes[1][i] = noise[i] > 230 ? 255 : 0;
+        planes[2][i] = static_cast<unsigned char>(noise[i] / 64 * 9 + 100);
+        planes[3][i] = pattern[4 * i];
+    }
+    return planes;
+}
+
+TEST(EdgeDetectMatchesSlow, OnNoiseLevelsAndWaves) {
+    for (const Size size : {Size{2, 2}, Size{3, 3}, Size{3, 17}, Size{21, 4}, Size{64, 51}, Size{77, 120}})
+        for (const Bytes& plane : edgePlanes(size.width, size.height))
+            for (const Limits limits : {Limits{5, 10}, Limits{20, 8}, Limits{0, 0}, Limits{30, 90},
+                                        Limits{1, 130}, Limits{-1, -1}}) {
+                const bool automatic = limits.low < 0;
+                SCOPED_TRACE(testing::Message() << size.width << " by " << size.height << ", thresholds "
+                                                << limits.low << ' ' << limits.high);
+                const Bytes expected =
+                    slow::cannyEdges(plane, size.width, size.height, limits.low, limits.high, automatic);
+                zeltest::onEveryMachine([&] {
+                    Bytes actual(plane.size(), 66);
+                    ASSERT_TRUE(zellab::EdgeDetectCanny(plane.data(), actual.data(), size.width, size.height,
+                                                        size.width, 0, limits.low, limits.high, automatic));
+                    ASSERT_TRUE(zeltest::sameSamples(expected, actual, size.width));
+                });
+                ASSERT_FALSE(HasFailure());
+            }
+}
+
+}  // namespace

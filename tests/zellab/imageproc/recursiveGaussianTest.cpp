@@ -1,0 +1,127 @@
+#include "zellab/imageproc/recursiveGaussian.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <limits>
+
+#include "support/everyWorkerAndLevel.h"
+#include "support/guardedBuffer.h"
+#include "support/randomImage.h"
+
+namespace {
+
+using zellab::RecursiveGaussianBlur;
+using zeltest::Bytes;
+
+Bytes blurredRow(Bytes row, float sigma) {
+    const int length = static_cast<int>(row.size());
+    EXPECT_TRUE(RecursiveGaussianBlur(row.data(), length, 1, length, sigma, 0.0f, 0));
+    return row;
+}
+
+/// The sum that the recursion stands for, ends repeated.
+std::vector<double> sampledGaussian(const Bytes& row, double sigma) {
+    const int length = static_cast<int>(row.size()), reach = static_cast<int>(6 * sigma) + 1;
+    std::vector<double> out;
+    for (int i = 0; i < length; ++i) {
+        double sum = 0, weights = 0;
+        for (int k = -reach; k <= reach; ++k) {
+            const double w = std::exp(-0.5 * k * k / (sigma * sigma));
+            sum += w * row[static_cast<std::size_t>(std::clamp(i + k, 0, length - 1))];
+            weights += w;
+        }
+        out.push_back(sum / weights);
+    }
+    return out;
+}
+
+// The second-order recursion is an approximation: on a full step it strays by up to 7 % of the step.
+TEST(RecursiveGaussian, StaysNearTheSampledGaussian) {
+    Bytes step(400, 20), texture = zeltest::randomBytes(400, 2);
+    std::fill(step.begin() + 200, step.end(), static_cast<unsigned char>(220));
+    for (float sigma : {0.8f, 1.5f, 4.0f, 10.0f, 25.0f})
+        for (const Bytes* row : {&step, &texture}) {
+            const Bytes blurred = blurredRow(*row, sigma);
+            const std::vector<double> expected = sampledGaussian(*row, sigma);
+            for (std::size_t i = 0; i < blurred.size(); ++i)
+                ASSERT_NEAR(blurred[i], expected[i], 0.07 * 200) << "sigma " << sigma << ", sample " << i;
+        }
+}
+
+TEST(RecursiveGaussian, AConstantStaysUpToTruncation) {
+    for (float sigma : {0.1f, 0.5f, 3.0f, 60.0f, 250.0f})
+        for (int width : {1, 2, 3, 31, 33})
+            for (int height : {1, 2, 40}) {
+                Bytes pixels(static_cast<std::size_t>(width * height * 4), 180);
+                ASSERT_TRUE(RecursiveGaussianBlur(pixels.data(), width, height, width * 4, sigma, sigma, 0));
+                for (unsigned char b : pixels)
+                    ASSERT_NEAR(b, 180, 2) << "sigma " << sigma << ", width " << width;
+            }
+}
+
+// One axis at a time, rows of a picture and columns of its transpose are the same numbers; so are a colour
+// channel and a plane.
+TEST(RecursiveGaussian, RowsColumnsAndChannelsAreTheSameFilter) {
+    constexpr int kWidth = 45, kHeight = 70;
+    const Bytes plane = zeltest::randomPlane(kWidth, kHeight, 9);
+    Bytes rows = plane, turned(plane.size()), rgba = zeltest::randomRgba(kWidth, kHeight, 10);
+    for (std::size_t i = 0; i < plane.size(); ++i) {
+        turned[i % kWidth * kHeight + i / kWidth] = plane[i];
+        rgba[4 * i + 1] = plane[i];
+    }
+    const Bytes rgbaBefore = rgba;
+    RecursiveGaussianBlur(rows.data(), kWidth, kHeight, kWidth, 2.8f, 0.0f, 0);
+    RecursiveGaussianBlur(turned.data(), kHeight, kWidth, kHeight, 0.0f, 2.8f, 0);
+    RecursiveGaussianBlur(rgba.data(), kWidth, kHeight, kWidth * 4, 2.8f, 0.0f, 0);
+    for (std::size_t i = 0; i < plane.size(); ++i) {
+        ASSERT_EQ(rows[i], turned[i % kWidth * kHeight + i / kWidth]);
+        ASSERT_EQ(rows[i], rgba[4 * i + 1]);
+        ASSERT_EQ(rgba[4 * i + 3], rgbaBefore[4 * i + 3]);
+    }
+    EXPECT_NE(rows, plane);
+}
+
+TEST(RecursiveGaussian, LimitsOfSigma) {
+    const Bytes row = zeltest::randomBytes(200, 4);
+    EXPECT_EQ(blurredRow(row, 300.0f), blurredRow(row, 250.0f));
+    EXPECT_EQ(blurredRow(row, std::numeric_limits<float>::infinity()), blurredRow(row, 250.0f));
+    EXPECT_NE(blurredRow(row, 0.6f), row);
+    for (float sigma : {0.0999f, 0.0f, -3.0f, std::numeric_limits<float>::quiet_NaN()})
+        EXPECT_EQ(blurredRow(row, sigma), row);
+}
+
+// Five bytes a pixel: one is blurred, four and the rows' tail belong to somebody else.
+TEST(RecursiveGaussian, LeavesOtherBytesAndRefusesBadArguments) {
+    constexpr int kWidth = 40, kHeight = 37, kRowBytes = kWidth * 5 + 3;
+    zeltest::GuardedBuffer buffer(kRowBytes * kHeight);
+    for (int y = 0; y < kHeight; ++y)
+        for (int x = 0; x < kWidth; ++x)
+            buffer.data()[y * kRowBytes + 5 * x] = static_cast<unsigned char>(x * y);
+    EXPECT_TRUE(RecursiveGaussianBlur(buffer.data(), kWidth, kHeight, kRowBytes, 3.0f, 3.0f, 0));
+    EXPECT_TRUE(buffer.guardsIntact());
+    for (int y = 0; y < kHeight; ++y)
+        for (int b = 0; b < kRowBytes; ++b)
+            if (b % 5 != 0 || b >= kWidth * 5) {
+                ASSERT_EQ(buffer.data()[y * kRowBytes + b], 0x66);
+            }
+
+    Bytes pixels(64, 1);
+    EXPECT_FALSE(RecursiveGaussianBlur(nullptr, 4, 4, 16, 1.0f, 1.0f, 0));
+    EXPECT_FALSE(RecursiveGaussianBlur(pixels.data(), 0, 4, 16, 1.0f, 1.0f, 0));
+    EXPECT_FALSE(RecursiveGaussianBlur(pixels.data(), 4, -4, 16, 1.0f, 1.0f, 0));
+    EXPECT_FALSE(RecursiveGaussianBlur(pixels.data(), 4, 4, 3, 1.0f, 1.0f, 0));
+}
+
+TEST(RecursiveGaussian, WorkersAndLevelsChangeNothing) {
+    for (int channels : {1, 4}) {
+        const Bytes source = zeltest::randomBytes(static_cast<std::size_t>(129 * 151 * channels), 6);
+        zeltest::expectSameOnEveryWorkerCountAndLevel([&] {
+            Bytes pixels = source;
+            RecursiveGaussianBlur(pixels.data(), 129, 151, 129 * channels, 1.4f, 7.0f, 0);
+            return pixels;
+        });
+    }
+}
+
+}  // namespace

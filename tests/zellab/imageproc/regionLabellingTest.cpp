@@ -1,0 +1,119 @@
+#include "zellab/imageproc/regionLabelling.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <memory>
+#include <vector>
+
+#include "support/everyWorkerAndLevel.h"
+#include "support/randomImage.h"
+
+namespace {
+
+using zellab::LabelConnectedRuns;
+using zellab::RegionBox;
+using zeltest::Bytes;
+
+struct Labelling {
+    int count = 0;
+    std::vector<int> labels;
+    std::vector<RegionBox> boxes;
+};
+
+Labelling labelled(const Bytes& plane, int width) {
+    Labelling result;
+    result.labels.assign(plane.size(), -7);
+    RegionBox* boxes = nullptr;
+    const int height = static_cast<int>(plane.size()) / width;
+    result.count = LabelConnectedRuns(plane.data(), result.labels.data(), width, height, &boxes);
+    const std::unique_ptr<RegionBox, decltype(&std::free)> owner(boxes, &std::free);
+    if (result.count > 0) result.boxes.assign(boxes, boxes + result.count);
+    return result;
+}
+
+Bytes fromText(std::initializer_list<const char*> rows) {
+    Bytes plane;
+    for (const char* row : rows)
+        for (const char* p = row; *p; ++p) plane.push_back(*p == '#' ? 255 : 0);
+    return plane;
+}
+
+TEST(LabelConnectedRuns, NumbersRegionsByTheirFirstPixel) {
+    // The cup's two sides meet at its bottom only, so its right side must take the number of the left.
+    const Labelling cup = labelled(fromText({"#.#.#",  //
+                                             "#...#",  //
+                                             ".###.",  //
+                                             "....."}),
+                                   5);
+    EXPECT_EQ(cup.count, 2);
+    EXPECT_EQ(cup.labels, (std::vector<int>{1, 0, 2, 0, 1, 1, 0, 0, 0, 1, 0, 1, 1, 1, 0, 0, 0, 0, 0, 0}));
+    EXPECT_EQ(cup.boxes[0].top, 0);
+    EXPECT_EQ(cup.boxes[0].bottom, 2);
+    EXPECT_EQ(cup.boxes[0].left, 0);
+    EXPECT_EQ(cup.boxes[0].right, 4);
+    EXPECT_EQ(cup.boxes[1].bottom, 0);
+    EXPECT_EQ(cup.boxes[1].left, 2);
+    EXPECT_EQ(cup.boxes[1].right, 2);
+
+    EXPECT_EQ(labelled(fromText({"#..", ".#.", "..#"}), 3).count, 1);
+    EXPECT_EQ(labelled(fromText({"#.#", "...", "#.#"}), 3).count, 4);
+    EXPECT_EQ(labelled({127, 128, 0, 255}, 4).labels, (std::vector<int>{0, 1, 0, 2}));
+}
+
+// Every pixel agrees with its neighbours and lies in its box; no label is shared by parts that a walk over
+// neighbours does not join. Widths around 64 end runs in the middle and at the end of a machine word.
+TEST(LabelConnectedRuns, LabelsAreExactlyTheConnectedRegions) {
+    for (int width : {1, 2, 63, 64, 65, 130})
+        for (int chance : {30, 110, 160, 250}) {
+            SCOPED_TRACE(testing::Message() << "width " << width << ", chance " << chance);
+            Bytes plane = zeltest::randomPlane(width, 97, static_cast<unsigned>(width + chance));
+            for (auto& b : plane) b = b < chance ? 128 : 127;
+            const Labelling result = labelled(plane, width);
+            std::vector<int> walked(plane.size(), 0), stack;
+            int regions = 0;
+            for (int seed = 0; seed < static_cast<int>(plane.size()); ++seed) {
+                if (plane[static_cast<std::size_t>(seed)] < 128 || walked[static_cast<std::size_t>(seed)])
+                    continue;
+                walked[static_cast<std::size_t>(seed)] = ++regions;
+                stack.push_back(seed);
+                while (!stack.empty()) {
+                    const int at = stack.back(), x = at % width, y = at / width;
+                    stack.pop_back();
+                    const RegionBox& box = result.boxes.at(static_cast<std::size_t>(regions) - 1);
+                    ASSERT_TRUE(x >= box.left && x <= box.right && y >= box.top && y <= box.bottom);
+                    for (int ny = std::max(y - 1, 0); ny <= std::min(y + 1, 96); ++ny)
+                        for (int nx = std::max(x - 1, 0); nx <= std::min(x + 1, width - 1); ++nx) {
+                            const auto n = static_cast<std::size_t>(ny * width + nx);
+                            if (plane[n] < 128 || walked[n]) continue;
+                            walked[n] = regions;
+                            stack.push_back(static_cast<int>(n));
+                        }
+                }
+            }
+            ASSERT_EQ(result.count, regions);
+            ASSERT_EQ(result.labels, walked);
+        }
+}
+
+TEST(LabelConnectedRuns, NothingToLabel) {
+    const Labelling none = labelled(Bytes(50, 127), 10);
+    EXPECT_EQ(none.count, -1);
+    EXPECT_EQ(none.labels, std::vector<int>(50, -7));
+    Bytes plane(50, 255);
+    std::vector<int> labels(50);
+    RegionBox* boxes = reinterpret_cast<RegionBox*>(&labels);
+    EXPECT_EQ(LabelConnectedRuns(nullptr, labels.data(), 10, 5, &boxes), -1);
+    EXPECT_EQ(boxes, nullptr);
+    EXPECT_EQ(LabelConnectedRuns(plane.data(), nullptr, 10, 5, &boxes), -1);
+    EXPECT_EQ(LabelConnectedRuns(plane.data(), labels.data(), 10, 5, nullptr), -1);
+    EXPECT_EQ(LabelConnectedRuns(plane.data(), labels.data(), -10, 5, &boxes), -1);
+    EXPECT_EQ(LabelConnectedRuns(plane.data(), labels.data(), 10, 0, &boxes), -1);
+}
+
+TEST(LabelConnectedRuns, WorkersChangeNothing) {
+    Bytes plane = zeltest::randomPlane(200, 333, 8);
+    zeltest::expectSameOnEveryWorkerCountAndLevel([&] { return labelled(plane, 200).labels; });
+}
+
+}  // namespace

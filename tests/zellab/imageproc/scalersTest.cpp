@@ -1,0 +1,222 @@
+// The library's own two scalers, which share most of what can be said about a scaler.
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <cstdlib>
+
+#include "support/everyWorkerAndLevel.h"
+#include "support/guardedBuffer.h"
+#include "support/randomImage.h"
+#include "zellab/imageproc/imageResampler.h"
+#include "zellab/imageproc/imageView.h"
+#include "zellab/imageproc/resamplePhases.h"
+#include "zellab/imageproc/sfdsp/scaleBilinear.h"
+#include "zellab/imageproc/sfdsp/yuvScale.h"
+
+namespace {
+
+using zellab::ImageResampler;
+using zellab::sampleCount;
+using zellab::ScaleBilinearThreaded;
+using zeltest::Bytes;
+using zeltest::GuardedBuffer;
+
+constexpr int kQualities[] = {0, 1, 2, 3};
+
+Bytes resize(const Bytes& source, int sw, int sh, int tw, int th, int channels, int quality) {
+    Bytes target(sampleCount(tw, th, channels));
+    EXPECT_TRUE(ImageResampler().Resize(source.data(), sw, sh, target.data(), tw, th, channels, quality));
+    return target;
+}
+
+Bytes mirrored(const Bytes& pixels, int width, int height, int channels) {
+    Bytes out(pixels.size());
+    for (int y = 0; y < height; ++y)
+        for (int x = 0; x < width; ++x)
+            for (int c = 0; c < channels; ++c)
+                out[static_cast<std::size_t>(((height - 1 - y) * width + width - 1 - x) * channels + c)] =
+                    pixels[static_cast<std::size_t>((y * width + x) * channels + c)];
+    return out;
+}
+
+int largestDifference(const Bytes& a, const Bytes& b) {
+    int most = 0;
+    for (std::size_t i = 0; i < a.size(); ++i) most = std::max(most, std::abs(a[i] - b[i]));
+    return most;
+}
+
+// Rounding of weights, ends that are read twice and margins all show as a constant that moves.
+TEST(Scalers, AConstantStaysAndNothingBesideTheTargetIsWritten) {
+    constexpr unsigned char kValue = 201;
+    const int sizes[] = {1, 2, 3, 4, 5, 7, 8, 9, 16, 17, 31, 33, 70};
+    for (int from : sizes)
+        for (int to : sizes)
+            for (int channels : {1, 4}) {
+                SCOPED_TRACE(testing::Message() << from << " to " << to << ", channels " << channels);
+                const int sh = (from * 3) % 71, th = (to * 5) % 71;
+                const Bytes source(sampleCount(from, sh, channels), kValue);
+                GuardedBuffer bilinear(sampleCount(to, th, channels));
+                if (from == to && sh == th) continue;
+                ASSERT_TRUE(
+                    ScaleBilinearThreaded(source.data(), from, sh, bilinear.data(), to, th, channels));
+                ASSERT_TRUE(bilinear.guardsIntact());
+                for (std::size_t i = 0; i < bilinear.size(); ++i)
+                    ASSERT_EQ(bilinear[i], channels == 4 && i % 4 == 3 ? 255 : kValue);
+                for (int quality : kQualities) {
+                    GuardedBuffer target(sampleCount(to, th, channels));
+                    ASSERT_TRUE(ImageResampler().Resize(source.data(), from, sh, target.data(), to, th,
+                                                        channels, quality));
+                    ASSERT_TRUE(target.guardsIntact() && target.allAre(kValue)) << "quality " << quality;
+                }
+            }
+}
+
+TEST(Scalers, WorkersAndLevelsChangeNothing) {
+    const struct {
+        int sw, sh, tw, th;
+    } cases[] = {{311, 223, 187, 134}, {97, 131, 215, 333}, {640, 77, 71, 401}, {50, 900, 400, 3}};
+    for (const auto& c : cases)
+        for (int channels : {1, 4}) {
+            const Bytes source = zeltest::randomBytes(sampleCount(c.sw, c.sh, channels), 7);
+            zeltest::expectSameOnEveryWorkerCountAndLevel([&] {
+                Bytes target(sampleCount(c.tw, c.th, channels));
+                ScaleBilinearThreaded(source.data(), c.sw, c.sh, target.data(), c.tw, c.th, channels);
+                return target;
+            });
+            for (int quality : kQualities)
+                zeltest::expectSameOnEveryWorkerCountAndLevel(
+                    [&] { return resize(source, c.sw, c.sh, c.tw, c.th, channels, quality); });
+        }
+}
+
+TEST(Scalers, EqualSizesCopyAndBadArgumentsLeaveTheTarget) {
+    const Bytes source = zeltest::randomRgba(9, 5, 1);
+    Bytes target(source.size());
+    EXPECT_FALSE(ScaleBilinearThreaded(source.data(), 9, 5, target.data(), 9, 5, 4));
+    EXPECT_EQ(target, source);
+    EXPECT_EQ(resize(source, 9, 5, 9, 5, 4, 0), source);
+
+    ImageResampler resampler;
+    const struct {
+        int sw, sh, tw, th, channels;
+    } bad[] = {{0, 5, 9, 5, 4},  {9, -5, 9, 5, 4}, {9, 5, 0, 5, 4},
+               {9, 5, 9, -1, 4}, {9, 5, 3, 3, 0},  {9, 5, 3, 3, -4}};
+    GuardedBuffer guarded(source.size());
+    for (const auto& b : bad) {
+        EXPECT_FALSE(
+            ScaleBilinearThreaded(source.data(), b.sw, b.sh, guarded.data(), b.tw, b.th, b.channels));
+        EXPECT_FALSE(resampler.Resize(source.data(), b.sw, b.sh, guarded.data(), b.tw, b.th, b.channels, 3));
+    }
+    EXPECT_FALSE(ScaleBilinearThreaded(nullptr, 9, 5, guarded.data(), 3, 3, 4));
+    EXPECT_FALSE(ScaleBilinearThreaded(source.data(), 9, 5, nullptr, 3, 3, 4));
+    EXPECT_FALSE(resampler.Resize(nullptr, 9, 5, guarded.data(), 3, 3, 4, 0));
+    EXPECT_FALSE(resampler.Resize(source.data(), 9, 5, nullptr, 3, 3, 4, 0));
+    EXPECT_FALSE(resampler.Resize(source.data(), 9, 5, guarded.data(), 3, 3, 3, 0));
+    EXPECT_TRUE(guarded.allAre(0x66));
+}
+
+TEST(Scalers, LongThinPicturesStayInside) {
+    const Bytes source = zeltest::randomRgba(5000, 1, 3);
+    const struct {
+        int sw, sh, tw, th;
+    } cases[] = {{5000, 1, 1, 5000}, {1, 5000, 5000, 1}, {5000, 1, 1, 1}, {1, 5000, 1, 2}, {1, 1, 50, 50}};
+    for (const auto& c : cases)
+        for (int channels : {1, 4}) {
+            GuardedBuffer target(sampleCount(c.tw, c.th, channels));
+            EXPECT_TRUE(
+                ScaleBilinearThreaded(source.data(), c.sw, c.sh, target.data(), c.tw, c.th, channels));
+            for (int quality : kQualities)
+                EXPECT_TRUE(ImageResampler().Resize(source.data(), c.sw, c.sh, target.data(), c.tw, c.th,
+                                                    channels, quality));
+            EXPECT_TRUE(target.guardsIntact());
+        }
+}
+
+TEST(ScaleBilinear, InterpolatesFromTheCornerAndFillsWhatItCannotScale) {
+    const Bytes source = {0, 100};
+    Bytes target(4);
+    EXPECT_TRUE(ScaleBilinearThreaded(source.data(), 2, 1, target.data(), 4, 1, 1));
+    EXPECT_EQ(target, (Bytes{0, 50, 100, 100}));
+    Bytes threeBytes(4 * 2 * 3, 7);
+    EXPECT_FALSE(ScaleBilinearThreaded(threeBytes.data(), 2, 2, threeBytes.data(), 4, 2, 3));
+    EXPECT_EQ(threeBytes, Bytes(4 * 2 * 3, 255));
+}
+
+TEST(ImageResampler, WeightsSumToOneAndPositionsRise) {
+    const int sizes[] = {1, 2, 3, 16, 70, 719, 5000};
+    for (int source : sizes)
+        for (int target : sizes)
+            for (int quality : kQualities) {
+                SCOPED_TRACE(testing::Message() << source << " to " << target << ", quality " << quality);
+                const zellab::AxisFilter filter = zellab::buildAxisFilter(source, target, quality);
+                ASSERT_EQ(filter.first.size(), static_cast<std::size_t>(target));
+                for (std::size_t i = 0; i < filter.first.size(); ++i) {
+                    int sum = 0;
+                    for (int k = 0; k < filter.rowLength; ++k) sum += filter.weightsOf(i)[k];
+                    ASSERT_EQ(sum, zellab::kWeightSum);
+                    ASSERT_TRUE(i == 0 || filter.first[i] >= filter.first[i - 1]);
+                }
+            }
+}
+
+// Halving puts every position between two samples, where the phases are symmetric.
+TEST(ImageResampler, HalvingAMirroredPictureGivesTheMirroredResult) {
+    const Bytes source = zeltest::patternRgba(64, 32, 5);
+    for (int quality : {1, 2, 3}) {
+        const Bytes there = mirrored(resize(source, 64, 32, 32, 16, 4, quality), 32, 16, 4);
+        const Bytes back = resize(mirrored(source, 64, 32, 4), 64, 32, 32, 16, 4, quality);
+        EXPECT_LE(largestDifference(there, back), 1) << "quality " << quality;
+    }
+}
+
+// Detail finer than the target can show must turn into its mean instead of into false patterns.
+TEST(ImageResampler, ShrinkingAveragesACheckerboard) {
+    constexpr int kSide = 256;
+    Bytes source(sampleCount(kSide, kSide));
+    for (int y = 0; y < kSide; ++y)
+        for (int x = 0; x < kSide; ++x)
+            source[static_cast<std::size_t>(y * kSide + x)] = (x ^ y) & 1 ? 255 : 0;
+    for (int quality : {1, 2, 3})
+        for (int side : {150, 100, 61, 7}) {
+            const Bytes small = resize(source, kSide, kSide, side, side, 1, quality);
+            for (int y = 2; y < side - 2; ++y)
+                for (int x = 2; x < side - 2; ++x)
+                    ASSERT_NEAR(small[static_cast<std::size_t>(y * side + x)], 127.5, 8)
+                        << "quality " << quality << ", side " << side;
+        }
+}
+
+// Upscaling by a whole number passes through the samples' neighbourhood without shifting the picture.
+TEST(ImageResampler, EnlargingThenShrinkingGivesBackASmoothPicture) {
+    constexpr int kSide = 60;
+    Bytes source(sampleCount(kSide, kSide));
+    for (int y = 0; y < kSide; ++y)
+        for (int x = 0; x < kSide; ++x)
+            source[static_cast<std::size_t>(y * kSide + x)] =
+                static_cast<unsigned char>(128 + 50 * std::sin(x * 0.2) + 40 * std::cos(y * 0.15));
+    for (int quality : {1, 2, 3}) {
+        const Bytes large = resize(source, kSide, kSide, 3 * kSide, 3 * kSide, 1, quality);
+        const Bytes back = resize(large, 3 * kSide, 3 * kSide, kSide, kSide, 1, quality);
+        EXPECT_LE(largestDifference(source, back), 4) << "quality " << quality;
+    }
+}
+
+// The foreign scaler rounds a constant down by one here and there; what is ours is the check of sizes.
+TEST(YuvScale, ChecksSizesAndStaysInside) {
+    using zellab::YuvFilter;
+    for (YuvFilter filter : {YuvFilter::none, YuvFilter::linear, YuvFilter::bilinear, YuvFilter::box}) {
+        const Bytes source(sampleCount(37, 23, 4), 90);
+        GuardedBuffer target(sampleCount(11, 40, 4)), plane(sampleCount(50, 9));
+        EXPECT_TRUE(zellab::scaleArgb(source.data(), 37, 23, target.data(), 11, 40, filter));
+        EXPECT_TRUE(zellab::scalePlane(source.data(), 37, 23, plane.data(), 50, 9, filter));
+        EXPECT_TRUE(target.guardsIntact() && plane.guardsIntact());
+        for (std::size_t i = 0; i < target.size(); ++i) ASSERT_NEAR(target[i], 90, 1);
+        for (std::size_t i = 0; i < plane.size(); ++i) ASSERT_NEAR(plane[i], 90, 1);
+        EXPECT_FALSE(zellab::scaleArgb(nullptr, 37, 23, target.data(), 11, 40, filter));
+        EXPECT_FALSE(zellab::scaleArgb(source.data(), 37, 23, target.data(), 0, 40, filter));
+        EXPECT_FALSE(zellab::scalePlane(source.data(), 37, -23, plane.data(), 50, 9, filter));
+        EXPECT_FALSE(zellab::scalePlane(source.data(), 40000, 1, plane.data(), 50, 9, filter));
+    }
+}
+
+}  // namespace
