@@ -13,15 +13,15 @@ using Column = std::vector<float>;
 constexpr int kLevels = 44;        // weights are -kLevels to kLevels
 constexpr float kClipped = 4.5f;   // deviations of a row's weights that the levels span
 
-/// Sums of products in eight lanes, so that the compiler may use vectors.
+/// Sums of products in lanes, so that the compiler may use vectors.
 float product(const float* a, const float* b, std::size_t count) {
     float lanes[16] = {0};
-    std::size_t i = 0;
-    for (; i + 16 <= count; i += 16)
+    const std::size_t whole = count - count % 16;
+    for (std::size_t i = 0; i < whole; i += 16)
         for (std::size_t l = 0; l < 16; ++l) lanes[l] += a[i + l] * b[i + l];
     float sum = 0;
     for (const float lane : lanes) sum += lane;
-    for (; i < count; ++i) sum += a[i] * b[i];
+    for (std::size_t i = whole; i < count; ++i) sum += a[i] * b[i];
     return sum;
 }
 

@@ -7,10 +7,12 @@ namespace zeltrain {
 
 namespace {
 
+using zel::aligning;
 using zel::kLandmarks;
 using zel::kModes;
 using zel::kPlacingModes;
 using zel::Landmarks;
+using zel::moved;
 
 using Row = std::vector<double>;
 constexpr std::size_t kNumbers = 2 * kLandmarks;

@@ -17,10 +17,13 @@ namespace zeltrain {
 
 namespace {
 
+using zel::aligning;
 using zel::kLandmarks;
 using zel::kModes;
 using zel::LandmarkModel;
+using zel::landmarkError;
 using zel::Landmarks;
+using zel::moved;
 using zel::Similarity;
 
 constexpr unsigned kFirstSeed = 100001;   // no test or measurement uses seeds from here on
