@@ -36,14 +36,21 @@ bool isFolder(const std::string& path, std::size_t inputs, const char* option) {
     return inputs > 1;
 }
 
-std::vector<FacesItem> planItems(const FacesOptions& options) {
+struct FacesPlan {
+    std::vector<FacesItem> items;
+    std::vector<UserPath> folders;  // to be made where they are missing
+};
+
+FacesPlan planFaces(const FacesOptions& options) {
     const std::size_t count = options.inputs.size();
     const bool draws = !options.overlay.empty();
     const bool dataFolder = isFolder(options.output, count, "FACES.json");
     const bool overlayFolder = draws && isFolder(options.overlay, count, "--overlay");
     if (draws && !overlayFolder && !formatOfSuffix(options.overlay))
         throw UsageError("--overlay must end in .png, .jpg or .jpeg, not '" + options.overlay + "'");
-    std::vector<FacesItem> items;
+    FacesPlan plan;
+    if (dataFolder) plan.folders.emplace_back(options.output);
+    if (overlayFolder) plan.folders.emplace_back(options.overlay);
     std::map<std::string, std::string> owners;
     for (const std::string& name : options.inputs) {
         const std::string stem = fs::path(name).stem().string();
@@ -57,31 +64,30 @@ std::vector<FacesItem> planItems(const FacesOptions& options) {
         if (!fresh)
             throw UsageError("'" + item.data.shown + "' would be written twice (for '" + owner->second +
                              "' and '" + name + "')");
-        items.push_back(item);
+        plan.items.push_back(item);
     }
-    return items;
+    return plan;
 }
 
 class FacesRun {
 public:
     explicit FacesRun(const FacesOptions& options) : m_options(options), m_messages(options.quiet) {}
 
-    int run(const std::vector<FacesItem>& items) {
-        for (const UserPath& path : {items.front().data, items.front().overlay})
-            if (!path.shown.empty()) makeFolder(path);
-        m_messages.startProgress(items.size());
-        runJobs(items.size(), m_options.jobs, [&](std::size_t i) { process(i, items[i]); });
+    int run(const FacesPlan& plan) {
+        for (const UserPath& folder : plan.folders) {
+            std::error_code error;
+            fs::create_directories(folder.real, error);
+            if (!error) continue;
+            m_messages.error(folder.shown, "cannot be made (" + error.message() + ")");
+            return kWorkFailed;
+        }
+        m_messages.startProgress(plan.items.size());
+        runJobs(plan.items.size(), m_options.jobs, [&](std::size_t i) { process(i, plan.items[i]); });
         m_messages.endProgress();
         return m_failed ? kWorkFailed : kDone;
     }
 
 private:
-    /// The folder of an output; where it cannot be made, writing tells why.
-    static void makeFolder(const UserPath& path) {
-        std::error_code error;
-        fs::create_directories(path.real.parent_path(), error);
-    }
-
     void process(std::size_t index, const FacesItem& item) {
         std::string line, file = item.input.shown;
         bool failed = true;
@@ -127,8 +133,8 @@ private:
 }  // namespace
 
 int runFaces(const FacesOptions& options) {
-    const auto items = planItems(options);
-    return FacesRun(options).run(items);
+    const FacesPlan plan = planFaces(options);
+    return FacesRun(options).run(plan);
 }
 
 }  // namespace zel
