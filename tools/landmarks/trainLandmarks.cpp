@@ -4,11 +4,13 @@
 // about five minutes and learning as long.
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <cstdio>
 #include <fstream>
 #include <random>
 
+#include "disguise.h"
 #include "ridge.h"
 #include "shapeModes.h"
 #include "trainingSet.h"
@@ -29,7 +31,7 @@ using zel::Similarity;
 constexpr unsigned kFirstSeed = 100001;   // no test or measurement uses seeds from here on
 constexpr std::size_t kPictures = 1400;
 constexpr std::size_t kLookings = 6;      // at each picture; every second at its mirror image
-constexpr float kRidge = 0.6f, kTrustRidge = 2.0f;
+constexpr float kRidge = 1.0f, kTrustRidge = 2.0f;
 
 /// How far off the detector's boxes place the face, in pupil distances, shares and radians, with a margin.
 constexpr float kShift = 0.16f, kGrowth = 0.13f, kTurn = 0.14f;
@@ -41,6 +43,7 @@ struct Looking {
     bool mirror = false;
     bool stray = false;  // starts where no face is; teaches the judgement alone
     Landmarks truth{}, points{};
+    std::vector<unsigned char> luma{};  // the picture as developed for this looking
 };
 
 float normal(std::mt19937& random) {
@@ -49,46 +52,58 @@ float normal(std::mt19937& random) {
     return sum;
 }
 
-float uniform(std::mt19937& random, float low, float high) {
-    return low + (high - low) * static_cast<float>(random()) / 4294967296.0f;
+/// What a small picture looks like that was made large: read between the samples of a coarse grid.
+std::vector<unsigned char> coarsened(const Canvas& canvas, float step) {
+    const zel::LumaPyramid sharp(canvas.luma, canvas.width, canvas.height);
+    const auto knot = [step](float v) { return (std::floor(v / step) + 0.5f) * step; };
+    std::vector<unsigned char> luma;
+    luma.reserve(canvas.luma.size());
+    for (int y = 0; y < canvas.height; ++y)
+        for (int x = 0; x < canvas.width; ++x) {
+            const float fx = static_cast<float>(x) + 0.5f, fy = static_cast<float>(y) + 0.5f;
+            const float x0 = knot(fx - 0.5f * step), y0 = knot(fy - 0.5f * step);
+            const float u = (fx - x0) / step, v = (fy - y0) / step;
+            const float top = (1 - u) * sharp.at(0, x0, y0) + u * sharp.at(0, x0 + step, y0);
+            const float low = (1 - u) * sharp.at(0, x0, y0 + step) + u * sharp.at(0, x0 + step, y0 + step);
+            luma.push_back(static_cast<unsigned char>((1 - v) * top + v * low));
+        }
+    return luma;
 }
 
-/// The picture as another camera would have taken it: mirrored, lighter or darker, smaller, noisier.
-zel::LumaPyramid develop(const TrainingPicture& picture, const Looking& looking) {
+/// The picture as another camera would have taken it: mirrored, lit from elsewhere, lighter or darker,
+/// smaller, noisier, and with more on the face than the drawn people have.
+std::vector<unsigned char> develop(const TrainingPicture& picture, const Looking& looking) {
     std::mt19937 random(looking.seed);
     const float gamma = std::exp(uniform(random, -0.6f, 0.6f));
-    const float noise = std::max(0.0f, uniform(random, -6, 8));
+    const float noise = uniform(random, -6, 8);
     const float lightX = uniform(random, -0.4f, 0.4f), lightY = uniform(random, -0.3f, 0.3f);
-    const bool smooth = uniform(random, 0, 1) < 0.35f;
+    const bool small = uniform(random, 0, 1) < 0.35f;
     const float step = uniform(random, 1.2f, 2.6f);
+    std::array<float, 256> tones;
+    for (std::size_t i = 0; i < tones.size(); ++i)
+        tones[i] = 255 * std::pow(static_cast<float>(i) / 255, gamma);
+
+    Canvas canvas{std::vector<unsigned char>(picture.luma.size()), picture.width, picture.height};
     const auto w = static_cast<std::size_t>(picture.width), h = static_cast<std::size_t>(picture.height);
-    std::vector<unsigned char> luma(w * h);
     for (std::size_t y = 0; y < h; ++y)
         for (std::size_t x = 0; x < w; ++x) {
             const std::size_t from = looking.mirror ? w - 1 - x : x;
             const float light = 1 + lightX * (static_cast<float>(x) / static_cast<float>(w) - 0.5f) +
                                 lightY * (static_cast<float>(y) / static_cast<float>(h) - 0.5f);
-            const float v = 255 * light * std::pow(static_cast<float>(picture.luma[y * w + from]) / 255, gamma);
-            luma[y * w + x] = static_cast<unsigned char>(std::clamp(v, 0.0f, 255.0f));
+            canvas.luma[y * w + x] =
+                static_cast<unsigned char>(std::min(255.0f, light * tones[picture.luma[y * w + from]]));
         }
-    if (smooth) {
-        const zel::LumaPyramid sharp(luma, picture.width, picture.height);
-        const auto half = [&](float v) { return (std::floor(v / step) + 0.5f) * step; };
-        for (std::size_t y = 0; y < h; ++y)
-            for (std::size_t x = 0; x < w; ++x) {
-                // Read between the samples of a coarse grid: what a small picture made large looks like.
-                const float fx = static_cast<float>(x) + 0.5f, fy = static_cast<float>(y) + 0.5f;
-                const float x0 = half(fx - 0.5f * step), y0 = half(fy - 0.5f * step);
-                const float u = (fx - x0) / step, v = (fy - y0) / step;
-                const float top = (1 - u) * sharp.at(0, x0, y0) + u * sharp.at(0, x0 + step, y0);
-                const float low = (1 - u) * sharp.at(0, x0, y0 + step) + u * sharp.at(0, x0 + step, y0 + step);
-                luma[y * w + x] = static_cast<unsigned char>((1 - v) * top + v * low);
-            }
-    }
+    disguise(canvas, looking.truth, random);
+    if (small) canvas.luma = coarsened(canvas, step);
     if (noise > 0)
-        for (auto& v : luma)
-            v = static_cast<unsigned char>(std::clamp(static_cast<float>(v) + noise * normal(random), 0.0f, 255.0f));
-    return zel::LumaPyramid(luma, picture.width, picture.height);
+        for (auto& v : canvas.luma)
+            v = static_cast<unsigned char>(
+                std::clamp(static_cast<float>(v) + noise * uniform(random, -1.7f, 1.7f), 0.0f, 255.0f));
+    return canvas.luma;
+}
+
+zel::LumaPyramid seen(const TrainingPicture& picture, const Looking& looking) {
+    return {looking.luma, picture.width, picture.height};
 }
 
 Landmarks truthOf(const TrainingPicture& picture, bool mirror) {
@@ -139,6 +154,7 @@ std::vector<Looking> plan(const LandmarkModel& model, const std::vector<Training
             looking.points = start(model, set[p], looking);
             lookings.push_back(looking);
         }
+    forEach(lookings.size(), [&](std::size_t i) { lookings[i].luma = develop(set[lookings[i].picture], lookings[i]); });
     return lookings;
 }
 
@@ -170,7 +186,7 @@ Samples look(const LandmarkModel& model, const std::vector<TrainingPicture>& set
         const Looking& l = *used[i];
         const Similarity toPicture = aligning(model.mean, l.points);
         const Landmarks upright = moved(l.points, toPicture.inverse());
-        const auto descriptor = describeFace(develop(set[l.picture], l), toPicture, upright, sight);
+        const auto descriptor = describeFace(seen(set[l.picture], l), toPicture, upright, sight);
         std::copy(descriptor.begin(), descriptor.end(), samples.descriptors.data() + i * zel::kDescriptorSize);
         const std::vector<float> values = value(l, toPicture, upright);
         std::copy(values.begin(), values.end(), samples.values.data() + i * targets);
@@ -189,7 +205,7 @@ void learnStep(LandmarkModel& model, std::size_t step, const std::vector<Trainin
     const auto facing = [](const Looking& l) { return !l.stray; };
     model.steps.push_back(fitRidge(look(model, set, lookings, zel::kSights[step], kModes, facing, wayToGo), kRidge));
     forEach(lookings.size(), [&](std::size_t i) {
-        takeStep(model, step, develop(set[lookings[i].picture], lookings[i]), lookings[i].points);
+        takeStep(model, step, seen(set[lookings[i].picture], lookings[i]), lookings[i].points);
     });
     std::fprintf(stderr, "step %zu: mean error %.4f\n", step, static_cast<double>(meanError(lookings)));
 }
