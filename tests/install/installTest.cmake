@@ -16,6 +16,9 @@ file(REMOVE_RECURSE ${WORK})
 run(${CMAKE_COMMAND} --install ${BUILD} --prefix ${WORK}/first)
 # Nothing in the tree may know the folder that it was installed to.
 file(RENAME ${WORK}/first ${WORK}/tree)
+if(NOT EXISTS ${WORK}/tree/share/zel_effects/style/base/PSOverlay.bin)
+  message(FATAL_ERROR "The style assets are not installed")
+endif()
 file(WRITE ${WORK}/two.pgm "P5 2 1 255\nAZ")
 
 run(${CMAKE_COMMAND} -S ${CLIENT} -B ${WORK}/client -G Ninja -D CMAKE_CXX_COMPILER=${CXX}

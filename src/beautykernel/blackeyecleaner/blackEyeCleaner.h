@@ -1,0 +1,33 @@
+#pragma once
+
+#include "frame/zel_records.h"
+
+namespace zellab {
+
+/// What one run of the dark-circle removal is given.
+struct DarkCircleRun {
+    const Vector2f* points = nullptr;  // the interpolated points of the face, in pixels of the picture
+    int rectX = 0, rectY = 0, rectWidth = 0, rectHeight = 0;  // the face
+    float coreStrength = 0.4f;                                // 0..1, close to the lid
+    float strength = 0.0f;                                    // 0..1, in the rest of the crescent
+    float ringWeight = 0.2f;  // height of the core as a share of the crescent's
+    bool useEdges = true;     // false leaves out the seamless repair
+};
+
+/// Lightens the shadows under both eyes: a Poisson repair from the cheek where the skin is even enough, then
+/// a mix of the dark pixels towards the blurred cheek colour of their column.
+class CBlackEyeCleaner {
+public:
+    /// Works on an RGBA picture in place. A rectangle smaller than the eye region is no face: it is logged,
+    /// and nothing is done.
+    static void Run(unsigned char* image, int width, int height, const DarkCircleRun& run);
+};
+
+/// The second method, in the same order of stages: one crescent of full strength without a core, and a mix
+/// that rounds.
+class CBlackEyeCleanerB {
+public:
+    static void Run(unsigned char* image, int width, int height, const DarkCircleRun& run);
+};
+
+}  // namespace zellab

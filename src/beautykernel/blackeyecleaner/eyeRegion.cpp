@@ -1,0 +1,139 @@
+#include "beautykernel/blackeyecleaner/eyeRegion.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "beautykernel/blackeyecleaner/underEyeShape.h"
+#include "frame/interFacePoint.h"
+#include "frame/zel_log.h"
+#include "zellab/imageproc/stackBlur.h"
+
+namespace zellab {
+
+namespace {
+
+constexpr int kFirstRing = 113, kLastRing = 152;  // the under-eye rings of both eyes
+constexpr int kNoseTop = 41;                      // the inner ends do not reach beyond half the way to it
+
+/// Positions of one eye in the interpolated list.
+struct EyeIndices {
+    int outer, inner;        // corners
+    int upperLid, lowerLid;  // the drop of the shadow follows the distance between them
+    int lower1, lower2;      // middle of the lower lid
+    int innerReturn;         // lower lid next to the inner corner
+    int ringBottom;          // lower edge of the under-eye ring
+    bool isLeft;
+};
+constexpr EyeIndices kLeftEye = {0, 5, 2, 7, 7, 8, 9, 115, true};
+constexpr EyeIndices kRightEye = {15, 10, 12, 17, 17, 18, 16, 135, false};
+
+float limited(float value, float low, float high) {
+    return value > low ? std::min(value, high) : low;  // NaN becomes the lower end
+}
+
+PixelRect insidePicture(const DarkCircleRun& run, int width, int height) {
+    PixelRect rect;
+    rect.x = std::clamp(run.rectX, 0, width - 1);
+    rect.y = std::clamp(run.rectY, 0, height - 1);
+    rect.width = std::clamp(run.rectWidth, 0, width - rect.x);
+    rect.height = std::clamp(run.rectHeight, 0, height - rect.y);
+    return rect;
+}
+
+/// The box of the rings in the picture, at least one pixel.
+PixelRect ringBox(const Vector2f* points, int width, int height) {
+    float left = static_cast<float>(width), top = static_cast<float>(height), right = 0.0f, bottom = 0.0f;
+    for (int i = kFirstRing; i <= kLastRing; ++i) {
+        const float x = limited(points[i].x, 0.0f, static_cast<float>(width - 1));
+        const float y = limited(points[i].y, 0.0f, static_cast<float>(height - 1));
+        left = std::min(left, x), right = std::max(right, x);
+        top = std::min(top, y), bottom = std::max(bottom, y);
+    }
+    return {static_cast<int>(left), static_cast<int>(top),
+            static_cast<int>(right) - static_cast<int>(left) + 1,
+            static_cast<int>(bottom) - static_cast<int>(top) + 1};
+}
+
+PixelRect intersection(const PixelRect& a, const PixelRect& b) {
+    const int x = std::max(a.x, b.x), y = std::max(a.y, b.y);
+    return {x, y, std::min(a.x + a.width, b.x + b.width) - x, std::min(a.y + a.height, b.y + b.height) - y};
+}
+
+bool liesInside(Vector2f p, const PixelRect& rect) {
+    return p.x > 0.0f && p.y > 0.0f && p.x < static_cast<float>(rect.width - 1) &&
+           p.y < static_cast<float>(rect.height - 1);
+}
+
+int bandOf(float height) {
+    return std::max(2, static_cast<int>(limited(height, 2.0f, 1e6f)));
+}
+
+/// The crescent of one eye. The core is the same with the end next to the nose drawn in and a lower band.
+UnderEyeShape shapeOf(const EyeRegion& region, const EyeIndices& eye, bool core, float ringWeight) {
+    const auto at = [&](int i) { return region.points[static_cast<std::size_t>(i)]; };
+    const float drop = at(eye.lowerLid).y - at(eye.upperLid).y;
+    const Vector2f lid = {(at(eye.lower1).x + at(eye.lower2).x) / 2.0f,
+                          (at(eye.lower1).y + at(eye.lower2).y) / 2.0f};
+    const Vector2f middle = {lid.x, lid.y + drop / 2.0f};
+    const Vector2f outer = {at(eye.outer).x, at(eye.outer).y + drop / 4.0f};
+    Vector2f inner = core ? at(eye.innerReturn) : at(eye.inner);
+    if (!core) {
+        const float toNose = (at(kNoseTop).x - inner.x) / 2.0f,
+                    lidReturn = (inner.x - at(eye.innerReturn).x) / 2.0f;
+        inner.x += eye.isLeft ? std::min(toNose, lidReturn) : std::max(toNose, lidReturn);
+    }
+    inner.y += drop / 4.0f;
+    const float depth = at(eye.ringBottom).y - middle.y;
+    UnderEyeShape shape;
+    shape.outerEnd = region.inCrop(outer);
+    shape.innerEnd = region.inCrop(inner);
+    shape.middle = region.inCrop(middle);
+    shape.band = bandOf(core ? depth * 2.0f * ringWeight : depth * 2.0f);
+    return shape;
+}
+
+}  // namespace
+
+std::optional<EyeRegion> findEyeRegion(int width, int height, const DarkCircleRun& run) {
+    EyeRegion region;
+    region.face = insidePicture(run, width, height);
+    const PixelRect rings = ringBox(run.points, width, height);
+    if (rings.count() > region.face.count()) {
+        ZEL_LOG_ERROR_AT("beautykernel/blackeyecleaner/blackeyecleaner.cpp", 78,
+                         "ERROR: invalidate face data eyePixelCount = %d nFacePixelCount=%d",
+                         static_cast<int>(std::min<std::size_t>(rings.count(), 0x7fffffff)),
+                         static_cast<int>(std::min<std::size_t>(region.face.count(), 0x7fffffff)));
+        return std::nullopt;
+    }
+    region.crop = intersection(rings, region.face);
+    if (region.crop.width < 1 || region.crop.height < 1)  // rings beside the face: one pixel of it
+        region.crop = {region.face.x, region.face.y, 1, 1};
+    for (int i = 0; i < CInterFacePoint::kBlockPoints; ++i)
+        region.points.push_back({limited(run.points[i].x - static_cast<float>(region.face.x), 0.0f,
+                                         static_cast<float>(region.face.width - 1)),
+                                 limited(run.points[i].y - static_cast<float>(region.face.y), 0.0f,
+                                         static_cast<float>(region.face.height - 1))});
+    return region;
+}
+
+UnderEyeMasks drawUnderEyeMasks(const EyeRegion& region, const DarkCircleRun& run) {
+    const int w = region.crop.width, h = region.crop.height;
+    UnderEyeMasks masks{Plane<Byte>(w, h), Plane<Byte>(w, h), Plane<Byte>(w, h)};
+    Plane<Byte> core(w, h);
+    for (const EyeIndices& eye : {kLeftEye, kRightEye}) {
+        if (!liesInside(region.points[static_cast<std::size_t>(eye.outer)], region.face)) continue;
+        drawUnderEyeShape(masks.region.view(), shapeOf(region, eye, false, run.ringWeight));
+        drawUnderEyeShape(core.view(), shapeOf(region, eye, true, run.ringWeight));
+    }
+    const Byte coreShare = static_cast<Byte>(limited(run.coreStrength * 255.0f, 0.0f, 255.0f));
+    for (std::size_t i = 0; i < core.size(); ++i) {
+        if (masks.region.data()[i] == 0) continue;
+        const Byte share = core.data()[i] != 0 ? coreShare : Byte{255};
+        masks.repair.data()[i] = share;
+        masks.soft.data()[i] = share == 255 ? 255 : 0;
+    }
+    StackBlurGray(masks.soft.data(), w, h, std::max(8, run.rectWidth / 20 + 5));
+    return masks;
+}
+
+}  // namespace zellab
