@@ -5,8 +5,6 @@
 #include <sstream>
 
 #include "effect.h"
-#include "pictures/readPicture.h"
-#include "pictures/writePicture.h"
 
 namespace zel {
 
@@ -126,15 +124,6 @@ std::string formatFaces(const FaceSet& set) {
     }
     const Json root = {{"image", {{"width", set.width}, {"height", set.height}}}, {"faces", faces}};
     return root.dump() + "\n";
-}
-
-FaceSet readFaces(const std::filesystem::path& path) {
-    const auto bytes = readFileBytes(path);
-    return parseFaces(std::string(bytes.begin(), bytes.end()));
-}
-
-void writeFaces(const std::filesystem::path& path, const FaceSet& set) {
-    writeText(path, formatFaces(set));
 }
 
 }  // namespace zel

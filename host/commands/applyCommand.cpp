@@ -185,7 +185,8 @@ FaceSet ApplyRun::foundFaces(std::size_t index, const ApplyItem& item, const Ima
 }
 
 FaceSet ApplyRun::facesFor(std::size_t index, const ApplyItem& item, const Image& image) {
-    if (item.faces.shown.empty()) return m_effect.faces == Need::no ? FaceSet() : foundFaces(index, item, image);
+    if (item.faces.shown.empty())
+        return m_effect.faces == Need::no ? FaceSet() : foundFaces(index, item, image);
     const FaceSet faces = namingFile(item.faces.shown, [&] { return readFaces(item.faces.real); });
     const double proportion = static_cast<double>(image.width) / image.height;
     if (std::abs(proportion * faces.height / faces.width - 1.0) > kProportionTolerance)

@@ -135,7 +135,8 @@ void CommandLine::addApply() {
     add("-o,--output", apply.output, "Picture to write, or a folder for several inputs", "OUT")->required();
     add("--set", apply.assignments, "Set a parameter of the effect (repeatable)", "NAME=VALUE")
         ->allow_extra_args(false);
-    add("--faces", apply.faces, "Face data, or a folder with NAME.json for each input; faces are found where it is not given",
+    add("--faces", apply.faces,
+        "Face data, or a folder with NAME.json for each input; faces are found where it is not given",
         "FACES.json");
     add("--mask", apply.mask, "Mask for the effects that take one", "MASK.png");
     add("--second", apply.second, "Second picture for the effects that take one", "IMAGE");

@@ -44,13 +44,15 @@ const std::vector<CommandText>& commandTexts() {
            "zel apply nature-smooth photos/*.jpg -o out/ --jobs 4"}}},
         {"faces",
          "Find faces and their landmarks",
-         "Writes face data for zel apply --faces: for each face a rectangle, the 83 landmarks as fractions of "
+         "Writes face data for zel apply --faces: for each face a rectangle, the 83 landmarks as fractions "
+         "of "
          "the picture, and a confidence from 0 to 1; the largest face comes first. A picture without a face "
          "gives an empty list and a note, and is no failure.\n\n"
          "--overlay draws what the effects make of the landmarks: every point with its number. With several "
          "inputs FACES.json and PNG are folders, made where they are missing, for NAME.json and "
          "NAME-faces.png.\n\n"
-         "Faces are found that look at the camera and lean by no more than about 15 degrees. The search needs "
+         "Faces are found that look at the camera and lean by no more than about 15 degrees. The search "
+         "needs "
          "the package opencv-data; the environment variable ZEL_CASCADES may name another folder with its "
          "files.",
          {{"Find the faces, look at them, retouch them",

@@ -58,8 +58,8 @@ FacesPlan planFaces(const FacesOptions& options) {
         item.input = UserPath(name);
         item.data = dataFolder ? UserPath(options.output) / (stem + ".json") : UserPath(options.output);
         if (draws)
-            item.overlay = overlayFolder ? UserPath(options.overlay) / (stem + "-faces.png")
-                                         : UserPath(options.overlay);
+            item.overlay =
+                overlayFolder ? UserPath(options.overlay) / (stem + "-faces.png") : UserPath(options.overlay);
         const auto [owner, fresh] = owners.emplace(item.data.shown, name);
         if (!fresh)
             throw UsageError("'" + item.data.shown + "' would be written twice (for '" + owner->second +

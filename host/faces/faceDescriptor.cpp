@@ -19,7 +19,8 @@ class UprightFace {
 public:
     UprightFace(const LumaPyramid& picture, const Similarity& toPicture, float pixelsPerUnit);
 
-    /// Sums over the box [x, x + side) x [y, y + side) of one cell, added to `sums`; what lies outside is cut.
+    /// Sums over the box [x, x + side) x [y, y + side) of one cell, added to `sums`; what lies outside is
+    /// cut.
     void addCell(int x, int y, int side, float* sums) const;
 
 private:
@@ -100,7 +101,8 @@ void UprightFace::addCell(int x, int y, int side, float* sums) const {
                                   static_cast<std::size_t>(std::clamp(cx, 0, m_width));
         return m_sums.data() + place * kDirections;
     };
-    const float *a = corner(x, y), *b = corner(x + side, y), *c = corner(x, y + side), *d = corner(x + side, y + side);
+    const float *a = corner(x, y), *b = corner(x + side, y), *c = corner(x, y + side),
+                *d = corner(x + side, y + side);
     for (int i = 0; i < kDirections; ++i) sums[i] += d[i] - b[i] - c[i] + a[i];
 }
 

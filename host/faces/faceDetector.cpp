@@ -18,7 +18,7 @@ constexpr const char* kCascadeFile = "haarcascade_frontalface_default.xml";
 /// larger, so that small faces reach the detector's 24 pixels.
 constexpr int kLargestSearch = 900, kSmallestSearch = 300;
 constexpr double kLargestEnlarging = 4.0;
-constexpr double kStep = 1.08;          // from one size of face to the next
+constexpr double kStep = 1.08;  // from one size of face to the next
 constexpr int kLeastVotes = 3;
 constexpr double kSmallestFace = 0.04;  // of the picture's shorter side
 constexpr int kCascadeSide = 24;        // pixels of the smallest face that the detector knows
@@ -68,7 +68,8 @@ std::vector<FaceBox> FaceDetector::find(const std::vector<unsigned char>& luma, 
         std::max(kCascadeSide, static_cast<int>(kSmallestFace * std::min(size.width, size.height)));
     std::vector<cv::Rect> found;
     std::vector<int> votes;
-    m_cascade->classifier.detectMultiScale(searched, found, votes, kStep, kLeastVotes, 0, {smallest, smallest});
+    m_cascade->classifier.detectMultiScale(searched, found, votes, kStep, kLeastVotes, 0,
+                                           {smallest, smallest});
 
     std::vector<FaceBox> boxes;
     const auto back = static_cast<float>(1 / scale);

@@ -48,7 +48,9 @@ std::array<float, 4> rectOf(const std::array<zellab::Vector2f, kLandmarks>& poin
 Face asFace(const Landmarks& points, int width, int height) {
     Face face;
     // A face at the edge may reach beyond the picture, as far as face data may tell.
-    const auto share = [](float pixel, int side) { return std::clamp(pixel / static_cast<float>(side), -1.0f, 2.0f); };
+    const auto share = [](float pixel, int side) {
+        return std::clamp(pixel / static_cast<float>(side), -1.0f, 2.0f);
+    };
     for (std::size_t i = 0; i < kLandmarks; ++i)
         face.points[i] = {share(points[i].x, width), share(points[i].y, height)};
     face.rect = rectOf(face.points);
@@ -63,7 +65,8 @@ std::vector<Candidate> distinct(std::vector<Candidate> candidates) {
     for (const auto& candidate : candidates)
         if (std::none_of(kept.begin(), kept.end(), [&](const auto& k) { return sameFace(k, candidate); }))
             kept.push_back(candidate);
-    std::stable_sort(kept.begin(), kept.end(), [](const auto& a, const auto& b) { return a.pupils > b.pupils; });
+    std::stable_sort(kept.begin(), kept.end(),
+                     [](const auto& a, const auto& b) { return a.pupils > b.pupils; });
     return kept;
 }
 
@@ -72,7 +75,8 @@ std::vector<Candidate> distinct(std::vector<Candidate> candidates) {
 std::string describeFaces(const FaceSet& found) {
     const std::size_t count = found.faces.size();
     if (count == 0) return "no face found";
-    std::string text = std::to_string(count) + (count == 1 ? " face found (confidence" : " faces found (confidence");
+    std::string text =
+        std::to_string(count) + (count == 1 ? " face found (confidence" : " faces found (confidence");
     const char* separator = " ";
     for (const Face& face : found.faces) {
         char number[16];

@@ -8,7 +8,8 @@
 
 namespace zel {
 
-/// Finds faces and fits their landmarks; the largest face comes first. Each thread needs a detector of its own.
+/// Finds faces and fits their landmarks; the largest face comes first. Each thread needs a detector of its
+/// own.
 FaceSet findFaces(const Image& image, FaceDetector& detector);
 
 /// "2 faces found (confidence 0.91, 0.78)".

@@ -22,7 +22,9 @@ zellab::Vector2f middle(const Landmarks& points) {
 
 }  // namespace
 
-float Similarity::scale() const { return std::hypot(a, b); }
+float Similarity::scale() const {
+    return std::hypot(a, b);
+}
 
 Similarity Similarity::inverse() const {
     const float square = a * a + b * b;

@@ -17,7 +17,8 @@ constexpr float kMiddleX = 0.496f, kMiddleY = 0.424f, kPupils = 0.386f;
 struct Start {
     float x, y, growth;
 };
-constexpr Start kStarts[] = {{0, 0, 1}, {0.08f, 0, 1.1f}, {-0.08f, 0, 1.1f}, {0, 0.08f, 0.92f}, {0, -0.08f, 0.92f}};
+constexpr Start kStarts[] = {
+    {0, 0, 1}, {0.08f, 0, 1.1f}, {-0.08f, 0, 1.1f}, {0, 0.08f, 0.92f}, {0, -0.08f, 0.92f}};
 
 Landmarks placed(const FaceBox& box, const Start& start) {
     const float unit = box.side * kPupils;

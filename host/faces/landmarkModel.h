@@ -14,20 +14,20 @@ constexpr std::size_t kModes = 24, kPlacingModes = 4;
 /// Rows of whole numbers with a factor each: a step's change of the modes by the descriptor.
 struct LinearMap {
     std::size_t rows = 0;
-    std::vector<float> bias;            // one a row
-    std::vector<float> factor;          // one a row
-    std::vector<std::int8_t> weights;   // rows of kDescriptorSize
+    std::vector<float> bias;           // one a row
+    std::vector<float> factor;         // one a row
+    std::vector<std::int8_t> weights;  // rows of kDescriptorSize
 
     std::vector<float> operator()(const std::vector<float>& descriptor) const;
 };
 
 /// What the fit has learnt from drawn portraits.
 struct LandmarkModel {
-    Landmarks mean{};                                             // pupils one unit apart, about their middle
-    std::vector<std::vector<float>> modes;                        // kModes orthonormal rows of x0 y0 x1 y1 ...
-    std::vector<float> deviation;                                 // of each mode, over the people
-    std::vector<LinearMap> steps;                                 // one per entry of kSights
-    LinearMap trust;                                              // one row: about 1 for a good fit, 0 for none
+    Landmarks mean{};                       // pupils one unit apart, about their middle
+    std::vector<std::vector<float>> modes;  // kModes orthonormal rows of x0 y0 x1 y1 ...
+    std::vector<float> deviation;           // of each mode, over the people
+    std::vector<LinearMap> steps;           // one per entry of kSights
+    LinearMap trust;                        // one row: about 1 for a good fit, 0 for none
 };
 
 /// The sights of the steps, from coarse to fine, and that of the judgement.

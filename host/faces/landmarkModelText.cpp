@@ -14,13 +14,18 @@ namespace {
 constexpr int kMiddleLevel = 44;  // the character of weight 0
 constexpr std::size_t kLineLength = 120;
 
-/// Printable characters without the quotation mark and the backslash, from '#' on.
+/// Printable characters from '#' on, without the two that mean more in a program's text.
 char characterOf(int weight) {
-    const char c = static_cast<char>('#' + weight + kMiddleLevel);
-    return c >= '\\' ? static_cast<char>(c + 1) : c;
+    int c = '#' + weight + kMiddleLevel;
+    if (c >= '?') ++c;
+    if (c >= '\\') ++c;
+    return static_cast<char>(c);
 }
 
-int weightOf(char c) { return (c > '\\' ? c - 1 : c) - '#' - kMiddleLevel; }
+int weightOf(char c) {
+    const int skipped = (c > '?' ? 1 : 0) + (c > '\\' ? 1 : 0);
+    return c - skipped - '#' - kMiddleLevel;
+}
 
 class Writer {
 public:

@@ -12,7 +12,8 @@ constexpr int kSmallestSide = 8;  // of a level that is still halved
 }  // namespace
 
 std::vector<unsigned char> lumaOf(const Image& image) {
-    std::vector<unsigned char> luma(static_cast<std::size_t>(image.width) * static_cast<std::size_t>(image.height));
+    std::vector<unsigned char> luma(static_cast<std::size_t>(image.width) *
+                                    static_cast<std::size_t>(image.height));
     for (std::size_t i = 0; i < luma.size(); ++i) {
         const unsigned char* p = image.rgba.data() + 4 * i;
         const unsigned grey = (77u * p[0] + 150u * p[1] + 29u * p[2]) >> 8;
@@ -34,7 +35,8 @@ LumaPyramid::Level LumaPyramid::halved(const Level& level) {
         const float* upper = level.values.data() + static_cast<std::size_t>(2 * y) * level.width;
         const float* lower = upper + level.width;
         for (int x = 0; x < half.width; ++x)
-            half.values.push_back(0.25f * (upper[2 * x] + upper[2 * x + 1] + lower[2 * x] + lower[2 * x + 1]));
+            half.values.push_back(0.25f *
+                                  (upper[2 * x] + upper[2 * x + 1] + lower[2 * x] + lower[2 * x + 1]));
     }
     return half;
 }

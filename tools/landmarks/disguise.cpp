@@ -10,13 +10,17 @@ namespace {
 
 using zellab::Vector2f;
 
-bool chance(std::mt19937& random, float probability) { return uniform(random, 0, 1) < probability; }
+bool chance(std::mt19937& random, float probability) {
+    return uniform(random, 0, 1) < probability;
+}
 
 /// Brings every pixel of the box nearer to a grey by a cover of 0 to 1.
 template <typename Cover>
 void paint(Canvas& canvas, float x0, float y0, float x1, float y1, float grey, const Cover& cover) {
-    const int left = std::max(0, static_cast<int>(x0)), right = std::min(canvas.width - 1, static_cast<int>(x1));
-    const int top = std::max(0, static_cast<int>(y0)), bottom = std::min(canvas.height - 1, static_cast<int>(y1));
+    const int left = std::max(0, static_cast<int>(x0)),
+              right = std::min(canvas.width - 1, static_cast<int>(x1));
+    const int top = std::max(0, static_cast<int>(y0)),
+              bottom = std::min(canvas.height - 1, static_cast<int>(y1));
     for (int y = top; y <= bottom; ++y)
         for (int x = left; x <= right; ++x) {
             unsigned char& v = canvas.luma[static_cast<std::size_t>(y) * canvas.width + x];
@@ -54,7 +58,8 @@ void drawLens(Canvas& canvas, Vector2f eye, Vector2f across, float unit, const G
         paint(canvas, cx - reach, cy - reach, cx + reach, cy + reach, brows ? g.browGrey : g.grey,
               [&](float x, float y) {
                   bool upper = false;
-                  const float off = std::fabs(radius(x, y, upper) - 1) * unit * std::min(g.halfWidth, g.halfHeight);
+                  const float off =
+                      std::fabs(radius(x, y, upper) - 1) * unit * std::min(g.halfWidth, g.halfHeight);
                   if (brows && !upper) return 0.0f;
                   return unit * (brows ? g.brow : g.rim) + 0.5f - off;
               });
@@ -80,7 +85,8 @@ void putOnGlasses(Canvas& canvas, const zel::Landmarks& face, std::mt19937& rand
     const float inner = unit * g.halfWidth * 0.98f, rim = std::max(0.6f, unit * g.rim);
     const float drop = unit * (g.drop - uniform(random, 0, 0.2f));
     const auto beside = [&](Vector2f eye, float along) {
-        return Vector2f{eye.x + across.x * along - across.y * drop, eye.y + across.y * along + across.x * drop};
+        return Vector2f{eye.x + across.x * along - across.y * drop,
+                        eye.y + across.y * along + across.x * drop};
     };
     stroke(canvas, beside(left, inner), beside(right, -inner), rim, g.grey, 1);
     stroke(canvas, beside(left, -inner), {face[1].x, face[1].y}, unit * g.brow, g.browGrey, 1);
@@ -115,9 +121,11 @@ void addLines(Canvas& canvas, const zel::Landmarks& face, std::mt19937& random) 
                         face[landmark].y + unit * spread * uniform(random, -1, 1)};
     };
     const auto line = [&](Vector2f a, Vector2f b) {
-        stroke(canvas, a, b, unit * uniform(random, 0.004f, 0.025f), uniform(random, 20, 90), uniform(random, 0.1f, 0.5f));
+        stroke(canvas, a, b, unit * uniform(random, 0.004f, 0.025f), uniform(random, 20, 90),
+               uniform(random, 0.1f, 0.5f));
     };
-    constexpr std::size_t kPlaces[] = {0, 5, 7, 9, 14, 16, 18, 19, 65, 21, 71, 35, 81, 37, 46, 38, 62, 63, 33, 75};
+    constexpr std::size_t kPlaces[] = {0,  5,  7,  9,  14, 16, 18, 19, 65, 21,
+                                       71, 35, 81, 37, 46, 38, 62, 63, 33, 75};
     const int count = static_cast<int>(uniform(random, 2, 16));
     for (int i = 0; i < count; ++i) {
         const Vector2f a = near(kPlaces[random() % std::size(kPlaces)], 0.25f);
@@ -145,7 +153,8 @@ void addLines(Canvas& canvas, const zel::Landmarks& face, std::mt19937& random) 
 
 /// Smooth random patches, lighter and darker.
 void addBlotches(Canvas& canvas, const zel::Landmarks& face, std::mt19937& random) {
-    const float step = zel::pupilDistance(face) * uniform(random, 0.08f, 0.4f), depth = uniform(random, 0.03f, 0.2f);
+    const float step = zel::pupilDistance(face) * uniform(random, 0.08f, 0.4f),
+                depth = uniform(random, 0.03f, 0.2f);
     const int columns = static_cast<int>(static_cast<float>(canvas.width) / step) + 2;
     const int rows = static_cast<int>(static_cast<float>(canvas.height) / step) + 2;
     std::vector<float> knots(static_cast<std::size_t>(columns) * rows);
@@ -155,7 +164,8 @@ void addBlotches(Canvas& canvas, const zel::Landmarks& face, std::mt19937& rando
             const float fx = static_cast<float>(x) / step, fy = static_cast<float>(y) / step;
             const float* k = knots.data() + static_cast<int>(fy) * columns + static_cast<int>(fx);
             const float u = fx - std::floor(fx), v = fy - std::floor(fy);
-            const float factor = (1 - v) * ((1 - u) * k[0] + u * k[1]) + v * ((1 - u) * k[columns] + u * k[columns + 1]);
+            const float factor =
+                (1 - v) * ((1 - u) * k[0] + u * k[1]) + v * ((1 - u) * k[columns] + u * k[columns + 1]);
             unsigned char& p = canvas.luma[static_cast<std::size_t>(y) * canvas.width + x];
             p = static_cast<unsigned char>(std::min(255.0f, static_cast<float>(p) * factor));
         }
@@ -165,7 +175,8 @@ void addBlotches(Canvas& canvas, const zel::Landmarks& face, std::mt19937& rando
 void holdSomethingBefore(Canvas& canvas, const zel::Landmarks& face, std::mt19937& random) {
     const float unit = zel::pupilDistance(face);
     const Vector2f at = face[random() % zel::kLandmarks];
-    const float angle = uniform(random, 0, 2 * std::numbers::pi_v<float>), reach = unit * uniform(random, 0.1f, 1.2f);
+    const float angle = uniform(random, 0, 2 * std::numbers::pi_v<float>),
+                reach = unit * uniform(random, 0.1f, 1.2f);
     stroke(canvas, at, {at.x + reach * std::cos(angle), at.y + reach * std::sin(angle)},
            unit * uniform(random, 0.05f, 0.25f), uniform(random, 10, 230), 0.5f);
 }

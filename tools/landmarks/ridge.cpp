@@ -10,8 +10,8 @@ namespace {
 using zel::kDescriptorSize;
 using Column = std::vector<float>;
 
-constexpr int kLevels = 44;        // weights are -kLevels to kLevels
-constexpr float kClipped = 4.5f;   // deviations of a row's weights that the levels span
+constexpr int kLevels = 44;       // weights are -kLevels to kLevels
+constexpr float kClipped = 4.5f;  // deviations of a row's weights that the levels span
 
 /// Sums of products in lanes, so that the compiler may use vectors.
 float product(const float* a, const float* b, std::size_t count) {

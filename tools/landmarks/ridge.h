@@ -33,7 +33,8 @@ void zeltrain::forEach(std::size_t count, const Work& work) {
         for (std::size_t i; (i = next++) < count;) work(i);
     };
     std::vector<std::thread> helpers;
-    for (unsigned t = 1; t < std::max(1u, std::thread::hardware_concurrency()); ++t) helpers.emplace_back(some);
+    for (unsigned t = 1; t < std::max(1u, std::thread::hardware_concurrency()); ++t)
+        helpers.emplace_back(some);
     some();
     for (auto& helper : helpers) helper.join();
 }

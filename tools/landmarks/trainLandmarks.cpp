@@ -22,15 +22,15 @@ namespace {
 using zel::aligning;
 using zel::kLandmarks;
 using zel::kModes;
-using zel::LandmarkModel;
 using zel::landmarkError;
+using zel::LandmarkModel;
 using zel::Landmarks;
 using zel::moved;
 using zel::Similarity;
 
-constexpr unsigned kFirstSeed = 100001;   // no test or measurement uses seeds from here on
+constexpr unsigned kFirstSeed = 100001;  // no test or measurement uses seeds from here on
 constexpr std::size_t kPictures = 1400;
-constexpr std::size_t kLookings = 6;      // at each picture; every second at its mirror image
+constexpr std::size_t kLookings = 6;  // at each picture; every second at its mirror image
 constexpr float kRidge = 1.0f, kTrustRidge = 2.0f;
 
 /// How far off the detector's boxes place the face, in pupil distances, shares and radians, with a margin.
@@ -121,7 +121,8 @@ Landmarks start(const LandmarkModel& model, const TrainingPicture& picture, Look
     std::mt19937 random(looking.seed ^ 0x5bd1e995u);
     const Similarity exact = aligning(model.mean, looking.truth);
     const float unit = exact.scale();
-    const float growth = std::exp(kGrowth * normal(random) + (looking.stray ? uniform(random, -1, 0.4f) : 0.0f));
+    const float growth =
+        std::exp(kGrowth * normal(random) + (looking.stray ? uniform(random, -1, 0.4f) : 0.0f));
     const float turn = looking.stray ? 0.0f : kTurn * normal(random);
     Similarity placed{unit * growth * std::cos(turn), unit * growth * std::sin(turn), 0, 0};
     if (!looking.stray) {  // the detector knows no roll: it is the turn that must be found
@@ -154,7 +155,8 @@ std::vector<Looking> plan(const LandmarkModel& model, const std::vector<Training
             looking.points = start(model, set[p], looking);
             lookings.push_back(looking);
         }
-    forEach(lookings.size(), [&](std::size_t i) { lookings[i].luma = develop(set[lookings[i].picture], lookings[i]); });
+    forEach(lookings.size(),
+            [&](std::size_t i) { lookings[i].luma = develop(set[lookings[i].picture], lookings[i]); });
     return lookings;
 }
 
@@ -172,8 +174,8 @@ float meanError(const std::vector<Looking>& lookings) {
 /// Describes every looking that `use` takes in, and asks `value` what is to be foretold.
 template <typename Use, typename Value>
 Samples look(const LandmarkModel& model, const std::vector<TrainingPicture>& set,
-             const std::vector<Looking>& lookings, const zel::Sight& sight, std::size_t targets, const Use& use,
-             const Value& value) {
+             const std::vector<Looking>& lookings, const zel::Sight& sight, std::size_t targets,
+             const Use& use, const Value& value) {
     std::vector<const Looking*> used;
     for (const Looking& l : lookings)
         if (use(l)) used.push_back(&l);
@@ -187,7 +189,8 @@ Samples look(const LandmarkModel& model, const std::vector<TrainingPicture>& set
         const Similarity toPicture = aligning(model.mean, l.points);
         const Landmarks upright = moved(l.points, toPicture.inverse());
         const auto descriptor = describeFace(seen(set[l.picture], l), toPicture, upright, sight);
-        std::copy(descriptor.begin(), descriptor.end(), samples.descriptors.data() + i * zel::kDescriptorSize);
+        std::copy(descriptor.begin(), descriptor.end(),
+                  samples.descriptors.data() + i * zel::kDescriptorSize);
         const std::vector<float> values = value(l, toPicture, upright);
         std::copy(values.begin(), values.end(), samples.values.data() + i * targets);
     });
@@ -203,7 +206,8 @@ void learnStep(LandmarkModel& model, std::size_t step, const std::vector<Trainin
         return wanted;
     };
     const auto facing = [](const Looking& l) { return !l.stray; };
-    model.steps.push_back(fitRidge(look(model, set, lookings, zel::kSights[step], kModes, facing, wayToGo), kRidge));
+    model.steps.push_back(
+        fitRidge(look(model, set, lookings, zel::kSights[step], kModes, facing, wayToGo), kRidge));
     forEach(lookings.size(), [&](std::size_t i) {
         takeStep(model, step, seen(set[lookings[i].picture], lookings[i]), lookings[i].points);
     });
@@ -242,7 +246,8 @@ int main(int argc, char** argv) {
         std::fprintf(stderr, "usage: trainLandmarks TABLE.inc [KEPT-PICTURES]\n");
         return 2;
     }
-    const auto set = zeltrain::drawTrainingSet(zeltrain::kFirstSeed, zeltrain::kPictures, argc > 2 ? argv[2] : "");
+    const auto set =
+        zeltrain::drawTrainingSet(zeltrain::kFirstSeed, zeltrain::kPictures, argc > 2 ? argv[2] : "");
     const std::string text = zel::encodeModel(zeltrain::learn(set));
     std::ofstream out(argv[1], std::ios::binary);
     out << text;

@@ -66,7 +66,8 @@ void keep(const std::string& path, const std::vector<TrainingPicture>& set) {
 
 }  // namespace
 
-std::vector<TrainingPicture> drawTrainingSet(unsigned firstSeed, std::size_t count, const std::string& keptAs) {
+std::vector<TrainingPicture> drawTrainingSet(unsigned firstSeed, std::size_t count,
+                                             const std::string& keptAs) {
     if (!keptAs.empty()) {
         auto kept = readKept(keptAs, count);
         if (kept.size() == count) return kept;

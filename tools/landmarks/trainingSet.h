@@ -15,8 +15,10 @@ struct TrainingPicture {
     std::array<zellab::Vector2f, 83> points{};
 };
 
-/// Draws `count` portraits from the seeds `firstSeed` on. Where `keptAs` names a file, the set is read from it
-/// if it is there with as many pictures, and written to it otherwise: drawing takes most of a training run.
-std::vector<TrainingPicture> drawTrainingSet(unsigned firstSeed, std::size_t count, const std::string& keptAs);
+/// Draws `count` portraits from the seeds `firstSeed` on. Where `keptAs` names a file, the set is read from
+/// it if it is there with as many pictures, and written to it otherwise: drawing takes most of a training
+/// run.
+std::vector<TrainingPicture> drawTrainingSet(unsigned firstSeed, std::size_t count,
+                                             const std::string& keptAs);
 
 }  // namespace zeltrain

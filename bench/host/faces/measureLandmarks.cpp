@@ -1,5 +1,5 @@
-// How far the landmarks that are found lie from the true ones: draws portraits from seeds that the fit has not
-// learnt from, in sizes from 160 to 900 pixels, finds their faces, and prints the error of each in pupil
+// How far the landmarks that are found lie from the true ones: draws portraits from seeds that the fit has
+// not learnt from, in sizes from 160 to 900 pixels, finds their faces, and prints the error of each in pupil
 // distances.
 //   measureLandmarks [COUNT] [FIRST-SEED]
 
@@ -50,9 +50,9 @@ int main(int argc, char** argv) {
     const unsigned firstSeed = argc > 2 ? static_cast<unsigned>(std::atoi(argv[2])) : 1;
     zel::FaceDetector detector(zel::detectorFolder());
     std::vector<float> errors;
-    std::vector<Group> groups = {{"contour", {{0, 18}}},         {"eyes", {{19, 28}, {65, 74}}},
-                                 {"pupils", {{24, 24}, {70, 70}}}, {"brows", {{29, 36}, {75, 82}}},
-                                 {"mouth", {{37, 54}}},          {"nose", {{55, 64}}}};
+    std::vector<Group> groups = {
+        {"contour", {{0, 18}}},          {"eyes", {{19, 28}, {65, 74}}}, {"pupils", {{24, 24}, {70, 70}}},
+        {"brows", {{29, 36}, {75, 82}}}, {"mouth", {{37, 54}}},          {"nose", {{55, 64}}}};
     int missed = 0, extra = 0;
     for (int i = 0; i < count; ++i) {
         const int size = kSizes[static_cast<std::size_t>(i) % std::size(kSizes)];
@@ -85,10 +85,11 @@ int main(int argc, char** argv) {
     double sum = 0;
     for (const float e : errors) sum += static_cast<double>(e);
     std::sort(errors.begin(), errors.end());
-    std::printf("%zu of %d found, %d missed, %d false faces; error: mean %.4f, median %.4f, 95%% %.4f, worst %.4f\n",
-                errors.size(), count, missed, extra, sum / static_cast<double>(errors.size()),
-                static_cast<double>(errors[errors.size() / 2]), static_cast<double>(errors[errors.size() * 95 / 100]),
-                static_cast<double>(errors.back()));
+    std::printf(
+        "%zu of %d found, %d missed, %d false faces; error: mean %.4f, median %.4f, 95%% %.4f, worst %.4f\n",
+        errors.size(), count, missed, extra, sum / static_cast<double>(errors.size()),
+        static_cast<double>(errors[errors.size() / 2]), static_cast<double>(errors[errors.size() * 95 / 100]),
+        static_cast<double>(errors.back()));
     for (const Group& group : groups)
         std::printf("  %-8s %.4f\n", group.name, group.sum / static_cast<double>(errors.size()));
     return 0;

@@ -1,4 +1,5 @@
-// The search for faces against portraits whose landmarks are known, drawn from seeds that the fit has not seen.
+// The search for faces against portraits whose landmarks are known, drawn from seeds that the fit has not
+// seen.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -38,7 +39,8 @@ TEST(LandmarkFit, FindsTheTrueLandmarksOfUnseenFaces) {
     float sum = 0;
     constexpr int kFaces = 6;
     for (int i = 0; i < kFaces; ++i) {
-        const auto portrait = zel::drawPortrait(zeltrain::variedPortrait(900u + static_cast<unsigned>(i), 200 + 60 * i));
+        const auto portrait =
+            zel::drawPortrait(zeltrain::variedPortrait(900u + static_cast<unsigned>(i), 200 + 60 * i));
         const zel::FaceSet found = find(portrait.image);
         ASSERT_EQ(found.faces.size(), 1u) << i;
         EXPECT_GT(found.faces[0].confidence.value_or(0), 0.5f) << i;
