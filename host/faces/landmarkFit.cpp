@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "landmarkModel.h"
+#include "pupils.h"
 
 namespace zel {
 
@@ -66,6 +67,7 @@ LandmarkFit fitLandmarks(const LumaPyramid& picture, const FaceBox& box) {
     }
     LandmarkFit fit{agreed(fits), 0};
     fit.confidence = trustIn(picture, fit.points);
+    settlePupils(picture, fit.points);
     return fit;
 }
 

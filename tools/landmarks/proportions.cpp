@@ -13,7 +13,8 @@ template <typename Levels>
 float follow(const Levels& from, const Levels& to, float at) {
     if (at <= from.front()) return to.front() + at - from.front();
     for (std::size_t i = 1; i < from.size(); ++i)
-        if (at <= from[i]) return to[i - 1] + (to[i] - to[i - 1]) * (at - from[i - 1]) / (from[i] - from[i - 1]);
+        if (at <= from[i])
+            return to[i - 1] + (to[i] - to[i - 1]) * (at - from[i - 1]) / (from[i] - from[i - 1]);
     return to.back() + at - from.back();
 }
 

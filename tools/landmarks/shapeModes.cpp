@@ -122,7 +122,9 @@ std::vector<Row> strongestModes(const std::vector<Row>& matrix, std::vector<Row>
 
 }  // namespace
 
-Landmarks meanShape(const std::vector<Landmarks>& faces) { return meanOf(uprightPairs(faces)); }
+Landmarks meanShape(const std::vector<Landmarks>& faces) {
+    return meanOf(uprightPairs(faces));
+}
 
 void learnShape(const std::vector<Landmarks>& faces, zel::LandmarkModel& model) {
     auto upright = uprightPairs(faces);

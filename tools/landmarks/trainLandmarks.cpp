@@ -43,7 +43,7 @@ struct Looking {
     unsigned seed = 0;
     bool mirror = false;
     bool stray = false;  // starts where no face is; teaches the judgement alone
-    Landmarks mean{};   // of the drawn people, with the place that it has in the picture
+    Landmarks mean{};    // of the drawn people, with the place that it has in the picture
     Similarity exact{};
     Landmarks truth{}, points{};
     std::vector<unsigned char> luma{};  // the picture as developed for this looking
