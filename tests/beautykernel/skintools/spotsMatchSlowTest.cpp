@@ -50,8 +50,10 @@ TEST(SpotRepairMatchesSlow, MarksTheSameCells) {
             if (width > 100 && box.left < 1) {
                 EXPECT_GT(std::count(cells.begin(), cells.end(), 255), 20) << "the pictures must hold spots";
             }
-            for (std::size_t i = 0; i < rgba.size(); ++i)
-                if (cells[i / 4] == 0 || i % 4 == 3) ASSERT_EQ(rgba[i], p.rgba[i]) << "outside the cells";
+            for (std::size_t i = 0; i < rgba.size(); ++i) {
+                const bool mayChange = cells[i / 4] != 0 && i % 4 != 3;
+                ASSERT_TRUE(mayChange || rgba[i] == p.rgba[i]) << "outside the cells, byte " << i;
+            }
         }
 }
 
