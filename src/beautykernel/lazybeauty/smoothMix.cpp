@@ -9,9 +9,11 @@ namespace zellab {
 
 namespace {
 
-constexpr int kSamples = 6;  // red, green, blue of the blurred colours, weight, edges, high pass
+/// Red, green, blue of the blurred colours, weight, edges, high pass, and two idle places: eight fill whole
+/// vector registers.
+constexpr std::size_t kSamples = 8;
 
-using Sample = std::array<Byte, kSamples>;
+using Sample = std::array<int, kSamples>;
 
 /// One row of the planes at a height between two of their rows: the samples of every column, as floats.
 class PlaneRow {
@@ -30,14 +32,15 @@ public:
     }
 
     Sample at(float position) const {
-        const std::size_t last = m_columns.size() - 1;
-        const std::size_t left = std::min(static_cast<std::size_t>(position), last),
-                          right = std::min(left + 1, last);
-        const float fraction = position - static_cast<float>(left);
+        const int last = static_cast<int>(m_columns.size()) - 1,
+                  whole = std::min(static_cast<int>(position), last);
+        const auto left = static_cast<std::size_t>(whole),
+                   right = static_cast<std::size_t>(std::min(whole + 1, last));
+        const float fraction = position - static_cast<float>(whole);
         Sample sample;
         for (std::size_t i = 0; i < kSamples; ++i)
             sample[i] =
-                static_cast<Byte>((m_columns[right][i] - m_columns[left][i]) * fraction + m_columns[left][i]);
+                static_cast<int>((m_columns[right][i] - m_columns[left][i]) * fraction + m_columns[left][i]);
         return sample;
     }
 
@@ -50,7 +53,9 @@ private:
                 colour[2],
                 planes.weight.data()[i],
                 planes.edges.data()[i],
-                planes.highPass.data()[i]};
+                planes.highPass.data()[i],
+                0,
+                0};
     }
 
     std::vector<std::array<float, kSamples>> m_columns;
