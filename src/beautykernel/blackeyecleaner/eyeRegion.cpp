@@ -12,7 +12,8 @@ namespace zellab {
 
 namespace {
 
-constexpr int kFirstRing = 113, kLastRing = 152;  // the under-eye rings of both eyes
+constexpr int kFirstEye = 0, kLastEye = 19;       // outlines of both eyes
+constexpr int kFirstRing = 113, kLastRing = 152;  // cheeks, from the rows under the eyes down
 constexpr int kNoseTop = 41;                      // the inner ends do not reach beyond half the way to it
 
 /// Positions of one eye in the interpolated list.
@@ -40,10 +41,11 @@ PixelRect insidePicture(const DarkCircleRun& run, int width, int height) {
     return rect;
 }
 
-/// The box of the rings in the picture, at least one pixel.
-PixelRect ringBox(const Vector2f* points, int width, int height) {
+/// The box of both eyes and cheeks in the picture, at least one pixel.
+PixelRect eyeBox(const Vector2f* points, int width, int height) {
     float left = static_cast<float>(width), top = static_cast<float>(height), right = 0.0f, bottom = 0.0f;
-    for (int i = kFirstRing; i <= kLastRing; ++i) {
+    for (int i = kFirstEye; i <= kLastRing; ++i) {
+        if (i > kLastEye && i < kFirstRing) continue;
         const float x = limited(points[i].x, 0.0f, static_cast<float>(width - 1));
         const float y = limited(points[i].y, 0.0f, static_cast<float>(height - 1));
         left = std::min(left, x), right = std::max(right, x);
@@ -97,16 +99,16 @@ UnderEyeShape shapeOf(const EyeRegion& region, const EyeIndices& eye, bool core,
 std::optional<EyeRegion> findEyeRegion(int width, int height, const DarkCircleRun& run) {
     EyeRegion region;
     region.face = insidePicture(run, width, height);
-    const PixelRect rings = ringBox(run.points, width, height);
-    if (rings.count() > region.face.count()) {
+    const PixelRect eyes = eyeBox(run.points, width, height);
+    if (eyes.count() > region.face.count()) {
         ZEL_LOG_ERROR_AT("beautykernel/blackeyecleaner/blackeyecleaner.cpp", 78,
                          "ERROR: invalidate face data eyePixelCount = %d nFacePixelCount=%d",
-                         static_cast<int>(std::min<std::size_t>(rings.count(), 0x7fffffff)),
+                         static_cast<int>(std::min<std::size_t>(eyes.count(), 0x7fffffff)),
                          static_cast<int>(std::min<std::size_t>(region.face.count(), 0x7fffffff)));
         return std::nullopt;
     }
-    region.crop = intersection(rings, region.face);
-    if (region.crop.width < 1 || region.crop.height < 1)  // rings beside the face: one pixel of it
+    region.crop = intersection(eyes, region.face);
+    if (region.crop.width < 1 || region.crop.height < 1)  // eyes beside the face: one pixel of it
         region.crop = {region.face.x, region.face.y, 1, 1};
     for (int i = 0; i < CInterFacePoint::kBlockPoints; ++i)
         region.points.push_back({limited(run.points[i].x - static_cast<float>(region.face.x), 0.0f,
@@ -125,12 +127,16 @@ UnderEyeMasks drawUnderEyeMasks(const EyeRegion& region, const DarkCircleRun& ru
         drawUnderEyeShape(masks.region.view(), shapeOf(region, eye, false, run.ringWeight));
         drawUnderEyeShape(core.view(), shapeOf(region, eye, true, run.ringWeight));
     }
-    const Byte coreShare = static_cast<Byte>(limited(run.coreStrength * 255.0f, 0.0f, 255.0f));
+    const auto share = [](float part) { return static_cast<Byte>(limited(part * 255.0f, 0.0f, 255.0f)); };
+    const Byte coreShare = share(run.coreStrength), ringShare = share(run.strength);
     for (std::size_t i = 0; i < core.size(); ++i) {
-        if (masks.region.data()[i] == 0) continue;
-        const Byte share = core.data()[i] != 0 ? coreShare : Byte{255};
-        masks.repair.data()[i] = share;
-        masks.soft.data()[i] = share == 255 ? 255 : 0;
+        const bool inRegion = masks.region.data()[i] != 0, inCore = core.data()[i] != 0;
+        if (inRegion && inCore) {
+            masks.soft.data()[i] = coreShare;
+        } else if (inRegion || inCore) {
+            masks.soft.data()[i] = ringShare;
+            masks.repair.data()[i] = masks.region.data()[i];
+        }
     }
     StackBlurGray(masks.soft.data(), w, h, std::max(8, run.rectWidth / 20 + 5));
     return masks;
