@@ -34,10 +34,11 @@ std::optional<EyeRegion> findEyeRegion(int width, int height, const DarkCircleRu
 struct UnderEyeMasks {
     Plane<Byte> region;  // 255 in both crescents
     Plane<Byte> repair;  // for the seamless repair: 255 in the crescents without their cores
-    Plane<Byte> soft;    // weight of the mix: the core's strength in the cores, that of the run around, blurred
+    Plane<Byte> soft;  // weight of the mix: the core's strength in the cores, that of the run around, blurred
 };
 
 /// Draws the crescents of both eyes.
-UnderEyeMasks drawUnderEyeMasks(const EyeRegion& region, const DarkCircleRun& run);
+UnderEyeMasks drawUnderEyeMasks(const EyeRegion& region, const DarkCircleRun& run,
+                                const DarkCircleMethod& method);
 
 }  // namespace zellab
