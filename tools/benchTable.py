@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
 """Prints a table of ratios from the JSON of a benchmark run. Usage: benchTable.py RESULTS.json
 
-Rows are named PREFIX/WHO/ARGUMENTS, as in stack_blur/ours/radius:20/MP:12/threads:2. Every row of "ours"
+Rows are named PREFIX/WHO/ARGUMENTS, as in stack_blur/ours/radius:20/MP:12/threads:2. Every row of this library
 is set beside the peers that share its prefix and arguments, and beside a plain copy of the picture."""
 import json
 import statistics
@@ -10,6 +10,10 @@ import sys
 # From how many times the speed on the second thread the machine counts as quiet, and the row that tells.
 TRUSTED_GAIN = 1.6
 YARDSTICK = ("stack_blur", "opencv_gaussian")
+# Whose row it is: these beginnings name peers, everything else is this library's. A row that is only called
+# one of OURS goes by its prefix alone.
+PEERS = ("opencv", "libyuv", "yuv", "fftw", "memcpy", "plain", "eigen")
+OURS = ("ours", "own", "zel")
 
 
 def medians(results):
@@ -22,7 +26,7 @@ def medians(results):
         parts = [p for p in entry["run_name"].split("/") if p not in ("real_time", "process_time")]
         words = [p for p in parts if ":" not in p]
         arguments = dict(p.split(":", 1) for p in parts if ":" in p)
-        key = (words[0], "/".join(words[1:]), tuple(sorted(arguments.items())))
+        key = ("/".join(words[:-1]) or words[0], words[-1], tuple(sorted(arguments.items())))
         times.setdefault(key, []).append(entry["real_time"] * scale[entry["time_unit"]])
     return {key: statistics.median(values) for key, values in times.items()}
 
@@ -41,23 +45,23 @@ def second_thread_gain(rows):
 
 def order(item):
     """Sorts rows by name, then by their arguments as numbers."""
-    prefix, _, arguments = item[0]
-    return prefix, [(name, float(value) if value.replace(".", "", 1).isdigit() else 0.0) for name, value in arguments]
+    prefix, who, arguments = item[0]
+    return prefix, who, [(name, float(value) if value.replace(".", "", 1).isdigit() else 0.0) for name, value in arguments]
 
 
 def table(rows, trusted):
     copies = {dict(arguments).get("MP"): time for (prefix, _, arguments), time in rows.items() if prefix == "memcpy"}
     lines = [("row", "ours ms", "x memcpy", "peer", "peer ms", "times as fast")]
     for (prefix, who, arguments), ours in sorted(rows.items(), key=order):
-        if who != "ours":
+        if who.startswith(PEERS):
             continue
         values = dict(arguments)
-        name = "/".join([prefix] + [f"{k}:{v}" for k, v in arguments])
+        name = "/".join([prefix] + ([] if who in OURS else [who]) + [f"{k}:{v}" for k, v in arguments])
         copy = copies.get(values.get("MP"))
         against_copy = f"{ours / copy:.2f}" if copy else "-"
         mark = "" if trusted or values.get("threads", "1") == "1" else " untrusted"
         peers = [(other, time) for (p, other, a), time in rows.items()
-                 if p == prefix and a == arguments and other != "ours"]
+                 if p == prefix and a == arguments and other.startswith(PEERS)]
         for other, time in sorted(peers) or [("-", None)]:
             ratio = f"{time / ours:.2f}{mark}" if time else "-" + mark
             lines.append((name, f"{ours:.3f}", against_copy, other, f"{time:.3f}" if time else "-", ratio))

@@ -34,3 +34,12 @@ run(${CXX} -std=c++17 -Wall -Wextra -Werror ${CLIENT}/client.cpp -o ${WORK}/plai
 set(ENV{LD_LIBRARY_PATH} ${WORK}/tree/${LIBDIR})
 run(${WORK}/plain ${WORK}/two.pgm)
 expectGreeting(pkg-config)
+
+# The installed command finds the library of its own tree.
+unset(ENV{LD_LIBRARY_PATH})
+if(EXISTS ${WORK}/tree/bin/zel)
+  run(${WORK}/tree/bin/zel effects)
+  if(NOT text MATCHES "nature-smooth")
+    message(FATAL_ERROR "zel effects said: ${text}")
+  endif()
+endif()
