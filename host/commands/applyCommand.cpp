@@ -9,6 +9,7 @@
 #include <optional>
 
 #include "effectRegistry.h"
+#include "faces/faceFinder.h"
 #include "facesJson.h"
 #include "pictures/jpegFile.h"
 #include "pictures/sheet.h"
@@ -70,7 +71,8 @@ private:
     void prepare(const ApplyPlan& plan);
     void process(std::size_t index, const ApplyItem& item);
     void transform(std::size_t index, const ApplyItem& item);
-    FaceSet facesFor(const ApplyItem& item, const Image& image);
+    FaceSet facesFor(std::size_t index, const ApplyItem& item, const Image& image);
+    FaceSet foundFaces(std::size_t index, const ApplyItem& item, const Image& image);
 
     const ApplyOptions& m_options;
     const Effect& m_effect;
@@ -139,7 +141,7 @@ void ApplyRun::transform(std::size_t index, const ApplyItem& item) {
     LoadedPicture picture = readPicture(item.input.real, m_options.scrambled);
     for (const auto& note : picture.notes) m_messages.note(item.input.shown, note);
     Image& image = picture.image;
-    const FaceSet faces = facesFor(item, image);
+    const FaceSet faces = facesFor(index, item, image);
     const Image before = item.sheet.shown.empty() ? Image() : image;
 
     EffectRun run{image,
@@ -164,8 +166,27 @@ void ApplyRun::transform(std::size_t index, const ApplyItem& item) {
                    [&] { writePicture(item.sheet.real, makeSheet(before, image, m_effect.name)); });
 }
 
-FaceSet ApplyRun::facesFor(const ApplyItem& item, const Image& image) {
-    if (item.faces.shown.empty()) return {};
+/// An optional need of faces is content without them.
+FaceSet ApplyRun::foundFaces(std::size_t index, const ApplyItem& item, const Image& image) {
+    const bool needed = m_effect.faces == Need::required;
+    m_messages.progress(index, "finding faces", kReadShare);
+    FaceSet found{image.width, image.height, {}};
+    try {
+        FaceDetector detector(detectorFolder());
+        found = findFaces(image, detector);
+    } catch (const DetectorMissing& missing) {
+        if (needed) throw Failure(std::string(missing.what()) + "; or give --faces");
+        m_messages.note(item.input.shown, std::string(missing.what()) + "; going on without faces");
+        return found;
+    }
+    if (found.faces.empty() && needed) throw Failure("no face was found; --faces can tell where one is");
+    m_messages.note(item.input.shown, describeFaces(found));
+    return found;
+}
+
+FaceSet ApplyRun::facesFor(std::size_t index, const ApplyItem& item, const Image& image) {
+    if (item.faces.shown.empty())
+        return m_effect.faces == Need::no ? FaceSet() : foundFaces(index, item, image);
     const FaceSet faces = namingFile(item.faces.shown, [&] { return readFaces(item.faces.real); });
     const double proportion = static_cast<double>(image.width) / image.height;
     if (std::abs(proportion * faces.height / faces.width - 1.0) > kProportionTolerance)
@@ -179,7 +200,8 @@ FaceSet ApplyRun::facesFor(const ApplyItem& item, const Image& image) {
 int runApply(const ApplyOptions& options) {
     const Effect& effect = findEffect(options.effect);
     ParameterValues values = parseValues(effect, options.assignments);
-    checkNeed(effect, effect.faces, options.faces, "--faces");
+    // Faces that are needed and not given are found.
+    checkNeed(effect, effect.faces == Need::no ? Need::no : Need::optional, options.faces, "--faces");
     checkNeed(effect, effect.mask, options.mask, "--mask");
     checkNeed(effect, effect.second, options.second, "--second");
     const ApplyPlan plan = planApply(options);

@@ -8,6 +8,10 @@
 
 namespace zel {
 
+std::vector<Effect>
+repairEffects();  // auto-remove-black-circle, remove-black-circle, inpaint, wrinkle-cleaner
+std::vector<Effect> reshapeEffects();     // slim-face, auto-slim-face, zoom-eye, auto-zoom-eye
+std::vector<Effect> scenarioEffects();    // scenario
 std::vector<Effect> simpleSkinEffects();  // bright, mascara, nature-smooth
 std::vector<Effect> tableBaseEffects();   // sharp, gauss-blur, mosaic, color-mixing, alpha-mix
 

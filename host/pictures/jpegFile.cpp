@@ -63,8 +63,8 @@ std::size_t skipScanData(std::span<const unsigned char> file, std::size_t at) {
     return file.size();
 }
 
-/// Whether the markers lead to the end mark. A decoder fills what a cut file lacks with grey, so that a
-/// lost half would go unnoticed.
+/// Whether the markers lead to the end mark. Decoders differ in what they make of a cut file, and some fill
+/// the lost part with grey.
 bool reachesEnd(std::span<const unsigned char> file) {
     std::size_t at = 2;
     while (at + 1 < file.size()) {

@@ -24,6 +24,9 @@ namespace {
 /// Sides and size that the library's operations are made for; 2^28 pixels are one gigabyte of RGBA.
 constexpr std::uint64_t kLongestSide = 32767, kMostPixels = std::uint64_t{1} << 28;
 
+/// The library takes a file's length as an int.
+constexpr off_t kLargestFile = std::numeric_limits<int>::max();
+
 struct FreeDeleter {
     void operator()(unsigned char* p) const { std::free(p); }
 };
@@ -75,8 +78,6 @@ Image takePixels(LibraryPixels pixels, int width, int height) {
 }
 
 Image decode(std::vector<unsigned char>& file) {
-    if (file.size() > static_cast<std::size_t>(std::numeric_limits<int>::max()))
-        throw Failure("is larger than two gigabytes");
     int width = 0, height = 0, channels = 0;
     LibraryPixels pixels(ZelImageCore::StbImageUtil::loadImageFromMemory(
         file.data(), static_cast<int>(file.size()), width, height, channels, true, 0, false));
@@ -121,6 +122,7 @@ std::vector<unsigned char> readFileBytes(const std::filesystem::path& path) {
     if (file.get() < 0 || fstat(file.get(), &status) != 0) throw Failure(std::strerror(errno));
     if (S_ISDIR(status.st_mode)) throw Failure("is a folder");
     if (!S_ISREG(status.st_mode)) throw Failure("is not a regular file");
+    if (status.st_size > kLargestFile) throw Failure("is larger than two gigabytes");
     std::vector<unsigned char> bytes(static_cast<std::size_t>(status.st_size));
     std::size_t filled = 0;
     while (filled < bytes.size()) {

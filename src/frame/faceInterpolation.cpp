@@ -157,7 +157,7 @@ struct Forehead {
     }
 
 private:
-    static constexpr float kTopShare = 1.8f;  // chin to hairline against chin to eyes
+    static constexpr float kTopShare = 1.7f;  // chin to hairline against chin to eyes
     static constexpr float kShortestAxis = 1e-6f;
 };
 

@@ -12,14 +12,6 @@ void TableSkin::ImageProcessWithAutoEyeBright(unsigned char*, int, int, void*, i
                                               float, float, float, float, float, float, float) {
     ZEL_NOT_YET("TableSkin::ImageProcessWithAutoEyeBright");
 }
-void TableSkin::ImageProcessWithAutoFaceInpaint(unsigned char*, unsigned char*, int, int, CGRect&, void*, int,
-                                                int) {
-    ZEL_NOT_YET("TableSkin::ImageProcessWithAutoFaceInpaint");
-}
-void TableSkin::ImageProcessWithAutoRemoveBlackCircle(unsigned char*, int, int, CGRect&, void*, int, float,
-                                                      int) {
-    ZEL_NOT_YET("TableSkin::ImageProcessWithAutoRemoveBlackCircle");
-}
 void TableSkin::ImageProcessWithQornSkinRetouch(unsigned char*, int, int, float, ImageCoreFaceInfo*,
                                                 unsigned char*) {
     ZEL_NOT_YET("TableSkin::ImageProcessWithQornSkinRetouch");
@@ -28,9 +20,6 @@ void TableSkin::ImageProcessWithQornSkinWhitening(unsigned char*, int, int, floa
                                                   unsigned char*, unsigned char*) {
     ZEL_NOT_YET("TableSkin::ImageProcessWithQornSkinWhitening");
 }
-void TableSkin::ImageProcessWithRemoveBlackCircle(unsigned char*, int, int, unsigned char*, float*, int) {
-    ZEL_NOT_YET("TableSkin::ImageProcessWithRemoveBlackCircle");
-}
 void TableSkin::ImageProcessWithSkin(unsigned char*, int, int, float*, char*) {
     ZEL_NOT_YET("TableSkin::ImageProcessWithSkin");
 }
@@ -38,21 +27,6 @@ void TableSkin::ImageProcessWithSkinColor(unsigned char*, int, int, float, float
                                           int) {
     ZEL_NOT_YET("TableSkin::ImageProcessWithSkinColor");
 }
-}  // namespace ZelImageCore
-
-namespace ZelImageCore {
-bool CScenarioBeauty::Run(unsigned char*, int, int, eScenarioType, float, unsigned char*,
-                          ImageCoreFaceInfo*) {
-    ZEL_NOT_YET("CScenarioBeauty::Run");
-    return false;
-}
-void CScenarioBeauty::Defog(unsigned char*, int, int) {
-    ZEL_NOT_YET("CScenarioBeauty::Defog");
-}
-void CScenarioBeauty::PersonBeautyFilter(unsigned char*, int, int, ImageCoreFaceInfo*, unsigned char*) {
-    ZEL_NOT_YET("CScenarioBeauty::PersonBeautyFilter");
-}
-
 }  // namespace ZelImageCore
 namespace DefocusCore {
 

@@ -45,10 +45,10 @@ public:
     TerminalOutput& operator=(const TerminalOutput&) = delete;
 
     /// What was written since the last call; waits for it.
-    std::string read() {
+    std::string read() const {
         char buffer[256];
         const ssize_t got = ::read(m_terminal, buffer, sizeof buffer);
-        return std::string(buffer, static_cast<std::size_t>(got > 0 ? got : 0));
+        return {buffer, static_cast<std::size_t>(got > 0 ? got : 0)};
     }
 
 private:
@@ -78,6 +78,7 @@ TEST(Log, MessagesOfManyThreadsStayWhole) {
     constexpr int kThreads = 8, kMessages = 200;
     zeltest::StreamCapture captured(stderr);
     std::vector<std::thread> threads;
+    threads.reserve(kThreads);
     for (int t = 0; t < kThreads; ++t)
         threads.emplace_back([t] {
             for (int i = 0; i < kMessages; ++i) ZEL_LOG_ERROR_AT("file.cpp", i, "thread %d says %d", t, i);

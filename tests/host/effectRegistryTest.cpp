@@ -44,9 +44,10 @@ TEST(ParameterValues, FillDefaultsAndKeepTheLastWord) {
 }
 
 TEST(ParameterValues, RefuseWhatAnEffectCouldNotMean) {
-    for (const char* word : {"amount=nan", "amount=inf", "amount=1.01", "amount=", "amount=0.5x",
-                             "amount= 0.5", "amount=1e-60", "free=1e39", "radius=0", "radius=21",
-                             "radius=2.5", "radius=99999999999", "soft=maybe", "mode=Fast", "amount", "=3"})
+    for (const char* word :
+         {"amount=nan", "amount=inf", "amount=1.01", "amount=", "amount=0.5x", "amount= 0.5", "amount=1e-60",
+          "free=1e39", "free=nan", "free=-inf", "radius=0", "radius=21", "radius=2.5", "radius=99999999999",
+          "soft=maybe", "mode=Fast", "amount", "=3"})
         EXPECT_NE(usageErrorOf({"radius=3", word}), "accepted") << word;
     EXPECT_THAT(usageErrorOf({}), HasSubstr("radius"));
     EXPECT_THAT(usageErrorOf({"radius=21"}), HasSubstr("1..20"));

@@ -129,12 +129,12 @@ TEST(Messages, DrawABarOnATerminalAndLinesElsewhere) {
         zel::Messages messages(false, style);
         messages.startProgress(2);
         messages.progress(0, "reading", 0.5);
-        messages.finished(0, "a -> b", false);
+        messages.finished(0, "a\n -> b", false);
         messages.error("c", "broken");
         messages.finished(1, "c -> d", true);
     }
     const std::string text = readText(folder / "err");
-    EXPECT_EQ(text.rfind("[1/2] a -> b\nzel: c: broken\n\r\033[K[", 0), 0u) << text;
+    EXPECT_EQ(text.rfind("[1/2] a? -> b\nzel: c: broken\n\r\033[K[", 0), 0u) << text;
     EXPECT_THAT(text, HasSubstr("[###############...............] 1/2  reading"));
     // The error stands on a line of its own, and the bar is gone at the end.
     EXPECT_THAT(text, HasSubstr("\r\033[Kzel: c: broken\n"));

@@ -1,7 +1,10 @@
 // Reading and writing of picture files, with what they carry and with what can be wrong about them.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
+
+#include <csignal>
 
 #include <cstdio>
 
@@ -177,7 +180,11 @@ TEST(ReadPicture, RefusesWhatIsNotAWholePicture) {
         for (const std::size_t keep : {whole.size() - 2, whole.size() / 2, std::size_t{40}, std::size_t{9}}) {
             writeBytes(folder / "cut",
                        Bytes(whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(keep)));
-            EXPECT_NE(failureOf(folder / "cut"), "accepted") << name << " cut to " << keep;
+            const std::string why = failureOf(folder / "cut");
+            EXPECT_NE(why, "accepted") << name << " cut to " << keep;
+            if (keep > 40) {
+                EXPECT_THAT(why, HasSubstr("ends early")) << name << " cut to " << keep;
+            }
         }
     }
     Bytes damaged = zel::encodePng(image);
@@ -186,6 +193,8 @@ TEST(ReadPicture, RefusesWhatIsNotAWholePicture) {
     EXPECT_THAT(failureOf(folder / "damaged.png"), HasSubstr("damaged"));
     writeBytes(folder / "empty.png", {});
     EXPECT_EQ(failureOf(folder / "empty.png"), "is empty");
+    std::filesystem::resize_file(folder / "empty.png", std::uintmax_t{1} << 40);  // sparse
+    EXPECT_THAT(failureOf(folder / "empty.png"), HasSubstr("two gigabytes"));
     writeBytes(folder / "text.png", {'h', 'e', 'l', 'l', 'o'});
     EXPECT_THAT(failureOf(folder / "text.png"), HasSubstr("not a picture"));
     EXPECT_THAT(failureOf(folder.path().string()), HasSubstr("folder"));
@@ -231,6 +240,17 @@ TEST(SafeOutput, ReplacesAsAWholeAndKeepsLinksAndPermissions) {
     EXPECT_THROW(zel::writeFileSafely(folder.path(), after), zel::Failure);
     EXPECT_THROW(zel::writeFileSafely(folder / "none/x", after), zel::Failure);
     EXPECT_THROW(zel::writePicture(folder / "x.bmp", testImage(2, 2, 1)), zel::Failure);
+    // A write that breaks off (here at a size limit, elsewhere on a full disk) leaves the old file.
+    const auto handler = std::signal(SIGXFSZ, SIG_IGN);
+    rlimit limit{};
+    getrlimit(RLIMIT_FSIZE, &limit);
+    const rlimit small{1000, limit.rlim_max};
+    setrlimit(RLIMIT_FSIZE, &small);
+    EXPECT_THROW(zel::writeFileSafely(folder / "real", Bytes(2000)), zel::Failure);
+    setrlimit(RLIMIT_FSIZE, &limit);
+    std::signal(SIGXFSZ, handler);
+    EXPECT_EQ(readBytes(folder / "real"), after);
+
     const auto entries = std::distance(std::filesystem::directory_iterator(folder.path()), {});
     EXPECT_EQ(entries, 2) << "a temporary file stayed behind";
 }

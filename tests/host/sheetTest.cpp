@@ -57,7 +57,8 @@ TEST(Sheet, ReducesByTheMeanOfAreas) {
     EXPECT_EQ(countGrey(reduced, 100, 0, 100), 100 * 75);
     // What is wholly clear has no say in the colour.
     zel::Image half = flat(2, 1, 200);
-    half.rgba[0] = half.rgba[3] = 0;
+    half.rgba[0] = 90;
+    half.rgba[3] = 0;
     const zel::Image one = zel::reduceToFit(half, 1, 1);
     EXPECT_EQ(one.rgba[0], 200);
     EXPECT_EQ(one.rgba[3], 128);

@@ -91,11 +91,11 @@ public:
         SlotRing ring(ringCapacity(m_row.length, m_row.radius, kChunk), RowTile::kBytes);
         const auto lanes = makeLanes(RowTile::kBytes / kLaneGroup);
         alignas(32) Byte blurred[RowTile::kBytes * kChunk];
-        int loaded = 0;
-        for (int x = 0; x < m_row.length; x += kChunk) {
-            const int count = std::min(kChunk, m_row.length - x);
+        std::int64_t loaded = 0;
+        for (int x = 0, count; x < m_row.length; x += count) {
+            count = std::min(kChunk, m_row.length - x);
             for (; loaded < m_row.neededFor(x + count); loaded += kChunk)
-                tile.load(loaded, ring.slot(static_cast<std::size_t>(loaded)));
+                tile.load(static_cast<int>(loaded), ring.slot(static_cast<std::size_t>(loaded)));
             if (x == 0) m_row.begin(*lanes, ring, 0);
             lanes->advance(m_row.taps(ring, x, count, 0), blurred);
             tile.store(x, blurred, m_rows);
@@ -109,8 +109,8 @@ public:
         const std::ptrdiff_t samples = std::min<std::ptrdiff_t>(kStripBytes, m_source.rowSamples() - left);
         alignas(32) Byte blurred[kStripBytes * kChunk];
         if (top == 0) m_column.begin(lanes, m_rows, left);
-        for (int y = top; y < end; y += kChunk) {
-            const int count = std::min(kChunk, end - y);
+        for (int y = top, count; y < end; y += count) {
+            count = std::min(kChunk, end - y);
             lanes.advance(m_column.taps(m_rows, y, count, left), blurred);
             for (int i = 0; i < count; ++i) m_sink(y + i, left, samples, blurred + kStripBytes * i);
         }
@@ -165,11 +165,9 @@ void stackBlur(const BlurSource& source, int radius, int workers, const BlurSink
         const int tiles = (rowsWanted - rowsDone + tileRows - 1) / tileRows;
         const int strips = end > 0 ? blur.stripCount() : 0;
         runTasks(tiles + strips, workers, [&](int task) {
+            if (task >= tiles) return blur.blurStrip(task - tiles, top, end);
             const int row = rowsDone + task * tileRows;
-            if (task < tiles)
-                blur.blurRows(row, std::min(tileRows, rowsWanted - row));
-            else
-                blur.blurStrip(task - tiles, top, end);
+            blur.blurRows(row, std::min(tileRows, rowsWanted - row));
         });
         rowsDone = rowsWanted;
         top = end;

@@ -10,10 +10,15 @@ namespace zellab {
 
 namespace {
 
+/// Amounts beyond this would leave the integers that the result is truncated to; every difference is long
+/// saturated there.
+constexpr float kMostAmount = 4e6f;
+
 struct FloatSharpen {
     float own, other;  // factors of the picture and of the blurred copy
     [[gnu::always_inline]] Byte operator()(int in, int blurred) const {
-        return truncateToByte(static_cast<float>(in) * own - static_cast<float>(blurred) * other);
+        return clampToByte(
+            static_cast<int>(static_cast<float>(in) * own - static_cast<float>(blurred) * other));
     }
 };
 
@@ -46,7 +51,7 @@ UnsharpMaskKernel::UnsharpMaskKernel(int width, int height, std::ptrdiff_t rowBy
       m_height(height),
       m_rowBytes(rowBytes),
       m_sigma(sigma),
-      m_amount(amount),
+      m_amount(std::clamp(amount, -kMostAmount, kMostAmount)),
       m_weights(gaussWeights(sigma)) {}
 
 void UnsharpMaskKernel::Run(unsigned char* rgba, const unsigned char* blurred, int channelMask) const {

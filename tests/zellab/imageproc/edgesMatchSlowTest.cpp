@@ -10,21 +10,30 @@ namespace {
 using zeltest::Bytes;
 using zeltest::Size;
 
+struct Sigmas {
+    float x, y;
+};
+
+/// Thresholds; negative ones are found automatically.
+struct Limits {
+    int low, high;
+};
+
 // Row sizes of one byte a pixel, of planes read with a step, and of four-byte pixels with and without a tail.
 TEST(RecursiveGaussianMatchesSlow, OnEveryRowSize) {
     for (const Size size : zeltest::kAwkwardSizes)
         for (const int rowBytes : {size.width, 2 * size.width, 4 * size.width, 5 * size.width - 1}) {
             const Bytes picture = zeltest::randomBytes(static_cast<std::size_t>(rowBytes * size.height), 81);
-            for (const auto& [sigmaX, sigmaY] : std::initializer_list<std::pair<float, float>>{
-                     {0.1f, 0.0999f}, {0.0f, 0.7f}, {1.0f, 1.0f}, {2.5f, 9.0f}, {250.0f, 300.0f}}) {
+            for (const Sigmas s : {Sigmas{0.1f, 0.0999f}, Sigmas{0.0f, 0.7f}, Sigmas{1.0f, 1.0f},
+                                   Sigmas{2.5f, 9.0f}, Sigmas{250.0f, 300.0f}}) {
                 SCOPED_TRACE(testing::Message() << size.width << " by " << size.height << ", row " << rowBytes
-                                                << ", sigma " << sigmaX << ' ' << sigmaY);
+                                                << ", sigma " << s.x << ' ' << s.y);
                 Bytes expected = picture;
-                slow::recursiveGaussian(expected, size.width, size.height, rowBytes, sigmaX, sigmaY);
+                slow::recursiveGaussian(expected, size.width, size.height, rowBytes, s.x, s.y);
                 zeltest::onEveryMachine([&] {
                     Bytes actual = picture;
                     EXPECT_TRUE(zellab::RecursiveGaussianBlur(actual.data(), size.width, size.height,
-                                                              rowBytes, sigmaX, sigmaY, 0));
+                                                              rowBytes, s.x, s.y, 0));
                     ASSERT_TRUE(zeltest::sameSamples(expected, actual, rowBytes));
                 });
                 ASSERT_FALSE(HasFailure());
@@ -48,16 +57,17 @@ std::vector<Bytes> edgePlanes(int width, int height) {
 TEST(EdgeDetectMatchesSlow, OnNoiseLevelsAndWaves) {
     for (const Size size : {Size{2, 2}, Size{3, 3}, Size{3, 17}, Size{21, 4}, Size{64, 51}, Size{77, 120}})
         for (const Bytes& plane : edgePlanes(size.width, size.height))
-            for (const auto& [low, high] : std::initializer_list<std::pair<int, int>>{
-                     {5, 10}, {20, 8}, {0, 0}, {30, 90}, {1, 130}, {-1, -1}}) {
-                const bool automatic = low < 0;
-                SCOPED_TRACE(testing::Message()
-                             << size.width << " by " << size.height << ", thresholds " << low << ' ' << high);
-                const Bytes expected = slow::cannyEdges(plane, size.width, size.height, low, high, automatic);
+            for (const Limits limits : {Limits{5, 10}, Limits{20, 8}, Limits{0, 0}, Limits{30, 90},
+                                        Limits{1, 130}, Limits{-1, -1}}) {
+                const bool automatic = limits.low < 0;
+                SCOPED_TRACE(testing::Message() << size.width << " by " << size.height << ", thresholds "
+                                                << limits.low << ' ' << limits.high);
+                const Bytes expected =
+                    slow::cannyEdges(plane, size.width, size.height, limits.low, limits.high, automatic);
                 zeltest::onEveryMachine([&] {
                     Bytes actual(plane.size(), 66);
                     ASSERT_TRUE(zellab::EdgeDetectCanny(plane.data(), actual.data(), size.width, size.height,
-                                                        size.width, 0, low, high, automatic));
+                                                        size.width, 0, limits.low, limits.high, automatic));
                     ASSERT_TRUE(zeltest::sameSamples(expected, actual, size.width));
                 });
                 ASSERT_FALSE(HasFailure());

@@ -18,10 +18,14 @@ struct Scaling {
 
 /// Sides of 1 to 70 pixels; with `enlarging` no side shrinks. The last cases are tall enough to be shared.
 std::vector<Scaling> scalings(bool enlarging) {
-    std::vector<Scaling> all = {{{1, 1}, {5, 3}}, {{2, 1}, {7, 4}}, {{1, 2}, {1, 9}}, {{2, 2}, {3, 2}}};
+    std::vector<Scaling> all = {
+        {{1, 1}, {5, 3}}, {{2, 1}, {7, 4}}, {{1, 2}, {1, 9}}, {{2, 2}, {3, 2}}, {{10, 8}, {25, 20}}};
     if (!enlarging)
-        all.insert(all.end(),
-                   {{{9, 7}, {1, 1}}, {{70, 1}, {3, 8}}, {{3, 70}, {70, 3}}, {{300, 5}, {2, 640}}});
+        all.insert(all.end(), {{{9, 7}, {1, 1}},
+                               {{70, 1}, {3, 8}},
+                               {{3, 70}, {70, 3}},
+                               {{300, 5}, {2, 640}},
+                               {{40, 32}, {15, 12}}});
     std::mt19937 random(71);
     const auto side = [&](int least) {
         return least + static_cast<int>(random() % static_cast<unsigned>(71 - least));

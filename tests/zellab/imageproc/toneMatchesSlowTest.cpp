@@ -162,8 +162,9 @@ TEST(UnsharpMaskMatchesSlow, OnPicturesAndPlanes) {
     };
     for (const int channels : {1, 4})
         for (const Size size : zeltest::kAwkwardSizes)
-            for (const Case& c : {Case{150, 1.0f, 0}, Case{70, 2.0f, 3}, Case{1, 1.0f, 0}, Case{-5, 0.5f, 0},
-                                  Case{700, 3.0f, 20}, Case{33, 0.0f, 0}, Case{90, 5000.0f, 255}}) {
+            for (const Case& c :
+                 {Case{150, 1.0f, 0}, Case{70, 2.0f, 3}, Case{1, 1.0f, 0}, Case{-5, 0.5f, 0},
+                  Case{700, 3.0f, 20}, Case{33, 0.0f, 0}, Case{60, 4.0f, 1}, Case{90, 5000.0f, 255}}) {
                 SCOPED_TRACE(testing::Message()
                              << channels << " channels, " << size.width << " by " << size.height << ", "
                              << c.amount << ", " << c.radius << ", " << c.threshold);

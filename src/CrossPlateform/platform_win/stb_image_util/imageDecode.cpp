@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "CrossPlateform/platform_win/stb_image_util/jpegTables.h"
 #include "platform/memoryInfo.h"
 #include "zellab/imageproc/imageView.h"
 
@@ -60,7 +61,7 @@ namespace zellab {
 namespace {
 
 /// Pictures up to this many pixels are decoded whatever their head says: they do not hurt.
-constexpr std::size_t kHarmlessPixels = std::size_t{16} << 20;
+constexpr std::size_t kHarmlessPixels = std::size_t{4} << 20;
 
 /// The most memory the decoder holds for a pixel at one time, result included, on its hungriest road
 /// (a progressive JPEG or a deep PNG).
@@ -79,6 +80,12 @@ std::size_t mostPixelsPerByte(const unsigned char* data, int size) {
     return 8256;                              // deflate packs 1032 to 1, at best eight pixels to the byte
 }
 
+/// A PNM file with two bytes a sample: the decoder converts it as if it had one, and reads past its own
+/// buffer. Such files are turned away.
+bool isDeepPnm(const unsigned char* data, int size) {
+    return data[0] == 'P' && stbi_is_16_bit_from_memory(data, size);
+}
+
 /// False where a head claims a large picture that the file's bytes or the machine's memory cannot hold.
 bool isPlausible(std::size_t pixels, const unsigned char* data, int size) {
     if (pixels <= kHarmlessPixels) return true;
@@ -89,6 +96,7 @@ bool isPlausible(std::size_t pixels, const unsigned char* data, int size) {
 }  // namespace
 
 ImageBuffer decodeImage(const unsigned char* data, int size, int& width, int& height, int& channels) {
+    if (isDeepPnm(data, size) || !hasSoundHuffmanTables(data, static_cast<std::size_t>(size))) return nullptr;
     int claimedWidth = 0, claimedHeight = 0, claimedChannels = 0;
     std::size_t pixels = 0;
     const AllocationLimit headLimit(kFreeAllocation);

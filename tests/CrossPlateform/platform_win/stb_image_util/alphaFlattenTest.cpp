@@ -44,8 +44,8 @@ TEST(AlphaFlatten, MatchesTheArithmeticForAllValuesAndAlphas) {
         const zellab::WorkerCount count(workers);
         const Bytes flat = flattened(pixels, {256, 256});
         for (std::size_t i = 0; i < pixels.size(); ++i) {
-            const float share = static_cast<float>(static_cast<double>(pixels[i | 3]) / 255.0);
-            const double white =
+            const auto share = static_cast<float>(static_cast<double>(pixels[i | 3]) / 255.0);
+            const auto white =
                 static_cast<double>(static_cast<int>((1.0 - static_cast<double>(share)) * 255.0));
             const float product = static_cast<float>(pixels[i]) * share;
             const float sum = product + static_cast<float>(white);

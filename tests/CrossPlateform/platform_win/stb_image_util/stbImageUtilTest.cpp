@@ -178,6 +178,11 @@ TEST_F(StbImageUtilTest, LyingHeadsFailWithoutTakingTheirMemory) {
             EXPECT_FALSE(loadMemory(scrambled(head(side, side))).pixels) << side;
         }
     EXPECT_LT(peakMegabytes() - before, 200);
+    // Found by the fuzzers: both made the decoder leave its own buffers.
+    EXPECT_FALSE(loadMemory({'P', '5', ' ', '1', ' ', '1', ' ', '6', '5', '5', '3', '5', '\n', 1, 2}).pixels);
+    Bytes tables = {0xFF, 0xD8, 0xFF, 0xC4, 0x0F, 0xFF, 0};
+    tables.resize(5000, 255);
+    EXPECT_FALSE(loadMemory(tables).pixels);
     // The other way round: packed data that unpacks to far more than its head says.
     EXPECT_FALSE(loadMemory(zeltest::pngHead(0, 0)).pixels);
     EXPECT_FALSE(loadMemory(zeltest::pngHead(0xFFFFFFFFu, 1)).pixels);
@@ -195,6 +200,7 @@ TEST_F(StbImageUtilTest, EightCallsAtOnceGiveTheBytesOfOne) {
     const Bytes alone = loadFile(path, {.scrambled = true, .keepAlpha = false, .maxSize = 150}).bytes();
     std::vector<std::thread> threads;
     std::vector<Bytes> results(8);
+    threads.reserve(results.size());
     for (Bytes& result : results)
         threads.emplace_back([&] {
             for (int i = 0; i < 5; ++i)

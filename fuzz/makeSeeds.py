@@ -1,0 +1,174 @@
+#!/usr/bin/env python3
+"""Writes the seed corpus of the fuzzers: for the loader one tiny file of every image format, each behind the two
+option bytes that its fuzzers read (flags, size limit), and face data of no, one and two faces. Each fuzzer gets a folder of its own name.
+Usage: makeSeeds.py FOLDER"""
+import json
+import pathlib
+import struct
+import sys
+import zlib
+
+WIDTH, HEIGHT = 6, 5
+# Flags of an input, as in loadOptions.h: alpha kept, flattened, scrambled, raw file that claims to be
+# scrambled; with a size limit that reduces, one that halves, and none.
+OPTIONS = [(1, 0), (0, 0), (3, 0), (7, 0), (1, 4), (1, 3), (0, 4), (2, 3)]
+
+
+# The passes of an interlaced PNG: first column, first row, and the steps to the next.
+PASSES = [(0, 0, 8, 8), (4, 0, 8, 8), (0, 4, 4, 8), (2, 0, 4, 4), (0, 2, 2, 4), (1, 0, 2, 2), (0, 1, 1, 2)]
+
+
+def pixel(x, y, channel):
+    return (x * 40 + y * 25 + channel * 60) % 256
+
+
+def rows(channels):
+    return [bytes(pixel(x, y, c) for x in range(WIDTH) for c in range(channels)) for y in range(HEIGHT)]
+
+
+def png(colour_type, channels, depth=8, interlace=0, palette=b"", transparency=b""):
+    def chunk(kind, data):
+        return struct.pack(">I", len(data)) + kind + data + struct.pack(">I", zlib.crc32(kind + data))
+
+    if depth < 8:
+        body = b"".join(bytes([y % 5]) + bytes([0xA5] * ((WIDTH * depth + 7) // 8)) for y in range(HEIGHT))
+    else:
+        body = b"".join(bytes([y % 5]) + b"".join(bytes([v]) * (depth // 8) for v in row)
+                        for y, row in enumerate(rows(channels)))
+    if interlace:
+        body = b"".join((b"\0" + bytes(channels * len(range(x, WIDTH, dx)))) * len(range(y, HEIGHT, dy))
+                        for x, y, dx, dy in PASSES if x < WIDTH and y < HEIGHT)
+    head = struct.pack(">IIBBBBB", WIDTH, HEIGHT, depth, colour_type, 0, 0, interlace)
+    chunks = chunk(b"IHDR", head)
+    if palette:
+        chunks += chunk(b"PLTE", palette)
+    if transparency:
+        chunks += chunk(b"tRNS", transparency)
+    return (b"\x89PNG\r\n\x1a\n" + chunks + chunk(b"IDAT", zlib.compress(body)) + chunk(b"IEND", b""))
+
+
+def bmp(bits):
+    stride = (WIDTH * bits // 8 + 3) // 4 * 4
+    palette = bytes(range(256)) * 4 if bits == 8 else b""
+    body = b"".join((row * 4)[: WIDTH * bits // 8].ljust(stride, b"\0") for row in rows(4))
+    offset = 54 + len(palette)
+    return (b"BM" + struct.pack("<IHHI", offset + len(body), 0, 0, offset)
+            + struct.pack("<IiiHHIIiiII", 40, WIDTH, HEIGHT, 1, bits, 0, len(body), 0, 0, 0, 0) + palette + body)
+
+
+def tga(bits, packed):
+    kind = (3 if bits == 8 else 2) + (8 if packed else 0)
+    head = struct.pack("<BBBHHBHHHHBB", 0, 0, kind, 0, 0, 0, 0, 0, WIDTH, HEIGHT, bits, 0x28 if bits == 32 else 0x20)
+    if not packed:
+        return head + b"".join((row * 4)[: WIDTH * bits // 8] for row in rows(4))
+    # A run of all but one pixel, then one literal pixel, for each row.
+    one = bytes(range(1, bits // 8 + 1))
+    return head + (bytes([0x80 | (WIDTH - 2)]) + one + b"\x00" + one) * HEIGHT
+
+
+def gif():
+    # Nine-bit codes with a clear code before the table can grow.
+    codes = [256]
+    for y in range(HEIGHT):
+        codes += [pixel(x, y, 0) & 3 for x in range(WIDTH)] + [256]
+    codes.append(257)
+    bits = sum(code << (9 * i) for i, code in enumerate(codes))
+    data = bits.to_bytes((9 * len(codes) + 7) // 8, "little")
+    blocks = b"".join(bytes([len(data[i:i + 255])]) + data[i:i + 255] for i in range(0, len(data), 255))
+    palette = bytes([255, 0, 0, 0, 255, 0, 0, 0, 255, 255, 255, 255])
+    frame = struct.pack("<BHHHHB", 0x2C, 0, 0, WIDTH, HEIGHT, 0) + b"\x08" + blocks + b"\0"
+    control = b"\x21\xF9\x04\x05\x00\x00\x01\x00"
+    return b"GIF89a" + struct.pack("<HHBBB", WIDTH, HEIGHT, 0x81, 0, 0) + palette + control + frame * 2 + b";"
+
+
+def jpeg(progressive, components=1):
+    """Flat grey blocks: code 0 is 'no change' for DC and 'end of block' for AC."""
+    def segment(marker, data):
+        return bytes([0xFF, marker]) + struct.pack(">H", len(data) + 2) + data
+
+    ids = range(1, components + 1)
+    frame = struct.pack(">BHHB", 8, HEIGHT, WIDTH, components) + b"".join(bytes([i, 0x11, 0]) for i in ids)
+    tables = b"".join(segment(0xC4, bytes([kind, 1, 1]) + bytes(14) + bytes([0, 4])) for kind in (0x00, 0x10))
+    def scan(first, last, high_low):
+        return (segment(0xDA, bytes([components]) + b"".join(bytes([i, 0]) for i in ids)
+                        + bytes([first, last, high_low])) + b"\x2A\x00\x15\x7F\x00")
+    scans = scan(0, 0, 1) + scan(0, 0, 0x10) if progressive else scan(0, 63, 0)
+    return (b"\xFF\xD8" + segment(0xDB, bytes([0]) + bytes([3] * 64)) + segment(0xC2 if progressive else 0xC0, frame)
+            + tables + scans + b"\xFF\xD9")
+
+
+def pnm(kind, depth):
+    channels = 1 if kind == 5 else 3
+    body = b"".join(rows(channels)) * (2 if depth > 255 else 1)
+    return b"P%d\n# seed\n%d %d\n%d\n" % (kind, WIDTH, HEIGHT, depth) + body
+
+
+def psd(packed):
+    head = b"8BPS" + struct.pack(">H6xHIIHH", 1, 4, HEIGHT, WIDTH, 8, 3) + struct.pack(">III", 0, 0, 0)
+    if not packed:
+        return head + b"\0\0" + b"".join(rows(1)) * 4
+    row = bytes([257 - WIDTH, 77])
+    return head + b"\0\1" + struct.pack(">H", 2) * (4 * HEIGHT) + row * (4 * HEIGHT)
+
+
+def hdr():
+    text = b"#?RADIANCE\nFORMAT=32-bit_rle_rgbe\n\n-Y %d +X %d\n" % (HEIGHT, WIDTH)
+    return text + b"".join(bytes([90, 120, 30, 129]) * WIDTH for _ in range(HEIGHT))
+
+
+def pic():
+    head = b"\x53\x80\xF6\x34" + bytes(84) + b"PICT" + struct.pack(">HHIHH", WIDTH, HEIGHT, 0, 3, 0)
+    packet = bytes([0, 8, 1, 0xF0])  # run-length coded, all four channels
+    return head + packet + (bytes([WIDTH]) + bytes([10, 20, 30, 200])) * HEIGHT
+
+
+def files():
+    yield "png_rgba", png(6, 4)
+    yield "png_rgb16", png(2, 3, depth=16)
+    yield "png_grey1", png(0, 1, depth=1)
+    yield "png_key", png(2, 3, transparency=bytes([0, 0, 0, 60, 0, 120]))
+    yield "png_palette", png(3, 1, depth=2, palette=bytes(range(12)), transparency=bytes([0, 128]))
+    yield "png_interlaced", png(6, 4, interlace=1)
+    for bits in (8, 24, 32):
+        yield f"bmp{bits}", bmp(bits)
+    for bits in (8, 24, 32):
+        yield f"tga{bits}", tga(bits, packed=False)
+    yield "tga_packed", tga(32, packed=True)
+    yield "gif", gif()
+    yield "jpeg", jpeg(progressive=False)
+    yield "jpeg_colour", jpeg(progressive=False, components=3)
+    yield "jpeg_progressive", jpeg(progressive=True)
+    yield "pgm", pnm(5, 255)
+    yield "ppm16", pnm(6, 65535)
+    yield "psd", psd(packed=False)
+    yield "psd_packed", psd(packed=True)
+    yield "hdr", hdr()
+    yield "pic", pic()
+    yield "empty", b""
+
+
+def face_data():
+    points = [[round(0.3 + 0.005 * i, 3), round(0.4 + 0.003 * i, 3)] for i in range(83)]
+    face = {"rect": [0.25, 0.2, 0.5, 0.6], "points": points}
+    for name, faces in (("none", []), ("one", [face]), ("found", [dict(face, confidence=0.9), face])):
+        yield name, json.dumps({"image": {"width": WIDTH, "height": HEIGHT}, "faces": faces}).encode()
+
+
+def write_face_seeds(folder):
+    folder.mkdir(parents=True, exist_ok=True)
+    for name, data in face_data():
+        (folder / name).write_bytes(data)
+
+
+def main():
+    write_face_seeds(pathlib.Path(sys.argv[1]) / "fuzz_face_data")
+    for target in ("fuzz_load_memory", "fuzz_load_file"):
+        folder = pathlib.Path(sys.argv[1]) / target
+        folder.mkdir(parents=True, exist_ok=True)
+        for number, (name, data) in enumerate(files()):
+            for i, options in enumerate((OPTIONS[number % len(OPTIONS)], OPTIONS[0], OPTIONS[6])):
+                (folder / f"{name}_{i}").write_bytes(bytes(options) + data)
+
+
+if __name__ == "__main__":
+    main()

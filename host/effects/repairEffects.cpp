@@ -1,0 +1,160 @@
+#include <cstdlib>
+
+#include "effectLists.h"
+#include "effectParts.h"
+#include "zel_effects.h"
+
+namespace zel {
+
+namespace {
+
+using ZelImageCore::TableSkin;
+
+/// The library's masks are changed or kept as an effect likes: it gets a copy.
+std::vector<unsigned char> maskCopy(const EffectRun& run) {
+    return maskOfPictureSize(run).samples;
+}
+
+void runInpaint(EffectRun& run) {
+    Image& image = run.image;
+    std::vector<unsigned char> mask = maskCopy(run);
+    std::srand(static_cast<unsigned>(run.values.integer("seed")));
+    TableSkin::ImageProcessWithInpaint(image.rgba.data(), image.width, image.height, mask.data(),
+                                       run.values.text("method") == "gradient" ? 1 : 0);
+}
+
+void runWrinkleCleaner(EffectRun& run) {
+    Image& image = run.image;
+    std::vector<unsigned char> mask = maskCopy(run);
+    TableSkin::ImageProcessWithWrinkleCleaner(image.rgba.data(), image.width, image.height, mask.data(),
+                                              run.values.integer("strength"),
+                                              run.values.text("method") == "region" ? 2 : 0);
+}
+
+void runRemoveBlackCircle(EffectRun& run) {
+    Image& image = run.image;
+    const auto value = [&run](const char* name) { return run.values.number(name); };
+    if (run.mask) {
+        std::vector<unsigned char> mask = maskCopy(run);
+        TableSkin::ImageProcessWithRemoveBlackCircle(image.rgba.data(), image.width, image.height,
+                                                     mask.data(), nullptr, 1);
+        return;
+    }
+    float rect[] = {value("left"), value("top"), value("width"), value("height")};
+    if (rect[2] < 1 || rect[3] < 1)
+        throw Failure("needs --mask, or left, top, width and height of a rectangle");
+    TableSkin::ImageProcessWithRemoveBlackCircle(image.rgba.data(), image.width, image.height, nullptr, rect,
+                                                 0);
+}
+
+void runAutoRemoveBlackCircle(EffectRun& run) {
+    Image& image = run.image;
+    forFaces(run, [&](zellab::CInterFacePoint* points, int face) {
+        CGRect rect = faceRectInPixels(faceAt(run, face), image.width, image.height);
+        TableSkin::ImageProcessWithAutoRemoveBlackCircle(image.rgba.data(), image.width, image.height, rect,
+                                                         points, face, run.values.number("strength"),
+                                                         run.values.integer("method"));
+        return true;
+    });
+}
+
+void runAutoFaceInpaint(EffectRun& run) {
+    Image& image = run.image;
+    const std::vector<unsigned char> searched = run.mask ? maskCopy(run) : std::vector<unsigned char>();
+    forFaces(run, [&](zellab::CInterFacePoint* points, int face) {
+        CGRect rect = faceRectInPixels(faceAt(run, face), image.width, image.height);
+        std::vector<unsigned char> mask = searched;  // each face gets its own skin back in it
+        TableSkin::ImageProcessWithAutoFaceInpaint(image.rgba.data(), mask.empty() ? nullptr : mask.data(),
+                                                   image.width, image.height, rect, points, face,
+                                                   run.values.text("method") == "fine" ? 1 : 0);
+        return true;
+    });
+}
+
+Effect autoFaceInpaint() {
+    Effect effect;
+    effect.name = "auto-face-inpaint";
+    effect.operation = "ZelImageCore::TableSkin::ImageProcessWithAutoFaceInpaint";
+    effect.summary = "Finds moles, spots and blemishes on faces and repairs them";
+    effect.parameters = {
+        choiceParameter("method", {"flecks", "fine"}, "flecks",
+                        "flecks finds round dark spots on a copy of 280 pixels, fine works at 640 pixels and "
+                        "follows the distance of the eyes"),
+        faceIndexParameter()};
+    effect.faces = Need::required;
+    effect.mask = Need::optional;
+    effect.example =
+        "zel apply auto-face-inpaint portrait.png -o clean.png --faces faces.json --set method=fine";
+    effect.run = runAutoFaceInpaint;
+    return effect;
+}
+
+Effect inpaint() {
+    Effect effect;
+    effect.name = "inpaint";
+    effect.operation = "ZelImageCore::TableSkin::ImageProcessWithInpaint";
+    effect.summary = "Fills what a mask marks from the rest of the picture";
+    effect.parameters = {
+        choiceParameter("method", {"gradient", "patches"}, "gradient",
+                        "gradient suits faces and slopes, patches suit texture"),
+        integerParameter("seed", 0, 2147483647, "1", "start of the random tries of patches")};
+    effect.mask = Need::required;
+    effect.example = "zel apply inpaint portrait.png -o clean.png --mask scratch.png --set method=gradient";
+    effect.run = runInpaint;
+    return effect;
+}
+
+Effect wrinkleCleaner() {
+    Effect effect;
+    effect.name = "wrinkle-cleaner";
+    effect.operation = "ZelImageCore::TableSkin::ImageProcessWithWrinkleCleaner";
+    effect.summary = "Smooths the wrinkles that a mask marks and keeps the skin's texture";
+    effect.parameters = {
+        integerParameter("strength", 0, 100, "100", "percentage; acts on method mask alone"),
+        choiceParameter("method", {"mask", "region"}, "mask",
+                        "mask works block by block under white marks, region on one box around all marks")};
+    effect.mask = Need::required;
+    effect.example =
+        "zel apply wrinkle-cleaner portrait.png -o smooth.png --mask wrinkles.png --set strength=80";
+    effect.run = runWrinkleCleaner;
+    return effect;
+}
+
+Effect removeBlackCircle() {
+    constexpr double kLargestSide = 32767;
+    Effect effect;
+    effect.name = "remove-black-circle";
+    effect.operation = "ZelImageCore::TableSkin::ImageProcessWithRemoveBlackCircle";
+    effect.summary = "Lightens dark circles under a mask or in a rectangle";
+    effect.parameters = {
+        numberParameter("left", 0, kLargestSide, "0", "left edge of the rectangle in pixels"),
+        numberParameter("top", 0, kLargestSide, "0", "top edge of the rectangle in pixels"),
+        numberParameter("width", 0, kLargestSide, "0", "width of the rectangle in pixels"),
+        numberParameter("height", 0, kLargestSide, "0", "height of the rectangle in pixels")};
+    effect.mask = Need::optional;
+    effect.example = "zel apply remove-black-circle portrait.png -o rested.png --mask circles.png";
+    effect.run = runRemoveBlackCircle;
+    return effect;
+}
+
+Effect autoRemoveBlackCircle() {
+    Effect effect;
+    effect.name = "auto-remove-black-circle";
+    effect.operation = "ZelImageCore::TableSkin::ImageProcessWithAutoRemoveBlackCircle";
+    effect.summary = "Lightens the shadows under the eyes of faces";
+    effect.parameters = {numberParameter("strength", 0, 1, "0.55", "strength of the repair"),
+                         integerParameter("method", 0, 1, "0", "0 spares the rim of the lid, 1 does not"),
+                         faceIndexParameter()};
+    effect.faces = Need::required;
+    effect.example = "zel apply auto-remove-black-circle portrait.png -o rested.png --set strength=0.8";
+    effect.run = runAutoRemoveBlackCircle;
+    return effect;
+}
+
+}  // namespace
+
+std::vector<Effect> repairEffects() {
+    return {autoFaceInpaint(), autoRemoveBlackCircle(), removeBlackCircle(), inpaint(), wrinkleCleaner()};
+}
+
+}  // namespace zel

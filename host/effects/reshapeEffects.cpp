@@ -1,0 +1,162 @@
+#include "effectChecks.h"
+#include "effectLists.h"
+#include "faceRecords.h"
+#include "zel_effects.h"
+
+namespace zel {
+
+namespace {
+
+Parameter number(const char* name, double minimum, double maximum, const char* defaultValue,
+                 const char* help) {
+    return {name, ParameterKind::number, minimum, maximum, defaultValue, help, {}};
+}
+
+Parameter faceIndexParameter() {
+    constexpr double kLastFace = 1023;
+    return {"faceIndex", ParameterKind::integer, -1, kLastFace, "-1", "which face; -1: all of them in turn",
+            {}};
+}
+
+/// A fraction of the picture that has to be given.
+Parameter place(const char* name, const char* help) {
+    return number(name, 0, 1, "", help);
+}
+
+/// Calls the library for the face that was asked for, or for each in turn.
+template <typename Call>
+void forFaces(EffectRun& run, const Call& call) {
+    const int asked = run.values.integer("faceIndex");
+    const int count = static_cast<int>(run.faces.faces.size());
+    if (asked >= 0) faceAt(run, asked);
+    const auto points = makeFacePoints(run.faces, run.image.width, run.image.height);
+    const int first = asked < 0 ? 0 : asked, last = asked < 0 ? count - 1 : asked;
+    for (int face = first; face <= last; ++face) {
+        if (!call(points.get(), face)) throw Failure("the library refused the picture");
+        run.progress("face " + std::to_string(face),
+                     static_cast<double>(face - first + 1) / (last - first + 1));
+    }
+}
+
+void runAutoSlimFace(EffectRun& run) {
+    Image& image = run.image;
+    const auto value = [&run](const char* name) { return run.values.number(name); };
+    forFaces(run, [&](zellab::CInterFacePoint* points, int face) {
+        return CFaceSlimRender::autoSlimFace(image.rgba.data(), image.width, image.height, points,
+                                             value("strength"), value("outerWeight"), value("middleWeight"),
+                                             value("innerWeight"), value("upperFactor"), value("lowerFactor"),
+                                             value("jawFactor"), value("chinFactor"), face);
+    });
+}
+
+void runAutoZoomEye(EffectRun& run) {
+    Image& image = run.image;
+    const auto value = [&run](const char* name) { return run.values.number(name); };
+    forFaces(run, [&](zellab::CInterFacePoint* points, int face) {
+        return CEyeZoomRender::autoZoomEye(image.rgba.data(), image.width, image.height, points,
+                                           value("strength"), value("eyeRatioLimit"), value("zoomFactor"),
+                                           value("ringScale"), face);
+    });
+}
+
+void refuseBrush() {
+    throw Failure("the brush is smaller than 2 pixels; a larger radius is needed");
+}
+
+void runSlimFace(EffectRun& run) {
+    Image& image = run.image;
+    const auto value = [&run](const char* name) { return run.values.number(name); };
+    if (!CFaceSlimRender::slimFace(image.rgba.data(), image.width, image.height, value("startX"),
+                                   value("startY"), value("endX"), value("endY"), value("radius"),
+                                   value("strength")))
+        refuseBrush();
+}
+
+void runZoomEye(EffectRun& run) {
+    Image& image = run.image;
+    const zellab::Vector2f center{run.values.number("centerX"), run.values.number("centerY")};
+    if (!CEyeZoomRender::zoomEye(image.rgba.data(), image.width, image.height, center,
+                                 run.values.number("radius"), run.values.integer("strength")))
+        refuseBrush();
+}
+
+Effect slimFace() {
+    Effect effect;
+    effect.name = "slim-face";
+    effect.operation = "CFaceSlimRender::slimFace";
+    effect.summary = "Pushes the picture from a start to an end with a round brush";
+    effect.parameters = {
+        place("startX", "start of the drag, as a fraction of the width"),
+        place("startY", "start of the drag, as a fraction of the height"),
+        place("endX", "end of the drag, as a fraction of the width"),
+        place("endY", "end of the drag, as a fraction of the height"),
+        number("radius", 0, 1, "0.1", "brush radius, as a fraction of the width"),
+        number("strength", -100, 100, "60", "percentage; negative pinches at the end of the drag")};
+    effect.example =
+        "zel apply slim-face portrait.png -o slim.png --set startX=0.25 --set startY=0.6 --set endX=0.3 "
+        "--set endY=0.58 --set radius=0.15";
+    effect.run = runSlimFace;
+    return effect;
+}
+
+Effect autoSlimFace() {
+    Effect effect;
+    effect.name = "auto-slim-face";
+    effect.operation = "CFaceSlimRender::autoSlimFace";
+    effect.summary = "Narrows faces along their contours";
+    effect.parameters = {number("strength", 0, 2, "0.5", "overall strength; the chin does not follow it"),
+                         number("outerWeight", 0, 1, "1.0", "weight of the ring outside the contour"),
+                         number("middleWeight", 0, 1, "0.9", "weight of the ring next to the contour"),
+                         number("innerWeight", 0, 1, "0.6", "weight of the contour itself"),
+                         number("upperFactor", -1, 1, "0.2", "pull of the cheeks"),
+                         number("lowerFactor", -1, 1, "0.4", "pull of the lower cheeks"),
+                         number("jawFactor", -1, 1, "0.34", "pull of the jaw"),
+                         number("chinFactor", -2, 2, "-0.5", "pull of the chin; negative lengthens it"),
+                         faceIndexParameter()};
+    effect.faces = Need::required;
+    effect.example =
+        "zel apply auto-slim-face portrait.png -o slim.png --faces faces.json --set strength=0.8";
+    effect.run = runAutoSlimFace;
+    return effect;
+}
+
+Effect zoomEye() {
+    Effect effect;
+    effect.name = "zoom-eye";
+    effect.operation = "CEyeZoomRender::zoomEye";
+    effect.summary = "Enlarges what lies around one point";
+    effect.parameters = {
+        place("centerX", "centre, as a fraction of the width"),
+        place("centerY", "centre, as a fraction of the height"),
+        number("radius", 0, 1, "0.05", "radius, as a fraction of the width"),
+        {"strength", ParameterKind::integer, -200, 200, "60", "percentage; negative shrinks", {}}};
+    effect.example =
+        "zel apply zoom-eye portrait.png -o eye.png --set centerX=0.4 --set centerY=0.45 --set radius=0.06";
+    effect.run = runZoomEye;
+    return effect;
+}
+
+Effect autoZoomEye() {
+    Effect effect;
+    effect.name = "auto-zoom-eye";
+    effect.operation = "CEyeZoomRender::autoZoomEye";
+    effect.summary = "Enlarges the eyes of faces";
+    effect.parameters = {
+        number("strength", 0, 2, "0.5", "overall strength"),
+        number("eyeRatioLimit", 0, 2, "0.9", "both eyes' width to the face's at which nothing grows"),
+        number("zoomFactor", 0, 2, "0.2", "scale of the zoom"),
+        number("ringScale", 0, 2, "1.0", "width of the blend around an eye, against its own size"),
+        faceIndexParameter()};
+    effect.faces = Need::required;
+    effect.example = "zel apply auto-zoom-eye portrait.png -o eyes.png --faces faces.json --set strength=0.8";
+    effect.run = runAutoZoomEye;
+    return effect;
+}
+
+}  // namespace
+
+std::vector<Effect> reshapeEffects() {
+    return {slimFace(), autoSlimFace(), zoomEye(), autoZoomEye()};
+}
+
+}  // namespace zel

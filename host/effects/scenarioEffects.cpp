@@ -1,0 +1,69 @@
+#include <algorithm>
+#include <array>
+
+#include "../cube/cubeFile.h"
+#include "effectLists.h"
+#include "effectParts.h"
+#include "zel_effects.h"
+
+namespace zel {
+
+namespace {
+
+/// The library numbers its scenarios; the command names them by what their recipes are good for.
+constexpr std::array kScenarioNames = {"scenery", "portrait", "architecture", "food",
+                                       "travel",  "haze",     "night"};
+
+ZelImageCore::eScenarioType scenarioOf(const std::string& type) {
+    const auto name = std::find(kScenarioNames.begin(), kScenarioNames.end(), type);
+    const auto number = name != kScenarioNames.end() ? name - kScenarioNames.begin() + 1 : type.front() - '0';
+    return static_cast<ZelImageCore::eScenarioType>(number);
+}
+
+std::vector<std::string> scenarioWords() {
+    std::vector<std::string> words(kScenarioNames.begin(), kScenarioNames.end());
+    for (char number = '1'; number <= '7'; ++number) words.push_back(std::string(1, number));
+    return words;
+}
+
+/// The look as the library takes it: a named one is a .cube file among the assets, beside which the command
+/// stands.
+std::vector<unsigned char> lookupOf(const EffectRun& run) {
+    const std::string& file = run.values.text("cube");
+    return cubePicture(readCubeFile(file != "-" ? file : "looks/" + run.values.text("look") + ".cube"));
+}
+
+void runScenario(EffectRun& run) {
+    Image& image = run.image;
+    std::vector<unsigned char> lookup = lookupOf(run);
+    FaceInfoBlock faces(run.faces);
+    ZelImageCore::CScenarioBeauty beauty;
+    if (!beauty.Run(image.rgba.data(), image.width, image.height, scenarioOf(run.values.text("type")),
+                    run.values.number("alpha"), lookup.data(), faces.get()))
+        throw Failure("alpha is 0: only the portrait scenario does anything then");
+}
+
+}  // namespace
+
+std::vector<Effect> scenarioEffects() {
+    Effect effect;
+    effect.name = "scenario";
+    effect.operation = "ZelImageCore::CScenarioBeauty::Run";
+    effect.summary =
+        "One call for a whole picture: portrait slims, opens eyes, smooths skin and grades the colour";
+    effect.parameters = {
+        choiceParameter("type", scenarioWords(), "portrait", "recipe, by name or by the library's number"),
+        numberParameter(
+            "alpha", 0, 1, "0.6",
+            "strength; of portrait the reshaping is full below 1, and at 1 the look alone is applied"),
+        choiceParameter("look", {"identity", "warm", "cool", "clear", "soft", "film", "mono"}, "identity",
+                        "named colour look"),
+        {"cube", ParameterKind::text, 0, 0, "-", "a .cube file in place of a named look (whole path)", {}}};
+    effect.faces = Need::optional;
+    effect.example =
+        "zel apply scenario portrait.jpg -o out.jpg --set type=portrait --set alpha=0.6 --set look=warm";
+    effect.run = runScenario;
+    return {effect};
+}
+
+}  // namespace zel

@@ -1,0 +1,45 @@
+#pragma once
+
+#include "frame/zel_records.h"
+
+namespace zellab {
+
+/// Where the two methods differ.
+struct DarkCircleMethod {
+    float middleDrop;        // of the crescent's upper edge below the lid, as a share of the eye's opening
+    float endDrop;           // of its ends below the corners, likewise
+    float reach;             // of its ends beyond the corners, as a share of the eye's width
+    int softDivisor;         // the weight of the mix is blurred by faceWidth / softDivisor ...
+    int softExtra, softMin;  // ... + softExtra, at least softMin pixels
+    int keepDivisor, keepExtra, keepMin;  // likewise how much a pixel keeps
+    bool sparesEye;                       // the blurred weight ends at the eye's outline
+    bool keepsTexture;  // the mix moves the smooth colour and rounds; else the colour itself, by shifts
+};
+
+/// What one run of the dark-circle removal is given.
+struct DarkCircleRun {
+    const Vector2f* points = nullptr;  // the interpolated points of the face, in pixels of the picture
+    int rectX = 0, rectY = 0, rectWidth = 0, rectHeight = 0;  // the face
+    float coreStrength = 0.4f;                                // 0..1, close to the lid
+    float strength = 0.0f;                                    // 0..1, in the rest of the crescent
+    float ringWeight = 0.2f;  // height of the core as a share of the crescent's
+    bool useEdges = true;     // false leaves out the seamless repair
+};
+
+/// Lightens the shadows under both eyes: a Poisson repair from the cheek where the skin is even enough, then
+/// a mix of the dark pixels towards the blurred cheek colour of their column.
+class CBlackEyeCleaner {
+public:
+    /// Works on an RGBA picture in place. A rectangle smaller than the eye region is no face: it is logged,
+    /// and nothing is done.
+    static void Run(unsigned char* image, int width, int height, const DarkCircleRun& run);
+};
+
+/// The second method, in the same order of stages: crescents that begin right below the lid and reach a
+/// little beyond the eye's corners, narrower blurs, and a mix that rounds.
+class CBlackEyeCleanerB {
+public:
+    static void Run(unsigned char* image, int width, int height, const DarkCircleRun& run);
+};
+
+}  // namespace zellab

@@ -1,0 +1,49 @@
+#include "beautykernel/blackeyecleaner/cheekRows.h"
+
+#include <algorithm>
+#include <cstring>
+
+#include "zellab/imageproc/stackBlur.h"
+
+namespace zellab {
+
+namespace {
+
+constexpr float kBelowLid = 0.08f;  // of the face's height, from the lid to the cheek
+constexpr int kBelowLidRows = 2;
+
+int lowestLid(const EyeRegion& region, int first, int last) {
+    float lowest = 0.0f;
+    for (int i = first; i <= last; ++i)
+        lowest = std::max(lowest, region.points[static_cast<std::size_t>(i)].y);
+    return static_cast<int>(lowest);
+}
+
+}  // namespace
+
+CheekRows::CheekRows(ConstImageView image, const EyeRegion& region)
+    : m_colours(static_cast<std::size_t>(region.crop.width) * 4) {
+    const int below = static_cast<int>(static_cast<float>(region.face.height) * kBelowLid) + kBelowLidRows;
+    const int radius = std::max(20, region.face.width / 120 + 8);
+    // The band starts this far below the lids; in its blur a row looks as far up as down.
+    const auto rowUnder = [&](int lid) {
+        return std::clamp(region.face.y + lid + below + radius, 0, image.height - 1);
+    };
+    const int leftRow = rowUnder(lowestLid(region, 6, 9)), rightRow = rowUnder(lowestLid(region, 16, 19));
+    const int top = std::max(std::min(leftRow, rightRow) - radius, 0);
+    const int bottom = std::min(std::max(leftRow, rightRow) + radius + 1, image.height);
+    const int width = region.crop.width;
+    std::vector<Byte> band(sampleCount(width, bottom - top, 4));
+    const ImageView view(band.data(), width, bottom - top);
+    for (int y = top; y < bottom; ++y)
+        std::memcpy(view.row(y - top), image.at(region.crop.x, y), static_cast<std::size_t>(width) * 4);
+    StackBlurRGBA(band.data(), width, bottom - top, radius);
+
+    const float between = (region.inCrop(region.points[5]).x + region.inCrop(region.points[10]).x) / 2.0f;
+    for (int x = 0; x < width; ++x) {
+        const int row = static_cast<float>(x) < between ? leftRow : rightRow;
+        std::copy_n(view.at(x, row - top), 4, &m_colours[static_cast<std::size_t>(x) * 4]);
+    }
+}
+
+}  // namespace zellab

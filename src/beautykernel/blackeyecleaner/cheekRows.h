@@ -1,0 +1,19 @@
+#pragma once
+
+#include "beautykernel/blackeyecleaner/eyeRegion.h"
+
+namespace zellab {
+
+/// For each column of the crop the blurred colour of the cheek below: the row under the left eye up to the
+/// middle between the eyes, the row under the right eye behind it.
+class CheekRows {
+public:
+    CheekRows(ConstImageView image, const EyeRegion& region);
+
+    const Byte* colour(int column) const { return &m_colours[static_cast<std::size_t>(column) * 4]; }
+
+private:
+    std::vector<Byte> m_colours;
+};
+
+}  // namespace zellab

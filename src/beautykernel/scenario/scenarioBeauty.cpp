@@ -1,0 +1,80 @@
+#include <cstring>
+#include <vector>
+
+#include "beautykernel/scenario/defog.h"
+#include "beautykernel/scenario/personBeauty.h"
+#include "frame/zel_effects.h"
+#include "platform/zelfilteronline/zellabSharp.h"
+#include "zellab/imageproc/colorCube.h"
+#include "zellab/imageproc/imageView.h"
+#include "zellab/imageproc/mixByAlpha.h"
+#include "zellab/imageproc/unsharpMask.h"
+
+namespace ZelImageCore {
+
+namespace {
+
+/// From this strength on, 17 float steps below 1, the recipe is not blended with the picture that it started
+/// from.
+constexpr float kFullStrength = 0x1.ffffdep-1f;
+
+void sharpen(unsigned char* image, int width, int height) {
+    constexpr float kFine = 0.6f, kStructure = 0.6f;
+    zelfilteronline::CZellabSharp().Run(image, width, height, kFine, kStructure, true);
+}
+
+void unsharp(unsigned char* image, int width, int height) {
+    constexpr int kPercent = 100;
+    constexpr float kRadius = 2.0f;
+    constexpr unsigned char kThreshold = 7;
+    zellab::UnsharpMask(image, width, height, width * 4, kPercent, kRadius, kThreshold, 1);
+}
+
+}  // namespace
+
+bool CScenarioBeauty::Run(unsigned char* image, int width, int height, eScenarioType type, float alpha,
+                          unsigned char* lookup, ImageCoreFaceInfo* faceInfo) {
+    alpha = alpha > 1.0f ? 1.0f : alpha > 0.0f ? alpha : 0.0f;  // NaN becomes 0
+    if (alpha == 0.0f && type != eScenario2) return false;
+    if (!image || width < 1 || height < 1) return false;
+
+    std::vector<unsigned char> blendSource;
+    if (alpha < kFullStrength) blendSource.assign(image, image + zellab::sampleCount(width, height, 4));
+    switch (type) {
+        case eScenario1:
+        case eScenario3:
+        case eScenario4:
+            zellab::ApplyColorCube(image, lookup, width, height);
+            sharpen(image, width, height);
+            break;
+        case eScenario2:
+            // At full strength there is no blend source, and without one the filter does nothing.
+            PersonBeautyFilter(image, width, height, faceInfo,
+                               blendSource.empty() ? nullptr : blendSource.data());
+            zellab::ApplyColorCube(image, lookup, width, height);
+            break;
+        case eScenario5:
+        case eScenario7:
+            zellab::ApplyColorCube(image, lookup, width, height);
+            unsharp(image, width, height);
+            break;
+        case eScenario6:
+            Defog(image, width, height);
+            break;
+        default:
+            break;
+    }
+    if (!blendSource.empty()) zellab::MixByAlpha(image, blendSource.data(), image, width, height, alpha);
+    return true;
+}
+
+void CScenarioBeauty::Defog(unsigned char* image, int width, int height) {
+    zellab::defog(image, width, height);
+}
+
+void CScenarioBeauty::PersonBeautyFilter(unsigned char* image, int width, int height,
+                                         ImageCoreFaceInfo* faceInfo, unsigned char* blendSource) {
+    zellab::personBeauty(image, width, height, faceInfo, blendSource);
+}
+
+}  // namespace ZelImageCore

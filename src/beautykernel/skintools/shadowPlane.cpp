@@ -1,0 +1,35 @@
+#include "beautykernel/skintools/shadowPlane.h"
+
+#include <algorithm>
+
+#include "beautykernel/skintools/shadowTable.h"
+#include "zellab/imageproc/pixelMath.h"
+#include "zellab/imageproc/stackBlur.h"
+
+namespace zellab {
+
+Plane<Byte> overlayLightness(ConstImageView image, const OverlayTable& overlay, LightnessOf channels) {
+    const std::size_t other = channels == LightnessOf::greenAndBlue ? 2 : 1;
+    Plane<Byte> plane(image.width, image.height);
+    for (int y = 0; y < image.height; ++y) {
+        const Byte* p = image.row(y);
+        Byte* row = plane.view().row(y);
+        for (int x = 0; x < image.width; ++x, p += 4) row[x] = overlay(p[1], p[other]);
+    }
+    return plane;
+}
+
+ShadowPlanes shadowPlanes(const Plane<Byte>& lightness, PlaneView<const Byte> skinMask, int radius) {
+    const int width = lightness.width(), height = lightness.height();
+    ShadowPlanes planes{Plane<Byte>(width, height), Plane<Byte>(width, height)};
+    Byte* highPass = planes.highPass.data();
+    std::copy_n(lightness.data(), lightness.size(), highPass);
+    StackBlurGray(highPass, width, height, radius);
+    for (std::size_t i = 0; i < lightness.size(); ++i) {
+        highPass[i] = clampToByte(lightness.data()[i] - highPass[i] + 128);
+        planes.shadow.data()[i] = static_cast<Byte>(kShadowWeight[highPass[i]] * skinMask.data[i] / 255);
+    }
+    return planes;
+}
+
+}  // namespace zellab

@@ -1,0 +1,23 @@
+#pragma once
+
+#include "beautykernel/skintools/overlayTable.h"
+#include "zellab/imageproc/imageView.h"
+
+namespace zellab {
+
+/// Which channels the lightness plane overlays. The two differ on purpose.
+enum class LightnessOf { greenAndBlue, greenAlone };
+
+/// The overlay of the green channel with the blue one, or with itself.
+Plane<Byte> overlayLightness(ConstImageView image, const OverlayTable& overlay, LightnessOf channels);
+
+/// A high pass of the lightness, centred on 128, and the shadows that it shows on skin.
+struct ShadowPlanes {
+    Plane<Byte> highPass;
+    Plane<Byte> shadow;  // weight of the shadow, 0 off the skin
+};
+
+/// @param radius  of the blur that the high pass takes away, pixels
+ShadowPlanes shadowPlanes(const Plane<Byte>& lightness, PlaneView<const Byte> skinMask, int radius);
+
+}  // namespace zellab

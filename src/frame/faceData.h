@@ -1,0 +1,30 @@
+#pragma once
+
+#include <array>
+
+#include "frame/interFacePoint.h"
+#include "frame/zel_records.h"
+
+namespace zellab {
+
+/// The beauty pipelines' record of one face, in pixels.
+struct FaceData {
+    int top = 1000000, bottom = -1, left = 1000000,
+        right = -1;                                  // first and last row and column; empty at first
+    Vector2f points[CInterFacePoint::kBlockPoints];  // the interpolated points; zero beyond pointCount
+    int pointCount = 0;
+    unsigned char flagA = 0, flagB = 0;  // the meaning is the pipeline's
+};
+
+/// A face's rectangle in pixels.
+CGRect faceRectInPixels(const ImageCoreFace& face, int width, int height);
+
+/// A face's landmarks in pixels, as they stand: they may lie outside the picture.
+std::array<Vector2f, CInterFacePoint::kLandmarkCount> landmarksInPixels(const ImageCoreFace& face, int width,
+                                                                        int height);
+
+/// The record of face `index` of `points`, with the box of a rectangle in pixels: its last row and column are
+/// those of x + width - 1 and y + height - 1, each limited to 0..size. flagB is set.
+FaceData makeFaceData(const CGRect& rect, const CInterFacePoint& points, int index, int width, int height);
+
+}  // namespace zellab

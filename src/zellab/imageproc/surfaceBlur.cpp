@@ -1,0 +1,209 @@
+#include "zellab/imageproc/surfaceBlur.h"
+
+#include <emmintrin.h>
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <cstdint>
+#include <cstring>
+#include <vector>
+
+#include "zellab/imageproc/imageView.h"
+#include "zellab/imageproc/parallelRows.h"
+
+namespace zellab {
+
+namespace {
+
+constexpr int kMostRadius = 100, kMostThreshold = 100;
+constexpr int kLevels = 256;
+
+/// Weights by distance in value, as one symmetric row around distance 0, in whole vectors. The sum of value
+/// times weight is taken from the centre value c: sum(k * n) = c * sum(n) + sum((k - c) * n), and distance
+/// times weight fits 16 bits where value times weight does not. Distance 0 counts twice, once for the walk
+/// upward and once for the walk downward.
+struct Weights {
+    static constexpr int kVector = 8;
+
+    int reach;  // largest distance that counts; the row starts at -reach
+    std::vector<std::int16_t> weight, moment;
+
+    explicit Weights(int threshold) {
+        std::array<int, kLevels> byDistance{};
+        const float step = 96.0f / static_cast<float>(threshold);
+        float value = 255.0f;
+        int count = 0;
+        do {
+            byDistance[static_cast<std::size_t>(count++)] = static_cast<int>(value + 0.4f);
+            value -= step;
+        } while (!(value < -0.4f) && count < kLevels);
+        reach = count - 1;
+        const int length = (2 * reach + kVector) / kVector * kVector;
+        weight.resize(static_cast<std::size_t>(length));
+        moment.resize(weight.size());
+        for (int d = -reach; d <= reach; ++d) {
+            const int w = byDistance[static_cast<std::size_t>(std::abs(d))];
+            weight[static_cast<std::size_t>(d + reach)] = static_cast<std::int16_t>(d == 0 ? 2 * w : w);
+            moment[static_cast<std::size_t>(d + reach)] = static_cast<std::int16_t>(d * w);
+        }
+    }
+};
+
+/// The disc: dx and dy with |dx| <= half[|dy|]. It is the same along both axes.
+struct Disc {
+    int radius;
+    std::vector<int> half;
+
+    explicit Disc(int r) : radius(r) {
+        for (int d = 0; d <= r; ++d) half.push_back(extent(d, 0.0f));
+    }
+
+    /// Columns that row dy reaches to either side; `more` widens the disc before truncation.
+    int extent(int dy, float more) const {
+        const int square = ((2 * radius + 1) * (2 * radius + 1) + 2) >> 2;
+        const float reach = std::sqrt(static_cast<float>(square - dy * dy)) + more;
+        return static_cast<int>(std::min(reach, static_cast<float>(radius)));
+    }
+};
+
+/// Counts of the three channels in a disc. A count is below 32,000 at the largest radius. Both ends have room
+/// for the weights' reach beyond the levels.
+class Histograms {
+public:
+    void add(const Byte* pixel) { change(pixel, 1); }
+    void remove(const Byte* pixel) { change(pixel, -1); }
+
+    /// The weighted mean around value `centre` of channel c, or `centre` itself where nothing counts.
+    Byte mean(std::size_t c, int centre, const Weights& weights) {
+        std::int16_t* counts = m_counts[c].data() + kRoom;
+        const std::int16_t zeros = counts[0];
+        counts[0] = 0;  // value 0 never counts: the padding must not darken the rim
+        const std::int16_t* from = counts + centre - weights.reach;
+        __m128i sums = _mm_setzero_si128(), moments = sums;
+        for (std::size_t i = 0; i < weights.weight.size(); i += Weights::kVector) {
+            const __m128i eight = load(from + i);
+            sums = _mm_add_epi32(sums, _mm_madd_epi16(eight, load(weights.weight.data() + i)));
+            moments = _mm_add_epi32(moments, _mm_madd_epi16(eight, load(weights.moment.data() + i)));
+        }
+        counts[0] = zeros;
+        const std::int64_t sum = total(sums);
+        if (sum <= 0) return static_cast<Byte>(centre);
+        // Below 2^32 at the largest radius, all of it white.
+        const std::int64_t weighted = centre * sum + total(moments);
+        return static_cast<Byte>(static_cast<std::uint32_t>(weighted + sum / 2) /
+                                 static_cast<std::uint32_t>(sum));
+    }
+
+private:
+    static constexpr std::size_t kRoom = kLevels + 2 * Weights::kVector;
+
+    static __m128i load(const std::int16_t* p) {
+        return _mm_loadu_si128(reinterpret_cast<const __m128i*>(p));
+    }
+    static int total(__m128i four) {
+        const __m128i two = _mm_add_epi32(four, _mm_srli_si128(four, 8));
+        return _mm_cvtsi128_si32(_mm_add_epi32(two, _mm_srli_si128(two, 4)));
+    }
+    void change(const Byte* pixel, int by) {
+        for (std::size_t c = 0; c < 3; ++c) {
+            std::int16_t& count = m_counts[c][kRoom + pixel[c]];
+            count = static_cast<std::int16_t>(count + by);
+        }
+    }
+
+    std::array<std::array<std::int16_t, kLevels + 2 * kRoom>, 3> m_counts{};
+};
+
+class Blur {
+public:
+    Blur(const ImageView& image, int radius, int threshold, const Byte* mask)
+        : m_image(image),
+          m_mask(mask),
+          m_disc(radius),
+          m_weights(threshold),
+          m_stride(4 * (std::ptrdiff_t{image.width} + 2 * radius)),
+          m_padded(static_cast<std::size_t>(m_stride) *
+                   (static_cast<std::size_t>(image.height) + 2 * static_cast<std::size_t>(radius))) {
+        for (int y = 0; y < image.height; ++y)
+            std::memcpy(padded(0, y), image.row(y), 4 * static_cast<std::size_t>(image.width));
+    }
+
+    void run() {
+        parallelRows(m_image.height, [&](int begin, int end) { sweep(begin, end); });
+    }
+
+private:
+    Byte* padded(int x, int y) {
+        return m_padded.data() + (std::ptrdiff_t{y} + m_disc.radius) * m_stride +
+               (std::ptrdiff_t{x} + m_disc.radius) * 4;
+    }
+
+    /// The disc around the first pixel of a band. The very first disc of a picture is a little wider than the
+    /// one that slides (0.4 of a pixel); what lies between the two is never removed and counts everywhere.
+    Histograms start(int y) {
+        Histograms histograms;
+        for (int dy = -m_disc.radius; dy <= m_disc.radius; ++dy) {
+            const int half = m_disc.half[static_cast<std::size_t>(std::abs(dy))];
+            for (int dx = -half; dx <= half; ++dx) histograms.add(padded(dx, y + dy));
+            const int wider = m_disc.extent(std::abs(dy), 0.4f);
+            for (int dx = half + 1; dx <= wider; ++dx) {
+                histograms.add(padded(-dx, dy));
+                histograms.add(padded(dx, dy));
+            }
+        }
+        return histograms;
+    }
+
+    /// Rows [begin, end), right along one and left along the next, so that the disc moves by one pixel only.
+    void sweep(int begin, int end) {
+        Histograms histograms = start(begin);
+        int x = 0, direction = 1;
+        for (int y = begin; y < end; ++y, direction = -direction) {
+            for (int i = 0;; ++i) {
+                blurPixel(x, y, histograms);
+                if (i + 1 == m_image.width) break;
+                moveAlong(padded(x, y), 4 * direction, m_stride, histograms);
+                x += direction;
+            }
+            if (y + 1 < end) moveAlong(padded(x, y), m_stride, 4, histograms);
+        }
+    }
+
+    /// Moves the disc from `centre` by `step` bytes; `across` is the step of the other axis.
+    void moveAlong(const Byte* centre, std::ptrdiff_t step, std::ptrdiff_t across,
+                   Histograms& histograms) const {
+        for (int d = -m_disc.radius; d <= m_disc.radius; ++d) {
+            const Byte* line = centre + d * across;
+            const std::ptrdiff_t half = m_disc.half[static_cast<std::size_t>(std::abs(d))];
+            histograms.remove(line - half * step);
+            histograms.add(line + (half + 1) * step);
+        }
+    }
+
+    void blurPixel(int x, int y, Histograms& histograms) {
+        if (m_mask && m_mask[std::ptrdiff_t{y} * m_image.width + x] == 0) return;
+        const Byte* centre = padded(x, y);
+        Byte* out = m_image.at(x, y);
+        for (std::size_t c = 0; c < 3; ++c) out[c] = histograms.mean(c, centre[c], m_weights);
+    }
+
+    ImageView m_image;
+    const Byte* m_mask;
+    Disc m_disc;
+    Weights m_weights;
+    std::ptrdiff_t m_stride;
+    std::vector<Byte> m_padded;  // the picture as it was, in a rim of zeros as wide as the radius
+};
+
+}  // namespace
+
+bool SurfaceBlurFilter::Run(unsigned char* rgba, int width, int height, int rowBytes, int radius,
+                            int threshold, const unsigned char* mask) {
+    if (!rgba || width <= 0 || height <= 0 || radius < 1 || rowBytes / 4 < width) return false;
+    const ImageView image(rgba, width, height, rowBytes);
+    Blur(image, std::min(radius, kMostRadius), std::clamp(threshold, 1, kMostThreshold), mask).run();
+    return true;
+}
+
+}  // namespace zellab

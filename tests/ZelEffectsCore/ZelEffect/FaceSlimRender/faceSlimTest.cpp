@@ -1,0 +1,242 @@
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <limits>
+
+#include "../meshCover.h"
+#include "ZelEffectsCore/ZelEffect/FaceSlimRender/faceMeshWarp.h"
+#include "frame/processorCount.h"
+#include "frame/zel_effects.h"
+#include "support/randomImage.h"
+#include "support/standardFace.h"
+
+namespace {
+
+using zellab::CInterFacePoint;
+using zellab::FaceMeshWarp;
+using zellab::FaceSlimFactors;
+using zellab::Vector2f;
+using zeltest::Bytes;
+
+constexpr int kWidth = 300, kHeight = 360;
+constexpr std::size_t kRing = FaceMeshWarp::kRingVertices;
+
+zeltest::Landmarks face() {
+    return zeltest::standardFace(150, 190, 62);
+}
+/// A face whose nose points aside, towards one cheek's contour.
+zeltest::Landmarks turned(float noseShift) {
+    zeltest::Landmarks landmarks = face();
+    landmarks[64].x += noseShift;
+    return landmarks;
+}
+
+FaceMeshWarp meshOf(const zeltest::Landmarks& landmarks) {
+    CInterFacePoint points;
+    points.AddFace(landmarks.data(), 0);
+    return FaceMeshWarp(points.GetInterPoints(0));
+}
+
+Bytes slimmed(Bytes picture, CInterFacePoint& points, float strength, int faceIndex = 0) {
+    EXPECT_TRUE(CFaceSlimRender::autoSlimFace(picture.data(), kWidth, kHeight, &points, strength, faceIndex));
+    return picture;
+}
+
+std::vector<std::size_t> movedVertices(const FaceMeshWarp& mesh) {
+    std::vector<std::size_t> moved;
+    for (std::size_t i = 0; i < FaceMeshWarp::kVertexCount; ++i)
+        if (mesh.source()[i].x != mesh.target()[i].x || mesh.source()[i].y != mesh.target()[i].y)
+            moved.push_back(i);
+    return moved;
+}
+
+TEST(FaceSlimMesh, TrianglesTileTheRingsWithoutOverlap) {
+    const auto triangles = FaceMeshWarp::triangles();
+    EXPECT_GE(*std::min_element(triangles.begin(), triangles.end()), 6);
+    EXPECT_LE(*std::max_element(triangles.begin(), triangles.end()), 229);
+    const FaceMeshWarp mesh = meshOf(face());
+    for (int y = 0; y < kHeight; ++y)
+        for (int x = 0; x < kWidth; ++x) {
+            const Vector2f p{static_cast<float>(x) + 0.37f, static_cast<float>(y) + 0.41f};
+            EXPECT_LE(zeltest::coverage(p, mesh.source().data(), triangles), 1) << x << ',' << y;
+        }
+    // No hole along the drawn part of each ring: halfway between the fixed rings and the ones next to them.
+    for (std::size_t i : {8, 17, 20, 24, 27, 31, 35, 39, 43, 45})
+        for (const auto& [a, b] : {std::pair{4 * kRing, 0 * kRing},
+                                   {0 * kRing, kRing},
+                                   {kRing, 2 * kRing},
+                                   {2 * kRing, 3 * kRing}}) {
+            const Vector2f u = mesh.source()[a + i], v = mesh.source()[b + i];
+            const Vector2f p{u.x * 0.47f + v.x * 0.53f + 0.11f, u.y * 0.47f + v.y * 0.53f + 0.13f};
+            EXPECT_EQ(zeltest::coverage(p, mesh.source().data(), triangles), 1) << a + i;
+        }
+}
+
+TEST(FaceSlimMesh, RingsScaleTheOutlineAndStandWhereTheyShould) {
+    const FaceMeshWarp mesh = meshOf(face());
+    const Vector2f centre = mesh.source()[5 * kRing];
+    const float scales[5] = {1.0f, 1.1f, 1.2f, 1.3f, 0.9f};
+    for (std::size_t ring = 0; ring < 5; ++ring)
+        for (std::size_t i = 0; i < kRing; ++i) {
+            const Vector2f base = mesh.source()[i], v = mesh.source()[ring * kRing + i];
+            EXPECT_NEAR(v.x, centre.x + (base.x - centre.x) * scales[ring], 1e-3);
+            EXPECT_NEAR(v.y, centre.y + (base.y - centre.y) * scales[ring], 1e-3);
+        }
+    const zeltest::Landmarks landmarks = face();
+    EXPECT_NEAR(mesh.source()[31].x, landmarks[0].x, 2.0f);  // the chin is not quite midway of its curve
+    // Top of the forehead: the chin mirrored about the eyes, in x by 2 and in y by 1.8.
+    const float eyesX = (landmarks[25].x + landmarks[67].x) / 2,
+                eyesY = (landmarks[25].y + landmarks[67].y) / 2;
+    EXPECT_NEAR(mesh.source()[0].x, 2 * eyesX - landmarks[0].x, 0.3f);
+    EXPECT_NEAR(mesh.source()[0].y, landmarks[0].y + 1.8f * (eyesY - landmarks[0].y), 0.3f);
+}
+
+TEST(FaceSlimMesh, MovesTheContourInwardsByPose) {
+    const auto expectMoved = [](const zeltest::Landmarks& landmarks, std::vector<std::size_t> positions) {
+        FaceMeshWarp mesh = meshOf(landmarks);
+        FaceSlimFactors factors;
+        factors.strength = 0.8f;
+        mesh.deform(factors, kWidth, kHeight);
+        std::vector<std::size_t> expected;
+        for (std::size_t ring = 0; ring < 3; ++ring)
+            for (std::size_t i : positions) expected.push_back(ring * kRing + i);
+        EXPECT_EQ(movedVertices(mesh), expected);
+        return mesh;
+    };
+    std::vector<std::size_t> both = {7, 8}, first = {7, 8}, second = {15, 16};
+    for (std::size_t i = 15; i <= 45; ++i) both.push_back(i);
+    for (std::size_t i = 17; i <= 31; ++i) first.push_back(i);
+    for (std::size_t i = 31; i <= 45; ++i) second.push_back(i);
+    const FaceMeshWarp mesh = expectMoved(face(), both);
+    expectMoved(turned(27), first);
+    expectMoved(turned(-29), second);
+    const float left = mesh.target()[24].x - mesh.source()[24].x,
+                right = mesh.target()[38].x - mesh.source()[38].x;
+    EXPECT_GT(left, 1.0f);
+    EXPECT_LT(right, -1.0f);
+    EXPECT_GT(mesh.target()[31].y, mesh.source()[31].y);  // the chin moves out
+}
+
+TEST(FaceSlimMesh, AContourVertexOutsideThePictureStays) {
+    FaceMeshWarp mesh = meshOf(face());
+    FaceSlimFactors factors;
+    factors.strength = 1;
+    const int narrow = static_cast<int>(mesh.source()[kRing + 38].x);
+    mesh.deform(factors, narrow, kHeight);
+    for (std::size_t i : movedVertices(mesh)) EXPECT_LT(mesh.source()[i].x, static_cast<float>(narrow));
+}
+
+TEST(AutoSlimFace, ChangesTheRingsAloneAndTheSameOnAnyWorkers) {
+    const Bytes before = zeltest::patternRgba(kWidth, kHeight, 3);
+    CInterFacePoint points;
+    points.AddFace(face().data(), 0);
+    points.SetFaceCount(1);
+    const FaceMeshWarp mesh(points.GetInterPoints(0));
+    const Bytes after = slimmed(before, points, 1.0f);
+    std::size_t changed = 0;
+    for (int y = 0; y < kHeight; ++y)
+        for (int x = 0; x < kWidth; ++x) {
+            const auto at = static_cast<std::size_t>(y * kWidth + x) * 4;
+            ASSERT_EQ(after[at + 3], before[at + 3]);
+            if (std::equal(&after[at], &after[at] + 3, &before[at])) continue;
+            ++changed;
+            // A pixel of the mesh, its own centre or one on an edge.
+            int cover = 0;
+            for (float dx : {-0.6f, 0.0f, 0.6f})
+                for (float dy : {-0.6f, 0.0f, 0.6f})
+                    cover += zeltest::coverage({static_cast<float>(x) + dx, static_cast<float>(y) + dy},
+                                               mesh.source().data(), FaceMeshWarp::triangles());
+            ASSERT_GT(cover, 0) << x << ',' << y;
+        }
+    EXPECT_GT(changed, 5000u);
+    for (int workers : {1, 5}) {
+        const zellab::WorkerCount limit(workers);
+        EXPECT_TRUE(slimmed(before, points, 1.0f) == after);
+    }
+}
+
+TEST(AutoSlimFace, PicksTheFaceAndSucceedsQuietlyOnBadInput) {
+    const Bytes before = zeltest::patternRgba(kWidth, kHeight, 3);
+    CInterFacePoint two, none;
+    two.AddFace(face().data(), 0);
+    two.AddFace(zeltest::standardFace(80, 90, 30).data(), 1);
+    two.SetFaceCount(2);
+    const Bytes first = slimmed(before, two, 0.5f, 0);
+    EXPECT_TRUE(slimmed(before, two, 0.5f, 7) == first);
+    EXPECT_TRUE(slimmed(before, two, 0.5f, -1) == first);
+    EXPECT_FALSE(slimmed(before, two, 0.5f, 1) == first);
+    EXPECT_FALSE(slimmed(before, two, 0.0f, 0) == before);  // the chin does not follow the strength
+    EXPECT_TRUE(slimmed(before, none, 0.5f) == before);
+    two.SetFaceCount(5);  // promises more than was added
+    EXPECT_TRUE(slimmed(before, two, 0.5f, 4) == before);
+    Bytes picture = before;
+    EXPECT_TRUE(CFaceSlimRender::autoSlimFace(nullptr, kWidth, kHeight, &two, 1, 0));
+    EXPECT_TRUE(CFaceSlimRender::autoSlimFace(picture.data(), 0, kHeight, &two, 1, 0));
+    EXPECT_TRUE(CFaceSlimRender::autoSlimFace(picture.data(), kWidth, kHeight, nullptr, 1, 0));
+    EXPECT_TRUE(slimmed(before, two, std::nanf("")) == before);
+    EXPECT_TRUE(picture == before);
+}
+
+TEST(SlimFace, ChecksItsRadiusAndSaysSo) {
+    Bytes picture = zeltest::patternRgba(100, 50, 3);
+    const Bytes before = picture;
+    testing::internal::CaptureStderr();
+    EXPECT_FALSE(CFaceSlimRender::slimFace(picture.data(), 100, 50, 0.3f, 0.5f, 0.6f, 0.5f, 0.0199f, 80));
+    EXPECT_NE(testing::internal::GetCapturedStderr().find(
+                  "ERROR:CFaceSlimRender slimface,radius(1.99) should not be less than 2"),
+              std::string::npos);
+    testing::internal::CaptureStderr();
+    EXPECT_FALSE(CFaceSlimRender::slimFace(picture.data(), 100, 0, 0.3f, 0.5f, 0.6f, 0.5f, 0.1f, 80));
+    EXPECT_NE(testing::internal::GetCapturedStderr().find("input data is NULL width=100 height=0"),
+              std::string::npos);
+    EXPECT_TRUE(CFaceSlimRender::slimFace(picture.data(), 100, 50, 1.2f, 0.5f, 0.6f, 0.5f, 0.1f, 80));
+    EXPECT_TRUE(CFaceSlimRender::slimFace(picture.data(), 100, 50, 0.3f, 0.5f, 0.6f, 0.5f, 0.1f, 0.9f));
+    EXPECT_TRUE(picture == before);
+    EXPECT_TRUE(CFaceSlimRender::slimFace(picture.data(), 100, 50, 0.3f, 0.5f, 0.4f, 0.5f, 0.02f, 80));
+    EXPECT_FALSE(picture == before);
+}
+
+// What lay at the start is found further on, towards the end of the drag.
+TEST(SlimFace, PushesFromStartToEnd) {
+    Bytes picture(100 * 60 * 4, 200);
+    const auto red = [&](int x, int y) -> unsigned char& {
+        return picture[static_cast<std::size_t>(y * 100 + x) * 4];
+    };
+    for (int y = 25; y < 35; ++y) red(50, y) = red(51, y) = red(52, y) = 0;
+    CFaceSlimRender::slimFace(picture.data(), 100, 60, 0.51f, 0.5f, 0.57f, 0.5f, 0.2f, 100);
+    int darkest = 0;
+    for (int x = 1; x < 100; ++x)
+        if (red(x, 30) < red(darkest, 30)) darkest = x;
+    EXPECT_GT(darkest, 53);
+    EXPECT_LT(darkest, 60);
+}
+
+TEST(Reshape, HostileLandmarksAndPicturesNeverHarm) {
+    const float inf = std::numeric_limits<float>::infinity();
+    for (const auto& [width, height] : {std::pair{1, 1}, {1, 50}, {40, 30}})
+        for (float bad : {0.0f, std::nanf(""), inf, -inf, 1e30f, -1e7f})
+            for (std::size_t every : {1u, 2u, 5u}) {
+                zeltest::Landmarks landmarks = zeltest::standardFace(20, 15, 12);
+                for (std::size_t i = 0; i < landmarks.size(); i += every)
+                    landmarks[i] = {bad, i % 2 ? bad : 7.0f};
+                CInterFacePoint points;
+                points.AddFace(landmarks.data(), 0);
+                points.SetFaceCount(1);
+                Bytes picture = zeltest::randomRgba(width, height, 3);
+                testing::internal::CaptureStderr();
+                for (float strength : {0.0f, 1.0f, 1e20f, inf, std::nanf("")}) {
+                    EXPECT_TRUE(
+                        CFaceSlimRender::autoSlimFace(picture.data(), width, height, &points, strength, 0));
+                    EXPECT_TRUE(
+                        CEyeZoomRender::autoZoomEye(picture.data(), width, height, &points, strength, 0));
+                    CFaceSlimRender::slimFace(picture.data(), width, height, bad, 0.5f, 0.6f, bad, 0.3f,
+                                              strength);
+                    CFaceSlimRender::slimFace(picture.data(), width, height, 0.1f, 0.5f, 0.6f, 0.5f, bad, 80);
+                    CEyeZoomRender::zoomEye(picture.data(), width, height, {0.5f, bad}, 4, 80);
+                    CEyeZoomRender::zoomEye(picture.data(), width, height, {0.5f, 0.5f}, bad, 80);
+                }
+                testing::internal::GetCapturedStderr();
+            }
+}
+
+}  // namespace

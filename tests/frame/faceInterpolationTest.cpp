@@ -1,0 +1,240 @@
+#include "frame/faceInterpolation.h"
+
+#include <gtest/gtest.h>
+
+#include <limits>
+#include <vector>
+
+#include "support/standardFace.h"
+
+namespace {
+
+using zellab::CInterFacePoint;
+using zellab::Vector2f;
+using zeltest::Landmarks;
+using zeltest::Placing;
+using Points = std::array<Vector2f, CInterFacePoint::kBlockPoints>;
+using Positions = std::vector<std::size_t>;
+
+constexpr float kPupils = 100.0f;  // pixels between the pupils of the faces here
+
+Points pointsOf(const Landmarks& landmarks) {
+    Points points;
+    EXPECT_EQ(zellab::interpolateFace(landmarks.data(), points.data()), 310);
+    return points;
+}
+
+Positions range(std::size_t first, std::size_t last) {
+    Positions positions;
+    for (std::size_t i = first; i <= last; ++i) positions.push_back(i);
+    return positions;
+}
+Positions join(Positions a, const Positions& b) {
+    a.insert(a.end(), b.begin(), b.end());
+    return a;
+}
+
+const Positions kEyes[2] = {{0, 1, 2, 3, 4, 5, 9, 8, 7, 6}, {10, 11, 12, 13, 14, 15, 19, 18, 17, 16}};
+const Positions kBrows[2] = {{20, 21, 22, 23, 24, 25, 29, 28, 27, 26},
+                             {30, 31, 32, 33, 34, 35, 39, 38, 37, 36}};
+const Positions kMouth = {50, 51, 52, 53, 54, 55, 56, 57, 58, 79, 78, 77, 76, 75, 74, 73};
+const Positions kFace = join(join({80, 81, 82, 83, 84}, range(89, 107)), {88, 87, 86, 85});
+
+float cross(Vector2f a, Vector2f b, Vector2f c) {
+    return (b.x - a.x) * (c.y - a.y) - (b.y - a.y) * (c.x - a.x);
+}
+
+bool isSimple(const Points& p, const Positions& polygon) {
+    const std::size_t n = polygon.size();
+    for (std::size_t i = 0; i < n; ++i)
+        for (std::size_t j = i + 2; j < n; ++j) {
+            if (i == 0 && j == n - 1) continue;
+            const Vector2f a = p[polygon[i]], b = p[polygon[i + 1]], c = p[polygon[j]],
+                           d = p[polygon[(j + 1) % n]];
+            if (cross(a, b, c) * cross(a, b, d) < 0 && cross(c, d, a) * cross(c, d, b) < 0) return false;
+        }
+    return true;
+}
+
+bool contains(const Points& p, const Positions& polygon, Vector2f v) {
+    bool inside = false;
+    for (std::size_t i = 0, j = polygon.size() - 1; i < polygon.size(); j = i++) {
+        const Vector2f a = p[polygon[i]], b = p[polygon[j]];
+        if ((a.y > v.y) != (b.y > v.y) && v.x < (b.x - a.x) * (v.y - a.y) / (b.y - a.y) + a.x)
+            inside = !inside;
+    }
+    return inside;
+}
+
+/// The outline around the lips, a fifth of the way to the ring about the mouth, half of it at the corners.
+Points widenedMouth(const Points& p) {
+    const Positions lips = {50, 51, 52, 53, 55, 56, 57, 58, 79, 78, 77, 76, 75, 74, 73};
+    const Positions ring = {123, 153, 154, 155, 156, 156, 157, 143, 168, 167, 165, 163, 161, 159, 158};
+    Points wide{};
+    for (std::size_t i = 0; i < lips.size(); ++i) {
+        const float share = i == 0 || i == 7 ? 0.5f : 0.2f;
+        wide[i] = {p[lips[i]].x + (p[ring[i]].x - p[lips[i]].x) * share,
+                   p[lips[i]].y + (p[ring[i]].y - p[lips[i]].y) * share};
+    }
+    return wide;
+}
+
+/// The position that takes a position's place in a mirrored face.
+std::size_t partner(std::size_t i) {
+    const auto swapped = [i](std::size_t a, std::size_t b, std::size_t count) {
+        return i >= a && i < a + count ? i - a + b : i - b + a;
+    };
+    const auto reversed = [i](std::size_t first, std::size_t last) { return first + last - i; };
+    if (i <= 5 || (i >= 10 && i <= 15)) return reversed(0, 15);
+    if (i <= 9 || i <= 19) return reversed(6, 19);
+    if ((i >= 20 && i <= 25) || (i >= 30 && i <= 35)) return reversed(20, 35);
+    if (i <= 39) return reversed(26, 39);
+    if (i >= 42 && i <= 47) return swapped(42, 45, 3);
+    if (i >= 50 && i <= 58) return reversed(50, 58);
+    if (i >= 59 && i <= 65) return reversed(59, 65);
+    if (i >= 66 && i <= 72) return reversed(66, 72);
+    if (i >= 73 && i <= 79) return reversed(73, 79);
+    if (i >= 81 && i <= 88) return swapped(81, 85, 4);
+    if (i >= 89 && i <= 107) return reversed(89, 107);
+    if (i >= 108 && i <= 112) return reversed(108, 112);
+    if ((i >= 113 && i <= 127) || (i >= 133 && i <= 147)) return swapped(113, 133, 15);
+    if (i >= 128 && i <= 152) return reversed(128, 152);
+    if (i >= 153 && i <= 157) return reversed(153, 157);
+    if (i >= 158 && i <= 168) return reversed(158, 168);
+    if (i == 169 || i == 170) return reversed(169, 170);
+    if (i >= 175 && i <= 214) return i - (i - 175) % 8 + 7 - (i - 175) % 8;
+    if (i >= 215 && i <= 298) {
+        const std::size_t ring = (i - 215) / 28 * 28 + 215, at = (i - 215) % 28 + 80;
+        const std::size_t mirrored = at >= 89 ? 80 + 116 - at : at >= 85 ? at - 4 : at >= 81 ? at + 4 : at;
+        return ring + mirrored - 80;
+    }
+    if (i >= 302 && i <= 309) return reversed(302, 309);
+    return i;
+}
+
+Landmarks mirroredLandmarks(const Landmarks& face) {
+    const std::pair<std::size_t, std::size_t> pairs[] = {
+        {1, 10},  {2, 11},  {3, 12},  {4, 13},  {5, 14},  {6, 15},  {7, 16},  {8, 17},  {9, 18},  {19, 65},
+        {20, 66}, {24, 70}, {26, 72}, {21, 71}, {25, 67}, {22, 69}, {23, 68}, {27, 74}, {28, 73}, {29, 79},
+        {30, 78}, {31, 77}, {32, 76}, {33, 75}, {34, 82}, {35, 81}, {36, 80}, {37, 46}, {39, 42}, {40, 43},
+        {41, 44}, {48, 51}, {49, 52}, {50, 53}, {55, 59}, {56, 60}, {57, 61}, {62, 63}};
+    Landmarks mirrored = Placing{1, 0, 0, 0, -1}(face);
+    for (const auto& [a, b] : pairs) std::swap(mirrored[a], mirrored[b]);
+    return mirrored;
+}
+
+TEST(FaceInterpolation, HoldsTheToldPlaces) {
+    const Landmarks face = zeltest::variedFace(zeltest::standardFace(400, 500, kPupils), 3);
+    const Points p = pointsOf(face);
+    const auto same = [](Vector2f a, Vector2f b) { return a.x == b.x && a.y == b.y; };
+    EXPECT_TRUE(same(p[169], face[24]) && same(p[170], face[70]));
+    EXPECT_TRUE(same(p[48], face[64]) && same(p[49], face[58]) && same(p[98], face[0]));
+    EXPECT_TRUE(same(p[89], face[1]) && same(p[107], face[10]));
+    for (std::size_t i = 171; i <= 174; ++i) EXPECT_TRUE(same(p[i], {}));
+    EXPECT_NEAR(p[40].x, (face[75].x + face[33].x) / 2, 1e-3);
+    EXPECT_NEAR(p[44].y, face[62].y, 1e-3);
+    EXPECT_NEAR(p[43].x, p[41].x + (face[62].x - p[41].x) * 2 / 3, 1e-3);
+    EXPECT_NEAR(p[298].x, p[107].x + (p[107].x - p[48].x) * 0.3f, 1e-3);
+    EXPECT_NEAR(p[0].x, face[21].x, 1e-2);
+    EXPECT_NEAR(p[15].y, face[71].y, 1e-2);
+}
+
+TEST(FaceInterpolation, FollowsASimilarityTransform) {
+    const Landmarks face = zeltest::variedFace(zeltest::standardFace(0, 0, kPupils), 8);
+    const Points before = pointsOf(face);
+    for (const Placing& move : {Placing{1, 0, 900, -40, 1}, Placing{7.5f, 0.6f, 200, 3000, 1},
+                                Placing{0.2f, -2.0f, 5, 5, 1}, Placing{1.3f, 3.1f, 0, 0, 1}}) {
+        const Points after = pointsOf(move(face));
+        for (std::size_t i = 0; i < after.size(); ++i) {
+            if (i >= 171 && i <= 174) continue;
+            const Vector2f expected = move(before[i]);
+            ASSERT_NEAR(after[i].x, expected.x, 2e-3f * kPupils * move.scale) << i;
+            ASSERT_NEAR(after[i].y, expected.y, 2e-3f * kPupils * move.scale) << i;
+        }
+    }
+}
+
+TEST(FaceInterpolation, AMirroredFaceGivesTheMirroredList) {
+    for (unsigned seed = 0; seed < 20; ++seed) {
+        const Landmarks face = zeltest::variedFace(zeltest::standardFace(0, 0, kPupils), seed);
+        const Points plain = pointsOf(face), mirrored = pointsOf(mirroredLandmarks(face));
+        for (std::size_t i = 0; i < plain.size(); ++i) {
+            ASSERT_EQ(partner(partner(i)), i);
+            // The template itself is not quite symmetric.
+            ASSERT_NEAR(mirrored[partner(i)].x, -plain[i].x, 0.015f * kPupils) << seed << ": " << i;
+            ASSERT_NEAR(mirrored[partner(i)].y, plain[i].y, 0.015f * kPupils) << seed << ": " << i;
+        }
+    }
+}
+
+TEST(FaceInterpolation, AFaceOfZerosGivesTheWholeListOfZeros) {
+    for (Vector2f p : pointsOf({})) EXPECT_TRUE(p.x == 0 && p.y == 0);
+}
+
+TEST(FaceInterpolation, EachListLiesOnItsFeature) {
+    for (unsigned seed = 0; seed < 60; ++seed) {
+        SCOPED_TRACE(seed);
+        const Landmarks face = zeltest::variedFace(zeltest::standardFace(0, 0, kPupils), seed);
+        const Points p = pointsOf(face);
+        for (const Positions& polygon : {kEyes[0], kEyes[1], kBrows[0], kBrows[1], kMouth, kFace})
+            EXPECT_TRUE(isSimple(p, polygon)) << polygon[0];
+        EXPECT_TRUE(contains(p, kEyes[0], p[169]) && contains(p, kEyes[1], p[170]));
+        for (std::size_t i : join(range(60, 64), range(67, 71))) EXPECT_TRUE(contains(p, kMouth, p[i])) << i;
+        for (const Positions& inner : {kEyes[0], kEyes[1], kBrows[0], kBrows[1], kMouth, range(40, 49),
+                                       range(108, 170), range(175, 214), range(299, 309)})
+            for (std::size_t i : inner) EXPECT_TRUE(contains(p, kFace, p[i])) << i;
+        const Points wide = widenedMouth(p);
+        EXPECT_TRUE(isSimple(wide, range(0, 14)));
+        for (std::size_t i : kMouth) EXPECT_TRUE(contains(wide, range(0, 14), p[i])) << i;
+        for (std::size_t i = 215; i <= 298; ++i) EXPECT_FALSE(contains(p, kFace, p[i])) << i;
+    }
+}
+
+// Height along the face's own axis, from the chin (0) to between the eyes (1).
+TEST(FaceInterpolation, UnderEyePointsLieBetweenLidAndNoseAndTheForeheadAboveTheBrows) {
+    for (unsigned seed = 0; seed < 60; ++seed) {
+        SCOPED_TRACE(seed);
+        const Points p = pointsOf(zeltest::variedFace(zeltest::standardFace(0, 0, kPupils), seed));
+        const Vector2f axis{p[41].x - p[98].x, p[41].y - p[98].y};
+        const auto height = [&](std::size_t i) {
+            return ((p[i].x - p[98].x) * axis.x + (p[i].y - p[98].y) * axis.y) /
+                   (axis.x * axis.x + axis.y * axis.y);
+        };
+        const auto below = [&](const Positions& low, const Positions& high) {
+            for (std::size_t a : low)
+                for (std::size_t b : high) EXPECT_LT(height(a), height(b)) << a << " and " << b;
+        };
+        below(range(129, 131), {7, 8});
+        below(range(149, 151), {17, 18});
+        below({115}, range(129, 131));
+        below({135}, range(149, 151));
+        below({44, 47}, join(range(113, 116), join(range(128, 136), range(148, 152))));
+        below(range(20, 39), range(176, 181));
+        for (std::size_t line = 175; line + 8 <= 207; line += 8)
+            below({line + 3, line + 4}, {line + 11, line + 12});
+    }
+}
+
+TEST(FaceInterpolation, HostileLandmarksStillGiveTheWholeCount) {
+    const float inf = std::numeric_limits<float>::infinity();
+    for (float bad : {std::nanf(""), inf, -inf, 3e38f}) {
+        Landmarks face = zeltest::standardFace(100, 100, 50);
+        for (std::size_t i = 0; i < face.size(); i += 3) face[i] = {bad, i % 2 ? bad : 5.0f};
+        pointsOf(face);
+        face.fill({bad, bad});
+        pointsOf(face);
+    }
+}
+
+TEST(InterFacePoint, AddFaceSetsTheCountAndOverwritesTheBlock) {
+    CInterFacePoint faces;
+    EXPECT_EQ(faces.GetInterPointCount(), 0);
+    EXPECT_EQ(faces.GetInterPoints(0), nullptr);
+    faces.AddFace(zeltest::standardFace(300, 300, 60).data(), 0);
+    EXPECT_EQ(faces.GetInterPointCount(), 310);
+    const Points moved = pointsOf(zeltest::standardFace(100, 200, 40));
+    faces.AddFace(zeltest::standardFace(100, 200, 40).data(), 0);
+    for (std::size_t i = 0; i < moved.size(); ++i) EXPECT_EQ(faces.GetInterPoints(0)[i].x, moved[i].x);
+}
+
+}  // namespace

@@ -1,0 +1,19 @@
+#include <zel_effects.h>
+
+#include <cstdio>
+#include <cstdlib>
+
+int main(int count, char** arguments) {
+    int width = 0, height = 0, channels = 0;
+    unsigned char* pixels = ZelImageCore::StbImageUtil::loadImageFromFile(
+        count > 1 ? arguments[1] : "", width, height, channels, false, true, 0, false, nullptr);
+    if (!pixels) return EXIT_FAILURE;
+    ZelImageCore::TableSkin::ImageProcessWithNatureSmooth(pixels, width, height, 12);
+
+    zellab::Vector2f landmarks[83] = {};  // in pixels, from a face detector
+    zellab::CInterFacePoint faces;
+    faces.AddFace(landmarks, 0);
+    faces.SetFaceCount(1);
+    std::printf("%d x %d pixels, %d face\n", width, height, faces.GetFaceCount());
+    std::free(pixels);
+}

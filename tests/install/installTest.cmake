@@ -1,0 +1,36 @@
+# Run by ctest with BUILD, WORK, CLIENT, CXX and LIBDIR set. Fails on the first command that fails.
+cmake_minimum_required(VERSION 3.25)
+
+function(run)
+  execute_process(COMMAND ${ARGN} COMMAND_ERROR_IS_FATAL ANY OUTPUT_VARIABLE text)
+  set(text "${text}" PARENT_SCOPE)
+endfunction()
+
+function(expectGreeting what)
+  if(NOT text STREQUAL "2 x 1 pixels, 1 face\n")
+    message(FATAL_ERROR "The client built through ${what} said: ${text}")
+  endif()
+endfunction()
+
+file(REMOVE_RECURSE ${WORK})
+run(${CMAKE_COMMAND} --install ${BUILD} --prefix ${WORK}/first)
+# Nothing in the tree may know the folder that it was installed to.
+file(RENAME ${WORK}/first ${WORK}/tree)
+if(NOT EXISTS ${WORK}/tree/share/zel_effects/style/base/PSOverlay.bin)
+  message(FATAL_ERROR "The style assets are not installed")
+endif()
+file(WRITE ${WORK}/two.pgm "P5 2 1 255\nAZ")
+
+run(${CMAKE_COMMAND} -S ${CLIENT} -B ${WORK}/client -G Ninja -D CMAKE_CXX_COMPILER=${CXX}
+  -D CMAKE_PREFIX_PATH=${WORK}/tree)
+run(${CMAKE_COMMAND} --build ${WORK}/client)
+run(${WORK}/client/client ${WORK}/two.pgm)
+expectGreeting(find_package)
+
+set(ENV{PKG_CONFIG_PATH} ${WORK}/tree/${LIBDIR}/pkgconfig)
+run(pkg-config --cflags --libs zel_effects)
+separate_arguments(flags UNIX_COMMAND "${text}")
+run(${CXX} -std=c++17 -Wall -Wextra -Werror ${CLIENT}/client.cpp -o ${WORK}/plain ${flags})
+set(ENV{LD_LIBRARY_PATH} ${WORK}/tree/${LIBDIR})
+run(${WORK}/plain ${WORK}/two.pgm)
+expectGreeting(pkg-config)

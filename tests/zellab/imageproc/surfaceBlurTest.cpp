@@ -1,0 +1,97 @@
+#include "zellab/imageproc/surfaceBlur.h"
+
+#include <gtest/gtest.h>
+
+#include <climits>
+
+#include "support/everyWorkerAndLevel.h"
+#include "support/guardedBuffer.h"
+#include "support/randomImage.h"
+
+namespace {
+
+using zeltest::Bytes;
+
+Bytes blurred(Bytes rgba, int width, int radius, int threshold, const unsigned char* mask = nullptr) {
+    const int height = static_cast<int>(rgba.size()) / 4 / width;
+    EXPECT_TRUE(
+        zellab::SurfaceBlurFilter().Run(rgba.data(), width, height, width * 4, radius, threshold, mask));
+    return rgba;
+}
+
+// The zero rim around the picture must not show, nor sums overflow, at the largest disc of the largest value.
+TEST(SurfaceBlur, UniformPicturesStay) {
+    for (int value : {1, 90, 255})
+        for (int radius : {1, 3, 20, 100, INT_MAX}) {
+            const Bytes flat(31 * 210 * 4, static_cast<unsigned char>(value));
+            ASSERT_EQ(blurred(flat, 31, radius, 100), flat) << "value " << value << ", radius " << radius;
+        }
+}
+
+TEST(SurfaceBlur, EvensOutFaintNoiseAndKeepsTheEdge) {
+    constexpr int kWidth = 40;
+    Bytes picture = zeltest::randomRgba(kWidth, 40, 3);
+    for (std::size_t i = 0; i < picture.size(); ++i)
+        picture[i] = static_cast<unsigned char>((i / 4 % kWidth < 20 ? 60 : 180) + picture[i] % 9);
+    const Bytes out = blurred(picture, kWidth, 6, 20);
+    for (std::size_t i = 0; i < out.size(); ++i) {
+        if (i % 4 == 3) {
+            ASSERT_EQ(out[i], picture[i]) << "alpha";
+        } else {
+            ASSERT_NEAR(out[i], i / 4 % kWidth < 20 ? 64 : 184, 2) << "byte " << i;
+        }
+    }
+}
+
+// One row of a radius of 1 around the middle, by hand. Threshold 1 weighs distances 0, 1, 2 by 255, 159, 63.
+TEST(SurfaceBlur, WeighsByDistanceInValue) {
+    const auto middleOf = [](int left, int centre, int right) {
+        Bytes row(9 * 4, 0);
+        row[4 * 4] = static_cast<unsigned char>(centre);
+        row[3 * 4] = static_cast<unsigned char>(left);
+        row[5 * 4] = static_cast<unsigned char>(right);
+        return blurred(row, 9, 1, 1)[4 * 4];
+    };
+    EXPECT_EQ(middleOf(103, 100, 97), 100);  // beyond the reach of the weights
+    // (2 * 255 * 100 + 159 * 101 + 63 * 102) / 732 = 100.39; with the second neighbour a lone 102: 100.22.
+    EXPECT_EQ(middleOf(101, 100, 102), 100);
+    // The centre counts twice: 2 * 255 against 2 * 159 gives 100.38; counted once it would be 100.56.
+    EXPECT_EQ(middleOf(101, 100, 101), 100);
+    EXPECT_EQ(middleOf(2, 0, 2), 2);  // black never counts, so its neighbours decide
+    EXPECT_EQ(middleOf(3, 0, 3), 0);  // unless they are out of reach as well
+}
+
+TEST(SurfaceBlur, TheMaskChoosesWhatIsReplaced) {
+    const Bytes picture = zeltest::patternRgba(50, 40, 8), all = blurred(picture, 50, 5, 60);
+    Bytes mask = zeltest::randomPlane(50, 40, 9);
+    for (auto& b : mask) b = b < 100 ? b : 0;
+    const Bytes some = blurred(picture, 50, 5, 60, mask.data());
+    for (std::size_t i = 0; i < picture.size(); ++i) ASSERT_EQ(some[i], (mask[i / 4] ? all : picture)[i]);
+    EXPECT_NE(all, picture);
+}
+
+TEST(SurfaceBlur, BadArgumentsAndOddShapes) {
+    zellab::SurfaceBlurFilter filter;
+    Bytes picture = zeltest::randomRgba(10, 10, 4);
+    const Bytes before = picture;
+    EXPECT_FALSE(filter.Run(nullptr, 10, 10, 40, 3, 10, nullptr));
+    EXPECT_FALSE(filter.Run(picture.data(), 0, 10, 40, 3, 10, nullptr));
+    EXPECT_FALSE(filter.Run(picture.data(), 10, -1, 40, 3, 10, nullptr));
+    EXPECT_FALSE(filter.Run(picture.data(), 10, 10, 39, 3, 10, nullptr));
+    EXPECT_FALSE(filter.Run(picture.data(), 10, 10, 40, 0, 10, nullptr));
+    EXPECT_EQ(picture, before);
+    EXPECT_EQ(blurred(picture, 10, 3, INT_MIN), blurred(picture, 10, 3, 1));
+    EXPECT_EQ(blurred(picture, 10, INT_MAX, INT_MAX), blurred(picture, 10, 100, 100));
+    for (const auto& [width, height] : {std::pair{1, 1}, std::pair{1, 700}, std::pair{700, 1}}) {
+        zeltest::GuardedBuffer buffer(static_cast<std::size_t>(width * height * 4));
+        EXPECT_TRUE(filter.Run(buffer.data(), width, height, width * 4, 9, 30, nullptr));
+        EXPECT_TRUE(buffer.guardsIntact());
+    }
+}
+
+TEST(SurfaceBlur, WorkersChangeNothing) {
+    const Bytes picture = zeltest::patternRgba(90, 170, 6);
+    zeltest::expectSameOnEveryWorkerCountAndLevel([&] { return blurred(picture, 90, 7, 25); });
+}
+
+}  // namespace
