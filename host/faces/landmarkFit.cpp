@@ -3,7 +3,9 @@
 #include <algorithm>
 #include <vector>
 
+#include "chin.h"
 #include "landmarkModel.h"
+#include "pupils.h"
 
 namespace zel {
 
@@ -12,6 +14,9 @@ namespace {
 /// Where the pupils' middle lies in the detector's box, and their distance, as shares of its side: means over
 /// two hundred drawn faces.
 constexpr float kMiddleX = 0.496f, kMiddleY = 0.424f, kPupils = 0.386f;
+
+/// Fits above this confidence need no second look at eyes and chin.
+constexpr float kSure = 0.7f;
 
 /// A start beside the box's own: shift in pupil distances, and growth.
 struct Start {
@@ -66,6 +71,10 @@ LandmarkFit fitLandmarks(const LumaPyramid& picture, const FaceBox& box) {
     }
     LandmarkFit fit{agreed(fits), 0};
     fit.confidence = trustIn(picture, fit.points);
+    if (fit.confidence < kSure) {
+        settlePupils(picture, fit.points);
+        settleChin(picture, fit.points);
+    }
     return fit;
 }
 

@@ -9,7 +9,7 @@
 namespace zel {
 
 /// Ways a face may differ from the mean: four of them move, turn and scale it.
-constexpr std::size_t kModes = 24, kPlacingModes = 4;
+constexpr std::size_t kModes = 28, kPlacingModes = 4;
 
 /// Rows of whole numbers with a factor each: a step's change of the modes by the descriptor.
 struct LinearMap {

@@ -114,11 +114,12 @@ inline Bytes smoothWeight(const Bytes& grey, const Bytes& mask, int w, int h, co
 }
 
 inline Bytes strongEdges(const Bytes& grey, int w, int h) {
-    Bytes level;
+    Bytes sorted = grey, level;
+    std::sort(sorted.begin(), sorted.end());
     for (const unsigned char g : grey) {
-        const auto darker = std::count_if(grey.begin(), grey.end(), [&](unsigned char v) { return v <= g; });
+        const auto upTo = std::upper_bound(sorted.begin(), sorted.end(), g) - sorted.begin();
         level.push_back(static_cast<unsigned char>(
-            static_cast<float>(darker) * 255.0f / static_cast<float>(grey.size()) + 0.5f));
+            static_cast<float>(upTo) * 255.0f / static_cast<float>(grey.size()) + 0.5f));
     }
     const auto at = [&](int x, int y) {
         return static_cast<int>(level[static_cast<std::size_t>(y * w + x)]);

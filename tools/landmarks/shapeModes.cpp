@@ -45,6 +45,16 @@ Landmarks meanOf(const std::vector<Landmarks>& faces) {
     return mean;
 }
 
+/// Each face and its mirror image.
+std::vector<Landmarks> uprightPairs(const std::vector<Landmarks>& faces) {
+    std::vector<Landmarks> upright;
+    for (const auto& face : faces) {
+        upright.push_back(pupilsInPlace(face));
+        upright.push_back(mirrored(upright.back()));
+    }
+    return upright;
+}
+
 double dot(const Row& a, const Row& b) {
     double sum = 0;
     for (std::size_t i = 0; i < a.size(); ++i) sum += a[i] * b[i];
@@ -112,12 +122,12 @@ std::vector<Row> strongestModes(const std::vector<Row>& matrix, std::vector<Row>
 
 }  // namespace
 
+Landmarks meanShape(const std::vector<Landmarks>& faces) {
+    return meanOf(uprightPairs(faces));
+}
+
 void learnShape(const std::vector<Landmarks>& faces, zel::LandmarkModel& model) {
-    std::vector<Landmarks> upright;
-    for (const auto& face : faces) {
-        upright.push_back(pupilsInPlace(face));
-        upright.push_back(mirrored(upright.back()));
-    }
+    auto upright = uprightPairs(faces);
     model.mean = meanOf(upright);
     for (auto& face : upright) face = moved(face, aligning(face, model.mean));
 

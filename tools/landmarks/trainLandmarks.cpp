@@ -11,6 +11,7 @@
 #include <random>
 
 #include "disguise.h"
+#include "proportions.h"
 #include "ridge.h"
 #include "shapeModes.h"
 #include "trainingSet.h"
@@ -42,6 +43,8 @@ struct Looking {
     unsigned seed = 0;
     bool mirror = false;
     bool stray = false;  // starts where no face is; teaches the judgement alone
+    Landmarks mean{};    // of the drawn people, with the place that it has in the picture
+    Similarity exact{};
     Landmarks truth{}, points{};
     std::vector<unsigned char> luma{};  // the picture as developed for this looking
 };
@@ -85,13 +88,16 @@ std::vector<unsigned char> develop(const TrainingPicture& picture, const Looking
 
     Canvas canvas{std::vector<unsigned char>(picture.luma.size()), picture.width, picture.height};
     const auto w = static_cast<std::size_t>(picture.width), h = static_cast<std::size_t>(picture.height);
+    const zel::LumaPyramid drawn(picture.luma, picture.width, picture.height);
+    const Proportions proportions(looking.mean, looking.exact, looking.seed);
     for (std::size_t y = 0; y < h; ++y)
         for (std::size_t x = 0; x < w; ++x) {
-            const std::size_t from = looking.mirror ? w - 1 - x : x;
-            const float light = 1 + lightX * (static_cast<float>(x) / static_cast<float>(w) - 0.5f) +
-                                lightY * (static_cast<float>(y) / static_cast<float>(h) - 0.5f);
-            canvas.luma[y * w + x] =
-                static_cast<unsigned char>(std::min(255.0f, light * tones[picture.luma[y * w + from]]));
+            const float px = static_cast<float>(x) + 0.5f, py = static_cast<float>(y) + 0.5f;
+            const auto from = proportions.back({looking.mirror ? static_cast<float>(w) - px : px, py});
+            const float light = 1 + lightX * (px / static_cast<float>(w) - 0.5f) +
+                                lightY * (py / static_cast<float>(h) - 0.5f);
+            const float tone = tones[static_cast<std::size_t>(drawn.at(0, from.x, from.y))];
+            canvas.luma[y * w + x] = static_cast<unsigned char>(std::min(255.0f, light * tone));
         }
     disguise(canvas, looking.truth, random);
     if (small) canvas.luma = coarsened(canvas, step);
@@ -106,11 +112,14 @@ zel::LumaPyramid seen(const TrainingPicture& picture, const Looking& looking) {
     return {looking.luma, picture.width, picture.height};
 }
 
-Landmarks truthOf(const TrainingPicture& picture, bool mirror) {
-    if (!mirror) return picture.points;
+Landmarks truthOf(const TrainingPicture& picture, const Looking& looking) {
+    const Proportions proportions(looking.mean, looking.exact, looking.seed);
+    Landmarks changed;
+    for (std::size_t i = 0; i < kLandmarks; ++i) changed[i] = proportions(picture.points[i]);
+    if (!looking.mirror) return changed;
     Landmarks truth;
     for (std::size_t i = 0; i < kLandmarks; ++i) {
-        const auto& p = picture.points[zel::mirrorOrder()[i]];
+        const auto& p = changed[zel::mirrorOrder()[i]];
         truth[i] = {static_cast<float>(picture.width) - p.x, p.y};
     }
     return truth;
@@ -142,7 +151,11 @@ Landmarks start(const LandmarkModel& model, const TrainingPicture& picture, Look
     return moved(model.mean, placed);
 }
 
-std::vector<Looking> plan(const LandmarkModel& model, const std::vector<TrainingPicture>& set) {
+/// Every looking with its picture developed; the shape of faces is learnt on the way.
+std::vector<Looking> plan(LandmarkModel& model, const std::vector<TrainingPicture>& set) {
+    std::vector<Landmarks> drawn, varied;
+    for (const auto& picture : set) drawn.push_back(picture.points);
+    const Landmarks mean = meanShape(drawn);
     std::vector<Looking> lookings;
     for (std::size_t p = 0; p < set.size(); ++p)
         for (std::size_t k = 0; k < kLookings + 2; ++k) {
@@ -151,12 +164,18 @@ std::vector<Looking> plan(const LandmarkModel& model, const std::vector<Training
             looking.seed = static_cast<unsigned>(p * 16 + k);
             looking.mirror = k % 2 == 1;
             looking.stray = k >= kLookings;
-            looking.truth = truthOf(set[p], looking.mirror);
-            looking.points = start(model, set[p], looking);
+            looking.mean = mean;
+            looking.exact = aligning(mean, set[p].points);
+            looking.truth = truthOf(set[p], looking);
+            if (!looking.stray) varied.push_back(looking.truth);
             lookings.push_back(looking);
         }
-    forEach(lookings.size(),
-            [&](std::size_t i) { lookings[i].luma = develop(set[lookings[i].picture], lookings[i]); });
+    learnShape(varied, model);
+    forEach(lookings.size(), [&](std::size_t i) {
+        Looking& looking = lookings[i];
+        looking.points = start(model, set[looking.picture], looking);
+        looking.luma = develop(set[looking.picture], looking);
+    });
     return lookings;
 }
 
@@ -226,9 +245,6 @@ void learnTrust(LandmarkModel& model, const std::vector<TrainingPicture>& set,
 
 LandmarkModel learn(const std::vector<TrainingPicture>& set) {
     LandmarkModel model;
-    std::vector<Landmarks> faces;
-    for (const auto& picture : set) faces.push_back(picture.points);
-    learnShape(faces, model);
     auto lookings = plan(model, set);
     std::fprintf(stderr, "%zu lookings, mean error of the starts %.4f\n", lookings.size(),
                  static_cast<double>(meanError(lookings)));

@@ -21,7 +21,7 @@ struct Blob {
 /// up, Cr down), so the blob reaches farther to that side than beyond the colour of lit skin. Wider blobs
 /// take in little more skin, and wooden walls and brown hair around dark skin.
 constexpr Blob kBlob = {4.5f, 0.5f, 14.6f, 7.2f, 47.0f, 0.42f};
-constexpr Blob kBlobAlt = {1.0f, 1.5f, 15.0f, 8.5f, 47.0f, 0.42f};
+constexpr Blob kBlobAlt = {1.5f, 1.5f, 14.5f, 7.8f, 47.0f, 0.42f};
 
 constexpr int kCentreRow = 35, kCentreColumn = 25;
 

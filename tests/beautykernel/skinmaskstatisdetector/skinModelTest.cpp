@@ -102,8 +102,9 @@ TEST(SkinMaskManager, MeanColourAndFeatures) {
     EXPECT_GT(manager.GetSkinMask()[40 * w + 60], 230);
     EXPECT_LT(manager.GetSmoothMask()[70 * w + 46], 230) << "the border of the mouth is soft";
 
-    face.right = face.left + 10;  // too narrow to be painted, not to be measured
-    manager.DetectSkin(y.data(), cb.data(), cr.data(), w, h, 1, &face, 8, false);
+    SkinFaceRecord narrow = recordIn(55, 10, 65, 90);  // measured, but too narrow to be painted
+    std::copy_n(face.points + 50, 30, narrow.points + 50);
+    manager.DetectSkin(y.data(), cb.data(), cr.data(), w, h, 1, &narrow, 8, false);
     EXPECT_GT(manager.GetSkinMask()[70 * w + 60], 230);
     manager.DetectSkin(y.data(), cb.data(), cr.data(), w, h, 0, &face, 8, false);
     EXPECT_EQ((std::array<int, 6>{manager.meanY, manager.meanCb, manager.meanCr, manager.meanR, manager.meanG,

@@ -70,10 +70,10 @@ TEST(LandmarkFit, MirroredPictureGivesMirroredLandmarks) {
 }
 
 TEST(LandmarkFit, TwoFacesComeLargestFirst) {
-    const auto small = zel::drawPortrait(zeltrain::variedPortrait(915, 260));
-    const auto large = zel::drawPortrait(zeltrain::variedPortrait(916, 400));
-    zel::Image both{small.image.width + large.image.width, 400, {}, {}, {}};
-    both.rgba.assign(static_cast<std::size_t>(both.width) * 400 * 4, 255);
+    const auto small = zel::drawPortrait(zeltrain::variedPortrait(915, 200));
+    const auto large = zel::drawPortrait(zeltrain::variedPortrait(916, 420));
+    zel::Image both{small.image.width + large.image.width, 420, {}, {}, {}};
+    both.rgba.assign(static_cast<std::size_t>(both.width) * 420 * 4, 255);
     const auto put = [&both](const zel::Image& part, int left) {
         for (int y = 0; y < part.height; ++y)
             std::copy_n(part.rgba.begin() + 4 * y * part.width, 4 * part.width,
