@@ -3,7 +3,8 @@
 //   measureFlecks [COUNT] [FIRST-SEED]
 // A fleck counts when it lies on the face and its diameter is at least 1 in 100 of the pupils' distance; it
 // counts as removed where the mean error inside it fell by half. A false repair is a connected patch of
-// changed pixels that meets no fleck of any size.
+// changed pixels that meets no fleck of any size; it is visible where it changed the picture by more than 4
+// levels in the mean.
 
 #include <algorithm>
 #include <cmath>
@@ -20,6 +21,7 @@
 namespace {
 
 constexpr double kLeastDiameter = 0.01;  // of the pupils' distance
+constexpr double kVisible = 4;           // levels of mean change
 
 struct Fleck {
     std::vector<std::size_t> pixels;
@@ -36,7 +38,7 @@ struct Error {
 };
 
 struct Tally {
-    int faces = 0, flecks = 0, removed = 0, falseRepairs = 0;
+    int faces = 0, flecks = 0, removed = 0, falseRepairs = 0, visibleRepairs = 0;
     long featurePixels = 0;  // changed pixels on eyes, brows and lips
     double changed = 0;      // pixels
     Error before, ours, telea, navierStokes;
@@ -116,16 +118,22 @@ void measure(const zel::Portrait& p, const zel::Mask& layer, int method, Tally& 
         ++tally.flecks;
         tally.removed += errorIn(fleck, image, p.clean) < 0.5 * errorIn(fleck, p.image, p.clean);
     }
-    for (const Fleck& patch : partsOf(changed))
-        tally.falseRepairs += std::none_of(patch.pixels.begin(), patch.pixels.end(),
-                                           [&](std::size_t i) { return layer.samples[i] > 16; });
+    for (const Fleck& patch : partsOf(changed)) {
+        const bool meetsFleck = std::any_of(patch.pixels.begin(), patch.pixels.end(),
+                                            [&](std::size_t i) { return layer.samples[i] > 16; });
+        if (meetsFleck) continue;
+        ++tally.falseRepairs;
+        tally.visibleRepairs +=
+            errorIn(patch, image, p.image) > kVisible * 3 * static_cast<double>(patch.pixels.size());
+    }
     addPeers(p, changed, tally);
 }
 
 void print(const char* layer, const char* method, const Tally& t) {
-    std::printf("| %s | %s | %d | %d | %.2f | %.1f | %ld | %.1f | %.1f | %.1f | %.1f |\n", layer, method,
-                t.faces, t.flecks, t.flecks ? static_cast<double>(t.removed) / t.flecks : 0.0,
-                static_cast<double>(t.falseRepairs) / t.faces, t.featurePixels, t.before.psnr(t.changed),
+    std::printf("| %s | %s | %d | %d | %.2f | %.1f | %.1f | %ld | %.1f | %.1f | %.1f | %.1f |\n", layer,
+                method, t.faces, t.flecks, t.flecks ? static_cast<double>(t.removed) / t.flecks : 0.0,
+                static_cast<double>(t.falseRepairs) / t.faces,
+                static_cast<double>(t.visibleRepairs) / t.faces, t.featurePixels, t.before.psnr(t.changed),
                 t.ours.psnr(t.changed), t.telea.psnr(t.changed), t.navierStokes.psnr(t.changed));
 }
 
@@ -146,8 +154,9 @@ int main(int argc, char** argv) {
                 measure(p, layer == 0 ? p.moles : p.freckles, method, tallies[layer][method]);
         }
     std::printf(
-        "| spots | method | faces | spots | removed | false a face | feature pixels | PSNR before | "
-        "PSNR repaired | Telea | Navier-Stokes |\n|---|---|---|---|---|---|---|---|---|---|---|\n");
+        "| spots | method | faces | spots | removed | false a face | visible | feature pixels | PSNR before "
+        "| "
+        "PSNR repaired | Telea | Navier-Stokes |\n|---|---|---|---|---|---|---|---|---|---|---|---|\n");
     for (int layer : {0, 1})
         for (int method : {0, 1})
             print(layer == 0 ? "moles" : "freckles", method == 0 ? "flecks" : "fine", tallies[layer][method]);
