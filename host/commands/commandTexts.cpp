@@ -39,8 +39,9 @@ const std::vector<CommandText>& commandTexts() {
          {{"Smooth a portrait and look at both side by side",
            "zel apply nature-smooth portrait.jpg -o smooth.jpg --compare sheet.png"},
           {"Turn two knobs", "zel apply bright portrait.png -o clear.png --set radius=8 --set level=3"},
-          {"A whole folder, four pictures at once",
-           "zel apply nature-smooth photos/*.jpg -o out/ --jobs 4"}}},
+          {"A whole folder, four pictures at once", "zel apply nature-smooth photos/*.jpg -o out/ --jobs 4"},
+          {"A whole portrait in one call, with a look of your own",
+           "zel apply scenario portrait.jpg -o out.jpg --set alpha=0.6 --cube mylook.cube"}}},
         {"portrait",
          "Draw the built-in synthetic portrait",
          "The same seed and settings give the same picture. Its landmarks are known exactly and can be "

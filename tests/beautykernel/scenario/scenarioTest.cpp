@@ -9,7 +9,6 @@
 #include "support/randomImage.h"
 #include "support/standardFace.h"
 #include "support/workingFolder.h"
-#include "zellab/imageproc/mixByAlpha.h"
 
 namespace {
 
@@ -115,7 +114,8 @@ TEST(PortraitScenario, WithoutAFaceTheLookIsMixedOverThePicture) {
     OneFace nobody(0);
     const Bytes look = portrait(1.0f, nullptr), before = picture();
     Bytes expected = before;
-    zellab::MixByAlpha(look.data(), before.data(), expected.data(), kWidth, kHeight, 0.5f);
+    for (std::size_t i = 0; i < expected.size(); ++i)
+        if (i % 4 != 3) expected[i] = static_cast<unsigned char>((look[i] + before[i]) / 2);
     EXPECT_EQ(portrait(0.5f, nobody.info()), expected);
     EXPECT_EQ(portrait(0.5f, nullptr), expected);
 }
