@@ -124,10 +124,15 @@ std::optional<EyeRegion> findEyeRegion(int width, int height, const DarkCircleRu
 
 void cutEyes(Plane<Byte>& plane, const EyeRegion& region) {
     constexpr int kOutlinePoints = 10;
+    constexpr float kRim = 1.15f;  // the outline runs a little inside the lids
     for (int first : {kFirstEye, kSecondEye}) {
+        const Vector2f* points = &region.points[static_cast<std::size_t>(first)];
+        float x = 0.0f, y = 0.0f;
+        for (int i = 0; i < kOutlinePoints; ++i)
+            x += points[i].x / kOutlinePoints, y += points[i].y / kOutlinePoints;
         std::vector<Vector2f> outline;
-        for (int i = first; i < first + kOutlinePoints; ++i)
-            outline.push_back(region.inCrop(region.points[static_cast<std::size_t>(i)]));
+        for (int i = 0; i < kOutlinePoints; ++i)
+            outline.push_back(region.inCrop({x + (points[i].x - x) * kRim, y + (points[i].y - y) * kRim}));
         FillPolygonMask(plane.data(), plane.width(), plane.height(), outline, 0);
     }
 }
