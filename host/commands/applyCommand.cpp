@@ -8,6 +8,7 @@
 #include <new>
 #include <optional>
 
+#include "cube/cubeFile.h"
 #include "effectRegistry.h"
 #include "faces/faceFinder.h"
 #include "facesJson.h"
@@ -81,6 +82,7 @@ private:
     std::optional<LogCapture> m_capture;
     std::optional<Mask> m_mask;
     std::optional<Image> m_second;
+    std::string m_cube;  // as the effects read it
     std::atomic<bool> m_failed{false};
 };
 
@@ -106,6 +108,10 @@ void ApplyRun::prepare(const ApplyPlan& plan) {
     if (!m_options.second.empty())
         m_second = namingFile(m_options.second,
                               [&] { return readPicture(UserPath(m_options.second).real, false).image; });
+    if (!m_options.cube.empty()) {
+        m_cube = UserPath(m_options.cube).real;
+        namingFile(m_options.cube, [&] { readCubeFile(m_cube); });
+    }
     for (const UserPath& folder : plan.folders) {
         std::error_code error;
         std::filesystem::create_directories(folder.real, error);
@@ -153,7 +159,8 @@ void ApplyRun::transform(std::size_t index, const ApplyItem& item) {
                       m_messages.progress(
                           index, stage,
                           kReadShare + (kEffectShare - kReadShare) * std::clamp(done01, 0.0, 1.0));
-                  }};
+                  },
+                  m_cube};
     run.progress(m_effect.name, 0);
     m_effect.run(run);
 
@@ -204,6 +211,7 @@ int runApply(const ApplyOptions& options) {
     checkNeed(effect, effect.faces == Need::no ? Need::no : Need::optional, options.faces, "--faces");
     checkNeed(effect, effect.mask, options.mask, "--mask");
     checkNeed(effect, effect.second, options.second, "--second");
+    checkNeed(effect, effect.cube, options.cube, "--cube");
     const ApplyPlan plan = planApply(options);
     return ApplyRun(options, effect, std::move(values)).run(plan);
 }

@@ -140,6 +140,7 @@ void CommandLine::addApply() {
         "FACES.json");
     add("--mask", apply.mask, "Mask for the effects that take one", "MASK.png");
     add("--second", apply.second, "Second picture for the effects that take one", "IMAGE");
+    add("--cube", apply.cube, "Colour look for the effects that take one", "FILE.cube");
     add("--compare", apply.compare, "Write before and after side by side (a folder for several inputs)",
         "SHEET.png");
     add("--jobs", apply.jobs, "Inputs to work on at once", "N")->check(CLI::Range(1u, kMostJobs));

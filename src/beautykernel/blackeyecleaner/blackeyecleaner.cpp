@@ -51,6 +51,7 @@ void repairSeamlessly(ImageView image, const EyeRegion& region, const Plane<Byte
     std::copy_n(crescents.data(), wide.size(), wide.data());
     MaxFilterHorizontal(wide.data(), crop.width, crop.height, kWidening);
     MaxFilterVertical(wide.data(), crop.width, crop.height, kWidening);
+    cutEyes(wide, region);
     for (int y = 0; y < crop.height; ++y)
         std::memcpy(whole.view().row(crop.y + y) + crop.x, wide.view().row(y),
                     static_cast<std::size_t>(crop.width));

@@ -98,15 +98,6 @@ UnderEyeShape shapeOf(const EyeRegion& region, const EyeIndices& eye, const Dark
     return shape;
 }
 
-/// Clears what lies inside the outline of an eye: ten points from its first position on.
-void cutEye(Plane<Byte>& plane, const EyeRegion& region, int first) {
-    constexpr int kOutlinePoints = 10;
-    std::vector<Vector2f> outline;
-    for (int i = first; i < first + kOutlinePoints; ++i)
-        outline.push_back(region.inCrop(region.points[static_cast<std::size_t>(i)]));
-    FillPolygonMask(plane.data(), plane.width(), plane.height(), outline, 0);
-}
-
 }  // namespace
 
 std::optional<EyeRegion> findEyeRegion(int width, int height, const DarkCircleRun& run) {
@@ -131,6 +122,21 @@ std::optional<EyeRegion> findEyeRegion(int width, int height, const DarkCircleRu
     return region;
 }
 
+void cutEyes(Plane<Byte>& plane, const EyeRegion& region) {
+    constexpr int kOutlinePoints = 10;
+    constexpr float kRim = 1.15f;  // the outline runs a little inside the lids
+    for (int first : {kFirstEye, kSecondEye}) {
+        const Vector2f* points = &region.points[static_cast<std::size_t>(first)];
+        float x = 0.0f, y = 0.0f;
+        for (int i = 0; i < kOutlinePoints; ++i)
+            x += points[i].x / kOutlinePoints, y += points[i].y / kOutlinePoints;
+        std::vector<Vector2f> outline;
+        for (int i = 0; i < kOutlinePoints; ++i)
+            outline.push_back(region.inCrop({x + (points[i].x - x) * kRim, y + (points[i].y - y) * kRim}));
+        FillPolygonMask(plane.data(), plane.width(), plane.height(), outline, 0);
+    }
+}
+
 UnderEyeMasks drawUnderEyeMasks(const EyeRegion& region, const DarkCircleRun& run,
                                 const DarkCircleMethod& method) {
     const int w = region.crop.width, h = region.crop.height;
@@ -141,8 +147,8 @@ UnderEyeMasks drawUnderEyeMasks(const EyeRegion& region, const DarkCircleRun& ru
         drawUnderEyeShape(masks.region.view(), shapeOf(region, eye, method, false, run.ringWeight));
         drawUnderEyeShape(core.view(), shapeOf(region, eye, method, true, run.ringWeight));
     }
-    for (Plane<Byte>* plane : {&masks.region, &core})
-        for (int eye : {kFirstEye, kSecondEye}) cutEye(*plane, region, eye);
+    cutEyes(masks.region, region);
+    cutEyes(core, region);
     const auto share = [](float part) { return static_cast<Byte>(limited(part * 255.0f, 0.0f, 255.0f)); };
     const Byte coreShare = share(run.coreStrength), ringShare = share(run.strength);
     for (std::size_t i = 0; i < core.size(); ++i) {
@@ -156,8 +162,7 @@ UnderEyeMasks drawUnderEyeMasks(const EyeRegion& region, const DarkCircleRun& ru
     }
     StackBlurGray(masks.soft.data(), w, h,
                   std::max(method.softMin, run.rectWidth / method.softDivisor + method.softExtra));
-    if (method.sparesEye)
-        for (int eye : {kFirstEye, kSecondEye}) cutEye(masks.soft, region, eye);
+    if (method.sparesEye) cutEyes(masks.soft, region);
     return masks;
 }
 

@@ -37,6 +37,9 @@ struct UnderEyeMasks {
     Plane<Byte> soft;  // weight of the mix: the core's strength in the cores, that of the run around, blurred
 };
 
+/// Clears a plane of the crop's size inside the outlines of both eyes.
+void cutEyes(Plane<Byte>& plane, const EyeRegion& region);
+
 /// Draws the crescents of both eyes.
 UnderEyeMasks drawUnderEyeMasks(const EyeRegion& region, const DarkCircleRun& run,
                                 const DarkCircleMethod& method);
