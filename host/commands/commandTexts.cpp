@@ -40,9 +40,9 @@ const std::vector<CommandText>& commandTexts() {
          {{"Smooth a portrait and look at both side by side",
            "zel apply nature-smooth portrait.jpg -o smooth.jpg --compare sheet.png"},
           {"Turn two knobs", "zel apply bright portrait.png -o clear.png --set radius=8 --set level=3"},
-<<<<<<< HEAD
-          {"A whole folder, four pictures at once",
-           "zel apply nature-smooth photos/*.jpg -o out/ --jobs 4"}}},
+          {"A whole folder, four pictures at once", "zel apply nature-smooth photos/*.jpg -o out/ --jobs 4"},
+          {"A whole portrait in one call, with a look of your own",
+           "zel apply scenario portrait.jpg -o out.jpg --set alpha=0.6 --cube mylook.cube"}}},
         {"faces",
          "Find faces and their landmarks",
          "Writes face data for zel apply --faces: for each face a rectangle, the 83 landmarks as fractions "
@@ -60,11 +60,6 @@ const std::vector<CommandText>& commandTexts() {
            "zel faces portrait.jpg -o faces.json --overlay faces.png"},
           {"Use the data", "zel apply auto-slim-face portrait.jpg -o slim.jpg --faces faces.json"},
           {"Face data for a whole folder", "zel faces photos/*.jpg -o faces/ --jobs 2"}}},
-=======
-          {"A whole folder, four pictures at once", "zel apply nature-smooth photos/*.jpg -o out/ --jobs 4"},
-          {"A whole portrait in one call, with a look of your own",
-           "zel apply scenario portrait.jpg -o out.jpg --set alpha=0.6 --cube mylook.cube"}}},
->>>>>>> h/scenario
         {"portrait",
          "Draw the built-in synthetic portrait",
          "The same seed and settings give the same picture. Its landmarks are known exactly and can be "
