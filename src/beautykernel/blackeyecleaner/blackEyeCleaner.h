@@ -12,7 +12,6 @@ struct DarkCircleMethod {
     int softDivisor;         // the weight of the mix is blurred by faceWidth / softDivisor ...
     int softExtra, softMin;  // ... + softExtra, at least softMin pixels
     int keepDivisor, keepExtra, keepMin;  // likewise how much a pixel keeps
-    bool sparesEye;                       // the blurred weight ends at the eye's outline
     bool keepsTexture;  // the mix moves the smooth colour and rounds; else the colour itself, by shifts
 };
 

@@ -101,8 +101,8 @@ Plane<Byte> keepPlane(ConstImageView crop, const Plane<Byte>& crescents, int thr
     return keep;
 }
 
-constexpr DarkCircleMethod kMethodA = {0.5f, 0.25f, 0.0f, 20, 5, 8, 60, 5, 15, false, false};
-constexpr DarkCircleMethod kMethodB = {0.16f, 0.2f, 0.06f, 60, 2, 4, 90, 2, 4, true, true};
+constexpr DarkCircleMethod kMethodA = {0.5f, 0.25f, 0.0f, 20, 5, 8, 60, 5, 15, false};
+constexpr DarkCircleMethod kMethodB = {0.16f, 0.2f, 0.06f, 60, 2, 4, 90, 2, 4, true};
 
 /// Mixes a byte by a weight of 255, by a shift that loses a little.
 int shifted(int a, int b, int weight) {

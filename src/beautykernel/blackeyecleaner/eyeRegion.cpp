@@ -15,6 +15,7 @@ namespace {
 
 constexpr int kFirstEye = 0, kSecondEye = 10, kLastEye = 19;  // outlines of both eyes
 constexpr int kFirstRing = 113, kLastRing = 152;              // cheeks, from the rows under the eyes down
+constexpr std::size_t kFirstPupil = 169;
 constexpr int kNoseTop = 41;  // the inner ends do not reach beyond half the way to it
 
 /// Positions of one eye in the interpolated list.
@@ -124,7 +125,7 @@ std::optional<EyeRegion> findEyeRegion(int width, int height, const DarkCircleRu
 
 void cutEyes(Plane<Byte>& plane, const EyeRegion& region) {
     constexpr int kOutlinePoints = 10;
-    constexpr float kRim = 1.15f;  // the outline runs a little inside the lids
+    constexpr float kRim = 1.2f;  // the outline runs a little inside the lids
     for (int first : {kFirstEye, kSecondEye}) {
         const Vector2f* points = &region.points[static_cast<std::size_t>(first)];
         float x = 0.0f, y = 0.0f;
@@ -134,6 +135,18 @@ void cutEyes(Plane<Byte>& plane, const EyeRegion& region) {
         for (int i = 0; i < kOutlinePoints; ++i)
             outline.push_back(region.inCrop({x + (points[i].x - x) * kRim, y + (points[i].y - y) * kRim}));
         FillPolygonMask(plane.data(), plane.width(), plane.height(), outline, 0);
+
+        constexpr int kCorner = 5, kSides = 16;
+        constexpr float kIris = 0.21f, kTurn = 6.2831853f;  // radius, as a share of the eye's width
+        const Vector2f pupil = region.points[first == kFirstEye ? kFirstPupil : kFirstPupil + 1];
+        const float radius = std::abs(points[kCorner].x - points[0].x) * kIris;
+        std::vector<Vector2f> iris;
+        for (int i = 0; i < kSides; ++i) {
+            const float turn = kTurn * static_cast<float>(i) / kSides;
+            iris.push_back(
+                region.inCrop({pupil.x + radius * std::cos(turn), pupil.y + radius * std::sin(turn)}));
+        }
+        FillPolygonMask(plane.data(), plane.width(), plane.height(), iris, 0);
     }
 }
 
@@ -162,7 +175,7 @@ UnderEyeMasks drawUnderEyeMasks(const EyeRegion& region, const DarkCircleRun& ru
     }
     StackBlurGray(masks.soft.data(), w, h,
                   std::max(method.softMin, run.rectWidth / method.softDivisor + method.softExtra));
-    if (method.sparesEye) cutEyes(masks.soft, region);
+    cutEyes(masks.soft, region);  // the blur reaches over the lid, and irises are no skin
     return masks;
 }
 

@@ -37,7 +37,7 @@ struct UnderEyeMasks {
     Plane<Byte> soft;  // weight of the mix: the core's strength in the cores, that of the run around, blurred
 };
 
-/// Clears a plane of the crop's size inside the outlines of both eyes.
+/// Clears a plane of the crop's size inside the outlines of both eyes and on their irises.
 void cutEyes(Plane<Byte>& plane, const EyeRegion& region);
 
 /// Draws the crescents of both eyes.
