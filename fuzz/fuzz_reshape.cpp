@@ -8,7 +8,7 @@
 
 namespace {
 
-/// Floats from the input; zeros where it ends.
+/// Floats from the input, half of them any bits, half near a small picture; zeros where it ends.
 class Floats {
 public:
     Floats(const std::uint8_t* data, std::size_t size) : m_data(data), m_left(size) {}
@@ -16,6 +16,7 @@ public:
         float value = 0;
         if (m_left < sizeof value) return 0;
         std::memcpy(&value, m_data, sizeof value);
+        if (m_data[0] & 1) value = static_cast<float>(m_data[1] * 256 + m_data[2]) / 512.0f - 30.0f;
         m_data += sizeof value;
         m_left -= sizeof value;
         return value;
