@@ -21,6 +21,10 @@ add_compile_options(-ffp-contract=off)
 add_compile_options("-ffile-prefix-map=${CMAKE_SOURCE_DIR}/=" "-ffile-prefix-map=${CMAKE_SOURCE_DIR}/src/=")
 
 add_compile_options(-Wall -Wextra -Wshadow -Wnon-virtual-dtor -Woverloaded-virtual -Wcast-align)
+if(CMAKE_CXX_COMPILER_ID MATCHES "Clang")
+  # Some classes keep fields that belong to their layout and that no step reads.
+  add_compile_options(-Wno-unused-private-field)
+endif()
 if(ZEL_WERROR)
   add_compile_options(-Werror)
 endif()

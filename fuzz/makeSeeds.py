@@ -1,7 +1,8 @@
 #!/usr/bin/env python3
-"""Writes the seed corpus of the loader's fuzzers: one tiny file of every image format, each behind the two
-option bytes that the fuzzers read (flags, size limit). Each fuzzer gets a folder of its own name.
+"""Writes the seed corpus of the fuzzers: for the loader one tiny file of every image format, each behind the two
+option bytes that its fuzzers read (flags, size limit), and face data of no, one and two faces. Each fuzzer gets a folder of its own name.
 Usage: makeSeeds.py FOLDER"""
+import json
 import pathlib
 import struct
 import sys
@@ -146,7 +147,21 @@ def files():
     yield "empty", b""
 
 
+def face_data():
+    points = [[round(0.3 + 0.005 * i, 3), round(0.4 + 0.003 * i, 3)] for i in range(83)]
+    face = {"rect": [0.25, 0.2, 0.5, 0.6], "points": points}
+    for name, faces in (("none", []), ("one", [face]), ("found", [dict(face, confidence=0.9), face])):
+        yield name, json.dumps({"image": {"width": WIDTH, "height": HEIGHT}, "faces": faces}).encode()
+
+
+def write_face_seeds(folder):
+    folder.mkdir(parents=True, exist_ok=True)
+    for name, data in face_data():
+        (folder / name).write_bytes(data)
+
+
 def main():
+    write_face_seeds(pathlib.Path(sys.argv[1]) / "fuzz_face_data")
     for target in ("fuzz_load_memory", "fuzz_load_file"):
         folder = pathlib.Path(sys.argv[1]) / target
         folder.mkdir(parents=True, exist_ok=True)

@@ -51,6 +51,7 @@ struct EffectRun {
     const Image* second;   // --second, null where not given
     const ParameterValues& values;
     std::function<void(const std::string& stage, double done01)> progress;  // never empty
+    std::string cube = {};  // --cube as a whole path; empty where not given
 };
 
 /// What the effect takes beside the picture.
@@ -61,7 +62,7 @@ struct Effect {
     std::string operation;  // the exported operation, qualified
     std::string summary;    // one line
     std::vector<Parameter> parameters;
-    Need faces = Need::no, mask = Need::no, second = Need::no;
+    Need faces = Need::no, mask = Need::no, second = Need::no, cube = Need::no;
     std::string example;                  // one full command line for --help
     std::function<void(EffectRun&)> run;  // throws Failure
 };

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <array>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -12,6 +13,7 @@ namespace zel {
 struct Face {
     std::array<float, 4> rect{};                // x, y, width, height
     std::array<zellab::Vector2f, 83> points{};  // in the library's landmark order
+    std::optional<float> confidence;            // 0 to 1, where the face was found rather than given
 };
 
 /// The faces of one picture and the size they were found at.

@@ -5,8 +5,6 @@
 #include <sstream>
 
 #include "effect.h"
-#include "pictures/readPicture.h"
-#include "pictures/writePicture.h"
 
 namespace zel {
 
@@ -45,6 +43,12 @@ float fraction(const Json& value, const std::string& where) {
     return static_cast<float>(number);
 }
 
+float confidenceOf(const Json& value, const std::string& where) {
+    const double number = value.is_number() ? value.get<double>() : -1;
+    if (!(number >= 0 && number <= 1)) fail(where, "must be a number from 0 to 1");
+    return static_cast<float>(number);
+}
+
 /// A list with `count` entries; `what` names one entry in the plural.
 const Json& listOf(const Json& value, std::size_t count, const char* what, const std::string& where) {
     if (!value.is_array()) fail(where, "must be a list");
@@ -67,6 +71,8 @@ Face parseFace(const Json& json, const std::string& where) {
         const Json& pair = listOf(points[i], 2, "numbers", place);
         face.points[i] = {fraction(pair[0], place), fraction(pair[1], place)};
     }
+    if (const auto told = json.find("confidence"); told != json.end())
+        face.confidence = confidenceOf(*told, where + ": confidence");
     return face;
 }
 
@@ -114,18 +120,10 @@ std::string formatFaces(const FaceSet& set) {
         for (const auto& point : face.points)
             points.push_back(Json::array({shortNumber(point.x), shortNumber(point.y)}));
         faces.push_back({{"rect", rect}, {"points", points}});
+        if (face.confidence) faces.back()["confidence"] = shortNumber(*face.confidence);
     }
     const Json root = {{"image", {{"width", set.width}, {"height", set.height}}}, {"faces", faces}};
     return root.dump() + "\n";
-}
-
-FaceSet readFaces(const std::filesystem::path& path) {
-    const auto bytes = readFileBytes(path);
-    return parseFaces(std::string(bytes.begin(), bytes.end()));
-}
-
-void writeFaces(const std::filesystem::path& path, const FaceSet& set) {
-    writeText(path, formatFaces(set));
 }
 
 }  // namespace zel

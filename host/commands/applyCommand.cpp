@@ -8,7 +8,9 @@
 #include <new>
 #include <optional>
 
+#include "cube/cubeFile.h"
 #include "effectRegistry.h"
+#include "faces/faceFinder.h"
 #include "facesJson.h"
 #include "pictures/jpegFile.h"
 #include "pictures/sheet.h"
@@ -70,7 +72,8 @@ private:
     void prepare(const ApplyPlan& plan);
     void process(std::size_t index, const ApplyItem& item);
     void transform(std::size_t index, const ApplyItem& item);
-    FaceSet facesFor(const ApplyItem& item, const Image& image);
+    FaceSet facesFor(std::size_t index, const ApplyItem& item, const Image& image);
+    FaceSet foundFaces(std::size_t index, const ApplyItem& item, const Image& image);
 
     const ApplyOptions& m_options;
     const Effect& m_effect;
@@ -79,6 +82,7 @@ private:
     std::optional<LogCapture> m_capture;
     std::optional<Mask> m_mask;
     std::optional<Image> m_second;
+    std::string m_cube;  // as the effects read it
     std::atomic<bool> m_failed{false};
 };
 
@@ -104,6 +108,10 @@ void ApplyRun::prepare(const ApplyPlan& plan) {
     if (!m_options.second.empty())
         m_second = namingFile(m_options.second,
                               [&] { return readPicture(UserPath(m_options.second).real, false).image; });
+    if (!m_options.cube.empty()) {
+        m_cube = UserPath(m_options.cube).real;
+        namingFile(m_options.cube, [&] { readCubeFile(m_cube); });
+    }
     for (const UserPath& folder : plan.folders) {
         std::error_code error;
         std::filesystem::create_directories(folder.real, error);
@@ -139,7 +147,7 @@ void ApplyRun::transform(std::size_t index, const ApplyItem& item) {
     LoadedPicture picture = readPicture(item.input.real, m_options.scrambled);
     for (const auto& note : picture.notes) m_messages.note(item.input.shown, note);
     Image& image = picture.image;
-    const FaceSet faces = facesFor(item, image);
+    const FaceSet faces = facesFor(index, item, image);
     const Image before = item.sheet.shown.empty() ? Image() : image;
 
     EffectRun run{image,
@@ -151,7 +159,8 @@ void ApplyRun::transform(std::size_t index, const ApplyItem& item) {
                       m_messages.progress(
                           index, stage,
                           kReadShare + (kEffectShare - kReadShare) * std::clamp(done01, 0.0, 1.0));
-                  }};
+                  },
+                  m_cube};
     run.progress(m_effect.name, 0);
     m_effect.run(run);
 
@@ -164,8 +173,27 @@ void ApplyRun::transform(std::size_t index, const ApplyItem& item) {
                    [&] { writePicture(item.sheet.real, makeSheet(before, image, m_effect.name)); });
 }
 
-FaceSet ApplyRun::facesFor(const ApplyItem& item, const Image& image) {
-    if (item.faces.shown.empty()) return {};
+/// An optional need of faces is content without them.
+FaceSet ApplyRun::foundFaces(std::size_t index, const ApplyItem& item, const Image& image) {
+    const bool needed = m_effect.faces == Need::required;
+    m_messages.progress(index, "finding faces", kReadShare);
+    FaceSet found{image.width, image.height, {}};
+    try {
+        FaceDetector detector(detectorFolder());
+        found = findFaces(image, detector);
+    } catch (const DetectorMissing& missing) {
+        if (needed) throw Failure(std::string(missing.what()) + "; or give --faces");
+        m_messages.note(item.input.shown, std::string(missing.what()) + "; going on without faces");
+        return found;
+    }
+    if (found.faces.empty() && needed) throw Failure("no face was found; --faces can tell where one is");
+    m_messages.note(item.input.shown, describeFaces(found));
+    return found;
+}
+
+FaceSet ApplyRun::facesFor(std::size_t index, const ApplyItem& item, const Image& image) {
+    if (item.faces.shown.empty())
+        return m_effect.faces == Need::no ? FaceSet() : foundFaces(index, item, image);
     const FaceSet faces = namingFile(item.faces.shown, [&] { return readFaces(item.faces.real); });
     const double proportion = static_cast<double>(image.width) / image.height;
     if (std::abs(proportion * faces.height / faces.width - 1.0) > kProportionTolerance)
@@ -179,9 +207,11 @@ FaceSet ApplyRun::facesFor(const ApplyItem& item, const Image& image) {
 int runApply(const ApplyOptions& options) {
     const Effect& effect = findEffect(options.effect);
     ParameterValues values = parseValues(effect, options.assignments);
-    checkNeed(effect, effect.faces, options.faces, "--faces");
+    // Faces that are needed and not given are found.
+    checkNeed(effect, effect.faces == Need::no ? Need::no : Need::optional, options.faces, "--faces");
     checkNeed(effect, effect.mask, options.mask, "--mask");
     checkNeed(effect, effect.second, options.second, "--second");
+    checkNeed(effect, effect.cube, options.cube, "--cube");
     const ApplyPlan plan = planApply(options);
     return ApplyRun(options, effect, std::move(values)).run(plan);
 }

@@ -12,8 +12,8 @@ struct ApplyOptions {
     std::string effect;
     std::vector<std::string> inputs;
     std::string output;
-    std::vector<std::string> assignments;      // --set
-    std::string faces, mask, second, compare;  // empty: not given
+    std::vector<std::string> assignments;            // --set
+    std::string faces, mask, second, cube, compare;  // empty: not given
     std::string assets;
     unsigned jobs = 1;
     bool quiet = false, verbose = false, scrambled = false;

@@ -83,6 +83,7 @@ int dispatch(const CommandLine& line) {
         return kDone;
     }
     if (name == "apply") return runApply(line.apply);
+    if (name == "faces") return runFaces(line.faces);
     if (name == "portrait") return runPortrait(line.portrait);
     std::cerr << line.app.help();
     return kWrongUsage;
@@ -106,6 +107,7 @@ CommandLine::CommandLine() : app(std::string("zel: ") + kProgramSummary, "zel") 
     app.require_subcommand(0, 1);
     addEffects();
     addApply();
+    addFaces();
     addPortrait();
 }
 
@@ -133,9 +135,12 @@ void CommandLine::addApply() {
     add("-o,--output", apply.output, "Picture to write, or a folder for several inputs", "OUT")->required();
     add("--set", apply.assignments, "Set a parameter of the effect (repeatable)", "NAME=VALUE")
         ->allow_extra_args(false);
-    add("--faces", apply.faces, "Face data, or a folder with NAME.json for each input", "FACES.json");
+    add("--faces", apply.faces,
+        "Face data, or a folder with NAME.json for each input; faces are found where it is not given",
+        "FACES.json");
     add("--mask", apply.mask, "Mask for the effects that take one", "MASK.png");
     add("--second", apply.second, "Second picture for the effects that take one", "IMAGE");
+    add("--cube", apply.cube, "Colour look for the effects that take one", "FILE.cube");
     add("--compare", apply.compare, "Write before and after side by side (a folder for several inputs)",
         "SHEET.png");
     add("--jobs", apply.jobs, "Inputs to work on at once", "N")->check(CLI::Range(1u, kMostJobs));
@@ -143,6 +148,20 @@ void CommandLine::addApply() {
     command.add_flag("--scrambled", apply.scrambled, "The inputs are scrambled picture files");
     command.add_flag("--quiet", apply.quiet, "Only errors on standard error");
     command.add_flag("--verbose", apply.verbose, "Show the library's log");
+}
+
+void CommandLine::addFaces() {
+    CLI::App& command = addCommand("faces");
+    const auto add = [&](const char* names, auto& target, const char* help, const char* value) {
+        return command.add_option(names, target, help)->option_text(value);
+    };
+    add("IN", faces.inputs, "Pictures to search", "...")->required();
+    add("-o,--output", faces.output, "Face data to write, or a folder for several inputs", "FACES.json")
+        ->required();
+    add("--overlay", faces.overlay, "Write the picture with every point drawn (a folder for several inputs)",
+        "PNG");
+    add("--jobs", faces.jobs, "Inputs to work on at once", "N")->check(CLI::Range(1u, kMostJobs));
+    command.add_flag("--quiet", faces.quiet, "Only errors on standard error");
 }
 
 void CommandLine::addPortrait() {

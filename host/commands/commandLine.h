@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "applyPlan.h"
+#include "facesCommand.h"
 #include "portraitCommand.h"
 
 namespace zel {
@@ -18,6 +19,7 @@ public:
 
     CLI::App app;
     ApplyOptions apply;
+    FacesOptions faces;
     PortraitOptions portrait;
     bool effectsAsJson = false;
     bool manPage = false;
@@ -26,6 +28,7 @@ private:
     CLI::App& addCommand(const std::string& name);
     void addEffects();
     void addApply();
+    void addFaces();
     void addPortrait();
 };
 

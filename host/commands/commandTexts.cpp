@@ -35,12 +35,31 @@ const std::vector<CommandText>& commandTexts() {
          "called like their inputs. A failing input does not stop the others.\n\n"
          "A mask is a picture of the same size: white where the effect works fully, black where it does "
          "not.\n\n"
+         "Effects that work on faces find them where --faces gives none.\n\n"
          "zel apply EFFECT --help tells the parameters of one effect.",
          {{"Smooth a portrait and look at both side by side",
            "zel apply nature-smooth portrait.jpg -o smooth.jpg --compare sheet.png"},
           {"Turn two knobs", "zel apply bright portrait.png -o clear.png --set radius=8 --set level=3"},
-          {"A whole folder, four pictures at once",
-           "zel apply nature-smooth photos/*.jpg -o out/ --jobs 4"}}},
+          {"A whole folder, four pictures at once", "zel apply nature-smooth photos/*.jpg -o out/ --jobs 4"},
+          {"A whole portrait in one call, with a look of your own",
+           "zel apply scenario portrait.jpg -o out.jpg --set alpha=0.6 --cube mylook.cube"}}},
+        {"faces",
+         "Find faces and their landmarks",
+         "Writes face data for zel apply --faces: for each face a rectangle, the 83 landmarks as fractions "
+         "of "
+         "the picture, and a confidence from 0 to 1; the largest face comes first. A picture without a face "
+         "gives an empty list and a note, and is no failure.\n\n"
+         "--overlay draws what the effects make of the landmarks: every point with its number. With several "
+         "inputs FACES.json and PNG are folders, made where they are missing, for NAME.json and "
+         "NAME-faces.png.\n\n"
+         "Faces are found that look at the camera and lean by no more than about 15 degrees. The search "
+         "needs "
+         "the package opencv-data; the environment variable ZEL_CASCADES may name another folder with its "
+         "files.",
+         {{"Find the faces, look at them, retouch them",
+           "zel faces portrait.jpg -o faces.json --overlay faces.png"},
+          {"Use the data", "zel apply auto-slim-face portrait.jpg -o slim.jpg --faces faces.json"},
+          {"Face data for a whole folder", "zel faces photos/*.jpg -o faces/ --jobs 2"}}},
         {"portrait",
          "Draw the built-in synthetic portrait",
          "The same seed and settings give the same picture. Its landmarks are known exactly and can be "

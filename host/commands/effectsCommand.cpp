@@ -52,6 +52,7 @@ std::vector<std::string> needLines(const Effect& effect) {
     add("--faces FACES.json", effect.faces);
     add("--mask MASK.png", effect.mask);
     add("--second IMAGE", effect.second);
+    add("--cube FILE.cube", effect.cube);
     return lines;
 }
 
@@ -106,6 +107,7 @@ std::string effectsJson() {
                            {"faces", needText(effect.faces)},
                            {"mask", needText(effect.mask)},
                            {"second", needText(effect.second)},
+                           {"cube", needText(effect.cube)},
                            {"parameters", parameters}});
     }
     return Json{{"effects", effects}}.dump(2) + "\n";

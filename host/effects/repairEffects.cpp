@@ -58,6 +58,37 @@ void runAutoRemoveBlackCircle(EffectRun& run) {
     });
 }
 
+void runAutoFaceInpaint(EffectRun& run) {
+    Image& image = run.image;
+    const std::vector<unsigned char> searched = run.mask ? maskCopy(run) : std::vector<unsigned char>();
+    forFaces(run, [&](zellab::CInterFacePoint* points, int face) {
+        CGRect rect = faceRectInPixels(faceAt(run, face), image.width, image.height);
+        std::vector<unsigned char> mask = searched;  // each face gets its own skin back in it
+        TableSkin::ImageProcessWithAutoFaceInpaint(image.rgba.data(), mask.empty() ? nullptr : mask.data(),
+                                                   image.width, image.height, rect, points, face,
+                                                   run.values.text("method") == "fine" ? 1 : 0);
+        return true;
+    });
+}
+
+Effect autoFaceInpaint() {
+    Effect effect;
+    effect.name = "auto-face-inpaint";
+    effect.operation = "ZelImageCore::TableSkin::ImageProcessWithAutoFaceInpaint";
+    effect.summary = "Finds moles, spots and blemishes on faces and repairs them";
+    effect.parameters = {
+        choiceParameter("method", {"flecks", "fine"}, "flecks",
+                        "flecks finds round dark spots on a copy of 280 pixels, fine works at 640 pixels and "
+                        "follows the distance of the eyes"),
+        faceIndexParameter()};
+    effect.faces = Need::required;
+    effect.mask = Need::optional;
+    effect.example =
+        "zel apply auto-face-inpaint portrait.png -o clean.png --faces faces.json --set method=fine";
+    effect.run = runAutoFaceInpaint;
+    return effect;
+}
+
 Effect inpaint() {
     Effect effect;
     effect.name = "inpaint";
@@ -123,7 +154,7 @@ Effect autoRemoveBlackCircle() {
 }  // namespace
 
 std::vector<Effect> repairEffects() {
-    return {autoRemoveBlackCircle(), removeBlackCircle(), inpaint(), wrinkleCleaner()};
+    return {autoFaceInpaint(), autoRemoveBlackCircle(), removeBlackCircle(), inpaint(), wrinkleCleaner()};
 }
 
 }  // namespace zel

@@ -1,41 +1,14 @@
-#include "effectChecks.h"
 #include "effectLists.h"
-#include "faceRecords.h"
+#include "effectParts.h"
 #include "zel_effects.h"
 
 namespace zel {
 
 namespace {
 
-Parameter number(const char* name, double minimum, double maximum, const char* defaultValue,
-                 const char* help) {
-    return {name, ParameterKind::number, minimum, maximum, defaultValue, help, {}};
-}
-
-Parameter faceIndexParameter() {
-    constexpr double kLastFace = 1023;
-    return {"faceIndex", ParameterKind::integer, -1, kLastFace, "-1", "which face; -1: all of them in turn",
-            {}};
-}
-
 /// A fraction of the picture that has to be given.
 Parameter place(const char* name, const char* help) {
-    return number(name, 0, 1, "", help);
-}
-
-/// Calls the library for the face that was asked for, or for each in turn.
-template <typename Call>
-void forFaces(EffectRun& run, const Call& call) {
-    const int asked = run.values.integer("faceIndex");
-    const int count = static_cast<int>(run.faces.faces.size());
-    if (asked >= 0) faceAt(run, asked);
-    const auto points = makeFacePoints(run.faces, run.image.width, run.image.height);
-    const int first = asked < 0 ? 0 : asked, last = asked < 0 ? count - 1 : asked;
-    for (int face = first; face <= last; ++face) {
-        if (!call(points.get(), face)) throw Failure("the library refused the picture");
-        run.progress("face " + std::to_string(face),
-                     static_cast<double>(face - first + 1) / (last - first + 1));
-    }
+    return numberParameter(name, 0, 1, "", help);
 }
 
 void runAutoSlimFace(EffectRun& run) {
@@ -90,8 +63,8 @@ Effect slimFace() {
         place("startY", "start of the drag, as a fraction of the height"),
         place("endX", "end of the drag, as a fraction of the width"),
         place("endY", "end of the drag, as a fraction of the height"),
-        number("radius", 0, 1, "0.1", "brush radius, as a fraction of the width"),
-        number("strength", -100, 100, "60", "percentage; negative pinches at the end of the drag")};
+        numberParameter("radius", 0, 1, "0.1", "brush radius, as a fraction of the width"),
+        numberParameter("strength", -100, 100, "60", "percentage; negative pinches at the end of the drag")};
     effect.example =
         "zel apply slim-face portrait.png -o slim.png --set startX=0.25 --set startY=0.6 --set endX=0.3 "
         "--set endY=0.58 --set radius=0.15";
@@ -104,15 +77,16 @@ Effect autoSlimFace() {
     effect.name = "auto-slim-face";
     effect.operation = "CFaceSlimRender::autoSlimFace";
     effect.summary = "Narrows faces along their contours";
-    effect.parameters = {number("strength", 0, 2, "0.5", "overall strength; the chin does not follow it"),
-                         number("outerWeight", 0, 1, "1.0", "weight of the ring outside the contour"),
-                         number("middleWeight", 0, 1, "0.9", "weight of the ring next to the contour"),
-                         number("innerWeight", 0, 1, "0.6", "weight of the contour itself"),
-                         number("upperFactor", -1, 1, "0.2", "pull of the cheeks"),
-                         number("lowerFactor", -1, 1, "0.4", "pull of the lower cheeks"),
-                         number("jawFactor", -1, 1, "0.34", "pull of the jaw"),
-                         number("chinFactor", -2, 2, "-0.5", "pull of the chin; negative lengthens it"),
-                         faceIndexParameter()};
+    effect.parameters = {
+        numberParameter("strength", 0, 2, "0.5", "overall strength; the chin does not follow it"),
+        numberParameter("outerWeight", 0, 1, "1.0", "weight of the ring outside the contour"),
+        numberParameter("middleWeight", 0, 1, "0.9", "weight of the ring next to the contour"),
+        numberParameter("innerWeight", 0, 1, "0.6", "weight of the contour itself"),
+        numberParameter("upperFactor", -1, 1, "0.2", "pull of the cheeks"),
+        numberParameter("lowerFactor", -1, 1, "0.4", "pull of the lower cheeks"),
+        numberParameter("jawFactor", -1, 1, "0.34", "pull of the jaw"),
+        numberParameter("chinFactor", -2, 2, "-0.5", "pull of the chin; negative lengthens it"),
+        faceIndexParameter()};
     effect.faces = Need::required;
     effect.example =
         "zel apply auto-slim-face portrait.png -o slim.png --faces faces.json --set strength=0.8";
@@ -125,11 +99,10 @@ Effect zoomEye() {
     effect.name = "zoom-eye";
     effect.operation = "CEyeZoomRender::zoomEye";
     effect.summary = "Enlarges what lies around one point";
-    effect.parameters = {
-        place("centerX", "centre, as a fraction of the width"),
-        place("centerY", "centre, as a fraction of the height"),
-        number("radius", 0, 1, "0.05", "radius, as a fraction of the width"),
-        {"strength", ParameterKind::integer, -200, 200, "60", "percentage; negative shrinks", {}}};
+    effect.parameters = {place("centerX", "centre, as a fraction of the width"),
+                         place("centerY", "centre, as a fraction of the height"),
+                         numberParameter("radius", 0, 1, "0.05", "radius, as a fraction of the width"),
+                         integerParameter("strength", -200, 200, "60", "percentage; negative shrinks")};
     effect.example =
         "zel apply zoom-eye portrait.png -o eye.png --set centerX=0.4 --set centerY=0.45 --set radius=0.06";
     effect.run = runZoomEye;
@@ -142,10 +115,11 @@ Effect autoZoomEye() {
     effect.operation = "CEyeZoomRender::autoZoomEye";
     effect.summary = "Enlarges the eyes of faces";
     effect.parameters = {
-        number("strength", 0, 2, "0.5", "overall strength"),
-        number("eyeRatioLimit", 0, 2, "0.9", "both eyes' width to the face's at which nothing grows"),
-        number("zoomFactor", 0, 2, "0.2", "scale of the zoom"),
-        number("ringScale", 0, 2, "1.0", "width of the blend around an eye, against its own size"),
+        numberParameter("strength", 0, 2, "0.5", "overall strength"),
+        numberParameter("eyeRatioLimit", 0, 2, "0.9",
+                        "both eyes' width to the face's at which nothing grows"),
+        numberParameter("zoomFactor", 0, 2, "0.2", "scale of the zoom"),
+        numberParameter("ringScale", 0, 2, "1.0", "width of the blend around an eye, against its own size"),
         faceIndexParameter()};
     effect.faces = Need::required;
     effect.example = "zel apply auto-zoom-eye portrait.png -o eyes.png --faces faces.json --set strength=0.8";

@@ -26,11 +26,11 @@ std::vector<std::string> scenarioWords() {
     return words;
 }
 
-/// The look as the library takes it: a named one is a .cube file among the assets, beside which the command
-/// stands.
+/// The look as the library takes it, from --cube or by its name: a named one is a .cube file among the
+/// assets, beside which the command stands.
 std::vector<unsigned char> lookupOf(const EffectRun& run) {
-    const std::string& file = run.values.text("cube");
-    return cubePicture(readCubeFile(file != "-" ? file : "looks/" + run.values.text("look") + ".cube"));
+    return cubePicture(
+        readCubeFile(!run.cube.empty() ? run.cube : "looks/" + run.values.text("look") + ".cube"));
 }
 
 void runScenario(EffectRun& run) {
@@ -57,8 +57,8 @@ std::vector<Effect> scenarioEffects() {
             "alpha", 0, 1, "0.6",
             "strength; of portrait the reshaping is full below 1, and at 1 the look alone is applied"),
         choiceParameter("look", {"identity", "warm", "cool", "clear", "soft", "film", "mono"}, "identity",
-                        "named colour look"),
-        {"cube", ParameterKind::text, 0, 0, "-", "a .cube file in place of a named look (whole path)", {}}};
+                        "named colour look, where no --cube is given")};
+    effect.cube = Need::optional;
     effect.faces = Need::optional;
     effect.example =
         "zel apply scenario portrait.jpg -o out.jpg --set type=portrait --set alpha=0.6 --set look=warm";

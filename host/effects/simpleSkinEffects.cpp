@@ -1,4 +1,5 @@
 #include "effectLists.h"
+#include "effectParts.h"
 #include "zel_effects.h"
 
 namespace zel {
@@ -11,17 +12,12 @@ using ZelImageCore::TableSkin;
 constexpr double kLargestRadius = 8192;
 
 Parameter radiusParameter(const char* defaultValue) {
-    return {"radius",
-            ParameterKind::integer,
-            0,
-            kLargestRadius,
-            defaultValue,
-            "blur radius in pixels, limited to a quarter of the shorter side",
-            {}};
+    return integerParameter("radius", 0, kLargestRadius, defaultValue,
+                            "blur radius in pixels, limited to a quarter of the shorter side");
 }
 
 Parameter levelParameter() {
-    return {"level", ParameterKind::integer, 0, 10, "5", "strength; 0 leaves the picture as it is", {}};
+    return integerParameter("level", 0, 10, "5", "strength; 0 leaves the picture as it is");
 }
 
 void runBright(EffectRun& run) {

@@ -1,6 +1,7 @@
 #include <algorithm>
 
 #include "effectLists.h"
+#include "effectParts.h"
 #include "zel_effects.h"
 
 namespace zel {
@@ -13,16 +14,6 @@ using ZelImageCore::TableBase;
 constexpr double kLargestRadius = 8192;
 /// The largest side of a picture, and so of a block or an offset.
 constexpr double kLargestSide = 32767;
-
-Parameter integerParameter(const char* name, double minimum, double maximum, const char* defaultValue,
-                           const char* help) {
-    return {name, ParameterKind::integer, minimum, maximum, defaultValue, help, {}};
-}
-
-Parameter numberParameter(const char* name, double minimum, double maximum, const char* defaultValue,
-                          const char* help) {
-    return {name, ParameterKind::number, minimum, maximum, defaultValue, help, {}};
-}
 
 /// One pixel for every 640 of the longer side.
 int automaticRadius(const Image& image) {

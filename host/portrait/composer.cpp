@@ -1,5 +1,7 @@
 #include "composer.h"
 
+#include <algorithm>
+
 #include "bodyPaint.h"
 #include "browPaint.h"
 #include "eyePaint.h"
@@ -195,7 +197,10 @@ void Composer::store(const Pixel& pixel, Portrait& portrait) const {
     const std::size_t i = static_cast<std::size_t>(pixel.y) * static_cast<std::size_t>(m_scene.width) +
                           static_cast<std::size_t>(pixel.x);
     m_developer.develop(pixel.colour, pixel.x, pixel.y, &portrait.image.rgba[4 * i]);
-    m_developer.develop(pixel.clean, pixel.x, pixel.y, &portrait.clean.rgba[4 * i]);
+    if (m_defects.any())
+        m_developer.develop(pixel.clean, pixel.x, pixel.y, &portrait.clean.rgba[4 * i]);
+    else
+        std::copy_n(&portrait.image.rgba[4 * i], 4, &portrait.clean.rgba[4 * i]);
     const auto byte = [](float cover) { return static_cast<unsigned char>(clamp01(cover) * 255.0f + 0.5f); };
     // Rounded down, so that 255 means that no background shines through.
     portrait.person.samples[i] = static_cast<unsigned char>(clamp01(pixel.person) * 255.0f + 1e-3f);

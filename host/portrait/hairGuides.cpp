@@ -207,8 +207,8 @@ HairPlan planHair(const Sitter& s, const FaceShape& shape) {
             plan.bun = s.seed % 2 == 0;
             break;
         case HairStyle::curly:
-            plan.patch = {1.0f,
-                          0.80f,
+            plan.patch = {1.3f,
+                          0.52f,
                           1.08f + 0.09f * s.hairVolume,
                           mix(58.0f, 4.0f, s.masculine),
                           26,
@@ -217,10 +217,10 @@ HairPlan planHair(const Sitter& s, const FaceShape& shape) {
                           4};
             break;
         case HairStyle::crop:
-            plan.patch = {1.0f, 0.72f, 1.03f, 3, 15, 0, {0.25f * s.partSide, -0.45f}, 0};
+            plan.patch = {1.3f, 0.52f, 1.03f, 3, 15, 0, {0.25f * s.partSide, -0.45f}, 0};
             break;
         case HairStyle::shaved:
-            plan.patch = {1.0f, 0.70f, 1.0f, 3, 2.6f, 0, {0, 0.3f}, 0};
+            plan.patch = {1.3f, 0.52f, 1.0f, 3, 2.6f, 0, {0, 0.3f}, 0};
             break;
     }
     return plan;

@@ -69,6 +69,7 @@ float LitHead::heightAt(float column, float row) const {
 void LitHead::castShadows() {
     // Walk towards the lamp in growing steps; the further the obstacle, the softer its shadow.
     constexpr int kSteps = 26;
+    constexpr float kBehind = -80;  // mm; such points lie outside the outline, where nobody looks
     constexpr float kSoftness = 0.34f;
     const float climb = std::max(m_lamp.z, 0.15f);
     forRowBands(kHeight, [&](int begin, int end) {
@@ -76,6 +77,7 @@ void LitHead::castShadows() {
             for (int x = 0; x < kWidth; ++x) {
                 float hidden = 0, distance = 0.8f;
                 const float from = m_height[index(x, y)];
+                if (from < kBehind) continue;
                 for (int i = 0; i < kSteps; ++i, distance *= 1.17f) {
                     const float over = heightAt(static_cast<float>(x) + m_lamp.x * distance / kStep,
                                                 static_cast<float>(y) + m_lamp.y * distance / kStep) -

@@ -7,9 +7,9 @@
 #include <vector>
 
 #include "ZelEffectsCore/ZelEffect/mesh_warp/curveTools.h"
-#include "ZelEffectsCore/ZelEffect/mesh_warp/linearSolve.h"
 #include "ZelEffectsCore/ZelEffect/mesh_warp/pointDeform.h"
 #include "frame/faceTemplate.h"
+#include "zellab/imageproc/linearSolve.h"
 
 namespace zellab {
 

@@ -12,10 +12,6 @@ void TableSkin::ImageProcessWithAutoEyeBright(unsigned char*, int, int, void*, i
                                               float, float, float, float, float, float, float) {
     ZEL_NOT_YET("TableSkin::ImageProcessWithAutoEyeBright");
 }
-void TableSkin::ImageProcessWithAutoFaceInpaint(unsigned char*, unsigned char*, int, int, CGRect&, void*, int,
-                                                int) {
-    ZEL_NOT_YET("TableSkin::ImageProcessWithAutoFaceInpaint");
-}
 void TableSkin::ImageProcessWithQornSkinRetouch(unsigned char*, int, int, float, ImageCoreFaceInfo*,
                                                 unsigned char*) {
     ZEL_NOT_YET("TableSkin::ImageProcessWithQornSkinRetouch");

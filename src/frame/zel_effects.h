@@ -99,9 +99,13 @@ public:
                                               float filterEps, float filterScale);
 
     /// Finds flecks on one face and repairs them.
-    /// @param skinMask  plane of the picture's size, read and written, or null
-    /// @param faceRect  the face in pixels; clamped to the picture in place
-    /// @param method    0 fleck cleaner, 1 fine fleck cleaner
+    /// @param skinMask  plane of the picture's size, or null: nothing is sought where it is 0, and it
+    ///                  receives how much each of its other pixels is skin
+    /// @param faceRect  the face in pixels; not changed
+    /// @param points    a zellab::CInterFacePoint
+    /// @param method    0 fleck cleaner, 1 fine fleck cleaner; others only fill skinMask
+    /// Nothing happens, also to skinMask, for a null picture or points, a rectangle without size or a face
+    /// without points.
     static void ImageProcessWithAutoFaceInpaint(unsigned char* image, unsigned char* skinMask, int width,
                                                 int height, CGRect& faceRect, void* points, int faceIndex,
                                                 int method);

@@ -4,6 +4,17 @@
 
 namespace zellab {
 
+/// Where the two methods differ.
+struct DarkCircleMethod {
+    float middleDrop;        // of the crescent's upper edge below the lid, as a share of the eye's opening
+    float endDrop;           // of its ends below the corners, likewise
+    float reach;             // of its ends beyond the corners, as a share of the eye's width
+    int softDivisor;         // the weight of the mix is blurred by faceWidth / softDivisor ...
+    int softExtra, softMin;  // ... + softExtra, at least softMin pixels
+    int keepDivisor, keepExtra, keepMin;  // likewise how much a pixel keeps
+    bool keepsTexture;  // the mix moves the smooth colour and rounds; else the colour itself, by shifts
+};
+
 /// What one run of the dark-circle removal is given.
 struct DarkCircleRun {
     const Vector2f* points = nullptr;  // the interpolated points of the face, in pixels of the picture
@@ -23,8 +34,8 @@ public:
     static void Run(unsigned char* image, int width, int height, const DarkCircleRun& run);
 };
 
-/// The second method, in the same order of stages: one crescent of full strength without a core, and a mix
-/// that rounds.
+/// The second method, in the same order of stages: crescents that begin right below the lid and reach a
+/// little beyond the eye's corners, narrower blurs, and a mix that rounds.
 class CBlackEyeCleanerB {
 public:
     static void Run(unsigned char* image, int width, int height, const DarkCircleRun& run);

@@ -34,6 +34,15 @@ Plane<Byte> lumaOf(ConstImageView image) {
     return plane;
 }
 
+std::vector<Byte> smoothCopy(ConstImageView image, int radius) {
+    std::vector<Byte> copy(sampleCount(image.width, image.height, 4));
+    const ImageView view(copy.data(), image.width, image.height);
+    for (int y = 0; y < image.height; ++y)
+        std::memcpy(view.row(y), image.row(y), static_cast<std::size_t>(image.width) * 4);
+    StackBlurRGBA(copy.data(), image.width, image.height, radius);
+    return copy;
+}
+
 /// Repaints the crescents from the cheek below, without a seam.
 void repairSeamlessly(ImageView image, const EyeRegion& region, const Plane<Byte>& crescents,
                       float strength) {
@@ -42,6 +51,7 @@ void repairSeamlessly(ImageView image, const EyeRegion& region, const Plane<Byte
     std::copy_n(crescents.data(), wide.size(), wide.data());
     MaxFilterHorizontal(wide.data(), crop.width, crop.height, kWidening);
     MaxFilterVertical(wide.data(), crop.width, crop.height, kWidening);
+    cutEyes(wide, region);
     for (int y = 0; y < crop.height; ++y)
         std::memcpy(whole.view().row(crop.y + y) + crop.x, wide.view().row(y),
                     static_cast<std::size_t>(crop.width));
@@ -70,7 +80,8 @@ int skinThreshold(ConstImageView face) {
 
 /// How much each pixel of the crop keeps of its colour, 255 all of it: fine dark detail and what is no skin
 /// keep theirs.
-Plane<Byte> keepPlane(ConstImageView crop, const Plane<Byte>& crescents, int threshold, int faceWidth) {
+Plane<Byte> keepPlane(ConstImageView crop, const Plane<Byte>& crescents, int threshold, int faceWidth,
+                      const DarkCircleMethod& method) {
     const Plane<Byte> brightness = lumaOf(crop);
     Plane<Byte> keep(crop.width, crop.height);
     std::copy_n(brightness.data(), keep.size(), keep.data());
@@ -85,61 +96,75 @@ Plane<Byte> keepPlane(ConstImageView crop, const Plane<Byte>& crescents, int thr
         }
         keep.data()[i] = circleCoreCurve()[value];
     }
-    StackBlurGray(keep.data(), crop.width, crop.height, std::max(15, faceWidth / 60 + 5));
+    StackBlurGray(keep.data(), crop.width, crop.height,
+                  std::max(method.keepMin, faceWidth / method.keepDivisor + method.keepExtra));
     return keep;
 }
 
-/// How the two methods weigh a byte: by a shift that loses a little, or rounded.
-struct ShiftedMix {
-    static int mix(int a, int b, int weight) { return (a * weight + b * (255 - weight)) >> 8; }
-};
-struct RoundedMix {
-    static int mix(int a, int b, int weight) { return (a * weight + b * (255 - weight) + 127) / 255; }
-};
+constexpr DarkCircleMethod kMethodA = {0.5f, 0.25f, 0.0f, 20, 5, 8, 60, 5, 15, false};
+constexpr DarkCircleMethod kMethodB = {0.16f, 0.2f, 0.06f, 60, 2, 4, 90, 2, 4, true};
+
+/// Mixes a byte by a weight of 255, by a shift that loses a little.
+int shifted(int a, int b, int weight) {
+    return (a * weight + b * (255 - weight)) >> 8;
+}
+
+/// Moves a byte as far as its surroundings have to go to the cheek, so that texture stays.
+int lifted(int value, int surroundings, int cheek, int kept, int weight) {
+    constexpr int kUnit = 255 * 255;
+    const int way = (cheek - surroundings) * (255 - kept) * weight;
+    return value + (way + (way > 0 ? kUnit / 2 : -kUnit / 2)) / kUnit;
+}
 
 /// Mixes the pixels that are darker than the cheek of their column towards its colour.
-template <typename Mix>
 void mixTowardsCheek(ImageView crop, const CheekRows& cheeks, const Plane<Byte>& keep,
-                     const Plane<Byte>& soft) {
+                     const Plane<Byte>& soft, int threshold, const DarkCircleMethod& method) {
+    constexpr int kTextureRadius = 4;
+    const std::vector<Byte> smooth =
+        method.keepsTexture ? smoothCopy(crop, kTextureRadius) : std::vector<Byte>();
+    const ConstImageView broad(smooth.data(), crop.width, crop.height);
     for (int y = 0; y < crop.height; ++y)
         for (int x = 0; x < crop.width; ++x) {
             const int value = keep.view().row(y)[x], weight = soft.view().row(y)[x];
             const Byte* cheek = cheeks.colour(x);
             Byte* p = crop.at(x, y);
-            if (value == kUntouched || weight == 0 || luma(p) >= luma(cheek)) continue;
+            const Byte* around = method.keepsTexture ? broad.at(x, y) : p;
+            if (value == kUntouched || weight == 0 || std::max(luma(p), luma(around)) >= luma(cheek))
+                continue;
+            if (method.keepsTexture && luma(p) < threshold) continue;  // lashes
             const int kept = std::max(value - kMargin, 0);
-            for (int c = 0; c < 3; ++c) {
-                const int lightened = Mix::mix(p[c], cheek[c], kept);
-                p[c] = static_cast<Byte>(Mix::mix(lightened, p[c], weight));
-            }
+            for (int c = 0; c < 3; ++c)
+                p[c] =
+                    clampToByte(method.keepsTexture ? lifted(p[c], around[c], cheek[c], kept, weight)
+                                                    : shifted(shifted(p[c], cheek[c], kept), p[c], weight));
         }
 }
 
-template <typename Mix>
-void removeCircles(unsigned char* rgba, int width, int height, const DarkCircleRun& run) {
+void removeCircles(unsigned char* rgba, int width, int height, const DarkCircleRun& run,
+                   const DarkCircleMethod& method) {
     const ImageView image(rgba, width, height);
     if (!image.valid() || !run.points) return;
     const std::optional<EyeRegion> region = findEyeRegion(width, height, run);
     if (!region) return;
-    const UnderEyeMasks masks = drawUnderEyeMasks(*region, run);
+    const UnderEyeMasks masks = drawUnderEyeMasks(*region, run, method);
     if (run.useEdges && allowsSeamlessRepair(image, *region, run.points))
         repairSeamlessly(image, *region, masks.repair, run.strength);
 
     const PixelRect &face = region->face, &area = region->crop;
     const ImageView crop = image.crop(area.x, area.y, area.width, area.height);
     const int threshold = skinThreshold(image.crop(face.x, face.y, face.width, face.height));
-    const Plane<Byte> keep = keepPlane(crop, masks.region, threshold, run.rectWidth);
-    mixTowardsCheek<Mix>(crop, CheekRows(image, *region), keep, masks.soft);
+    const Plane<Byte> keep = keepPlane(crop, masks.region, threshold, run.rectWidth, method);
+    mixTowardsCheek(crop, CheekRows(image, *region), keep, masks.soft, threshold, method);
 }
 
 }  // namespace
 
 void CBlackEyeCleaner::Run(unsigned char* image, int width, int height, const DarkCircleRun& run) {
-    removeCircles<ShiftedMix>(image, width, height, run);
+    removeCircles(image, width, height, run, kMethodA);
 }
 
 void CBlackEyeCleanerB::Run(unsigned char* image, int width, int height, const DarkCircleRun& run) {
-    removeCircles<RoundedMix>(image, width, height, run);
+    removeCircles(image, width, height, run, kMethodB);
 }
 
 }  // namespace zellab

@@ -24,13 +24,12 @@ int lowestLid(const EyeRegion& region, int first, int last) {
 CheekRows::CheekRows(ConstImageView image, const EyeRegion& region)
     : m_colours(static_cast<std::size_t>(region.crop.width) * 4) {
     const int below = static_cast<int>(static_cast<float>(region.face.height) * kBelowLid) + kBelowLidRows;
+    const int radius = std::max(20, region.face.width / 120 + 8);
+    // The band starts this far below the lids; in its blur a row looks as far up as down.
     const auto rowUnder = [&](int lid) {
-        return std::clamp(region.face.y + lid + below, 0, image.height - 1);
+        return std::clamp(region.face.y + lid + below + radius, 0, image.height - 1);
     };
     const int leftRow = rowUnder(lowestLid(region, 6, 9)), rightRow = rowUnder(lowestLid(region, 16, 19));
-
-    // A band around both rows, wide enough for the blur of either.
-    const int radius = std::max(20, region.face.width / 120 + 8);
     const int top = std::max(std::min(leftRow, rightRow) - radius, 0);
     const int bottom = std::min(std::max(leftRow, rightRow) + radius + 1, image.height);
     const int width = region.crop.width;

@@ -10,7 +10,7 @@ struct Knot {
 };
 
 /// Found for the values at both ends; the middle lies below the diagonal and is steep.
-constexpr Knot kKnots[] = {{0.0f, 0.0f, 0.69f}, {128.0f, 119.0f, 1.25f}, {255.0f, 255.0f, 0.52f}};
+constexpr Knot kKnots[] = {{0.0f, 0.0f, 0.72f}, {128.0f, 44.0f, 0.75f}, {255.0f, 255.0f, 0.52f}};
 
 /// Cubic through two knots with their slopes.
 float between(const Knot& a, const Knot& b, float x) {

@@ -6,14 +6,17 @@
 #include "beautykernel/blackeyecleaner/underEyeShape.h"
 #include "frame/interFacePoint.h"
 #include "frame/zel_log.h"
+#include "zellab/imageproc/polygonFill.h"
 #include "zellab/imageproc/stackBlur.h"
 
 namespace zellab {
 
 namespace {
 
-constexpr int kFirstRing = 113, kLastRing = 152;  // the under-eye rings of both eyes
-constexpr int kNoseTop = 41;                      // the inner ends do not reach beyond half the way to it
+constexpr int kFirstEye = 0, kSecondEye = 10, kLastEye = 19;  // outlines of both eyes
+constexpr int kFirstRing = 113, kLastRing = 152;              // cheeks, from the rows under the eyes down
+constexpr std::size_t kFirstPupil = 169;
+constexpr int kNoseTop = 41;  // the inner ends do not reach beyond half the way to it
 
 /// Positions of one eye in the interpolated list.
 struct EyeIndices {
@@ -40,10 +43,11 @@ PixelRect insidePicture(const DarkCircleRun& run, int width, int height) {
     return rect;
 }
 
-/// The box of the rings in the picture, at least one pixel.
-PixelRect ringBox(const Vector2f* points, int width, int height) {
+/// The box of both eyes and cheeks in the picture, at least one pixel.
+PixelRect eyeBox(const Vector2f* points, int width, int height) {
     float left = static_cast<float>(width), top = static_cast<float>(height), right = 0.0f, bottom = 0.0f;
-    for (int i = kFirstRing; i <= kLastRing; ++i) {
+    for (int i = kFirstEye; i <= kLastRing; ++i) {
+        if (i > kLastEye && i < kFirstRing) continue;
         const float x = limited(points[i].x, 0.0f, static_cast<float>(width - 1));
         const float y = limited(points[i].y, 0.0f, static_cast<float>(height - 1));
         left = std::min(left, x), right = std::max(right, x);
@@ -69,20 +73,23 @@ int bandOf(float height) {
 }
 
 /// The crescent of one eye. The core is the same with the end next to the nose drawn in and a lower band.
-UnderEyeShape shapeOf(const EyeRegion& region, const EyeIndices& eye, bool core, float ringWeight) {
+UnderEyeShape shapeOf(const EyeRegion& region, const EyeIndices& eye, const DarkCircleMethod& method,
+                      bool core, float ringWeight) {
     const auto at = [&](int i) { return region.points[static_cast<std::size_t>(i)]; };
     const float drop = at(eye.lowerLid).y - at(eye.upperLid).y;
     const Vector2f lid = {(at(eye.lower1).x + at(eye.lower2).x) / 2.0f,
                           (at(eye.lower1).y + at(eye.lower2).y) / 2.0f};
-    const Vector2f middle = {lid.x, lid.y + drop / 2.0f};
-    const Vector2f outer = {at(eye.outer).x, at(eye.outer).y + drop / 4.0f};
+    const Vector2f middle = {lid.x, lid.y + drop * method.middleDrop};
+    const float beyond = (at(eye.inner).x - at(eye.outer).x) * method.reach;  // towards the nose
+    const Vector2f outer = {at(eye.outer).x - beyond, at(eye.outer).y + drop * method.endDrop};
     Vector2f inner = core ? at(eye.innerReturn) : at(eye.inner);
     if (!core) {
         const float toNose = (at(kNoseTop).x - inner.x) / 2.0f,
                     lidReturn = (inner.x - at(eye.innerReturn).x) / 2.0f;
         inner.x += eye.isLeft ? std::min(toNose, lidReturn) : std::max(toNose, lidReturn);
     }
-    inner.y += drop / 4.0f;
+    inner.x += beyond;
+    inner.y += drop * method.endDrop;
     const float depth = at(eye.ringBottom).y - middle.y;
     UnderEyeShape shape;
     shape.outerEnd = region.inCrop(outer);
@@ -97,16 +104,16 @@ UnderEyeShape shapeOf(const EyeRegion& region, const EyeIndices& eye, bool core,
 std::optional<EyeRegion> findEyeRegion(int width, int height, const DarkCircleRun& run) {
     EyeRegion region;
     region.face = insidePicture(run, width, height);
-    const PixelRect rings = ringBox(run.points, width, height);
-    if (rings.count() > region.face.count()) {
+    const PixelRect eyes = eyeBox(run.points, width, height);
+    if (eyes.count() > region.face.count()) {
         ZEL_LOG_ERROR_AT("beautykernel/blackeyecleaner/blackeyecleaner.cpp", 78,
                          "ERROR: invalidate face data eyePixelCount = %d nFacePixelCount=%d",
-                         static_cast<int>(std::min<std::size_t>(rings.count(), 0x7fffffff)),
+                         static_cast<int>(std::min<std::size_t>(eyes.count(), 0x7fffffff)),
                          static_cast<int>(std::min<std::size_t>(region.face.count(), 0x7fffffff)));
         return std::nullopt;
     }
-    region.crop = intersection(rings, region.face);
-    if (region.crop.width < 1 || region.crop.height < 1)  // rings beside the face: one pixel of it
+    region.crop = intersection(eyes, region.face);
+    if (region.crop.width < 1 || region.crop.height < 1)  // eyes beside the face: one pixel of it
         region.crop = {region.face.x, region.face.y, 1, 1};
     for (int i = 0; i < CInterFacePoint::kBlockPoints; ++i)
         region.points.push_back({limited(run.points[i].x - static_cast<float>(region.face.x), 0.0f,
@@ -116,23 +123,59 @@ std::optional<EyeRegion> findEyeRegion(int width, int height, const DarkCircleRu
     return region;
 }
 
-UnderEyeMasks drawUnderEyeMasks(const EyeRegion& region, const DarkCircleRun& run) {
+void cutEyes(Plane<Byte>& plane, const EyeRegion& region) {
+    constexpr int kOutlinePoints = 10;
+    constexpr float kRim = 1.2f;  // the outline runs a little inside the lids
+    for (int first : {kFirstEye, kSecondEye}) {
+        const Vector2f* points = &region.points[static_cast<std::size_t>(first)];
+        float x = 0.0f, y = 0.0f;
+        for (int i = 0; i < kOutlinePoints; ++i)
+            x += points[i].x / kOutlinePoints, y += points[i].y / kOutlinePoints;
+        std::vector<Vector2f> outline;
+        for (int i = 0; i < kOutlinePoints; ++i)
+            outline.push_back(region.inCrop({x + (points[i].x - x) * kRim, y + (points[i].y - y) * kRim}));
+        FillPolygonMask(plane.data(), plane.width(), plane.height(), outline, 0);
+
+        constexpr int kCorner = 5, kSides = 16;
+        constexpr float kIris = 0.21f, kTurn = 6.2831853f;  // radius, as a share of the eye's width
+        const Vector2f pupil = region.points[first == kFirstEye ? kFirstPupil : kFirstPupil + 1];
+        const float radius = std::abs(points[kCorner].x - points[0].x) * kIris;
+        std::vector<Vector2f> iris;
+        for (int i = 0; i < kSides; ++i) {
+            const float turn = kTurn * static_cast<float>(i) / kSides;
+            iris.push_back(
+                region.inCrop({pupil.x + radius * std::cos(turn), pupil.y + radius * std::sin(turn)}));
+        }
+        FillPolygonMask(plane.data(), plane.width(), plane.height(), iris, 0);
+    }
+}
+
+UnderEyeMasks drawUnderEyeMasks(const EyeRegion& region, const DarkCircleRun& run,
+                                const DarkCircleMethod& method) {
     const int w = region.crop.width, h = region.crop.height;
     UnderEyeMasks masks{Plane<Byte>(w, h), Plane<Byte>(w, h), Plane<Byte>(w, h)};
     Plane<Byte> core(w, h);
     for (const EyeIndices& eye : {kLeftEye, kRightEye}) {
         if (!liesInside(region.points[static_cast<std::size_t>(eye.outer)], region.face)) continue;
-        drawUnderEyeShape(masks.region.view(), shapeOf(region, eye, false, run.ringWeight));
-        drawUnderEyeShape(core.view(), shapeOf(region, eye, true, run.ringWeight));
+        drawUnderEyeShape(masks.region.view(), shapeOf(region, eye, method, false, run.ringWeight));
+        drawUnderEyeShape(core.view(), shapeOf(region, eye, method, true, run.ringWeight));
     }
-    const Byte coreShare = static_cast<Byte>(limited(run.coreStrength * 255.0f, 0.0f, 255.0f));
+    cutEyes(masks.region, region);
+    cutEyes(core, region);
+    const auto share = [](float part) { return static_cast<Byte>(limited(part * 255.0f, 0.0f, 255.0f)); };
+    const Byte coreShare = share(run.coreStrength), ringShare = share(run.strength);
     for (std::size_t i = 0; i < core.size(); ++i) {
-        if (masks.region.data()[i] == 0) continue;
-        const Byte share = core.data()[i] != 0 ? coreShare : Byte{255};
-        masks.repair.data()[i] = share;
-        masks.soft.data()[i] = share == 255 ? 255 : 0;
+        const bool inRegion = masks.region.data()[i] != 0, inCore = core.data()[i] != 0;
+        if (inRegion && inCore) {
+            masks.soft.data()[i] = coreShare;
+        } else if (inRegion || inCore) {
+            masks.soft.data()[i] = ringShare;
+            masks.repair.data()[i] = masks.region.data()[i];
+        }
     }
-    StackBlurGray(masks.soft.data(), w, h, std::max(8, run.rectWidth / 20 + 5));
+    StackBlurGray(masks.soft.data(), w, h,
+                  std::max(method.softMin, run.rectWidth / method.softDivisor + method.softExtra));
+    cutEyes(masks.soft, region);  // the blur reaches over the lid, and irises are no skin
     return masks;
 }
 

@@ -18,7 +18,7 @@ struct PixelRect {
 /// The part of the picture under both eyes, and the face's points seen from the face rectangle.
 struct EyeRegion {
     PixelRect face;                // in the picture, inside it
-    PixelRect crop;                // in the picture: both under-eye rings, inside the face
+    PixelRect crop;                // in the picture: both eyes and cheeks, inside the face
     std::vector<Vector2f> points;  // from the face's corner, limited to it
 
     /// A point of the face as seen from the crop.
@@ -33,11 +33,15 @@ std::optional<EyeRegion> findEyeRegion(int width, int height, const DarkCircleRu
 /// Planes of the crop's size.
 struct UnderEyeMasks {
     Plane<Byte> region;  // 255 in both crescents
-    Plane<Byte> repair;  // for the seamless repair: 255 in the crescents, the core's share in their cores
-    Plane<Byte> soft;    // weight of the mix: the crescents without cores of less than full strength, blurred
+    Plane<Byte> repair;  // for the seamless repair: 255 in the crescents without their cores
+    Plane<Byte> soft;  // weight of the mix: the core's strength in the cores, that of the run around, blurred
 };
 
+/// Clears a plane of the crop's size inside the outlines of both eyes and on their irises.
+void cutEyes(Plane<Byte>& plane, const EyeRegion& region);
+
 /// Draws the crescents of both eyes.
-UnderEyeMasks drawUnderEyeMasks(const EyeRegion& region, const DarkCircleRun& run);
+UnderEyeMasks drawUnderEyeMasks(const EyeRegion& region, const DarkCircleRun& run,
+                                const DarkCircleMethod& method);
 
 }  // namespace zellab

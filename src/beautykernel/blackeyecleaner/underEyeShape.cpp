@@ -22,14 +22,29 @@ void appendBezier(std::vector<Vector2f>& contour, Vector2f a, Vector2f b, Vector
     }
 }
 
-/// From an end to the middle of an edge, level at the middle and pointed at the end.
-void appendHalf(std::vector<Vector2f>& contour, Vector2f from, Vector2f to, bool pointedFirst) {
-    constexpr float kPointed = 0.35f, kLevel = 0.5f;  // lengths of the handles, as a share of the way
-    const Vector2f level = {
-        pointedFirst ? to.x + (from.x - to.x) * kLevel : from.x + (to.x - from.x) * kLevel,
-        pointedFirst ? to.y : from.y};
-    const Vector2f pointed = pointedFirst ? mix(from, to, kPointed) : mix(to, from, kPointed);
-    appendBezier(contour, from, pointedFirst ? pointed : level, pointedFirst ? level : pointed, to);
+/// From an end to the middle of the upper edge: it stays as close to the lid as the end is, and comes down to
+/// the middle at last.
+void appendUpperHalf(std::vector<Vector2f>& contour, Vector2f end, Vector2f middle, bool fromEnd) {
+    constexpr float kAlong = 0.6f, kFollow = 0.8f, kAbove = 0.8f;  // handles, as shares of the way
+    const Vector2f along = {end.x + (middle.x - end.x) * kAlong, end.y + (middle.y - end.y) * kFollow};
+    const Vector2f above = {middle.x, middle.y - (middle.y - end.y) * kAbove};
+    if (fromEnd) {
+        appendBezier(contour, end, along, above, middle);
+    } else {
+        appendBezier(contour, middle, above, along, end);
+    }
+}
+
+/// The lower edge bows down from an end and is level in its middle.
+void appendLowerHalf(std::vector<Vector2f>& contour, Vector2f end, Vector2f middle, bool fromEnd) {
+    constexpr float kInwards = 0.02f, kDown = 0.85f, kLevel = 0.8f;
+    const Vector2f down = {end.x + (middle.x - end.x) * kInwards, end.y + (middle.y - end.y) * kDown};
+    const Vector2f level = {middle.x + (end.x - middle.x) * kLevel, middle.y};
+    if (fromEnd) {
+        appendBezier(contour, end, down, level, middle);
+    } else {
+        appendBezier(contour, middle, level, down, end);
+    }
 }
 
 /// Fills every pixel whose centre the contour encloses: a crescent has two horns on its upper rows, and the
@@ -58,10 +73,10 @@ void fillInside(PlaneView<Byte> plane, const std::vector<Vector2f>& contour) {
 void drawUnderEyeShape(PlaneView<Byte> plane, const UnderEyeShape& shape) {
     const Vector2f lower = {shape.middle.x, shape.middle.y + static_cast<float>(shape.band)};
     std::vector<Vector2f> contour;
-    appendHalf(contour, shape.outerEnd, shape.middle, true);
-    appendHalf(contour, shape.middle, shape.innerEnd, false);
-    appendHalf(contour, shape.innerEnd, lower, true);
-    appendHalf(contour, lower, shape.outerEnd, false);
+    appendUpperHalf(contour, shape.outerEnd, shape.middle, true);
+    appendUpperHalf(contour, shape.innerEnd, shape.middle, false);
+    appendLowerHalf(contour, shape.innerEnd, lower, true);
+    appendLowerHalf(contour, shape.outerEnd, lower, false);
     const bool finite = std::all_of(contour.begin(), contour.end(),
                                     [](Vector2f p) { return std::isfinite(p.x) && std::isfinite(p.y); });
     if (finite) fillInside(plane, contour);

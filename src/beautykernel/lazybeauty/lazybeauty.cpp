@@ -71,7 +71,9 @@ FaceData scaledFace(const FaceData& face, float scale) {
 }
 
 SpotBox spotBoxOf(const FaceData* face) {
-    if (!face) return {};
+    // A box of no size is no box to the repair; its sides may lie too far apart to subtract.
+    if (!face || face->left < 0 || face->top < 0 || face->right <= face->left || face->bottom <= face->top)
+        return {};
     return {face->left, face->top, face->right - face->left, face->bottom - face->top};
 }
 

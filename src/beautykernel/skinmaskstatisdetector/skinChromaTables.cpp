@@ -17,8 +17,11 @@ struct Blob {
     float softness;             // width of the border as a share of the axes
 };
 
-constexpr Blob kBlob = {2.0f, 0.0f, 27.0f, 18.0f, 40.0f, 0.45f};
-constexpr Blob kBlobAlt = {-2.0f, 0.0f, 27.0f, 18.0f, 40.0f, 0.45f};
+/// Fitted on synthetic portraits of all skin tones: shaded skin and the rims of a face fall towards grey (Cb
+/// up, Cr down), so the blob reaches farther to that side than beyond the colour of lit skin. Wider blobs
+/// take in little more skin, and wooden walls and brown hair around dark skin.
+constexpr Blob kBlob = {4.5f, 0.5f, 14.6f, 7.2f, 47.0f, 0.42f};
+constexpr Blob kBlobAlt = {1.5f, 1.5f, 14.5f, 7.8f, 47.0f, 0.42f};
 
 constexpr int kCentreRow = 35, kCentreColumn = 25;
 

@@ -1,32 +1,12 @@
 #include "beautykernel/skintools/shadowPlane.h"
 
 #include <algorithm>
-#include <array>
 
+#include "beautykernel/skintools/shadowTable.h"
 #include "zellab/imageproc/pixelMath.h"
 #include "zellab/imageproc/stackBlur.h"
 
 namespace zellab {
-
-namespace {
-
-/// Weight of a shadow by its high pass: measured values, without a formula.
-constexpr std::array<Byte, 256> kShadowWeight = {
-    255, 255, 255, 255, 255, 255, 255, 255, 255, 255, 255, 255, 255, 255, 255, 255, 255, 255, 255, 255,
-    255, 255, 255, 255, 255, 255, 255, 255, 255, 255, 255, 255, 255, 255, 255, 255, 255, 255, 255, 255,
-    255, 255, 255, 255, 255, 255, 255, 255, 255, 255, 255, 255, 255, 255, 255, 255, 255, 255, 255, 255,
-    255, 255, 255, 255, 255, 255, 255, 255, 255, 255, 255, 255, 254, 254, 254, 254, 254, 253, 253, 253,
-    253, 252, 252, 252, 251, 251, 250, 250, 249, 248, 248, 247, 246, 246, 245, 244, 243, 242, 240, 240,
-    238, 236, 235, 233, 232, 229, 227, 225, 223, 220, 218, 215, 211, 208, 205, 201, 197, 193, 188, 183,
-    180, 175, 169, 162, 157, 150, 143, 135, 120, 112, 105, 98,  93,  86,  80,  75,  72,  67,  62,  58,
-    54,  50,  47,  44,  40,  37,  35,  32,  30,  28,  26,  23,  22,  20,  19,  17,  15,  15,  13,  12,
-    11,  10,  9,   9,   8,   7,   7,   6,   5,   5,   4,   4,   3,   3,   3,   2,   2,   2,   2,   1,
-    1,   1,   1,   1,   0,   0,   0,   0,   0,   0,   0,   0,   0,   0,   0,   0,   0,   0,   0,   0,
-    0,   0,   0,   0,   0,   0,   0,   0,   0,   0,   0,   0,   0,   0,   0,   0,   0,   0,   0,   0,
-    0,   0,   0,   0,   0,   0,   0,   0,   0,   0,   0,   0,   0,   0,   0,   0,   0,   0,   0,   0,
-    0,   0,   0,   0,   0,   0,   0,   0,   0,   0,   0,   0,   0,   0,   0,   0};
-
-}  // namespace
 
 Plane<Byte> overlayLightness(ConstImageView image, const OverlayTable& overlay, LightnessOf channels) {
     const std::size_t other = channels == LightnessOf::greenAndBlue ? 2 : 1;

@@ -1,32 +1,28 @@
-#include "zellab/imageproc/cubicSample.h"
-
 #include <emmintrin.h>
 
 #include <algorithm>
 #include <cstring>
 
+#include "zellab/imageproc/cubicSampleLanes.h"
+
 namespace zellab {
+
+namespace cubic {
 
 namespace {
 
 constexpr int kBlock = 4;  // positions per vector
-constexpr int kTaps = 4;
-
-/// Integer positions and weights of four samples along one axis.
-struct AxisTaps {
-    alignas(16) std::int32_t base[kBlock];
-    alignas(16) float weights[kTaps][kBlock];
-};
+using Taps = AxisTaps<kBlock>;
 
 /// The steps of CubicConvolutionWeights on four fractions.
-void axisTaps(const float* positions, int size, AxisTaps& taps) {
+void axisTaps(const float* positions, int size, Taps& taps) {
     __m128 p = _mm_loadu_ps(positions);
     p = _mm_and_ps(p, _mm_cmpgt_ps(p, _mm_set1_ps(-1.0f)));
     const __m128 above = _mm_cmpge_ps(p, _mm_set1_ps(static_cast<float>(size)));
     const __m128 last = _mm_set1_ps(static_cast<float>(size - 1));
     p = _mm_or_ps(_mm_and_ps(above, last), _mm_andnot_ps(above, p));
     const __m128i base = _mm_cvttps_epi32(p);
-    _mm_store_si128(reinterpret_cast<__m128i*>(taps.base), base);
+    _mm_store_si128(reinterpret_cast<__m128i*>(taps.base), _mm_sub_epi32(base, _mm_set1_epi32(1)));
 
     const __m128 one = _mm_set1_ps(1.0f);
     const __m128 f = _mm_sub_ps(p, _mm_cvtepi32_ps(base));
@@ -75,8 +71,8 @@ void storeColour(__m128 sum, Byte* out) {
     std::memcpy(out, &pixel, 4);
 }
 
-void samplePixel(const ConstImageView& window, int x, int y, const AxisTaps& columns, const AxisTaps& rows,
-                 int lane, Byte* out) {
+void samplePixel(const ConstImageView& window, int x, int y, const Taps& columns, const Taps& rows, int lane,
+                 Byte* out) {
     __m128 columnWeights[kTaps];
     for (int tap = 0; tap < kTaps; ++tap) columnWeights[tap] = _mm_set1_ps(columns.weights[tap][lane]);
     const bool within = x >= 0 && y >= 0 && x + kTaps <= window.width && y + kTaps <= window.height;
@@ -92,17 +88,17 @@ void samplePixel(const ConstImageView& window, int x, int y, const AxisTaps& col
 }
 
 void sampleBlock(const CubicSource& source, const float* x, const float* y, int count, Byte* out) {
-    AxisTaps columns, rows;
+    Taps columns, rows;
     axisTaps(x, source.imageWidth, columns);
     axisTaps(y, source.imageHeight, rows);
     for (int i = 0; i < count; ++i)
-        samplePixel(source.pixels, columns.base[i] - 1 - source.left, rows.base[i] - 1 - source.top, columns,
-                    rows, i, out + 4 * i);
+        samplePixel(source.pixels, columns.base[i] - source.left, rows.base[i] - source.top, columns, rows, i,
+                    out + 4 * i);
 }
 
 }  // namespace
 
-void sampleCubicRun(const CubicSource& source, const float* x, const float* y, int count, Byte* out) {
+void sampleRunBaseline(const CubicSource& source, const float* x, const float* y, int count, Byte* out) {
     int i = 0;
     for (; i + kBlock <= count; i += kBlock)
         sampleBlock(source, x + i, y + i, kBlock, out + std::ptrdiff_t{4} * i);
@@ -111,6 +107,16 @@ void sampleCubicRun(const CubicSource& source, const float* x, const float* y, i
     std::copy(x + i, x + count, restX);
     std::copy(y + i, y + count, restY);
     sampleBlock(source, restX, restY, count - i, out + std::ptrdiff_t{4} * i);
+}
+
+}  // namespace cubic
+
+void sampleCubicRun(const CubicSource& source, const float* x, const float* y, int count, Byte* out) {
+    if (source.level == platform::SimdLevel::avx2) {
+        cubic::sampleRunAvx2(source, x, y, count, out);
+    } else {
+        cubic::sampleRunBaseline(source, x, y, count, out);
+    }
 }
 
 }  // namespace zellab

@@ -1,14 +1,16 @@
 #pragma once
 
+#include "platform/simdLevel.h"
 #include "zellab/imageproc/imageView.h"
 
 namespace zellab {
 
 /// Pixels that a warp reads: a window on a picture, or a copy of one.
 struct CubicSource {
-    ConstImageView pixels;                // the window
-    int left = 0, top = 0;                // its place in the picture
-    int imageWidth = 0, imageHeight = 0;  // size of the whole picture
+    ConstImageView pixels;                              // the window
+    int left = 0, top = 0;                              // its place in the picture
+    int imageWidth = 0, imageHeight = 0;                // size of the whole picture
+    platform::SimdLevel level = platform::simdLevel();  // asked for on the caller's thread
 };
 
 /// Bicubic samples (CubicConvolutionWeights, 4 by 4 taps) for a run of pixels of one row.

@@ -26,4 +26,7 @@ bool MaxFilterBrute(unsigned char* pixels, int width, int height, int rowBytes, 
 /// Pixels that stay keep their value, the rest become 0.
 void ThinMask(unsigned char* plane, int width, int height);
 
+/// That many rounds of the same: each takes a pixel off all around where that tears nothing.
+void thinMaskRounds(unsigned char* plane, int width, int height, int rounds);
+
 }  // namespace zellab

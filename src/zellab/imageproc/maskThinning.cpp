@@ -1,4 +1,5 @@
 #include <array>
+#include <limits>
 #include <vector>
 
 #include "zellab/imageproc/imageView.h"
@@ -51,9 +52,9 @@ public:
             for (int x = 0; x < plane.width; ++x) at(x, y) = plane.row(y)[x] ? kSet : 0;
     }
 
-    void run() {
+    void run(int rounds) {
         queueRims();
-        while (!m_queue.empty()) {
+        for (; !m_queue.empty() && rounds > 0; --rounds) {
             std::vector<Byte*> next;
             removeIn(1, next);
             removeIn(2, next);
@@ -114,8 +115,12 @@ private:
 }  // namespace
 
 void ThinMask(unsigned char* plane, int width, int height) {
+    thinMaskRounds(plane, width, height, std::numeric_limits<int>::max());
+}
+
+void thinMaskRounds(unsigned char* plane, int width, int height, int rounds) {
     if (!plane || width <= 0 || height <= 0) return;
-    Thinner(PlaneView<Byte>(plane, width, height)).run();
+    Thinner(PlaneView<Byte>(plane, width, height)).run(rounds);
 }
 
 }  // namespace zellab

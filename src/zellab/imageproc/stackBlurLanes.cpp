@@ -49,12 +49,12 @@ struct WideDivider {
 template <typename Sum, typename Divider>
 class PlainLanes final : public LaneBlur {
 public:
-    explicit PlainLanes(const LaneBlurSpec& spec)
-        : m_groups(static_cast<std::size_t>(spec.groups)),
-          m_divider(std::int64_t{spec.radius} + 1),
-          m_radius(spec.radius) {
+    explicit PlainLanes(const LaneBlurSpec& settings)
+        : m_groups(static_cast<std::size_t>(settings.groups)),
+          m_divider(std::int64_t{settings.radius} + 1),
+          m_radius(settings.radius) {
         for (int lane = 0; lane < kLaneGroup; ++lane)
-            m_kept[lane] = spec.keepAlpha && lane % 4 == 3 ? 255 : 0;
+            m_kept[lane] = settings.keepAlpha && lane % 4 == 3 ? 255 : 0;
     }
 
     void begin(const std::vector<const Byte*>& first) override {
@@ -125,16 +125,16 @@ float reciprocalFromBelow(int reach) {
     return static_cast<float>((1.0 - 0x1p-21) / (static_cast<double>(reach) * reach));
 }
 
-std::unique_ptr<LaneBlur> makeLaneBlur(const LaneBlurSpec& spec) {
+std::unique_ptr<LaneBlur> makeLaneBlur(const LaneBlurSpec& settings) {
     // Compared before 1 is added, which the largest radius would not survive.
-    if (spec.radius >= kLast64BitReach)
-        return std::make_unique<PlainLanes<Int128, WideDivider<Int128>>>(spec);
-    if (spec.radius >= kLast32BitReach)
-        return std::make_unique<PlainLanes<std::int64_t, WideDivider<std::int64_t>>>(spec);
-    if (spec.simd >= platform::SimdLevel::avx2) return makeAvx2LaneBlur(spec);
-    if (spec.radius >= kLastSingleReach)
-        return std::make_unique<PlainLanes<std::int32_t, CorrectedDivider>>(spec);
-    return std::make_unique<PlainLanes<std::int32_t, SingleDivider>>(spec);
+    if (settings.radius >= kLast64BitReach)
+        return std::make_unique<PlainLanes<Int128, WideDivider<Int128>>>(settings);
+    if (settings.radius >= kLast32BitReach)
+        return std::make_unique<PlainLanes<std::int64_t, WideDivider<std::int64_t>>>(settings);
+    if (settings.simd >= platform::SimdLevel::avx2) return makeAvx2LaneBlur(settings);
+    if (settings.radius >= kLastSingleReach)
+        return std::make_unique<PlainLanes<std::int32_t, CorrectedDivider>>(settings);
+    return std::make_unique<PlainLanes<std::int32_t, SingleDivider>>(settings);
 }
 
 }  // namespace zellab

@@ -49,7 +49,7 @@ struct LaneBlurSpec {
     bool keepAlpha = false;  // every fourth line passes as it is
     platform::SimdLevel simd = platform::SimdLevel::baseline;
 };
-std::unique_ptr<LaneBlur> makeLaneBlur(const LaneBlurSpec& spec);
+std::unique_ptr<LaneBlur> makeLaneBlur(const LaneBlurSpec& settings);
 
 /// Up to this radius + 1 the sum times a reciprocal in single precision, truncated, is the exact quotient.
 /// The reciprocal c of d = (radius + 1)^2 is rounded up, so c = (1 + e) / d with 0 <= e < 2^-23. For a
@@ -69,6 +69,6 @@ float reciprocalFromAbove(int reach);
 /// multiplication: the truncated product is the quotient or one less.
 float reciprocalFromBelow(int reach);
 
-std::unique_ptr<LaneBlur> makeAvx2LaneBlur(const LaneBlurSpec& spec);
+std::unique_ptr<LaneBlur> makeAvx2LaneBlur(const LaneBlurSpec& settings);
 
 }  // namespace zellab

@@ -83,12 +83,12 @@ ZEL_TARGET_AVX2 inline Sums divide(const Sums& sums, __m256 reciprocal, __m256i 
 template <bool kCorrected>
 class Avx2Lanes final : public LaneBlur {
 public:
-    explicit Avx2Lanes(const LaneBlurSpec& spec)
-        : m_groups(static_cast<std::size_t>(spec.groups)),
-          m_radius(spec.radius),
-          m_reciprocal(kCorrected ? reciprocalFromBelow(spec.radius + 1)
-                                  : reciprocalFromAbove(spec.radius + 1)),
-          m_kept(spec.keepAlpha ? static_cast<std::int32_t>(0xff000000u) : 0) {}
+    explicit Avx2Lanes(const LaneBlurSpec& settings)
+        : m_groups(static_cast<std::size_t>(settings.groups)),
+          m_radius(settings.radius),
+          m_reciprocal(kCorrected ? reciprocalFromBelow(settings.radius + 1)
+                                  : reciprocalFromAbove(settings.radius + 1)),
+          m_kept(settings.keepAlpha ? static_cast<std::int32_t>(0xff000000u) : 0) {}
 
     void begin(const std::vector<const Byte*>& first) override {
         for (std::size_t g = 0; g < m_groups.size(); ++g) beginGroup(m_groups[g], first, g * kLaneGroup);
@@ -159,9 +159,9 @@ private:
 
 }  // namespace
 
-std::unique_ptr<LaneBlur> makeAvx2LaneBlur(const LaneBlurSpec& spec) {
-    if (spec.radius >= kLastSingleReach) return std::make_unique<Avx2Lanes<true>>(spec);
-    return std::make_unique<Avx2Lanes<false>>(spec);
+std::unique_ptr<LaneBlur> makeAvx2LaneBlur(const LaneBlurSpec& settings) {
+    if (settings.radius >= kLastSingleReach) return std::make_unique<Avx2Lanes<true>>(settings);
+    return std::make_unique<Avx2Lanes<false>>(settings);
 }
 
 }  // namespace zellab

@@ -82,7 +82,9 @@ TEST(ColorCubeMatchesSlow, OnRandomCubesOfBothSizes) {
         for (int i = 0; i < 256; ++i) ramp.insert(ramp.end(), {byte(i), byte(i), byte(i), byte(i / 2)});
         return ramp;
     }();
-    for (const auto& [steps, extreme] : {std::pair{16, false}, {16, true}, {64, false}}) {
+    for (const auto& shape : {std::pair{16, false}, {16, true}, {64, false}}) {
+        const int steps = shape.first;
+        const bool extreme = shape.second;
         const int side = steps == 16 ? 64 : 512;
         Bytes cube = zeltest::randomRgba(side, side, 42);
         if (extreme)  // the widest differences that sums have to hold

@@ -114,6 +114,7 @@ void CLiquify::applyPath(int x1, int y1, int x2, int y2) {
 void CLiquify::prepare(const Area& field, const Area& snapshot) {
     m_fieldArea = field;
     m_field = Plane<Vector2f>(field.width, field.height);
+    m_fieldEmpty = true;
     m_snapshotArea = snapshot;
     m_snapshot.resize(sampleCount(snapshot.width, snapshot.height, ImageView::kChannels));
     const ImageView copy(m_snapshot.data(), snapshot.width, snapshot.height);
@@ -156,6 +157,7 @@ void CLiquify::runStep(const Step& step) {
                     m_field.view().row(row.y - m_fieldArea.top) + row.left - m_fieldArea.left);
         made += row.width;
     }
+    m_fieldEmpty = false;
 }
 
 void CLiquify::runStepRow(const Step& step, int y, int left, int width, Vector2f* out) const {
@@ -183,6 +185,7 @@ Vector2f CLiquify::displaced(const Step& step, int dx, int dy, float falloff) co
         return {u.x * keep, u.y * keep};
     }
     const Vector2f d = change(step, dx, dy, falloff);
+    if (m_fieldEmpty) return keptInside(d, x, y);
     const Vector2f b = fieldAt(cellX + d.x, cellY + d.y);
     return keptInside({b.x + d.x, b.y + d.y}, x, y);
 }

@@ -69,7 +69,8 @@ private:
     float m_strokeStrength = 0.3f;  // absolute strength of the stroke under way
     int m_mode = 2;
     Area m_fieldArea;
-    Plane<Vector2f> m_field;            // displacements in pixels
+    Plane<Vector2f> m_field;  // displacements in pixels
+    bool m_fieldEmpty = true;
     std::vector<Vector2f> m_stepField;  // what the step under way writes, row by row of its disc
     Area m_snapshotArea;
     std::vector<Byte> m_snapshot;  // RGBA before the stroke

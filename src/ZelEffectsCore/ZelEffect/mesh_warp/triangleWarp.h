@@ -4,9 +4,9 @@
 #include <cstdint>
 #include <vector>
 
-#include "ZelEffectsCore/ZelEffect/mesh_warp/linearSolve.h"
 #include "frame/zel_records.h"
 #include "zellab/imageproc/imageView.h"
+#include "zellab/imageproc/linearSolve.h"
 
 namespace zellab {
 

@@ -5,8 +5,8 @@
 #include <random>
 
 #include "ZelEffectsCore/ZelEffect/mesh_warp/curveTools.h"
-#include "ZelEffectsCore/ZelEffect/mesh_warp/linearSolve.h"
 #include "ZelEffectsCore/ZelEffect/mesh_warp/pointDeform.h"
+#include "zellab/imageproc/linearSolve.h"
 
 namespace {
 

@@ -1,4 +1,4 @@
-#include "ZelEffectsCore/ZelEffect/mesh_warp/linearSolve.h"
+#include "zellab/imageproc/linearSolve.h"
 
 #include <algorithm>
 #include <cmath>

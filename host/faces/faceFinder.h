@@ -1,0 +1,18 @@
+#pragma once
+
+#include <string>
+
+#include "faceDetector.h"
+#include "faces.h"
+#include "image.h"
+
+namespace zel {
+
+/// Finds faces and fits their landmarks; the largest face comes first. Each thread needs a detector of its
+/// own.
+FaceSet findFaces(const Image& image, FaceDetector& detector);
+
+/// "2 faces found (confidence 0.91, 0.78)".
+std::string describeFaces(const FaceSet& found);
+
+}  // namespace zel

@@ -1,0 +1,85 @@
+#include <algorithm>
+#include <vector>
+
+#include "beautykernel/facefleckcleaner/faceFleckCleaner.h"
+#include "beautykernel/facefleckcleaner/fineFleckCleaner.h"
+#include "beautykernel/skinmaskstatisdetector/skinMaskManager.h"
+#include "frame/zel_effects.h"
+#include "zellab/imageproc/floatToInt.h"
+#include "zellab/imageproc/imageView.h"
+#include "zellab/imageproc/parallelRows.h"
+#include "zellab/imageproc/yCbCr.h"
+
+namespace ZelImageCore {
+
+namespace {
+
+using zelbeauty::SkinFaceRecord;
+using zelbeauty::SkinMaskManager;
+
+constexpr int kFleckMethod = 0, kFineMethod = 1;
+constexpr int kAllParts = 15;  // brows, eyes, nose and mouth are marked in the skin map
+
+SkinFaceRecord recordOf(const CGRect& rect, const zellab::Vector2f* points, int pointCount, int width,
+                        int height) {
+    const auto limit = [](float position, int size) {
+        return std::clamp(zellab::truncateToInt(position), 0, size - 1);
+    };
+    SkinFaceRecord record;
+    record.left = limit(rect.x, width);
+    record.right = limit(rect.x + rect.width, width);
+    record.top = limit(rect.y, height);
+    record.bottom = limit(rect.y + rect.height, height);
+    std::copy_n(points, zellab::CInterFacePoint::kBlockPoints, record.points);
+    record.pointCount = pointCount;
+    return record;
+}
+
+void detectSkin(SkinMaskManager& skin, unsigned char* image, int width, int height,
+                const SkinFaceRecord& face) {
+    const std::size_t pixels = zellab::sampleCount(width, height);
+    std::vector<unsigned char> planes(3 * pixels);
+    unsigned char *y = planes.data(), *cb = y + pixels, *cr = cb + pixels;
+    zellab::RGBAToYCbCrPlanes(image, y, cb, cr, static_cast<int>(pixels));
+    skin.DetectSkin(y, cb, cr, width, height, 1, &face, kAllParts, false);
+}
+
+/// Clears the map where the caller's plane is 0, and hands it back through that plane.
+void narrow(unsigned char* map, unsigned char* callersMask, int width, int height) {
+    const zellab::PlaneView<unsigned char> from(map, width, height), to(callersMask, width, height);
+    zellab::parallelRows(height, [&](int begin, int end) {
+        for (int y = begin; y < end; ++y) {
+            unsigned char *m = from.row(y), *c = to.row(y);
+            for (int x = 0; x < width; ++x) c[x] = m[x] = c[x] ? m[x] : static_cast<unsigned char>(0);
+        }
+    });
+}
+
+}  // namespace
+
+void TableSkin::ImageProcessWithAutoFaceInpaint(unsigned char* image, unsigned char* skinMask, int width,
+                                                int height, CGRect& faceRect, void* points, int faceIndex,
+                                                int method) {
+    constexpr float kLeastSize = 0.001f;  // of a fleck and of a mole, as a share of the face
+    if (!image || !points || width < 1 || height < 1 || !(faceRect.width > 0.0f) || !(faceRect.height > 0.0f))
+        return;
+    const auto* faces = static_cast<const zellab::CInterFacePoint*>(points);
+    const zellab::Vector2f* facePoints =
+        faces->GetInterPoints(zellab::clampFaceIndex(faceIndex, faces->GetFaceCount()));
+    if (!facePoints) return;
+
+    const SkinFaceRecord face = recordOf(faceRect, facePoints, faces->GetInterPointCount(), width, height);
+    SkinMaskManager skin(0);
+    detectSkin(skin, image, width, height, face);
+    unsigned char* map = skin.GetSkinMask();
+    if (skinMask) narrow(map, skinMask, width, height);
+    if (method == kFleckMethod) {
+        zellab::FaceFleckCleaner().CleanFace(image, width, height, map, 1, &face, nullptr, 0);
+    } else if (method == kFineMethod) {
+        zellab::FineFleckCleaner cleaner;
+        cleaner.setStages(true, false, false);
+        cleaner.Run(image, width, height, map, 1, &face, 0, kLeastSize, kLeastSize, nullptr);
+    }
+}
+
+}  // namespace ZelImageCore

@@ -1,0 +1,260 @@
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+
+#include "beautykernel/blackeyecleaner/circleTables.h"
+#include "beautykernel/blackeyecleaner/underEyeShape.h"
+#include "frame/zel_effects.h"
+#include "support/guardedBuffer.h"
+#include "support/randomImage.h"
+#include "support/standardFace.h"
+#include "support/streamCapture.h"
+
+namespace {
+
+using ZelImageCore::TableSkin;
+using zeltest::Bytes;
+using zeltest::Landmarks;
+
+constexpr int kWidth = 300, kHeight = 320;
+const float kNaN = std::numeric_limits<float>::quiet_NaN();
+
+/// The face of the tests: 90 pixels between the pupils.
+Landmarks centredFace() {
+    return zeltest::standardFace(kWidth / 2.0f, 170.0f, 90.0f);
+}
+
+/// The same with equal halves.
+Landmarks evenFace() {
+    constexpr std::pair<std::size_t, std::size_t> kPairs[] = {
+        {0, 0},   {1, 10},  {2, 11},  {3, 12},  {4, 13},  {5, 14},  {6, 15},  {7, 16},  {8, 17},
+        {9, 18},  {19, 65}, {20, 66}, {21, 71}, {22, 69}, {23, 68}, {24, 70}, {25, 67}, {26, 72},
+        {27, 74}, {28, 73}, {29, 79}, {30, 78}, {31, 77}, {32, 76}, {33, 75}, {34, 82}, {35, 81},
+        {36, 80}, {37, 46}, {38, 38}, {39, 42}, {40, 43}, {41, 44}, {45, 45}, {47, 47}, {48, 51},
+        {49, 52}, {50, 53}, {54, 54}, {55, 59}, {56, 60}, {57, 61}, {58, 58}, {62, 63}, {64, 64}};
+    Landmarks face = centredFace();
+    for (const auto& [l, r] : kPairs) {
+        const float x = (face[l].x + kWidth - face[r].x) / 2, y = (face[l].y + face[r].y) / 2;
+        face[l] = {x, y};
+        face[r] = {kWidth - x, y};
+    }
+    return face;
+}
+
+/// Even skin with a brown shadow below each eye.
+Bytes shadowedSkin(const Landmarks& face) {
+    Bytes pixels(static_cast<std::size_t>(kWidth * kHeight) * 4, 77);
+    for (int y = 0; y < kHeight; ++y)
+        for (int x = 0; x < kWidth; ++x) {
+            float shadow = 0;
+            for (std::size_t lid : {std::size_t{19}, std::size_t{65}}) {
+                const float dx = (static_cast<float>(x) - face[lid].x) / 22.0f;
+                const float dy = (static_cast<float>(y) - face[lid].y - 10.0f) / 9.0f;
+                shadow = std::max(shadow, std::exp(-dx * dx - dy * dy));
+            }
+            const float skin[] = {205, 165, 140};
+            for (std::size_t c = 0; c < 3; ++c)
+                pixels[static_cast<std::size_t>(y * kWidth + x) * 4 + c] =
+                    static_cast<unsigned char>(std::lround(skin[c] - 50 * shadow));
+        }
+    return pixels;
+}
+
+CGRect faceBox() {
+    return {50, 60, 200, 220};
+}
+
+void remove(Bytes& pixels, const Landmarks& face, float strength, int method, CGRect rect = faceBox(),
+            int width = kWidth, int height = kHeight) {
+    zellab::CInterFacePoint points;
+    points.SetFaceCount(1);
+    points.AddFace(face.data(), 0);
+    TableSkin::ImageProcessWithAutoRemoveBlackCircle(pixels.data(), width, height, rect, &points, 0, strength,
+                                                     method);
+}
+
+/// Mean distance to the skin without a shadow, in a box below one lid.
+double darkness(const Bytes& pixels, const Landmarks& face, std::size_t lid) {
+    double sum = 0;
+    int count = 0;
+    for (int y = static_cast<int>(face[lid].y) + 4; y < static_cast<int>(face[lid].y) + 18; ++y)
+        for (int x = static_cast<int>(face[lid].x) - 14; x < static_cast<int>(face[lid].x) + 14; ++x, ++count)
+            sum += 165 - pixels[static_cast<std::size_t>(y * kWidth + x) * 4 + 1];
+    return sum / count;
+}
+
+TEST(UnderEyeShape, StaysInsideItsEndsAndTapers) {
+    zellab::Plane<zellab::Byte> plane(80, 50);
+    zellab::drawUnderEyeShape(plane.view(), {{10, 10}, {70, 10}, {40, 16}, 20});
+    const auto columnHeight = [&](int x) {
+        int n = 0;
+        for (int y = 0; y < 50; ++y) n += plane.view().row(y)[x] != 0;
+        return n;
+    };
+    EXPECT_NEAR(columnHeight(40), 20, 1);
+    EXPECT_LT(columnHeight(12), columnHeight(25));
+    for (int x : {0, 5, 9, 71, 79}) EXPECT_EQ(columnHeight(x), 0) << x;
+    for (int x = 0; x < 80; ++x) {
+        EXPECT_NEAR(columnHeight(x), columnHeight(80 - std::max(x, 1)), 2) << x;
+        for (int y : {0, 5, 9, 38, 49}) EXPECT_EQ(plane.view().row(y)[x], 0) << x << ',' << y;
+    }
+}
+
+TEST(UnderEyeShape, LeavesEverythingBesideThePlaneAlone) {
+    zeltest::GuardedBuffer buffer(20 * 10, 0);
+    const zellab::PlaneView<zellab::Byte> plane(buffer.data(), 20, 10);
+    zellab::drawUnderEyeShape(plane, {{-50, -20}, {90, 4}, {20, 30}, 200});
+    zellab::drawUnderEyeShape(plane, {{-1e9f, 0}, {1e9f, 0}, {0, 1e9f}, 5});
+    EXPECT_TRUE(buffer.guardsIntact());
+    std::fill_n(buffer.data(), buffer.size(), static_cast<unsigned char>(0));
+    zellab::drawUnderEyeShape(plane, {{kNaN, 2}, {15, 2}, {10, 4}, 4});
+    EXPECT_TRUE(buffer.allAre(0));
+}
+
+TEST(CircleTables, KeepTheirKnownValues) {
+    const auto& curve = zellab::circleCoreCurve();
+    const int first[] = {0, 1, 1, 2, 3, 3, 4, 5}, last[] = {250, 251, 252, 253, 253, 254, 254, 255};
+    for (std::size_t i = 0; i < 8; ++i) {
+        EXPECT_EQ(curve[i], first[i]) << i;
+        EXPECT_EQ(curve[248 + i], last[i]) << 248 + i;
+    }
+    EXPECT_TRUE(std::is_sorted(curve.begin(), curve.end()));
+    EXPECT_LT(curve[128], 128 - 30);  // slowly up to the middle
+    EXPECT_EQ(zellab::kPatchWeight[62], 0);
+    EXPECT_EQ(zellab::kPatchWeight[63], 1);
+    EXPECT_EQ(zellab::kPatchWeight[128], 128);
+    EXPECT_TRUE(std::is_sorted(zellab::kPatchWeight.begin(), zellab::kPatchWeight.end()));
+}
+
+TEST(DarkCircles, FadeByStrengthUnderBothEyesAlike) {
+    const Landmarks face = centredFace();
+    const Bytes before = shadowedSkin(face);
+    for (int method : {0, 1}) {
+        double last = 1e9;
+        for (float strength : {0.2f, 0.55f, 1.0f}) {
+            Bytes pixels = before;
+            remove(pixels, face, strength, method);
+            const double left = darkness(pixels, face, 19), right = darkness(pixels, face, 65);
+            EXPECT_LT(left, last) << method << ' ' << strength;
+            EXPECT_NEAR(left, right, 1.5) << method << ' ' << strength;
+            last = left;
+            for (std::size_t i = 3; i < pixels.size(); i += 4) ASSERT_EQ(pixels[i], 77);
+        }
+        EXPECT_LT(last, darkness(before, face, 19) * (method == 0 ? 0.75 : 0.5)) << method;
+    }
+}
+
+TEST(DarkCircles, AMirroredFaceGivesTheMirroredPicture) {
+    const Landmarks face = evenFace();
+    Bytes pixels = shadowedSkin(face);
+    remove(pixels, face, 1.0f, 0);
+    double difference = 0;
+    for (int y = 0; y < kHeight; ++y)
+        for (int x = 1; x < kWidth; ++x)
+            difference += std::abs(pixels[static_cast<std::size_t>(y * kWidth + x) * 4] -
+                                   pixels[static_cast<std::size_t>(y * kWidth + kWidth - x) * 4]);
+    const Bytes before = shadowedSkin(face);
+    double moved = 0;
+    for (std::size_t i = 0; i < pixels.size(); i += 4) moved += std::abs(pixels[i] - before[i]);
+    EXPECT_GT(moved, 1000);
+    EXPECT_LT(difference, moved * 0.1);
+}
+
+TEST(DarkCircles, NothingHappensWithoutStrengthOrMethod) {
+    const Landmarks face = centredFace();
+    const Bytes before = shadowedSkin(face);
+    zellab::CInterFacePoint points;
+    points.SetFaceCount(1);
+    points.AddFace(face.data(), 0);
+    Bytes pixels = before;
+    for (float strength : {0.0f, -1.0f, kNaN}) {
+        CGRect rect{-10, -20, 5000, 6000};
+        TableSkin::ImageProcessWithAutoRemoveBlackCircle(pixels.data(), kWidth, kHeight, rect, &points, 0,
+                                                         strength, 0);
+        EXPECT_EQ(rect.width, 5000) << "strength 0 leaves the rectangle as it is";
+    }
+    for (int method : {-1, 2, 99}) remove(pixels, face, 1.0f, method);
+    EXPECT_EQ(pixels, before);
+
+    CGRect rect{-10, 20, 5000, kNaN};
+    TableSkin::ImageProcessWithAutoRemoveBlackCircle(pixels.data(), kWidth, kHeight, rect, &points, 0, 1.0f,
+                                                     2);
+    EXPECT_EQ(rect.x, 0);
+    EXPECT_EQ(rect.y, 20);
+    EXPECT_EQ(rect.width, kWidth - 1);
+    EXPECT_EQ(rect.height, 0);
+}
+
+TEST(DarkCircles, AFaceSmallerThanItsEyesIsLogged) {
+    const Landmarks face = centredFace();
+    const Bytes before = shadowedSkin(face);
+    Bytes pixels = before;
+    std::string log;
+    {
+        zeltest::StreamCapture out(stdout);
+        zeltest::StreamCapture err(stderr);
+        remove(pixels, face, 1.0f, 0, {150, 150, 20, 10});
+        log = out.text() + err.text();
+    }
+    EXPECT_EQ(pixels, before);
+    EXPECT_NE(log.find("ERROR: invalidate face data eyePixelCount = "), std::string::npos) << log;
+    EXPECT_NE(log.find(" nFacePixelCount=200"), std::string::npos) << log;
+    EXPECT_NE(log.find("78"), std::string::npos) << log;
+    EXPECT_NE(log.find("blackeyecleaner"), std::string::npos) << log;
+}
+
+TEST(DarkCircles, EyesAtTheBorderAndBrokenLandmarksAreHarmless) {
+    Landmarks broken = centredFace();
+    for (std::size_t i = 19; i < 29; ++i) broken[i] = {kNaN, std::numeric_limits<float>::infinity()};
+    Landmarks allZero{};
+    for (int method : {0, 1}) {
+        for (float dx : {-110.0f, -250.0f, 130.0f, 1e7f})
+            for (float dy : {0.0f, -140.0f, 180.0f}) {
+                Landmarks face = centredFace();
+                for (auto& p : face) p.x += dx, p.y += dy;
+                Bytes pixels = zeltest::patternRgba(kWidth, kHeight, 3);
+                remove(pixels, face, 1.0f, method, {0, 0, kWidth, kHeight});
+            }
+        for (const Landmarks& face : {broken, allZero}) {
+            Bytes pixels = zeltest::patternRgba(kWidth, kHeight, 3);
+            remove(pixels, face, 1.0f, method);
+        }
+        for (const auto& [w, h] : {std::pair{1, 1}, {1, 40}, {40, 1}, {3, 3}}) {
+            zeltest::GuardedBuffer small(static_cast<std::size_t>(w * h) * 4, 50);
+            zellab::CInterFacePoint points;
+            points.SetFaceCount(1);
+            points.AddFace(centredFace().data(), 0);
+            CGRect rect = faceBox();
+            TableSkin::ImageProcessWithAutoRemoveBlackCircle(small.data(), w, h, rect, &points, 5, 1.0f,
+                                                             method);
+            EXPECT_TRUE(small.guardsIntact());
+        }
+    }
+}
+
+TEST(MarkedCircles, LightensWhatIsMarkedAndNothingFarAway) {
+    const Landmarks face = centredFace();
+    const Bytes before = shadowedSkin(face);
+    Bytes byMask = before, byRect = before;
+    Bytes mask(static_cast<std::size_t>(kWidth * kHeight), 0);
+    float rect[] = {face[19].x - 35, face[19].y - 15, 70, 50};
+    for (int y = static_cast<int>(face[19].y); y < static_cast<int>(face[19].y) + 20; ++y)
+        for (int x = static_cast<int>(face[19].x) - 22; x < static_cast<int>(face[19].x) + 22; ++x)
+            mask[static_cast<std::size_t>(y * kWidth + x)] = 255;
+    TableSkin::ImageProcessWithRemoveBlackCircle(byMask.data(), kWidth, kHeight, mask.data(), nullptr, 1);
+    TableSkin::ImageProcessWithRemoveBlackCircle(byRect.data(), kWidth, kHeight, nullptr, rect, 0);
+    for (const Bytes* after : {&byMask, &byRect}) {
+        EXPECT_LT(darkness(*after, face, 19), darkness(before, face, 19) * 0.8);
+        EXPECT_EQ(darkness(*after, face, 65), darkness(before, face, 65));
+    }
+    Bytes pixels = before;
+    float wild[] = {kNaN, 0, 1e30f, 5};
+    TableSkin::ImageProcessWithRemoveBlackCircle(pixels.data(), kWidth, kHeight, nullptr, wild, 0);
+    TableSkin::ImageProcessWithRemoveBlackCircle(pixels.data(), kWidth, kHeight, nullptr, nullptr, 0);
+    TableSkin::ImageProcessWithRemoveBlackCircle(pixels.data(), kWidth, kHeight, nullptr, nullptr, 1);
+    EXPECT_EQ(pixels, before);
+}
+
+}  // namespace

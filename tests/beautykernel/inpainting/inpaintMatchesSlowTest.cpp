@@ -1,0 +1,224 @@
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <cstdlib>
+#include <random>
+
+#include "beautykernel/inpainting/patchField.h"
+#include "beautykernel/inpainting/patchTables.h"
+#include "support/randomImage.h"
+#include "zellab/imageproc/edgeDetect.h"
+#include "zellab/imageproc/poisson/quietDonor.h"
+
+namespace {
+
+using namespace zellab;
+using zeltest::Bytes;
+
+int slowCost(int difference) {
+    const double d = difference / 256.0 / 0.117, full = 1 / 0.117;
+    return std::min(static_cast<int>(std::log(d * d + 1) / std::log(full * full + 1) * 65536), 65535);
+}
+
+/// A field of cells as a list of records; a pass walks the targets as it is told, step by step.
+struct SlowField {
+    struct Cell {
+        int sourceX = -1, sourceY = -1;
+        bool known = false, isSource = false;
+    };
+    int w, h;
+    Bytes& rgba;
+    std::vector<Cell> cells;
+    std::vector<int> targets, sources;
+
+    SlowField(Bytes& picture, const Bytes& mask, int width, int height)
+        : w(width), h(height), rgba(picture), cells(mask.size()) {
+        for (std::size_t i = 0; i < mask.size(); ++i) {
+            cells[i].known = cells[i].isSource = !mask[i];
+            (mask[i] ? targets : sources).push_back(static_cast<int>(i));
+        }
+    }
+    bool inside(int x, int y) const { return x >= 0 && x < w && y >= 0 && y < h; }
+    Cell& at(int x, int y) { return cells[static_cast<std::size_t>(y * w + x)]; }
+    int colour(int x, int y, int c) const { return rgba[static_cast<std::size_t>((y * w + x) * 4 + c)]; }
+
+    std::size_t pass(std::size_t count, int tries) {
+        std::size_t changes = 0;
+        for (std::size_t k = 0; k < count; ++k) {
+            const int tx = targets[k] % w, ty = targets[k] / w;
+            at(tx, ty).known = true;
+            std::vector<CellOffset> near;
+            for (const CellOffset o : kNeighbourOffsets)
+                if (near.size() < 16 && inside(tx + o.x, ty + o.y) && at(tx + o.x, ty + o.y).known)
+                    near.push_back(o);
+            int best = 655366, bestX = -1, bestY = -1;
+            const auto evaluate = [&](int cx, int cy) {
+                int sum = 0;
+                for (const CellOffset o : near) {
+                    int cost = 3 * 65535;
+                    if (inside(cx + o.x, cy + o.y) && at(cx + o.x, cy + o.y).isSource) {
+                        cost = 0;
+                        for (int c = 0; c < 3; ++c)
+                            cost += slowCost(colour(tx + o.x, ty + o.y, c) - colour(cx + o.x, cy + o.y, c));
+                    }
+                    sum += cost;
+                    if (sum >= best) return;
+                }
+                best = sum, bestX = cx, bestY = cy;
+            };
+            for (const CellOffset o : near) {
+                const Cell& n = at(tx + o.x, ty + o.y);
+                const int cx = n.sourceX - o.x, cy = n.sourceY - o.y;
+                if (n.sourceX >= 0 && inside(cx, cy) && at(cx, cy).isSource) evaluate(cx, cy);
+                if (best < 601) break;
+            }
+            for (int t = 0; t < tries && best >= 601 && !sources.empty(); ++t) {
+                const int s = sources[static_cast<std::size_t>(std::rand()) % sources.size()];
+                evaluate(s % w, s / w);
+            }
+            Cell& cell = at(tx, ty);
+            if (bestX < 0 || bestX == cell.sourceX || bestY == cell.sourceY) continue;
+            cell.sourceX = bestX, cell.sourceY = bestY;
+            ++changes;
+            for (int c = 0; c < 3; ++c)
+                rgba[static_cast<std::size_t>((ty * w + tx) * 4 + c)] =
+                    static_cast<Byte>(colour(bestX, bestY, c));
+        }
+        return changes;
+    }
+};
+
+TEST(PatchField, PassesMatchTheWalkBitForBit) {
+    for (unsigned seed = 1; seed <= 12; ++seed) {
+        const int w = 20 + static_cast<int>(seed), h = 17 + static_cast<int>(seed * 5 % 13);
+        Bytes fast = zeltest::patternRgba(w, h, seed), slow = fast;
+        Bytes mask = zeltest::randomPlane(w, h, seed + 50);
+        for (int y = 0; y < h; ++y)
+            for (int x = 0; x < w; ++x) {
+                Byte& m = mask[static_cast<std::size_t>(y * w + x)];
+                m = (x > 6 && x < 14 && y > 4 && y < 12) || m > 250;
+            }
+        PatchField field({fast.data(), w, h}, {mask.data(), w, h});
+        SlowField reference(slow, mask, w, h);
+        ASSERT_EQ(field.targetCount(), reference.targets.size());
+        for (const std::size_t share : {1u, 1u, 2u}) {
+            const std::size_t count = field.targetCount() / share;
+            std::srand(seed);
+            const std::size_t changes = field.runPass(count, 30);
+            std::srand(seed);
+            ASSERT_EQ(changes, reference.pass(count, 30)) << seed;
+        }
+        field.storeColours({fast.data(), w, h});
+        ASSERT_EQ(fast, slow) << seed;
+    }
+}
+
+/// The exchange as it is told, on single blocks: order of the blocks, roughness by plain means, donors.
+struct SlowExchange {
+    static constexpr int kSize = 9;
+    int w, h, columns = w / kSize, rows = h / kSize;
+    const Bytes& rgba;
+    const Bytes& mask;
+
+    std::size_t pixel(int x, int y) const { return static_cast<std::size_t>(y * w + x); }
+    bool isHole(int bx, int by) const {
+        for (int y = by * kSize; y < by * kSize + kSize; ++y)
+            for (int x = bx * kSize; x < bx * kSize + kSize; ++x)
+                if (mask[pixel(x, y)]) return true;
+        return false;
+    }
+    std::vector<std::pair<int, int>> order() const {
+        std::vector<std::pair<int, int>> list;
+        const auto append = [&](int bx, int by) {
+            if (bx < 0 || by < 0 || bx >= columns || by >= rows || !isHole(bx, by)) return;
+            if (std::find(list.begin(), list.end(), std::pair{bx, by}) == list.end())
+                list.push_back({bx, by});
+        };
+        for (int by = 0; by < rows; ++by)
+            for (int bx = 0; bx < columns; ++bx) {
+                int sum = 0;
+                for (int y = by; y < std::min(by + 3, rows); ++y)
+                    for (int x = bx; x < std::min(bx + 3, columns); ++x) sum += isHole(x, y) ? 255 : 0;
+                if (sum < 2295) append(bx, by);
+            }
+        for (std::size_t i = 0; i < list.size(); ++i) {
+            const auto [bx, by] = list[i];
+            append(bx + 1, by), append(bx, by + 1), append(bx - 1, by), append(bx, by - 1);
+        }
+        return list;
+    }
+    std::vector<long> roughness() const {
+        Bytes green(mask.size()), edges(mask.size());
+        for (std::size_t i = 0; i < green.size(); ++i) green[i] = rgba[4 * i + 1];
+        EdgeDetectCanny(green.data(), edges.data(), w, h, w, 0, 5, 10, false);
+        std::vector<long> sums(static_cast<std::size_t>(columns * rows));
+        for (int y = 0; y < rows * kSize; ++y)
+            for (int x = 0; x < columns * kSize; ++x) {
+                int sum = 0, count = 0;
+                for (int ny = std::max(y - 2, 0); ny < std::min(y + 4, h); ++ny)
+                    for (int nx = std::max(x - 2, 0); nx < std::min(x + 4, w); ++nx, ++count)
+                        sum += green[pixel(nx, ny)];
+                sums[static_cast<std::size_t>(y / kSize * columns + x / kSize)] +=
+                    edges[pixel(x, y)] > 128 ? 255 : std::abs(green[pixel(x, y)] - sum / count);
+            }
+        return sums;
+    }
+    void run(const GradientField& before, GradientField& after) const {
+        const std::vector<long> rough = roughness();
+        std::vector<int> usage(rough.size());
+        for (const auto& [bx, by] : order()) {
+            std::size_t best = static_cast<std::size_t>(by * columns + bx);
+            for (int y = by - 2; y <= by + 2; ++y)
+                for (int x = bx - 2; x <= bx + 2; ++x) {
+                    const auto b = static_cast<std::size_t>(std::clamp(y, 0, rows - 1) * columns +
+                                                            std::clamp(x, 0, columns - 1));
+                    if (rough[b] < rough[best] && usage[b] < 1) best = b;
+                }
+            ++usage[best];
+            const int dx = (static_cast<int>(best) % columns - bx) * kSize,
+                      dy = (static_cast<int>(best) / columns - by) * kSize;
+            for (std::size_t c = 0; c < 3; ++c) {
+                int sumX = 0, sumY = 0, count = 0;
+                for (const bool writes : {false, true})
+                    for (int y = by * kSize; y < by * kSize + kSize; ++y)
+                        for (int x = bx * kSize; x < bx * kSize + kSize; ++x) {
+                            if (!mask[pixel(x, y)]) continue;
+                            const auto& d = before.at(x + dx, y + dy);
+                            if (writes) {
+                                after.at(x, y).right[c] =
+                                    static_cast<std::int16_t>(d.right[c] - sumX / count);
+                                after.at(x, y).down[c] = static_cast<std::int16_t>(d.down[c] - sumY / count);
+                            } else {
+                                sumX += d.right[c], sumY += d.down[c], ++count;
+                            }
+                        }
+            }
+        }
+    }
+};
+
+TEST(QuietDonor, ExchangeMatchesTheSteps) {
+    for (unsigned seed = 1; seed <= 8; ++seed) {
+        const int w = 70 + static_cast<int>(seed) * 3, h = 64 + static_cast<int>(seed);
+        const Bytes rgba = zeltest::patternRgba(w, h, seed);
+        Bytes mask(static_cast<std::size_t>(w * h), 0), pixels = rgba;
+        for (int y = 10; y < 50; ++y)
+            for (int x = 14; x < 14 + static_cast<int>(seed) * 6; ++x)
+                mask[static_cast<std::size_t>(y * w + x)] = 255;
+        const ConstImageView view(pixels.data(), w, h);
+        GradientField fast(view), slow(view);
+        const GradientField before = slow;
+        quietDonorExchange(9)(view, {mask.data(), w, h}, fast);
+        SlowExchange{w, h, w / 9, h / 9, rgba, mask}.run(before, slow);
+        int exchanged = 0;
+        for (int y = 0; y < h; ++y)
+            for (int x = 0; x < w; ++x) {
+                ASSERT_EQ(fast.at(x, y).right, slow.at(x, y).right) << seed << ": " << x << ',' << y;
+                ASSERT_EQ(fast.at(x, y).down, slow.at(x, y).down) << seed << ": " << x << ',' << y;
+                exchanged += fast.at(x, y).right != before.at(x, y).right;
+            }
+        EXPECT_GT(exchanged, 100);
+    }
+}
+
+}  // namespace

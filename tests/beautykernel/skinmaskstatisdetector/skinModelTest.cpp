@@ -1,0 +1,138 @@
+#include <gtest/gtest.h>
+
+#include <cmath>
+
+#include "beautykernel/skinmaskstatisdetector/skinMaskManager.h"
+#include "beautykernel/skinmaskstatisdetector/skinMaskStatisDetector.h"
+#include "reference/slowSkinModel.h"
+#include "support/everyMachine.h"
+#include "support/streamCapture.h"
+
+namespace {
+
+using zelbeauty::SkinFaceRecord;
+using zelbeauty::SkinMaskManager;
+using zelbeauty::SkinMaskStatisDetector;
+using zeltest::Bytes;
+
+/// Planes around a skin colour, wide enough that every branch of the model is met.
+slow::SkinPlanes planesOf(int width, int height, unsigned seed, int y, int cb, int cr) {
+    slow::SkinPlanes p{width, height, zeltest::randomPlane(width, height, seed),
+                       zeltest::randomPlane(width, height, seed + 1),
+                       zeltest::randomPlane(width, height, seed + 2)};
+    for (std::size_t i = 0; i < p.y.size(); ++i) {
+        const bool face = i % static_cast<std::size_t>(width) > static_cast<std::size_t>(width) / 4;
+        p.y[i] = static_cast<unsigned char>(std::clamp(face ? y + p.y[i] / 5 - 25 : p.y[i], 0, 255));
+        p.cb[i] = static_cast<unsigned char>(std::clamp(cb + p.cb[i] / 4 - 32, 0, 255));
+        p.cr[i] = static_cast<unsigned char>(std::clamp(cr + p.cr[i] / 4 - 32, 0, 255));
+    }
+    return p;
+}
+
+SkinFaceRecord recordIn(int left, int top, int right, int bottom) {
+    SkinFaceRecord face;
+    face.left = left, face.top = top, face.right = right, face.bottom = bottom;
+    const auto w = static_cast<float>(right - left), h = static_cast<float>(bottom - top);
+    const auto at = [&](float u, float v) {
+        return zellab::Vector2f{static_cast<float>(left) + u * w + 0.7f,
+                                static_cast<float>(top) + v * h + 0.9f};
+    };
+    face.points[169] = at(0.3f, 0.35f), face.points[170] = at(0.7f, 0.36f), face.points[48] = at(0.5f, 0.65f);
+    return face;
+}
+
+/// Colours at the middle and at the rims of the chroma plane, dark and bright, boxes inside, at the edge and
+/// beyond it.
+TEST(SkinModelMatchesSlow, StatisticsAndMap) {
+    struct Colour {
+        int y, cb, cr;
+    };
+    const SkinFaceRecord faces[] = {recordIn(10, 8, 60, 70), recordIn(0, 0, 90, 80), recordIn(40, 30, 90, 80),
+                                    recordIn(-30, -20, 70, 60)};
+    unsigned seed = 1;
+    for (const Colour c : {Colour{180, 110, 150}, {90, 118, 143}, {225, 20, 240}, {60, 240, 12}})
+        for (const SkinFaceRecord& face : faces)
+            for (const bool alt : {false, true}) {
+                const slow::SkinPlanes p = planesOf(90, 80, seed += 3, c.y, c.cb, c.cr);
+                SCOPED_TRACE(testing::Message()
+                             << c.y << ' ' << c.cb << ' ' << c.cr << ", left " << face.left);
+                slow::FaceColour found;
+                SkinMaskStatisDetector::GetFaceColorYuv(p.y.data(), p.cb.data(), p.cr.data(), 90, 80, face,
+                                                        found.y, found.cb, found.cr, found.low, found.high);
+                const slow::FaceColour colour = slow::faceColour(p, face);
+                EXPECT_EQ((std::array{found.y, found.cb, found.cr, found.low, found.high}),
+                          (std::array{colour.y, colour.cb, colour.cr, colour.low, colour.high}));
+                ASSERT_GT(colour.low, 3);
+                const Bytes expected = slow::skinMap(p, colour, true, alt),
+                            faceless = slow::skinMap(p, slow::pictureColour(p), false, alt);
+                zeltest::onEveryMachine([&] {
+                    Bytes map(expected.size(), 1);
+                    const auto detect = [&](int count) {
+                        SkinMaskStatisDetector::Detect(p.y.data(), p.cb.data(), p.cr.data(), 90, 80,
+                                                       map.data(), count, &face, nullptr, nullptr, nullptr,
+                                                       alt);
+                    };
+                    detect(1);
+                    ASSERT_TRUE(zeltest::sameSamples(expected, map, 90));
+                    detect(0);
+                    ASSERT_TRUE(zeltest::sameSamples(faceless, map, 90));
+                });
+                ASSERT_FALSE(HasFailure());
+            }
+}
+
+/// The mean of the sure skin is the colour itself on a picture of one colour, and the fixed one without
+/// faces.
+TEST(SkinMaskManager, MeanColourAndFeatures) {
+    const int w = 120, h = 100;
+    const auto count = static_cast<std::size_t>(w * h);
+    const Bytes y(count, 150), cb(count, 112), cr(count, 147);
+    SkinFaceRecord face = recordIn(20, 10, 100, 90);
+    for (int i = 50; i < 80; ++i) {
+        const float angle = static_cast<float>(i) * 0.21f;
+        face.points[i] = {60 + 15 * std::cos(angle), 70 + 8 * std::sin(angle)};
+    }
+    SkinMaskManager manager(0);
+    EXPECT_EQ(manager.GetSkinMask(), nullptr);
+    manager.DetectSkin(y.data(), cb.data(), cr.data(), w, h, 1, &face, 8, false);
+    EXPECT_EQ((std::array<int, 3>{manager.meanY, manager.meanCb, manager.meanCr}),
+              (std::array{150, 112, 147}));
+    EXPECT_GT(manager.meanR, manager.meanG);
+    EXPECT_EQ(manager.GetSkinMask()[70 * w + 60], 100) << "the mouth";
+    EXPECT_GT(manager.GetSkinMask()[40 * w + 60], 230);
+    EXPECT_LT(manager.GetSmoothMask()[70 * w + 46], 230) << "the border of the mouth is soft";
+
+    SkinFaceRecord narrow = recordIn(55, 10, 65, 90);  // measured, but too narrow to be painted
+    std::copy_n(face.points + 50, 30, narrow.points + 50);
+    manager.DetectSkin(y.data(), cb.data(), cr.data(), w, h, 1, &narrow, 8, false);
+    EXPECT_GT(manager.GetSkinMask()[70 * w + 60], 230);
+    manager.DetectSkin(y.data(), cb.data(), cr.data(), w, h, 0, &face, 8, false);
+    EXPECT_EQ((std::array<int, 6>{manager.meanY, manager.meanCb, manager.meanCr, manager.meanR, manager.meanG,
+                                  manager.meanB}),
+              (std::array{139, 121, 143, 160, 130, 126}));
+}
+
+TEST(SkinMaskManager, HostileFacesAreContainedAndLogged) {
+    for (const auto& [w, h] : {zeltest::Size{1, 1}, {1, 900}, {900, 1}, {30, 20}}) {
+        const slow::SkinPlanes p = planesOf(w, h, 5, 100, 110, 150);
+        SkinFaceRecord faces[5] = {{},
+                                   recordIn(0, 0, 1, 1),
+                                   recordIn(-900, -900, 900, 900),
+                                   recordIn(w + 5, h + 5, w + 50, h + 50),
+                                   recordIn(0, 0, w, h)};
+        faces[4].points[48] = {NAN, INFINITY};
+        SkinMaskManager manager(0);
+        for (const SkinFaceRecord& face : faces)
+            manager.DetectSkin(p.y.data(), p.cb.data(), p.cr.data(), w, h, 1, &face, 15, true);
+        zeltest::StreamCapture log(stderr);
+        manager.DetectSkin(p.y.data(), p.cb.data(), p.cr.data(), w, h, 5, faces, 15, false);
+        EXPECT_NE(log.text().find("SkinMaskStatisDetector::GetFaceColorYuv:: Face Size is illegal!"),
+                  std::string::npos);
+        manager.DetectSkin(p.y.data(), p.cb.data(), p.cr.data(), w, h, 3, nullptr, 15, false);
+        manager.DetectSkin(nullptr, p.cb.data(), p.cr.data(), w, h, 1, faces, 15, false);
+        manager.DetectSkin(p.y.data(), p.cb.data(), p.cr.data(), 0, h, 1, faces, 15, false);
+        EXPECT_EQ(manager.GetSkinMask(), nullptr);
+    }
+}
+
+}  // namespace

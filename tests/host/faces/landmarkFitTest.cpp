@@ -1,0 +1,134 @@
+// The search for faces against portraits whose landmarks are known, drawn from seeds that the fit has not
+// seen.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+
+#include "faceFinder.h"
+#include "faceFrame.h"
+#include "landmarkModel.h"
+#include "support/randomImage.h"
+#include "variedPortrait.h"
+
+namespace {
+
+zel::Landmarks inPixels(const zel::Face& face, const zel::Image& image) {
+    zel::Landmarks points;
+    for (std::size_t i = 0; i < points.size(); ++i)
+        points[i] = {face.points[i].x * static_cast<float>(image.width),
+                     face.points[i].y * static_cast<float>(image.height)};
+    return points;
+}
+
+zel::FaceSet find(const zel::Image& image) {
+    zel::FaceDetector detector(zel::detectorFolder());
+    return zel::findFaces(image, detector);
+}
+
+zel::Image mirrored(const zel::Image& image) {
+    zel::Image result = image;
+    for (int y = 0; y < image.height; ++y)
+        for (int x = 0; x < image.width; ++x)
+            std::copy_n(image.rgba.begin() + 4 * (y * image.width + image.width - 1 - x), 4,
+                        result.rgba.begin() + 4 * (y * image.width + x));
+    return result;
+}
+
+TEST(LandmarkFit, FindsTheTrueLandmarksOfUnseenFaces) {
+    float sum = 0;
+    constexpr int kFaces = 6;
+    for (int i = 0; i < kFaces; ++i) {
+        const auto portrait =
+            zel::drawPortrait(zeltrain::variedPortrait(900u + static_cast<unsigned>(i), 200 + 60 * i));
+        const zel::FaceSet found = find(portrait.image);
+        ASSERT_EQ(found.faces.size(), 1u) << i;
+        EXPECT_GT(found.faces[0].confidence.value_or(0), 0.5f) << i;
+        const auto truth = inPixels(portrait.faces.faces[0], portrait.image);
+        const float error = zel::landmarkError(inPixels(found.faces[0], portrait.image), truth);
+        EXPECT_LT(error, 0.06f) << i;
+        sum += error;
+        // The rectangle is that of the same rule as the drawn one's.
+        for (std::size_t k = 0; k < 4; ++k)
+            EXPECT_NEAR(found.faces[0].rect[k], portrait.faces.faces[0].rect[k], 0.05f) << i << " " << k;
+    }
+    EXPECT_LT(sum / kFaces, 0.035f);
+}
+
+TEST(LandmarkFit, MirroredPictureGivesMirroredLandmarks) {
+    const auto portrait = zel::drawPortrait(zeltrain::variedPortrait(911, 300));
+    const zel::FaceSet found = find(portrait.image), other = find(mirrored(portrait.image));
+    ASSERT_EQ(found.faces.size(), 1u);
+    ASSERT_EQ(other.faces.size(), 1u);
+    zel::Landmarks back;
+    for (std::size_t i = 0; i < back.size(); ++i) {
+        const auto& p = other.faces[0].points[zel::mirrorOrder()[i]];
+        back[i] = {(1 - p.x) * static_cast<float>(portrait.image.width),
+                   p.y * static_cast<float>(portrait.image.height)};
+    }
+    EXPECT_LT(zel::landmarkError(back, inPixels(found.faces[0], portrait.image)), 0.03f);
+}
+
+TEST(LandmarkFit, TwoFacesComeLargestFirst) {
+    const auto small = zel::drawPortrait(zeltrain::variedPortrait(915, 200));
+    const auto large = zel::drawPortrait(zeltrain::variedPortrait(916, 420));
+    zel::Image both{small.image.width + large.image.width, 420, {}, {}, {}};
+    both.rgba.assign(static_cast<std::size_t>(both.width) * 420 * 4, 255);
+    const auto put = [&both](const zel::Image& part, int left) {
+        for (int y = 0; y < part.height; ++y)
+            std::copy_n(part.rgba.begin() + 4 * y * part.width, 4 * part.width,
+                        both.rgba.begin() + 4 * (y * both.width + left));
+    };
+    put(small.image, 0);
+    put(large.image, small.image.width);
+    const zel::FaceSet found = find(both);
+    ASSERT_EQ(found.faces.size(), 2u);
+    const auto first = inPixels(found.faces[0], both), second = inPixels(found.faces[1], both);
+    EXPECT_GT(zel::pupilDistance(first), zel::pupilDistance(second));
+    EXPECT_GT(first[64].x, static_cast<float>(small.image.width));
+    EXPECT_LT(second[64].x, static_cast<float>(small.image.width));
+}
+
+TEST(LandmarkFit, NoFaceIsSeenWhereThereIsNone) {
+    for (const int side : {1, 2, 7, 24, 40, 200}) {
+        const std::size_t bytes = static_cast<std::size_t>(side) * static_cast<std::size_t>(side) * 4;
+        const zel::Image flat{side, side, std::vector<unsigned char>(bytes, 128), {}, {}};
+        EXPECT_TRUE(find(flat).faces.empty()) << side;
+        const zel::Image noise{side, side, zeltest::randomBytes(bytes, 5), {}, {}};
+        EXPECT_TRUE(find(noise).faces.empty()) << side;
+    }
+    EXPECT_TRUE(find({1, 900, std::vector<unsigned char>(3600, 90), {}, {}}).faces.empty());
+    // A face that is transparent is not seen, whatever its hidden colours tell.
+    auto hidden = zel::drawPortrait(zeltrain::variedPortrait(911, 300)).image;
+    for (std::size_t i = 3; i < hidden.rgba.size(); i += 4) hidden.rgba[i] = 0;
+    EXPECT_TRUE(find(hidden).faces.empty());
+}
+
+TEST(LandmarkFit, AligningUndoesATurnScaleAndShift) {
+    const zel::Landmarks& mean = zel::landmarkModel().mean;
+    const zel::Similarity by{30, -12, 200, 90};
+    const zel::Similarity found = zel::aligning(mean, zel::moved(mean, by));
+    EXPECT_NEAR(found.a, by.a, 1e-3f);
+    EXPECT_NEAR(found.b, by.b, 1e-3f);
+    EXPECT_NEAR(found.shiftX, by.shiftX, 1e-2f);
+    EXPECT_LT(zel::landmarkError(zel::moved(zel::moved(mean, by), by.inverse()), mean), 1e-5f);
+    EXPECT_NEAR(zel::pupilDistance(mean), 1.0f, 1e-3f);
+}
+
+TEST(LandmarkFit, DamagedTableIsRefused) {
+    const char* const cut[] = {"0.5 0.25 -0.5"};
+    EXPECT_THROW(zel::decodeModel(cut, 1), std::runtime_error);
+    const char* const words[] = {"0.5 nonsense"};
+    EXPECT_THROW(zel::decodeModel(words, 1), std::runtime_error);
+}
+
+TEST(LandmarkFit, MissingDetectorDataNameTheirPackage) {
+    try {
+        const zel::FaceDetector detector("/nonexistent");
+        FAIL() << "a detector without data was made";
+    } catch (const zel::DetectorMissing& missing) {
+        EXPECT_NE(std::string(missing.what()).find("opencv-data"), std::string::npos);
+    }
+}
+
+}  // namespace
