@@ -177,7 +177,7 @@ FileMeta readPngMeta(std::span<const unsigned char> file) {
 
 std::vector<unsigned char> encodePng(const Image& image) {
     EncodeJob job{image.width, image.height, PNG_COLOR_TYPE_RGB_ALPHA, 8, image.exif, image.iccProfile, {}};
-    const std::size_t width = static_cast<std::size_t>(image.width);
+    const auto width = static_cast<std::size_t>(image.width);
     const auto source = [&](int y) { return image.rgba.data() + 4 * width * static_cast<std::size_t>(y); };
     if (!isOpaque(image)) {
         job.row = source;

@@ -2,6 +2,7 @@
 
 #include <filesystem>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "effect.h"
@@ -22,7 +23,7 @@ struct UserPath {
 /// A failure that names its file itself, where that is not the input at hand.
 class FileFailure : public Failure {
 public:
-    FileFailure(const std::string& file, const std::string& why) : Failure(why), m_file(file) {}
+    FileFailure(std::string file, const std::string& why) : Failure(why), m_file(std::move(file)) {}
     const std::string& file() const { return m_file; }
 
 private:

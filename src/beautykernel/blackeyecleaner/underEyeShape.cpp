@@ -60,7 +60,7 @@ void fillInside(PlaneView<Byte> plane, const std::vector<Vector2f>& contour) {
         }
         std::sort(crossings.begin(), crossings.end());
         for (std::size_t i = 0; i + 1 < crossings.size(); i += 2) {
-            const float width = static_cast<float>(plane.width);
+            const auto width = static_cast<float>(plane.width);
             const int first = static_cast<int>(std::ceil(std::clamp(crossings[i], 0.0f, width)));
             const int last = static_cast<int>(std::ceil(std::clamp(crossings[i + 1], 0.0f, width)));
             std::fill(plane.row(y) + first, plane.row(y) + std::max(first, last), Byte{255});

@@ -24,9 +24,10 @@ const std::array<std::int32_t, 512>& colourCost() {
             return std::log(std::pow(difference / kWidth, 2) + 1.0);
         };
         std::array<std::int32_t, 512> cost{};
-        for (int i = -256; i < 256; ++i)
-            cost[static_cast<std::size_t>(i + 256)] =
-                std::min(static_cast<std::int32_t>(robust(i / 256.0) / robust(1.0) * 65536.0), 65535);
+        for (std::size_t i = 0; i < cost.size(); ++i) {
+            const double difference = (static_cast<double>(i) - 256.0) / 256.0;
+            cost[i] = std::min(static_cast<std::int32_t>(robust(difference) / robust(1.0) * 65536.0), 65535);
+        }
         return cost;
     }();
     return kCost;
