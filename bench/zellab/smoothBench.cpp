@@ -4,6 +4,8 @@
 
 #include "peerThreads.h"
 #include "zellab/imageproc/domaintransform/domainTransform.h"
+#include "zellab/imageproc/guidedFilterColor.h"
+#include "zellab/imageproc/guidedFilterPlane.h"
 #include "zellab/imageproc/surfaceBlur.h"
 
 namespace {
@@ -67,6 +69,46 @@ void BM_opencvBilateral(benchmark::State& state, int radius) {
     run(state, 4, [&](auto&, Size) { cv::bilateralFilter(image, out, 2 * radius + 1, 10, radius); });
 }
 
+/// Variance up to which colours count as noise: 1 % of the whole range, squared levels for the peer.
+constexpr float kGuidedEpsilon = 0.01f;
+
+void BM_guidedFilter(benchmark::State& state, int radius) {
+    const zellab::GuidedFilterColor filter;
+    run(state, 4, [&](auto& pixels, Size size) {
+        filter.Run(pixels.data(), size.width, size.height, 1.0f, kGuidedEpsilon, 0.0f, radius, false);
+    });
+}
+
+/// The peer's guide has three channels; so has what it filters.
+void BM_opencvGuidedFilter(benchmark::State& state, int radius) {
+    const Size size = sizeOf(state.range(0));
+    std::vector<unsigned char> rgba = benchRgba(size);
+    cv::Mat image, out;
+    cv::cvtColor(matOf(rgba, size), image, cv::COLOR_RGBA2RGB);
+    run(state, 4, [&](auto&, Size) {
+        cv::ximgproc::guidedFilter(image, image, out, radius, kGuidedEpsilon * 255.0 * 255.0);
+    });
+}
+
+void BM_guidedPlane(benchmark::State& state) {
+    const std::vector<unsigned char> guide = benchRgba(sizeOf(state.range(0)));
+    run(state, 1, [&](auto& plane, Size size) {
+        zellab::GuidedFilterPlane(plane.data(), guide.data(), size.width, size.height, 2, kGuidedEpsilon,
+                                  4.0f);
+    });
+}
+
+/// The peer has no fast form: the same reach at full size.
+void BM_opencvGuidedPlane(benchmark::State& state) {
+    const Size size = sizeOf(state.range(0));
+    std::vector<unsigned char> rgba = benchRgba(size);
+    cv::Mat guide, out;
+    cv::cvtColor(matOf(rgba, size), guide, cv::COLOR_RGBA2RGB);
+    run(state, 1, [&](auto& plane, Size) {
+        cv::ximgproc::guidedFilter(guide, matOf(plane, size, 1), out, 8, kGuidedEpsilon * 255.0 * 255.0);
+    });
+}
+
 int registerAll() {
     const auto add = [](const std::string& name, auto function, auto... arguments) {
         sizesAndThreads(benchmark::RegisterBenchmark(name.c_str(), function, arguments...));
@@ -82,6 +124,13 @@ int registerAll() {
         add(group + "own", BM_surfaceBlur, radius);
         add(group + "opencv_bilateral", BM_opencvBilateral, radius);
     }
+    for (int radius : {2, 5, 20}) {
+        const std::string group = "guided_filter/radius_" + std::to_string(radius) + "/";
+        add(group + "own", BM_guidedFilter, radius);
+        add(group + "opencv", BM_opencvGuidedFilter, radius);
+    }
+    add("guided_plane/own", BM_guidedPlane);
+    add("guided_plane/opencv", BM_opencvGuidedPlane);
     return 0;
 }
 [[maybe_unused]] const int kRegistered = registerAll();

@@ -1,0 +1,188 @@
+#include <gtest/gtest.h>
+
+#include <climits>
+#include <cmath>
+#include <cstdlib>
+#include <limits>
+
+#include "reference/slowGuidedFilter.h"
+#include "support/everyWorkerAndLevel.h"
+#include "support/guardedBuffer.h"
+#include "support/randomImage.h"
+#include "zellab/imageproc/guidedFilterColor.h"
+#include "zellab/imageproc/guidedFilterPlane.h"
+
+namespace {
+
+using zeltest::Bytes;
+
+struct Floats {
+    float exponent, scale, factor;
+};
+
+Bytes filtered(Bytes rgba, int width, Floats f, int radius, bool smooth = false) {
+    static const zellab::GuidedFilterColor filter;
+    const int height = static_cast<int>(rgba.size()) / 4 / width;
+    filter.Run(rgba.data(), width, height, f.exponent, f.scale, f.factor, radius, smooth);
+    return rgba;
+}
+
+/// Largest distance of bytes 0 to 2; byte 3 of `out` must be 255.
+int distance(const Bytes& out, const Bytes& expected) {
+    int most = 0;
+    for (std::size_t i = 0; i < out.size(); ++i) {
+        if (i % 4 == 3)
+            EXPECT_EQ(out[i], 255);
+        else
+            most = std::max(most, std::abs(out[i] - expected[i]));
+    }
+    return most;
+}
+
+// The tables behind the roots have 2000 steps and the arithmetic is single: a level apart at most.
+TEST(GuidedFilterColor, MatchesTheDefinition) {
+    for (int radius : {0, 1, 3, 14})
+        for (const Floats f :
+             {Floats{1.0f, 0.01f, 0.2f}, Floats{0.5f, 0.3f, 0.0f}, Floats{2.0f, 0.001f, 1.6f}})
+            for (bool smooth : {false, true}) {
+                const Bytes noise = zeltest::randomRgba(19, 23, 3), pattern = zeltest::patternRgba(26, 21, 4);
+                const slow::GuidedFilter slowNoise(noise, 19, 23, radius),
+                    slowPattern(pattern, 26, 21, radius);
+                SCOPED_TRACE(testing::Message()
+                             << "radius " << radius << " exponent " << f.exponent << smooth);
+                EXPECT_LE(distance(filtered(noise, 19, f, radius, smooth),
+                                   slowNoise.run(f.exponent, f.scale, f.factor, smooth)),
+                          1);
+                EXPECT_LE(distance(filtered(pattern, 26, f, radius, smooth),
+                                   slowPattern.run(f.exponent, f.scale, f.factor, smooth)),
+                          1);
+            }
+}
+
+// One colour, or colours on one line or in one plane, have roots that coincide and vectors that anything
+// fits.
+TEST(GuidedFilterColor, FactorOneAndFlatPicturesReturnTheirInput) {
+    for (int colours : {1, 2, 3, 256}) {
+        Bytes picture = zeltest::randomRgba(40, 30, 9);
+        for (std::size_t i = 0; i < picture.size(); ++i)
+            picture[i] =
+                colours == 256
+                    ? picture[i]
+                    : static_cast<unsigned char>(40 + 70 * (picture[i / 4 * 4] % colours) * (i % 4 == 1));
+        for (int radius : {0, 2, 90, 91})
+            for (bool smooth : {false, true})
+                EXPECT_EQ(distance(filtered(picture, 40, {1.0f, 0.4f, 1.0f}, radius, smooth), picture), 0)
+                    << colours << " colours, radius " << radius;
+    }
+    // White, where sums are largest: on the last radius of the narrow sums, beyond it and beyond 32 bits.
+    const Bytes white(37 * 41 * 4, 255);
+    for (int radius : {5, 90, 91, 128, INT_MAX})
+        EXPECT_EQ(filtered(white, 37, {1.0f, 0.01f, 0.0f}, radius), white) << "radius " << radius;
+}
+
+TEST(GuidedFilterColor, SmoothsFaintNoiseAndKeepsTheStrongEdge) {
+    constexpr int kWidth = 48;
+    Bytes picture = zeltest::randomRgba(kWidth, 40, 3);
+    for (std::size_t i = 0; i < picture.size(); ++i)
+        picture[i] = static_cast<unsigned char>((i / 4 % kWidth < 24 ? 20 : 210) + picture[i] % 9);
+    const Bytes out = filtered(picture, kWidth, {1.0f, 0.001f, 0.0f}, 4);
+    for (std::size_t i = 0; i < out.size(); ++i)
+        ASSERT_NEAR(out[i], i % 4 == 3 ? 255 : i / 4 % kWidth < 24 ? 24 : 214, 6) << "byte " << i;
+}
+
+TEST(GuidedFilterColor, WorkersAndInstructionSetsChangeNothing) {
+    const Bytes picture = zeltest::patternRgba(83, 300, 6);
+    for (const Floats f : {Floats{1.0f, 0.01f, 0.2f}, Floats{0.7f, 0.1f, 2.0f}, Floats{1.0f, 0.0f, 1.0f},
+                           Floats{90.0f, -1.0f, 1e30f}})
+        for (int radius : {2, 20, 95})
+            for (bool smooth : {false, true})
+                zeltest::expectSameOnEveryWorkerCountAndLevel(
+                    [&] { return filtered(picture, 83, f, radius, smooth); });
+}
+
+TEST(GuidedFilterColor, BadArgumentsAndOddShapes) {
+    const Bytes noise = zeltest::randomRgba(30, 20, 5);
+    const float nan = std::numeric_limits<float>::quiet_NaN(),
+                infinity = std::numeric_limits<float>::infinity();
+    EXPECT_EQ(filtered(noise, 30, {nan, 0.1f, 0.1f}, 3), noise);
+    EXPECT_EQ(filtered(noise, 30, {1.0f, infinity, 0.1f}, 3), noise);
+    EXPECT_EQ(filtered(noise, 30, {1.0f, 0.1f, nan}, 3), noise);
+    EXPECT_EQ(filtered(noise, 30, {1.0f, 0.1f, 0.1f}, -1), noise);
+    const zellab::GuidedFilterColor filter;
+    filter.Run(nullptr, 30, 20, 1.0f, 0.1f, 0.1f, 3, false);
+    filter.Run(const_cast<unsigned char*>(noise.data()), 30, -20, 1.0f, 0.1f, 0.1f, 3, false);
+    for (const auto& [width, height] : {std::pair{1, 1}, std::pair{1, 900}, std::pair{900, 1}})
+        for (bool smooth : {false, true}) {
+            zeltest::GuardedBuffer rgba(static_cast<std::size_t>(width * height * 4));
+            filter.Run(rgba.data(), width, height, 1.0f, 0.1f, 0.1f, 5, smooth);
+            EXPECT_TRUE(rgba.guardsIntact());
+        }
+}
+
+Bytes guided(Bytes plane, const Bytes& guide, int width, int radius, float epsilon, float scale) {
+    zellab::GuidedFilterPlane(plane.data(), guide.data(), width, static_cast<int>(plane.size()) / width,
+                              radius, epsilon, scale);
+    return plane;
+}
+
+// A plane that is a linear function of a smooth guide stays, whatever the window; constants stay always.
+TEST(GuidedFilterPlane, KeepsWhatTheGuideExplains) {
+    constexpr int kWidth = 96, kHeight = 80;
+    Bytes guide(kWidth * kHeight * 4), plane(kWidth * kHeight);
+    for (int i = 0; i < kWidth * kHeight; ++i) {
+        const int x = i % kWidth, y = i / kWidth;
+        guide[4 * i] = static_cast<unsigned char>(20 + 2 * x);
+        guide[4 * i + 1] = static_cast<unsigned char>(240 - 2 * y);
+        plane[i] = static_cast<unsigned char>(x + y + 10);
+    }
+    const Bytes out = guided(plane, guide, kWidth, 2, 1e-6f, 4.0f);
+    for (std::size_t i = 0; i < out.size(); ++i) ASSERT_NEAR(out[i], plane[i], 1) << i;
+    const Bytes flat(plane.size(), 77), noise = zeltest::randomRgba(kWidth, kHeight, 5);
+    for (float epsilon : {0.0f, 0.1f, -3.0f, std::nanf("")})
+        for (float scale : {4.0f, 1.0f, 1e9f, std::nanf("")})
+            ASSERT_EQ(guided(flat, noise, kWidth, 2, epsilon, scale), flat) << epsilon << " " << scale;
+}
+
+TEST(GuidedFilterPlane, MovesTheEdgeToTheGuidesAndMeansWhereTheGuideIsFlat) {
+    constexpr int kWidth = 160, kHeight = 64;
+    Bytes guide(kWidth * kHeight * 4, 90), ragged(kWidth * kHeight);
+    for (int i = 0; i < kWidth * kHeight; ++i) {
+        const int x = i % kWidth;
+        if (x >= 80) guide[4 * i + 1] = 220;
+        ragged[i] = x >= 80 + (i / kWidth / 4 % 2 ? 4 : -4) ? 255 : 0;
+    }
+    const auto misses = [&](const Bytes& plane) {
+        int count = 0;
+        for (int i = 0; i < kWidth * kHeight; ++i) count += (plane[i] >= 128) != (i % kWidth >= 80);
+        return count;
+    };
+    EXPECT_LT(misses(guided(ragged, guide, kWidth, 3, 0.01f, 4.0f)), misses(ragged) / 4);
+    // One bright column: a flat guide gives means over two boxes of 3 cells of 4 pixels, so it spreads
+    // evenly.
+    const Bytes grey(kWidth * kHeight * 4, 90);
+    Bytes column(kWidth * kHeight, 0);
+    for (int y = 0; y < kHeight; ++y) column[y * kWidth + 80] = 252;
+    const Bytes spread = guided(column, grey, kWidth, 1, 0.0f, 4.0f);
+    // Cell 20 holds 252 / 4 / 3 = 21, cell 19 two thirds of that; pixel 81 lies an eighth between their
+    // centres.
+    EXPECT_EQ(spread[30 * kWidth + 81], 20);
+    EXPECT_EQ(spread[30 * kWidth + 100], 0);
+}
+
+TEST(GuidedFilterPlane, WorkersOddShapesAndBadArguments) {
+    const Bytes noise = zeltest::patternRgba(130, 150, 8), plane = zeltest::randomPlane(130, 150, 9);
+    zeltest::expectSameOnEveryWorkerCountAndLevel([&] { return guided(plane, noise, 130, 2, 0.01f, 2.5f); });
+    for (const auto& [width, height] :
+         {std::pair{1, 1}, std::pair{1, 900}, std::pair{900, 1}, std::pair{7, 3}})
+        for (int radius : {-4, 0, 2, INT_MAX}) {
+            const Bytes guide = zeltest::randomRgba(width, height, 2);
+            zeltest::GuardedBuffer buffer(static_cast<std::size_t>(width * height), 31);
+            zellab::GuidedFilterPlane(buffer.data(), guide.data(), width, height, radius, 0.1f, 4.0f);
+            EXPECT_TRUE(buffer.guardsIntact() && buffer.allAre(31));
+            zellab::GuidedFilterPlane(buffer.data(), nullptr, width, height, radius, 0.1f, 4.0f);
+            zellab::GuidedFilterPlane(nullptr, guide.data(), width, height, radius, 0.1f, 4.0f);
+            zellab::GuidedFilterPlane(buffer.data(), guide.data(), width, 0, radius, 0.1f, 4.0f);
+        }
+}
+
+}  // namespace
