@@ -2,17 +2,18 @@
 
 #include <algorithm>
 #include <atomic>
-#include <cmath>
 #include <cstdlib>
-
-#include "zellab/imageproc/pixelMath.h"
 
 namespace zellab::Bokeh {
 
 namespace {
 
-Byte toByte(float value) {
-    return truncateToByte(std::round(value));
+/// Rounds half away from zero and limits to 0..255; NaN becomes 0.
+Byte roundToByte(float value) {
+    if (!(value > 0.0f)) return 0;
+    if (value >= 255.0f) return 255;
+    const int whole = static_cast<int>(value);
+    return static_cast<Byte>(whole + (value - static_cast<float>(whole) >= 0.5f));
 }
 
 }  // namespace
@@ -31,7 +32,7 @@ void finishPixel(const GatherSums& sums, const LookValues& look, const Byte* sou
         const float grey = (0.2125f * colour[0] + 0.7154f * colour[1] + 0.0721f * colour[2]) * f;
         for (float& c : colour) c = (1.0f - f) * c + grey;
     }
-    for (int c = 0; c < 3; ++c) pixel[c] = toByte(colour[c]);
+    for (int c = 0; c < 3; ++c) pixel[c] = roundToByte(colour[c]);
 }
 
 namespace {

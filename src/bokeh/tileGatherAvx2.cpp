@@ -37,11 +37,10 @@ ZEL_TARGET_AVX2 void prepareGroup(Group& group, const Byte* radii, int count, in
     for (int lane = 0; lane < kGroup; ++lane) single[lane] = group.reach[2 * lane];
     const __m128i reach = _mm_load_si128(reinterpret_cast<const __m128i*>(single));
     const __m128i lanes = _mm_setr_epi8(0, 1, 2, 3, 4, 5, 6, 7, 0, 0, 0, 0, 0, 0, 0, 0);
-    for (int i = 0; i < kDistances; ++i) {
-        const __m128i distance =
-            _mm_abs_epi8(_mm_sub_epi8(_mm_set1_epi8(static_cast<char>(i + kFirstDistance)), lanes));
+    for (int column = -group.largest - 1; column <= group.largest + kGroup; ++column) {
+        const __m128i distance = _mm_abs_epi8(_mm_sub_epi8(_mm_set1_epi8(static_cast<char>(column)), lanes));
         const __m128i seen = _mm_cmpeq_epi8(_mm_max_epu8(reach, distance), reach);
-        _mm_storel_epi64(reinterpret_cast<__m128i*>(group.columnMask[i]), seen);
+        _mm_storel_epi64(reinterpret_cast<__m128i*>(group.columnMask[column - kFirstDistance]), seen);
     }
 }
 
