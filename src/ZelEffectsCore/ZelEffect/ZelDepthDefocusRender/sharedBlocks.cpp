@@ -18,10 +18,6 @@ std::map<const void*, int>& furtherHolders() {
 
 }  // namespace
 
-unsigned char* allocateShared(std::size_t size) {
-    return static_cast<unsigned char*>(std::malloc(size > 0 ? size : 1));
-}
-
 void retainShared(const void* block) {
     if (!block) return;
     const std::lock_guard lock(g_mutex);
