@@ -215,8 +215,8 @@ GLuint Texture2D::bind() const {
 }
 
 bool Texture2D::write(int x, int y, int width, int height, const void* data) const {
-    if (!m_record || !data) return false;
-    if (m_record->texture == 0 || !glUsable()) return true;
+    if (!m_record || !data || !glUsable()) return false;
+    if (m_record->texture == 0) return true;
     const PackedRows packed(GL_UNPACK_ALIGNMENT);
     glCore().bindTexture(GL_TEXTURE_2D, m_record->texture);
     glCore().texSubImage2D(GL_TEXTURE_2D, 0, x, y, width, height, static_cast<GLenum>(m_record->format),
