@@ -68,7 +68,7 @@ private:
     bool locate(const char* name, std::uint32_t& location) const;
     ShaderProgram& setArray(Arrays& arrays, const char* name, int count, int components, const float* values);
     void applyUniforms() const;
-    void bindTextures() const;
+    void drawQuad() const;
     bool blends() const;
 
     std::shared_ptr<ProgramRecord> m_record;
