@@ -26,8 +26,8 @@ constexpr float kUsualRadius = 0.205f, kRadiusReach = 0.055f, kRadiusDeviation =
 constexpr float kCentreReach = 0.18f, kCentreDeviation = 0.14f;
 constexpr float kPriorLoss = 0.03f;
 /// By how much the white must be lighter than the iris, as a mean of both sides and a share of the cut-out's
-/// light level. Eyes that are shut stay below 0.12, half open ones begin at 0.2.
-constexpr float kLeastContrast = 0.16f;
+/// light level. Synthetic eyes that are shut stay below 0.1, open ones begin at 0.16.
+constexpr float kLeastContrast = 0.125f;
 /// More contrast than this on one side says no more: lashes and the lids' corners can be very dark.
 constexpr float kMostContrast = 0.5f;
 /// The light level is the one that this share of the cut-out lies below.
