@@ -93,8 +93,7 @@ void BM_opencvGuidedFilter(benchmark::State& state, int radius) {
 void BM_guidedPlane(benchmark::State& state) {
     const std::vector<unsigned char> guide = benchRgba(sizeOf(state.range(0)));
     run(state, 1, [&](auto& plane, Size size) {
-        zellab::GuidedFilterPlane(plane.data(), guide.data(), size.width, size.height, 2, kGuidedEpsilon,
-                                  4.0f);
+        zellab::GuidedFilterPlane(plane.data(), guide.data(), size.width, size.height, 2, 0.1f, 4.0f);
     });
 }
 

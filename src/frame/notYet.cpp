@@ -8,10 +8,6 @@
 #define ZEL_NOT_YET(name) ZEL_LOG_ERROR("%s is not available in this version", name)
 
 namespace ZelImageCore {
-void TableSkin::ImageProcessWithAutoEyeBright(unsigned char*, int, int, void*, int, float, float, float,
-                                              float, float, float, float, float, float, float) {
-    ZEL_NOT_YET("TableSkin::ImageProcessWithAutoEyeBright");
-}
 void TableSkin::ImageProcessWithQornSkinRetouch(unsigned char*, int, int, float, ImageCoreFaceInfo*,
                                                 unsigned char*) {
     ZEL_NOT_YET("TableSkin::ImageProcessWithQornSkinRetouch");

@@ -105,11 +105,11 @@ Plane<std::array<double, N>> windowMeans(const Plane<std::array<double, N>>& in,
     return out;
 }
 
-/// Least squares with `epsilon` on the covariance's diagonal, by cofactors.
-Model fit(const Moments& m, double epsilon) {
+/// Least squares with `added` on the covariance's diagonal, by cofactors.
+Model fit(const Moments& m, double added) {
     const auto [r, g, b, p, rr, rg, rb, gg, gb, bb, rp, gp, bp] = m;
-    const double crr = rr - r * r + epsilon, crg = rg - r * g, crb = rb - r * b;
-    const double cgg = gg - g * g + epsilon, cgb = gb - g * b, cbb = bb - b * b + epsilon;
+    const double crr = rr - r * r + added, crg = rg - r * g, crb = rb - r * b;
+    const double cgg = gg - g * g + added, cgb = gb - g * b, cbb = bb - b * b + added;
     const double vr = rp - r * p, vg = gp - g * p, vb = bp - b * p;
     const double irr = cgg * cbb - cgb * cgb, irg = cgb * crb - crg * cbb, irb = crg * cgb - cgg * crb;
     const double igg = crr * cbb - crb * crb, igb = crb * crg - crr * cgb, ibb = crr * cgg - crg * crg;
@@ -170,7 +170,7 @@ void GuidedFilterPlane(unsigned char* plane, const unsigned char* guideRgba, int
     if (!target.valid() || !guide.valid()) return;
     const Grid grid(width, height, scale >= 1.0f ? scale : 1.0f);
     const int reach = std::clamp(radius, 0, std::max(grid.columns, grid.rows));
-    const double added = epsilon > 0.0f ? static_cast<double>(epsilon) : 0.0;
+    const double added = epsilon > 0.0f ? static_cast<double>(epsilon) * static_cast<double>(epsilon) : 0.0;
 
     const Plane<Moments> moments = windowMeans(shrink(grid, guide, target), reach);
     Plane<Model> models(grid.columns, grid.rows);

@@ -1,0 +1,224 @@
+#include "beautykernel/eyebright/eyeBright.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <limits>
+
+#include "beautykernel/eyebright/eyeHsl.h"
+#include "beautykernel/eyebright/eyeTables.h"
+#include "frame/zel_effects.h"
+#include "reference/slowEyeBright.h"
+#include "support/everyWorkerAndLevel.h"
+#include "support/guardedBuffer.h"
+#include "support/randomImage.h"
+#include "support/standardFace.h"
+#include "support/streamCapture.h"
+
+namespace {
+
+using ZelImageCore::TableSkin;
+using zeltest::Bytes;
+
+constexpr int kWidth = 220, kHeight = 180;
+constexpr const char *kNoLeft = "ERROR: EyeBright::Left Eye Detect failed \n",
+                     *kNoRight = "ERROR: EyeBright::Right Eye Detect failed \n";
+
+/// A noisy picture of skin with two drawn eyes where the face's landmarks have theirs.
+struct EyesPicture {
+    zellab::CInterFacePoint points;
+    Bytes rgba = zeltest::randomRgba(kWidth, kHeight, 3);
+
+    explicit EyesPicture(float y = 90, float pupilDistance = 84) {
+        zeltest::Landmarks landmarks = zeltest::standardFace(110, y, pupilDistance);
+        points.SetFaceCount(1);
+        points.AddFace(landmarks.data(), 0);
+        for (int py = 0; py < kHeight; ++py)
+            for (int px = 0; px < kWidth; ++px) paint(px, py);
+    }
+    const zellab::Vector2f* list() const { return points.GetInterPoints(0); }
+
+private:
+    void paint(int x, int y) {
+        int colour[3] = {190, 140, 120};
+        for (int eye = 0; eye < 2; ++eye) {
+            const zellab::Vector2f &a = list()[eye * 10], &b = list()[eye * 10 + 5],
+                                   &pupil = list()[169 + eye];
+            const float length = b.x - a.x, dx = static_cast<float>(x) - (a.x + b.x) / 2,
+                        dy = static_cast<float>(y) - pupil.y;
+            const float across = 2 * dx / length, down = dy / (0.2f * length);
+            if (across * across + down * down > 1) continue;
+            const float iris = std::hypot(static_cast<float>(x) - pupil.x, dy) / (0.2f * length);
+            const int white[3] = {200, 195, 190}, blue[3] = {70, 90, 130}, dark[3] = {15, 12, 12};
+            std::copy_n(iris < 0.4f ? dark : iris < 1 ? blue : white, 3, colour);
+        }
+        unsigned char* p = &rgba[static_cast<std::size_t>((y * kWidth + x) * 4)];
+        for (int c = 0; c < 3; ++c) p[c] = static_cast<unsigned char>(colour[c] + p[c] % 16);
+    }
+};
+
+struct Strengths {
+    float gain = 100, band = 0, shade = 0, highlight = 40, white = 70, tolerance = 0, iris = 40;
+    float exponent = 1.0f, scale = 0.4f, factor = 1.0f;
+};
+
+void brighten(Bytes& rgba, void* points, const Strengths& s, int face = 0, int width = kWidth,
+              int height = kHeight) {
+    TableSkin::ImageProcessWithAutoEyeBright(rgba.data(), width, height, points, face, s.gain, s.band,
+                                             s.shade, s.highlight, s.white, s.tolerance, s.iris, s.exponent,
+                                             s.scale, s.factor);
+}
+
+TEST(EyeBright, MatchesTheSlowForm) {
+    EyesPicture eyes;
+    const zellab::ConstImageView view(eyes.rgba.data(), kWidth, kHeight);
+    const auto circle = [&](zellab::EyeSide side) {
+        const zellab::Iris iris = zellab::locateIris(view, eyes.list(), side);
+        EXPECT_TRUE(iris.found());
+        return slow::EyeCircle{iris.x, iris.y, iris.radius};
+    };
+    const slow::EyeCircle left = circle(zellab::EyeSide::left), right = circle(zellab::EyeSide::right);
+    for (const Strengths& s : {Strengths{}, Strengths{80, 30, 5, 90, 100, 40, -60, 1.0f, 0.001f, 0.2f},
+                               Strengths{100, 100, 0, 0, 50, 100, 100, 0.5f, 0.1f, 1.5f},
+                               Strengths{60, 0, 9, 100, 100, 15, 90, 1, 0.01f, 0}}) {
+        Bytes fast = eyes.rgba, expected = eyes.rgba;
+        brighten(fast, &eyes.points, s);
+        slow::eyeBright(
+            expected, kWidth, kHeight,
+            {s.gain, s.band, s.highlight, s.white, s.tolerance, s.iris, s.exponent, s.scale, s.factor},
+            &eyes.list()->x, left, right, zellab::kIrisContrastTable.data());
+        ASSERT_NE(fast, eyes.rgba);
+        int differ = 0;
+        for (std::size_t i = 0; i < fast.size(); ++i) {
+            ASSERT_NEAR(fast[i], expected[i], 1) << "pixel " << i / 4 % kWidth << ", " << i / 4 / kWidth;
+            differ += fast[i] != expected[i];
+        }
+        EXPECT_LE(differ, 40) << "roundings in the colour conversion";
+    }
+}
+
+TEST(EyeBright, ColoursComeBackFromHueAndLightness) {
+    // A step of the hue is up to six levels of the middle channel.
+    const Bytes colours = zeltest::randomBytes(3000, 8);
+    for (std::size_t i = 0; i < colours.size(); i += 3) {
+        unsigned char back[3];
+        zellab::fromHsl(zellab::toHsl(&colours[i]), back);
+        for (std::size_t c = 0; c < 3; ++c) ASSERT_NEAR(back[c], colours[i + c], 13) << i;
+    }
+    const unsigned char red[] = {200, 20, 60};
+    EXPECT_EQ(zellab::toHsl(red).hue, (20 - 60) * 42 / 180);
+    const unsigned char grey[] = {7, 7, 7};
+    EXPECT_EQ(zellab::toHsl(grey).hue, 170);
+}
+
+// The other eye changes all the same, and nothing but it.
+TEST(EyeBright, AnEyeWithoutAnIrisIsNamedAndLeft) {
+    for (int missing = 0; missing < 2; ++missing) {
+        EyesPicture eyes;
+        eyes.points.GetInterPoints(0)[169 + missing] = {0, 0};
+        Bytes out = eyes.rgba;
+        zeltest::StreamCapture errors(stderr);
+        brighten(out, &eyes.points, {});
+        EXPECT_THAT(errors.text(), testing::HasSubstr(missing ? kNoRight : kNoLeft));
+        EXPECT_THAT(errors.text(), testing::Not(testing::HasSubstr(missing ? kNoLeft : kNoRight)));
+        int changed[2] = {};
+        for (std::size_t i = 0; i < out.size(); ++i)
+            changed[i / 4 % kWidth < 110 ? 0 : 1] += out[i] != eyes.rgba[i];
+        EXPECT_EQ(changed[missing], 0);
+        EXPECT_GT(changed[1 - missing], 100);
+    }
+    // Skin alone, as where the eye is closed.
+    EyesPicture eyes;
+    Bytes skin(eyes.rgba.size(), 150), out = skin;
+    zeltest::StreamCapture errors(stderr);
+    brighten(out, &eyes.points, {});
+    EXPECT_THAT(errors.text(), testing::AllOf(testing::HasSubstr(kNoLeft), testing::HasSubstr(kNoRight)));
+    EXPECT_EQ(out, skin);
+}
+
+TEST(EyeBright, FacesAndStrengthsOutOfRange) {
+    EyesPicture eyes;
+    Bytes first = eyes.rgba;
+    brighten(first, &eyes.points, {});
+    zeltest::Landmarks low = zeltest::standardFace(110, 150, 60);
+    eyes.points.SetFaceCount(2);
+    eyes.points.AddFace(low.data(), 1);
+    for (int face : {9, 2, -1}) {
+        Bytes out = eyes.rgba;
+        brighten(out, &eyes.points, {}, face);
+        EXPECT_EQ(out, first) << "index " << face;
+    }
+    Bytes out = eyes.rgba;
+    brighten(out, &eyes.points, {.gain = 0});
+    EXPECT_EQ(out, eyes.rgba);
+    const float nan = std::numeric_limits<float>::quiet_NaN(),
+                infinity = std::numeric_limits<float>::infinity();
+    for (const Strengths& s : {Strengths{.gain = nan}, Strengths{.band = infinity},
+                               Strengths{.tolerance = nan}, Strengths{.factor = nan}})
+        brighten(out, &eyes.points, s);
+    zellab::CInterFacePoint nobody, promised;
+    promised.SetFaceCount(3);
+    brighten(out, nullptr, {});
+    brighten(out, &nobody, {});
+    brighten(out, &promised, {}, 1);
+    EXPECT_EQ(out, eyes.rgba);
+    for (float huge : {1e30f, -1e30f})  // any bytes, but no stray ones
+        brighten(out, &eyes.points, {huge, huge, huge, huge, huge, huge, huge, 3, huge, huge});
+    brighten(out, &eyes.points, {.tolerance = -1.0f / 6});
+}
+
+TEST(EyeBright, FacesPartlyOrWhollyOutsideAndTinyPictures) {
+    const zeltest::StreamCapture quiet(stderr);
+    const float nan = std::numeric_limits<float>::quiet_NaN();
+    for (const auto& [width, height] :
+         {std::pair{1, 1}, std::pair{1, 900}, std::pair{900, 1}, std::pair{2, 2}, std::pair{90, 70}})
+        for (const auto& [x, y] : {std::pair{0.0f, 0.0f}, std::pair{45.0f, 70.0f}, std::pair{88.0f, 35.0f},
+                                   std::pair{-3e9f, 1e9f}, std::pair{nan, nan}})
+            for (float size : {30.0f, 500.0f, 0.0f}) {
+                zellab::CInterFacePoint points;
+                zeltest::Landmarks landmarks = zeltest::standardFace(x, y, size);
+                points.SetFaceCount(1);
+                points.AddFace(landmarks.data(), 0);
+                zeltest::GuardedBuffer buffer(static_cast<std::size_t>(width * height * 4));
+                const Bytes noise = zeltest::randomRgba(width, height, 5);
+                std::copy(noise.begin(), noise.end(), buffer.data());
+                TableSkin::ImageProcessWithAutoEyeBright(buffer.data(), width, height, &points, 0, 100, 0, 0,
+                                                         40, 70, 50, 40, 1, 0.4f, 0.5f);
+                ASSERT_TRUE(buffer.guardsIntact());
+            }
+}
+
+TEST(EyeBright, ACutOutThatDoesNotFitIsLoggedAndMoved) {
+    zellab::EyeCut eye;
+    eye.box = {35, -4, 10, 8};
+    eye.rgba.assign(10 * 8 * 4, 200);
+    eye.lidDistance = zellab::Plane<float>(10, 8);
+    std::fill_n(eye.lidDistance.data(), 80, 1.0f);
+    Bytes picture(40 * 30 * 4, 50);
+    {
+        zeltest::StreamCapture errors(stderr);
+        zellab::EyeBright::FuseEyeProcessImage(eye, {picture.data(), 40, 30}, 0.5f);
+        EXPECT_THAT(errors.text(),
+                    testing::HasSubstr("ERROR: EyeBright FuseEyeProcessImage overide arry width = 40 "
+                                       "height=30 RectX=35 RectY=-4 RectWidth=10 RectHeight=8"));
+    }
+    for (int i = 0; i < 40 * 30; ++i) {
+        const bool inside = i % 40 >= 30 && i / 40 < 8;
+        ASSERT_EQ(picture[static_cast<std::size_t>(i) * 4], inside ? 125 : 50) << i;
+    }
+    eye.box.width = 40;  // as wide as the picture: no eye
+    const Bytes before = picture;
+    zellab::EyeBright::FuseEyeProcessImage(eye, {picture.data(), 40, 30}, 0.5f);
+    EXPECT_EQ(picture, before);
+}
+
+TEST(EyeBright, WorkersAndInstructionSetsChangeNothing) {
+    EyesPicture eyes;
+    zeltest::expectSameOnEveryWorkerCountAndLevel([&] {
+        Bytes out = eyes.rgba;
+        brighten(out, &eyes.points, {100, 0, 0, 40, 70, 50, 40, 1.0f, 0.01f, 0.3f});
+        return out;
+    });
+}
+
+}  // namespace
