@@ -108,7 +108,7 @@ float luma(vec3 color) {
 // of four the flattest counts, so that texture does not pass for grain.
 vec4 grainStrength() {
     // Mean of the smallest of three means of four absolute normal deviates, and the differences' gain of 2.
-    const float kScale = 1.0 / (0.545 * 2.0);
+    const float kScale = 1.0 / (0.551 * 2.0);
     // More than this is texture after all.
     const float kMost = 0.04;
     vec4 least = vec4(1.0);
