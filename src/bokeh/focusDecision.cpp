@@ -61,14 +61,14 @@ void fitToFaces(const FocusBand& band, float nearestFace, BlurStrength& strength
         strength.radiusPerDisparity =
             strength.radiusPerDisparity <= limit ? nearestFace / lowest * strength.radiusPerDisparity : limit;
     }
-    logSceneDebug("blur_constant is %f", static_cast<double>(strength.radiusPerDisparity));
+    sceneLog().debug("blur_constant is %f", static_cast<double>(strength.radiusPerDisparity));
 }
 
 void fitToPoint(const FocusBand& band, BlurStrength& strength) {
     if (band.lowest > 0)
         strength.radiusPerDisparity =
             std::min(strength.radiusPerDisparity, strength.radius / static_cast<float>(band.lowest));
-    logSceneDebug("blur_constant is %f", static_cast<double>(strength.radiusPerDisparity));
+    sceneLog().debug("blur_constant is %f", static_cast<double>(strength.radiusPerDisparity));
 }
 
 }  // namespace
@@ -78,7 +78,7 @@ FocusBand decideFocus(PlaneView<const Byte> disparity, const std::vector<FocusPo
     float lowest = 255.0f, highest = 0.0f, nearestFace = 0.0f;
     for (const FocusPoint& face : faces) {
         const int median = medianAround(disparity, face);
-        logSceneDebug("face depth median is %f", static_cast<double>(median));
+        sceneLog().debug("face depth median is %f", static_cast<double>(median));
         if (median <= kFarthestFace) continue;
         const Ends ends = endsAround(static_cast<float>(median), kFaceDepth);
         nearestFace = std::max(nearestFace, ends.lowest);
@@ -86,24 +86,26 @@ FocusBand decideFocus(PlaneView<const Byte> disparity, const std::vector<FocusPo
         highest = std::max(highest, ends.highest);
     }
     if (!faces.empty())
-        logSceneDebug("dof_min: %f, dof_max: %f", static_cast<double>(lowest), static_cast<double>(highest));
-    logSceneDebug("Focus disparity_cols_ is %d, disparity_rows_ is %d.", disparity.width, disparity.height);
+        sceneLog().debug("dof_min: %f, dof_max: %f", static_cast<double>(lowest),
+                         static_cast<double>(highest));
+    sceneLog().debug("Focus disparity_cols_ is %d, disparity_rows_ is %d.", disparity.width,
+                     disparity.height);
     const int row = placeOf(focus.y, disparity.height), column = placeOf(focus.x, disparity.width);
-    logSceneDebug("Focus row is %d, column is %d.", row, column);
+    sceneLog().debug("Focus row is %d, column is %d.", row, column);
     const auto median = static_cast<float>(medianAround(disparity, column, row));
-    logSceneDebug("Focus disp median is %f", static_cast<double>(median));
+    sceneLog().debug("Focus disp median is %f", static_cast<double>(median));
 
     if (lowest <= median && median <= highest) {
-        logSceneDebug("Focus on Face");
+        sceneLog().debug("Focus on Face");
         const FocusBand band{true, static_cast<int>(lowest), static_cast<int>(highest)};
         fitToFaces(band, nearestFace, strength);
         return band;
     }
-    logSceneDebug("Not Focus on Face");
+    sceneLog().debug("Not Focus on Face");
     const Ends ends = endsAround(median, kPointDepth);
     const FocusBand band{false, static_cast<int>(std::clamp(ends.lowest, 0.0f, 255.0f)),
                          static_cast<int>(std::clamp(ends.highest, 0.0f, 255.0f))};
-    logSceneDebug("disparity: [%d, %d]", band.lowest, band.highest);
+    sceneLog().debug("disparity: [%d, %d]", band.lowest, band.highest);
     fitToPoint(band, strength);
     return band;
 }

@@ -17,7 +17,7 @@ std::vector<FocusPoint> focusPointsOfFaces(int count, const float* faces) {
     bool anySmall = false;
     for (int i = 0; i < count && static_cast<int>(points.size()) < kMostFocusPoints; ++i, faces += 4) {
         const float width = faces[2], height = faces[3];
-        logSceneDebug("face[%d] size %f %f", i, static_cast<double>(width), static_cast<double>(height));
+        sceneLog().debug("face[%d] size %f %f", i, static_cast<double>(width), static_cast<double>(height));
         const FocusPoint centre{faces[1] + height * 0.5f, faces[0] + width * 0.5f};
         if (width > kLargeSide && height > kLargeSide) {
             points.push_back(centre);

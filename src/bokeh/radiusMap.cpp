@@ -17,7 +17,7 @@ constexpr float kStretch = 1.2f;          // bends the background's radii where 
 float limitSlope(float slope, float steps, float gain) {
     if (steps * slope * gain < kLargestWorkingRadius) return slope;
     const float limited = kLargestWorkingRadius / (steps * gain);
-    logSceneDebug("blur ratio is %f", static_cast<double>(limited));
+    sceneLog().debug("blur ratio is %f", static_cast<double>(limited));
     return limited;
 }
 
@@ -32,11 +32,11 @@ Byte fullByte(float radius, float ratio) {
 }  // namespace
 
 RadiusTables radiiByDepth(const DisparityMap& map, const FocusBand& band, const BlurStrength& strength) {
-    logSceneDebug("compute filter radius and alpha mask");
-    logSceneDebug("minimum_disparity = %d", band.lowest);
+    sceneLog().debug("compute filter radius and alpha mask");
+    sceneLog().debug("minimum_disparity = %d", band.lowest);
     const float backgroundGain = (1.0f - static_cast<float>(band.lowest) / 255.0f) * 0.5f + 0.8f;
     float slope = strength.radiusPerDisparity / strength.ratio;
-    logSceneDebug("blur ratio is %f", static_cast<double>(slope));
+    sceneLog().debug("blur ratio is %f", static_cast<double>(slope));
     slope = limitSlope(slope, static_cast<float>(std::max(1, band.lowest - map.minimum())), backgroundGain);
     slope =
         limitSlope(slope, static_cast<float>(std::max(1, map.maximum() - band.highest)), kForegroundSlope);
@@ -48,7 +48,7 @@ RadiusTables radiiByDepth(const DisparityMap& map, const FocusBand& band, const 
         back[static_cast<std::size_t>(i)] = static_cast<float>(steps) * slope * backgroundGain;
     }
     if (!band.onFace) {
-        logSceneDebug("stretch disp");
+        sceneLog().debug("stretch disp");
         const float top = back[static_cast<std::size_t>(map.minimum())];
         // Without anything behind the band there is no top to stretch to, and the background stays sharp.
         for (float& radius : back)
@@ -58,8 +58,9 @@ RadiusTables radiiByDepth(const DisparityMap& map, const FocusBand& band, const 
     const float frontmost = front[static_cast<std::size_t>(map.maximum())];
     const float rearmost = back[static_cast<std::size_t>(map.minimum())];
     tables.largest = std::max(frontmost, rearmost);
-    logSceneDebug("max radius is %f and %f", static_cast<double>(frontmost), static_cast<double>(rearmost));
-    logSceneDebug("max search radius: %f", static_cast<double>(tables.largest));
+    sceneLog().debug("max radius is %f and %f", static_cast<double>(frontmost),
+                     static_cast<double>(rearmost));
+    sceneLog().debug("max search radius: %f", static_cast<double>(tables.largest));
     for (std::size_t i = 0; i < 256; ++i) {
         const float radius = std::min(static_cast<int>(i) < band.lowest ? back[i] : front[i], tables.largest);
         tables.working[i] = workingByte(radius);

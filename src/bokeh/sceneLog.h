@@ -1,11 +1,10 @@
 #pragma once
 
+#include "gl/glLog.h"
+
 namespace zellab::Bokeh {
 
-/// One line of the scene's debug log.
-[[gnu::format(printf, 1, 2)]] void logSceneDebug(const char* format, ...);
-
-/// One line of the scene's error log.
-[[gnu::format(printf, 1, 2)]] void logSceneError(const char* format, ...);
+/// The scene module's log.
+gl::RendererLog& sceneLog();
 
 }  // namespace zellab::Bokeh
