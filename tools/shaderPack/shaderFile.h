@@ -15,9 +15,8 @@ struct Shader {
 /// one zero byte and enciphered.
 std::vector<std::uint8_t> packShaders(const std::vector<Shader>& shaders);
 
-/// The shaders of a key list ("0x5F6E410F name.frag" on a line, '#' before a remark), read from the list's
-/// own folder. Throws std::runtime_error with the line's number for a line that is none, a key that comes
-/// twice or is 0, and a file that cannot be read or is empty.
-std::vector<Shader> readKeyList(const std::string& listPath);
+/// The texts of all passes' shaders, from the folder that holds them. Throws std::runtime_error for a text
+/// that cannot be read or is empty.
+std::vector<Shader> readPassShaders(const std::string& folder);
 
 }  // namespace shaderpack

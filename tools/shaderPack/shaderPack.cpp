@@ -1,4 +1,4 @@
-// Packs and enciphers the fragment shaders of a key list.
+// Packs and enciphers the fragment shaders of the defocus passes.
 #include <cstdio>
 #include <exception>
 #include <filesystem>
@@ -8,11 +8,11 @@
 
 int main(int argc, char** argv) {
     if (argc != 3) {
-        std::fprintf(stderr, "usage: shaderPack KEYS.txt SHADERFILE\n");
+        std::fprintf(stderr, "usage: shaderPack FOLDER SHADERFILE\n");
         return 2;
     }
     try {
-        const auto bytes = shaderpack::packShaders(shaderpack::readKeyList(argv[1]));
+        const auto bytes = shaderpack::packShaders(shaderpack::readPassShaders(argv[1]));
         std::filesystem::create_directories(std::filesystem::path(argv[2]).parent_path());
         std::ofstream file(argv[2], std::ios::binary);
         file.write(reinterpret_cast<const char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));

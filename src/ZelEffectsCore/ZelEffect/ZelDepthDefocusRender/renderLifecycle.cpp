@@ -7,6 +7,7 @@
 #include "ZelEffectsCore/ZelEffect/ZelDepthDefocusRender/sharedBlocks.h"
 #include "depth/depthEngine.h"
 #include "depth/portraitDepth.h"
+#include "depth/refineDepth.h"
 #include "frame/zel_effects.h"
 #include "frame/zel_log.h"
 #include "zellab/imageproc/imageView.h"
@@ -125,7 +126,7 @@ bool ZelDepthDefocusRender::DepthEstimate(unsigned char* rgba, int width, int he
     if (!m_depth) return false;
     ZEL_LOG_DEBUG("ravel DepthEstimate depthRefine true");
     std::memcpy(m_depth, planes.refined.data(), planes.refined.size());
-    m_depthWidth = m_depthHeight = zellab::kDepthPlaneSide;
+    m_depthWidth = m_depthHeight = zellab::kDepthSide;
     return true;
 }
 
