@@ -66,7 +66,7 @@ INSTANTIATE_TEST_SUITE_P(Parts, NoDriverDeathTest,
                                                  "eglInitialize"},
                                          Missing{"Vendor", "__EGL_VENDOR_LIBRARY_FILENAMES",
                                                  "/nonexistent.json", "eglGetDisplay"}),
-                         [](const auto& info) { return std::string(info.param.what); });
+                         [](const auto& part) { return std::string(part.param.what); });
 
 /// No EGL at all: a file that is no library stands before the system's.
 TEST(NoEglDeathTest, WithoutTheLibraryItselfEveryStepFails) {

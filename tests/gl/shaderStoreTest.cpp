@@ -45,7 +45,7 @@ TEST(ShaderStore, KeepsTheEntriesBeforeADamage) {
         {"count 0", fileOf({0}), true, 0},
         {"count -1", fileOf({0xFFFFFFFFu}), true, 0},
         {"lowest count", fileOf({0x80000000u}, 40), true, 0},
-        {"highest count", fileOf({0x7FFFFFFFu, 7, 16, 4}, 0), false, 1},
+        {"highest count", fileOf({0x7FFFFFFFu, 7, 16, 4}, 4), false, 1},
         {"to the last byte", fileOf({1, 7, 16, 5}, 5), true, 1},
         {"one past the end", fileOf({1, 7, 16, 6}, 5), false, 0},
         {"second past the end", fileOf({2, 7, 28, 3, 8, 30, 4}, 5), false, 1},
