@@ -113,8 +113,8 @@ const Parameter& findParameter(const Effect& effect, const std::string& name) {
 
 std::vector<Effect> gatherEffects() {
     std::vector<Effect> effects;
-    for (const auto& list :
-         {scenarioEffects(), reshapeEffects(), repairEffects(), simpleSkinEffects(), tableBaseEffects()})
+    for (const auto& list : {scenarioEffects(), reshapeEffects(), repairEffects(), skinEffects(),
+                             simpleSkinEffects(), tableBaseEffects()})
         effects.insert(effects.end(), list.begin(), list.end());
     return effects;
 }

@@ -12,21 +12,6 @@ void TableSkin::ImageProcessWithAutoEyeBright(unsigned char*, int, int, void*, i
                                               float, float, float, float, float, float, float) {
     ZEL_NOT_YET("TableSkin::ImageProcessWithAutoEyeBright");
 }
-void TableSkin::ImageProcessWithQornSkinRetouch(unsigned char*, int, int, float, ImageCoreFaceInfo*,
-                                                unsigned char*) {
-    ZEL_NOT_YET("TableSkin::ImageProcessWithQornSkinRetouch");
-}
-void TableSkin::ImageProcessWithQornSkinWhitening(unsigned char*, int, int, float*, ImageCoreFaceInfo*,
-                                                  unsigned char*, unsigned char*) {
-    ZEL_NOT_YET("TableSkin::ImageProcessWithQornSkinWhitening");
-}
-void TableSkin::ImageProcessWithSkin(unsigned char*, int, int, float*, char*) {
-    ZEL_NOT_YET("TableSkin::ImageProcessWithSkin");
-}
-void TableSkin::ImageProcessWithSkinColor(unsigned char*, int, int, float, float, const unsigned char*, int,
-                                          int) {
-    ZEL_NOT_YET("TableSkin::ImageProcessWithSkinColor");
-}
 }  // namespace ZelImageCore
 namespace DefocusCore {
 
