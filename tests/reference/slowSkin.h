@@ -26,14 +26,14 @@ inline Table middleCurve(int x, int y) {
 }
 
 /// The planes and means that both roads start from.
-struct SkinPlanes {
+struct RetouchPlanes {
     std::array<int, 3> mean;
     Bytes mask, highPass, shadow;
     int brightness() const {
         return static_cast<int>(
             lazyLuma(static_cast<float>(mean[0]), static_cast<float>(mean[1]), static_cast<float>(mean[2])));
     }
-    SkinPlanes(const Bytes& rgba, int w, int h, const zellab::FaceData* face)
+    RetouchPlanes(const Bytes& rgba, int w, int h, const zellab::FaceData* face)
         : mean(meanSkin(rgba, w, h, face)), mask(redBlueMask(rgba, w, h, mean, {7, 9, 12})) {}
     void addShadows(const Bytes& rgba, int w, int h, const zellab::OverlayTable& overlay) {
         Bytes light;
@@ -97,7 +97,7 @@ inline void largeFaceBeauty(LazyPicture& picture, const zellab::FaceBeautyParams
         small.bottom = std::clamp(static_cast<int>(static_cast<float>(small.bottom) * scale), 0, sh);
     }
     Bytes work = resized(rgba, w, h, sw, sh, 4);
-    SkinPlanes planes(work, sw, sh, fullFace ? &small : nullptr);
+    RetouchPlanes planes(work, sw, sh, fullFace ? &small : nullptr);
     if (set.repairSpots) {
         zellab::SpotBox box;
         if (fullFace) box = {small.left, small.top, small.right - small.left, small.bottom - small.top};
@@ -158,7 +158,7 @@ inline void smallFaceBeauty(LazyPicture& picture, const zellab::FaceBeautyParams
                             const zellab::OverlayTable& overlay, const zellab::FaceData* face) {
     const int w = picture.width, h = picture.height;
     Bytes& rgba = picture.rgba;
-    SkinPlanes planes(rgba, w, h, face);
+    RetouchPlanes planes(rgba, w, h, face);
     if (set.repairSpots) {
         zellab::SpotBox box;
         if (face) box = {face->left, face->top, face->right - face->left, face->bottom - face->top};
