@@ -69,24 +69,30 @@ struct Disc {
     }
 };
 
-/// Sums of the weights of counted values, and of these times their distances.
+/// Of three channels: the sums of the weights of counted values, and of these times their distances.
 struct Sums {
-    int weight, moment;
+    std::int32_t weight[3], moment[3];
 };
 
-/// How the sums over one stretch of counts are taken; both forms give the same numbers.
+/// How the sums over a stretch of each channel's counts are taken; both forms give the same numbers.
 struct NarrowSums {
-    static Sums of(const std::int16_t* counts, const Weights& weights) {
-        const auto load = [](const std::int16_t* p) {
-            return _mm_loadu_si128(reinterpret_cast<const __m128i*>(p));
-        };
-        __m128i sums = _mm_setzero_si128(), moments = sums;
-        for (std::size_t i = 0; i < weights.weight.size(); i += 8) {
-            const __m128i eight = load(counts + i);
-            sums = _mm_add_epi32(sums, _mm_madd_epi16(eight, load(weights.weight.data() + i)));
-            moments = _mm_add_epi32(moments, _mm_madd_epi16(eight, load(weights.moment.data() + i)));
+    static Sums of(const std::array<const std::int16_t*, 3>& counts, const Weights& weights) {
+        Sums sums;
+        for (std::size_t c = 0; c < 3; ++c) {
+            __m128i weight = _mm_setzero_si128(), moment = weight;
+            for (std::size_t i = 0; i < weights.weight.size(); i += 8) {
+                const __m128i eight = load(counts[c] + i);
+                weight = _mm_add_epi32(weight, _mm_madd_epi16(eight, load(weights.weight.data() + i)));
+                moment = _mm_add_epi32(moment, _mm_madd_epi16(eight, load(weights.moment.data() + i)));
+            }
+            sums.weight[c] = total(weight), sums.moment[c] = total(moment);
         }
-        return {total(sums), total(moments)};
+        return sums;
+    }
+
+private:
+    static __m128i load(const std::int16_t* p) {
+        return _mm_loadu_si128(reinterpret_cast<const __m128i*>(p));
     }
     static int total(__m128i four) {
         const __m128i two = _mm_add_epi32(four, _mm_srli_si128(four, 8));
@@ -95,21 +101,37 @@ struct NarrowSums {
 };
 
 struct WideSums {
-    ZEL_TARGET_AVX2 static Sums of(const std::int16_t* counts, const Weights& weights) {
-        __m256i sums = _mm256_setzero_si256(), moments = sums;
+    ZEL_TARGET_AVX2 static Sums of(const std::array<const std::int16_t*, 3>& counts, const Weights& weights) {
+        __m256i weight[3], moment[3];
+        for (std::size_t c = 0; c < 3; ++c) weight[c] = moment[c] = _mm256_setzero_si256();
         for (std::size_t i = 0; i < weights.weight.size(); i += Weights::kVector) {
-            const __m256i sixteen = load(counts + i);
-            sums = _mm256_add_epi32(sums, _mm256_madd_epi16(sixteen, load(weights.weight.data() + i)));
-            moments = _mm256_add_epi32(moments, _mm256_madd_epi16(sixteen, load(weights.moment.data() + i)));
+            const __m256i w = load(weights.weight.data() + i), m = load(weights.moment.data() + i);
+            for (std::size_t c = 0; c < 3; ++c) {
+                const __m256i sixteen = load(counts[c] + i);
+                weight[c] = _mm256_add_epi32(weight[c], _mm256_madd_epi16(sixteen, w));
+                moment[c] = _mm256_add_epi32(moment[c], _mm256_madd_epi16(sixteen, m));
+            }
         }
-        return {total(sums), total(moments)};
+        const __m128i first =
+            totals(_mm256_hadd_epi32(weight[0], weight[1]), _mm256_hadd_epi32(weight[2], moment[0]));
+        const __m256i last = _mm256_hadd_epi32(moment[1], moment[2]);
+        Sums sums;
+        std::int32_t rest[4];
+        _mm_storeu_si128(reinterpret_cast<__m128i*>(rest), totals(last, last));
+        sums.weight[0] = _mm_cvtsi128_si32(first), sums.weight[1] = _mm_extract_epi32(first, 1);
+        sums.weight[2] = _mm_extract_epi32(first, 2), sums.moment[0] = _mm_extract_epi32(first, 3);
+        sums.moment[1] = rest[0], sums.moment[2] = rest[1];
+        return sums;
     }
+
+private:
     ZEL_TARGET_AVX2 static __m256i load(const std::int16_t* p) {
         return _mm256_loadu_si256(reinterpret_cast<const __m256i*>(p));
     }
-    ZEL_TARGET_AVX2 static int total(__m256i eight) {
-        return NarrowSums::total(
-            _mm_add_epi32(_mm256_castsi256_si128(eight), _mm256_extracti128_si256(eight, 1)));
+    /// Four totals from two vectors whose neighbours were added once.
+    ZEL_TARGET_AVX2 static __m128i totals(__m256i a, __m256i b) {
+        const __m256i halves = _mm256_hadd_epi32(a, b);
+        return _mm_add_epi32(_mm256_castsi256_si128(halves), _mm256_extracti128_si256(halves, 1));
     }
 };
 
@@ -120,24 +142,26 @@ public:
     void add(const Byte* pixel) { change(pixel, 1); }
     void remove(const Byte* pixel) { change(pixel, -1); }
 
-    /// The weighted mean around value `centre` of channel c, or `centre` itself where nothing counts.
+    /// Writes the weighted means around the values of `centre`, or these themselves where nothing counts.
     template <typename Kernel>
-    [[gnu::always_inline]] Byte mean(std::size_t c, int centre, const Weights& weights) const {
-        const std::int16_t* counts = m_counts[c].data() + kRoom;
-        Sums sums = Kernel::of(counts + centre - weights.reach, weights);
-        // Value 0 never counts: the padding must not darken the rim. Taken back here, since a store among the
-        // counts would hold up the next loads.
-        if (centre <= weights.reach) {
-            const auto zero = static_cast<std::size_t>(weights.reach - centre);
-            sums.weight -= counts[0] * weights.weight[zero];
-            sums.moment -= counts[0] * weights.moment[zero];
+    [[gnu::always_inline]] void means(const Byte* centre, const Weights& weights, Byte* out) const {
+        std::array<const std::int16_t*, 3> stretches;
+        for (std::size_t c = 0; c < 3; ++c)
+            stretches[c] = m_counts[c].data() + kRoom + centre[c] - weights.reach;
+        Sums sums = Kernel::of(stretches, weights);
+        for (std::size_t c = 0; c < 3; ++c) {
+            // Value 0 never counts: the padding must not darken the rim. Taken back here, since a store among
+            // the counts would hold up the next loads.
+            if (centre[c] <= weights.reach) {
+                const auto zero = static_cast<std::size_t>(weights.reach - centre[c]);
+                sums.weight[c] -= m_counts[c][kRoom] * weights.weight[zero];
+                sums.moment[c] -= m_counts[c][kRoom] * weights.moment[zero];
+            }
+            // Below 2^32 at the largest radius, all of it white.
+            const auto sum = static_cast<std::uint32_t>(sums.weight[c]);
+            const std::uint32_t weighted = centre[c] * sum + static_cast<std::uint32_t>(sums.moment[c]);
+            out[c] = sum == 0 ? centre[c] : static_cast<Byte>((weighted + sum / 2) / sum);
         }
-        if (sums.weight <= 0) return static_cast<Byte>(centre);
-        // Below 2^32 at the largest radius, all of it white.
-        const auto sum = static_cast<std::uint32_t>(sums.weight);
-        const std::uint32_t weighted =
-            static_cast<std::uint32_t>(centre) * sum + static_cast<std::uint32_t>(sums.moment);
-        return static_cast<Byte>((weighted + sum / 2) / sum);
     }
 
 private:
@@ -240,9 +264,7 @@ private:
     template <typename Kernel>
     [[gnu::always_inline]] void blurPixel(int x, int y, const Histograms& histograms) {
         if (m_mask && m_mask[std::ptrdiff_t{y} * m_image.width + x] == 0) return;
-        const Byte* centre = padded(x, y);
-        Byte* out = m_image.at(x, y);
-        for (std::size_t c = 0; c < 3; ++c) out[c] = histograms.mean<Kernel>(c, centre[c], m_weights);
+        histograms.means<Kernel>(padded(x, y), m_weights, m_image.at(x, y));
     }
 
     ImageView m_image;
