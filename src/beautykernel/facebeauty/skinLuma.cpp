@@ -3,13 +3,16 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <cstring>
 
+#include "platform/simdLevel.h"
 #include "zellab/imageproc/domaintransform/domainTransform.h"
 #include "zellab/imageproc/levels.h"
 #include "zellab/imageproc/parallelRows.h"
 #include "zellab/imageproc/pixelMath.h"
 #include "zellab/imageproc/sfdsp/yuvLuma.h"
 #include "zellab/imageproc/stackBlur.h"
+#include "zellab/imageproc/toneTables.h"
 #include "zellab/imageproc/unsharpStep.h"
 
 namespace zellab {
@@ -22,65 +25,83 @@ constexpr int kUnsharpPercent = 15;
 constexpr float kEdgeSigmaSpace = 14.0f, kEdgeSigmaRange = 40.0f;
 constexpr int kEdgeIterations = 2;
 
-/// The factors of the smoothing, each by the byte that decides it. Single precision.
-struct SmoothFactors {
-    std::array<float, 511> faint;  // by lightness - blurred + 255: 1 for none, less for strong differences
-    std::array<float, 256> mask;   // by the skin mask, remapped
-    std::array<float, 256> light;  // by the blurred lightness: 0 in the dark, 1 from the middle up
-    float share;
+/// Moves a lightness towards its blurred form: less where they differ much, and not at all in the dark.
+/// Single precision. Limits are put on integers, which compilers turn into vectors.
+struct Smooth {
+    float share;  // strength / 255, limited so that its products fit an integer
 
-    explicit SmoothFactors(const LumaSmoothing& smoothing) {
-        for (int d = -255; d <= 255; ++d) {
-            const float scaled = static_cast<float>(d) * 0.02745f;
-            const auto strength =
-                static_cast<float>(static_cast<int>(std::min(scaled * scaled * 255.0f, 255.0f)));
-            faint[static_cast<std::size_t>(d + 255)] = 1.0f - strength / (strength + 51.0f);
-        }
-        std::array<Byte, 256> remapped;
-        for (std::size_t i = 0; i < 256; ++i) remapped[i] = static_cast<Byte>(i);
-        constexpr std::array kIdentity = {0, 100, 255, 0, 255};
-        if (smoothing.levels && !std::equal(kIdentity.begin(), kIdentity.end(), smoothing.levels))
-            LevelsAdjust(smoothing.levels, remapped.data());
-        for (std::size_t i = 0; i < 256; ++i) {
-            mask[i] = static_cast<float>(remapped[i]);
-            light[i] = std::clamp(static_cast<float>(i) / 63.75f - 1.0f, 0.0f, 1.0f);
-        }
-        share = std::isnan(smoothing.strength) ? 0.0f : smoothing.strength / 255.0f;
+    explicit Smooth(float strength)
+        : share(std::isfinite(strength) ? std::clamp(strength, -1e6f, 1e6f) / 255.0f : 0.0f) {}
+    [[gnu::always_inline]] Byte operator()(int in, int blurred, int mask) const {
+        const float scaled = static_cast<float>(in - blurred) * 0.02745f;
+        const auto edge = static_cast<float>(std::min(static_cast<int>(scaled * scaled * 255.0f), 255));
+        // Limited to 0..1, which it leaves below 64 and above 127.
+        const int lit = std::min(std::max(blurred - 63, 0), 1),
+                  full = std::min(std::max(blurred - 127, 0), 1);
+        const float light = (static_cast<float>(blurred) / 63.75f - 1.0f) * static_cast<float>(lit - full) +
+                            static_cast<float>(full);
+        const float move = (1.0f - edge / (edge + 51.0f)) * static_cast<float>(mask) * light *
+                           static_cast<float>(blurred - in) * share;
+        return clampToByte(static_cast<int>(move + static_cast<float>(in)));
     }
 };
 
-/// Moves the lightness towards its blurred form.
-void smoothTowards(PlaneView<Byte> luma, PlaneView<const Byte> blurred, PlaneView<const Byte> skin,
-                   const SmoothFactors& factors) {
+/// Sharpens by the share that the mask says. Single precision; a share of a level darkens.
+struct SharpenSkin {
+    Sharpen sharpen{kUnsharpPercent, 0};
+
+    [[gnu::always_inline]] Byte operator()(int in, int blurred, int mask) const {
+        const int change = (sharpen(in, blurred) - in) * mask;
+        return static_cast<Byte>(
+            static_cast<int>(static_cast<float>(change) / 255.0f + static_cast<float>(in)));
+    }
+};
+
+/// luma = op(luma, blurred, skin), by way of a short run of results, so that the loop may be vectorised.
+template <typename Op>
+[[gnu::always_inline]] inline void changeRow(Byte* luma, const Byte* blurred, const Byte* skin, int width,
+                                             const Op& op) {
+    constexpr int kRun = 128;
+    Byte result[kRun];
+    int x = 0;
+    for (; x + kRun <= width; x += kRun) {
+        for (int i = 0; i < kRun; ++i) result[i] = op(luma[x + i], blurred[x + i], skin[x + i]);
+        std::memcpy(luma + x, result, kRun);
+    }
+    for (; x < width; ++x) luma[x] = op(luma[x], blurred[x], skin[x]);
+}
+
+template <typename Op>
+void changeRowBaseline(Byte* luma, const Byte* blurred, const Byte* skin, int width, const Op& op) {
+    changeRow(luma, blurred, skin, width, op);
+}
+
+template <typename Op>
+ZEL_TARGET_AVX2 void changeRowAvx2(Byte* luma, const Byte* blurred, const Byte* skin, int width,
+                                   const Op& op) {
+    changeRow(luma, blurred, skin, width, op);
+}
+
+template <typename Op>
+void changeLuma(PlaneView<Byte> luma, PlaneView<const Byte> blurred, PlaneView<const Byte> skin,
+                const Op& op) {
+    const bool wide = platform::simdLevel() == platform::SimdLevel::avx2;
+    const auto row = wide ? changeRowAvx2<Op> : changeRowBaseline<Op>;
     parallelRows(luma.height, [&](int begin, int end) {
-        for (int y = begin; y < end; ++y) {
-            Byte* row = luma.row(y);
-            const Byte *to = blurred.row(y), *mask = skin.row(y);
-            for (int x = 0; x < luma.width; ++x) {
-                const int difference = to[x] - row[x];
-                const float move = factors.faint[static_cast<std::size_t>(255 - difference)] *
-                                   factors.mask[mask[x]] * factors.light[to[x]] *
-                                   static_cast<float>(difference) * factors.share;
-                row[x] = truncateToByte(move + static_cast<float>(row[x]));
-            }
-        }
+        for (int y = begin; y < end; ++y) row(luma.row(y), blurred.row(y), skin.row(y), luma.width, op);
     });
 }
 
-/// Sharpens by the share that the skin mask says. Single precision; a share of a level darkens.
-void sharpenSkin(PlaneView<Byte> luma, PlaneView<const Byte> blurred, PlaneView<const Byte> skin) {
-    const Sharpen sharpen(kUnsharpPercent, 0);
-    parallelRows(luma.height, [&](int begin, int end) {
-        for (int y = begin; y < end; ++y) {
-            Byte* row = luma.row(y);
-            const Byte *soft = blurred.row(y), *mask = skin.row(y);
-            for (int x = 0; x < luma.width; ++x) {
-                const int in = row[x], change = (sharpen(in, soft[x]) - in) * mask[x];
-                row[x] = static_cast<Byte>(
-                    static_cast<int>(static_cast<float>(change) / 255.0f + static_cast<float>(in)));
-            }
-        }
-    });
+/// The mask through the levels; empty where these leave it alone.
+Plane<Byte> levelledMask(PlaneView<const Byte> skin, const int* levels) {
+    constexpr std::array kIdentity = {0, 100, 255, 0, 255};
+    if (!levels || std::equal(kIdentity.begin(), kIdentity.end(), levels)) return {};
+    ByteTable table;
+    LevelsAdjust(levels, table.data());
+    Plane<Byte> mask(skin.width, skin.height);
+    std::copy_n(skin.data, mask.size(), mask.data());
+    mapPlane(mask.view(), table.data());
+    return mask;
 }
 
 }  // namespace
@@ -91,13 +112,17 @@ void smoothSkinLuma(ImageView image, PlaneView<const Byte> skin, const LumaSmoot
     readYuvLuma(image, luma.view());
     std::copy_n(luma.data(), luma.size(), blurred.data());
     CStackBlur::StackBlurEx(blurred.data(), width, height, width, kSmoothRadius);
-    smoothTowards(luma.view(), blurred.view(), skin, SmoothFactors(smoothing));
+    {
+        const Plane<Byte> levelled = levelledMask(skin, smoothing.levels);
+        changeLuma(luma.view(), blurred.view(), levelled.size() > 0 ? levelled.view() : skin,
+                   Smooth(smoothing.strength));
+    }
     if (smoothing.edgeFilter)
         DomainTransformPlane(luma.data(), width, height, width, kEdgeSigmaSpace, kEdgeSigmaRange,
                              kEdgeIterations, true);
     std::copy_n(luma.data(), luma.size(), blurred.data());
     StackBlurGray(blurred.data(), width, height, unsharpBlurRadius(kUnsharpRadius));
-    sharpenSkin(luma.view(), blurred.view(), skin);
+    changeLuma(luma.view(), blurred.view(), skin, SharpenSkin());
     replaceYuvLuma(image, luma.view());
 }
 

@@ -6,7 +6,7 @@ namespace zellab {
 
 /// How the lightness of skin is smoothed.
 struct LumaSmoothing {
-    float strength;     // 0..1; NaN counts as 0
+    float strength;     // 0..1; what is no finite number counts as 0
     const int* levels;  // five numbers for LevelsAdjust that remap the mask, or null
     bool edgeFilter;    // smooth once more, along edges
 };
