@@ -64,7 +64,8 @@ inline std::array<int, 3> meanSkin(const Bytes& rgba, int w, int h, const zellab
     return result;
 }
 
-inline Bytes redBlueMask(const Bytes& rgba, int w, int h, const std::array<int, 3>& mean) {
+inline Bytes redBlueMask(const Bytes& rgba, int w, int h, const std::array<int, 3>& mean,
+                         const std::array<int, 3>& radii = {4, 6, 8}) {
     Bytes mask;
     for (std::size_t i = 0; i < rgba.size(); i += 4) {
         const int c = std::clamp(128 - mean[0] + rgba[i], 0, 255);
@@ -72,7 +73,7 @@ inline Bytes redBlueMask(const Bytes& rgba, int w, int h, const std::array<int, 
         mask.push_back(static_cast<unsigned char>(d >= 161 ? 255 : d < 90 ? 0 : d + 30));
     }
     const int side = std::min(w, h);
-    return blurredPlane(mask, w, h, side < 200 ? 4 : side < 500 ? 6 : 8);
+    return blurredPlane(mask, w, h, radii[side < 200 ? 0 : side < 500 ? 1 : 2]);
 }
 
 inline Bytes smoothWeight(const Bytes& grey, const Bytes& mask, int w, int h, const zellab::FaceData* face,

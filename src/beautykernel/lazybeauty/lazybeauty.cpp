@@ -7,10 +7,9 @@
 #include "beautykernel/skintools/featureMaskPainter.h"
 #include "beautykernel/skintools/shadowPlane.h"
 #include "beautykernel/skintools/skinMaskFromColor.h"
-#include "beautykernel/skintools/spotRepair.h"
+#include "beautykernel/skintools/spotSteps.h"
 #include "frame/zel_log.h"
 #include "zellab/imageproc/levels.h"
-#include "zellab/imageproc/parallelRows.h"
 #include "zellab/imageproc/recursiveGaussian.h"
 #include "zellab/imageproc/sfCurve.h"
 #include "zellab/imageproc/sfdsp/scaleBilinear.h"
@@ -54,34 +53,6 @@ WorkSize workSizeFor(int width, int height) {
     return {std::max(static_cast<int>(static_cast<float>(width) * scale + 0.5f), 1), kDirectHeight, scale};
 }
 
-/// Truncates a scaled coordinate; what fits no picture becomes 0.
-float truncated(float value) {
-    return value > -1e9f && value < 1e9f ? static_cast<float>(static_cast<int>(value)) : 0.0f;
-}
-
-FaceData scaledFace(const FaceData& face, float scale) {
-    const auto scaled = [scale](int value) {
-        return static_cast<int>(truncated(static_cast<float>(value) * scale));
-    };
-    FaceData small = face;
-    small.top = scaled(face.top), small.bottom = scaled(face.bottom);
-    small.left = scaled(face.left), small.right = scaled(face.right);
-    for (Vector2f& p : small.points) p = {truncated(p.x * scale), truncated(p.y * scale)};
-    return small;
-}
-
-SpotBox spotBoxOf(const FaceData* face) {
-    // A box of no size is no box to the repair; its sides may lie too far apart to subtract.
-    if (!face || face->left < 0 || face->top < 0 || face->right <= face->left || face->bottom <= face->top)
-        return {};
-    return {face->left, face->top, face->right - face->left, face->bottom - face->top};
-}
-
-void repairSpots(ImageView image, const Byte* mask, const FaceData* face, Byte* spotMask) {
-    CSpotRepair::Run(image.data, image.width, image.height, image.width * 4, mask, 1, 2, spotBoxOf(face),
-                     spotMask);
-}
-
 /// Brightness to which the middle of the curve is raised, by the brightness of the skin.
 int liftTarget(int brightness) {
     if (brightness < 61) return 156;
@@ -102,15 +73,7 @@ void liftShadows(ImageView image, PlaneView<const Byte> shadow, const MeanColour
             lifted[static_cast<std::size_t>(s * 256 + c)] =
                 static_cast<Byte>(static_cast<float>(curve[c] * s + c * (255 - s)) * share / 255.0f +
                                   static_cast<float>(c) * (1.0f - share));
-    parallelRows(image.height, [&](int begin, int end) {
-        for (int y = begin; y < end; ++y) {
-            Byte* p = image.row(y);
-            for (int x = 0; x < image.width; ++x, p += 4) {
-                const Byte* table = lifted.data() + 256 * static_cast<std::size_t>(shadow.row(y)[x]);
-                for (int c = 0; c < 3; ++c) p[c] = table[p[c]];
-            }
-        }
-    });
+    mapByPlane(image, shadow, lifted);
 }
 
 Plane<Byte> greyOf(ConstImageView image) {
@@ -157,25 +120,13 @@ Plane<Byte> enlarged(Plane<Byte>& plane, int width, int height) {
     return large;
 }
 
-/// Repairs spots on the copy, away from the features of the face, and pastes them into the full picture.
-void repairSpotsOnCopy(ImageView image, ImageView small, PlaneView<const Byte> mask, const FaceData* face) {
-    Plane<Byte> search(small.width, small.height), spots(small.width, small.height);
+/// The mask without the features of the face: repairs keep away from them.
+Plane<Byte> withoutFeatures(PlaneView<const Byte> mask, const FaceData* face) {
+    Plane<Byte> search(mask.width, mask.height);
     std::copy_n(mask.data, search.size(), search.data());
     if (face)
-        CFeatureMaskPainter::Paint(search.data(), small.width, small.height, face->points, kAllFeatures, 0);
-    repairSpots(small, search.data(), face, spots.data());
-    if (std::all_of(spots.data(), spots.data() + spots.size(), [](Byte s) { return s == 0; })) return;
-    StackBlurGray(spots.data(), small.width, small.height, 2);
-    const Plane<Byte> where = enlarged(spots, image.width, image.height);
-    std::vector<Byte> repaired(sampleCount(image.width, image.height, 4));
-    ScaleBilinearThreaded(small.data, small.width, small.height, repaired.data(), image.width, image.height,
-                          4);
-    const ConstImageView source(repaired.data(), image.width, image.height);
-    parallelRows(image.height, [&](int begin, int end) {
-        for (int y = begin; y < end; ++y)
-            for (int x = 0; x < image.width; ++x)
-                if (where.view().row(y)[x] != 0) std::copy_n(source.at(x, y), 3, image.at(x, y));
-    });
+        CFeatureMaskPainter::Paint(search.data(), mask.width, mask.height, face->points, kAllFeatures, 0);
+    return search;
 }
 
 struct Levels {
@@ -185,7 +136,7 @@ struct Levels {
 void runDirect(ImageView image, bool spots, const Levels& levels, const FaceData* face,
                const OverlayTable& overlay) {
     const SkinColourMask skin = skinMaskFromColor(image, face ? 1 : 0, face, kMaskRadii);
-    if (spots) repairSpots(image, skin.mask.data(), face, nullptr);
+    if (spots) repairSpots(image, skin.mask.view(), face, nullptr);
     ShadowPlanes shadows =
         shadowPlanes(overlayLightness(image, overlay, kDirect.lightness), skin.mask.view(), kShadowRadius);
     liftShadows(image, shadows.shadow.view(), skin.mean, levels.smooth);
@@ -205,7 +156,7 @@ void runScaled(ImageView image, bool spots, const Levels& levels, const FaceData
     }
     SmallCopy before(image, size);
     const SkinColourMask skin = skinMaskFromColor(before.view, face ? 1 : 0, face, kMaskRadii);
-    if (spots) repairSpotsOnCopy(image, before.view, skin.mask.view(), face);
+    if (spots) repairSpotsOnCopy(image, before.view, withoutFeatures(skin.mask.view(), face).view(), face);
     ShadowPlanes shadows = shadowPlanes(overlayLightness(before.view, overlay, kScaled.lightness),
                                         skin.mask.view(), kShadowRadius);
     {
