@@ -56,12 +56,12 @@ struct Source {
     const Byte* maskRow(int y) const { return mask ? mask + std::ptrdiff_t{y} * width : nullptr; }
 };
 
-void countRow(const Source& source, int y, Counts& counts) {
+void countMaskedRow(const Source& source, int y, Counts& counts) {
     const Byte* pixel = source.row(y);
     const Byte* const mask = source.maskRow(y);
     const bool meanRow = y >= source.region.top && y <= source.region.bottom;
     for (int x = 0; x < source.width; ++x, pixel += source.channels) {
-        if (mask && mask[x] != kWhite) continue;
+        if (mask[x] != kWhite) continue;
         const int used = source.channels == 4 ? 3 : 1;
         for (int c = 0; c < used; ++c) ++counts.channels[static_cast<std::size_t>(c)][pixel[c]];
         ++counts.pixels;
@@ -71,12 +71,68 @@ void countRow(const Source& source, int y, Counts& counts) {
     }
 }
 
+/// Histograms of one band of rows. Neighbouring pixels are counted apart: an increment need not wait for the
+/// one before it.
+struct BandCounts {
+    std::uint32_t odd[3][256] = {}, even[3][256] = {};
+
+    template <int kChannels>
+    void addRow(const Byte* p, int width) {
+        constexpr int kUsed = kChannels == 4 ? 3 : 1;
+        int x = 0;
+        for (; x + 2 <= width; x += 2, p += 2 * kChannels)
+            for (int c = 0; c < kUsed; ++c) {
+                ++even[c][p[c]];
+                ++odd[c][p[kChannels + c]];
+            }
+        if (x < width)
+            for (int c = 0; c < kUsed; ++c) ++even[c][p[c]];
+    }
+
+    void addTo(Counts& counts) const {
+        for (std::size_t c = 0; c < 3; ++c)
+            for (std::size_t i = 0; i < 256; ++i) counts.channels[c][i] += even[c][i] + odd[c][i];
+    }
+};
+
+std::uint64_t lumaOf(const Byte* p, int width, int channels) {
+    std::uint64_t sum = 0;
+    if (channels == 4)
+        for (int x = 0; x < width; ++x)
+            sum += static_cast<std::uint64_t>(swappedLuma(p + std::ptrdiff_t{4} * x));
+    else
+        for (int x = 0; x < width; ++x) sum += p[x];
+    return sum;
+}
+
+void countWholeRows(const Source& source, int begin, int end, Counts& counts) {
+    BandCounts band;
+    const LevelsRegion& region = source.region;
+    const int meanWidth = region.left <= region.right ? region.right - region.left + 1 : 0;
+    for (int y = begin; y < end; ++y) {
+        const Byte* row = source.row(y);
+        if (source.channels == 4)
+            band.addRow<4>(row, source.width);
+        else
+            band.addRow<1>(row, source.width);
+        counts.pixels += static_cast<std::uint64_t>(source.width);
+        if (y < region.top || y > region.bottom || meanWidth == 0) continue;
+        counts.lumaSum +=
+            lumaOf(row + std::ptrdiff_t{source.channels} * region.left, meanWidth, source.channels);
+        counts.lumaPixels += static_cast<std::uint64_t>(meanWidth);
+    }
+    band.addTo(counts);
+}
+
 Counts count(const Source& source) {
     Counts total;
     std::mutex mutex;
     parallelRows(source.height, [&](int begin, int end) {
         Counts band;
-        for (int y = begin; y < end; ++y) countRow(source, y, band);
+        if (source.mask)
+            for (int y = begin; y < end; ++y) countMaskedRow(source, y, band);
+        else
+            countWholeRows(source, begin, end, band);
         const std::lock_guard<std::mutex> lock(mutex);
         total.add(band);
     });

@@ -1,0 +1,67 @@
+#include "beautykernel/lazybeauty/spotPaste.h"
+
+#include <algorithm>
+
+#include "beautykernel/skintools/featureMaskPainter.h"
+#include "beautykernel/skintools/spotRepair.h"
+#include "zellab/imageproc/stackBlur.h"
+
+namespace zellab {
+
+namespace {
+
+constexpr int kSpotBlurRadius = 2;  // widens the pasted spots, in pixels of the copy
+
+SpotBox spotBoxOf(const FaceData* face) {
+    // A box of no size is no box to the repair; its sides may lie too far apart to subtract.
+    if (!face || face->left < 0 || face->top < 0 || face->right <= face->left || face->bottom <= face->top)
+        return {};
+    return {face->left, face->top, face->right - face->left, face->bottom - face->top};
+}
+
+}  // namespace
+
+void repairSpots(ImageView image, const Byte* mask, const FaceData* face, Byte* spotMask) {
+    CSpotRepair::Run(image.data, image.width, image.height, image.width * 4, mask, 1, 2, spotBoxOf(face),
+                     spotMask);
+}
+
+SpotPaste::SpotPaste(ImageView small, PlaneView<const Byte> mask, const FaceData* face, int width, int height)
+    : m_width(width), m_spots(small.width, small.height) {
+    Plane<Byte> search(small.width, small.height);
+    std::copy_n(mask.data, search.size(), search.data());
+    if (face)
+        CFeatureMaskPainter::Paint(search.data(), small.width, small.height, face->points, kAllFeatures, 0);
+    repairSpots(small, search.data(), face, m_spots.data());
+    StackBlurGray(m_spots.data(), small.width, small.height, kSpotBlurRadius);
+
+    bool any = false;
+    for (int y = 0; y < small.height; ++y) {
+        const Byte* row = m_spots.view().row(y);
+        m_rowHasSpots.push_back(std::any_of(row, row + small.width, [](Byte s) { return s != 0; }));
+        any = any || m_rowHasSpots.back();
+    }
+    if (!any) return;
+    const BilinearSizes sizes{small.width, small.height, width, height};
+    m_where.emplace(sizes, m_spots.data(), 1);
+    m_repaired.emplace(sizes, small.data, 4);
+}
+
+void SpotPaste::row(int y, Byte* pixels, Scratch& scratch) const {
+    if (!m_where) return;
+    const BilinearStep& line = m_where->line(y);
+    if (!m_rowHasSpots[static_cast<std::size_t>(line.index)] &&
+        !m_rowHasSpots[static_cast<std::size_t>(line.next)])
+        return;
+    scratch.where.resize(sampleCount(m_width, 1));
+    scratch.repaired.resize(sampleCount(m_width, 1, 4));
+    m_where->scale(y, scratch.line, scratch.where.data());
+    m_repaired->scale(y, scratch.line, scratch.repaired.data());
+    const Byte* source = scratch.repaired.data();
+    for (const Byte spot : scratch.where) {
+        if (spot != 0) std::copy_n(source, 3, pixels);
+        source += 4, pixels += 4;
+    }
+}
+
+}  // namespace zellab
