@@ -1,6 +1,8 @@
 #include "beautykernel/lazybeauty/lazybeauty.h"
 
 #include <algorithm>
+#include <functional>
+#include <iterator>
 #include <optional>
 
 #include "beautykernel/lazybeauty/detailWeight.h"
@@ -9,6 +11,7 @@
 #include "beautykernel/lazybeauty/spotPaste.h"
 #include "beautykernel/skintools/shadowPlane.h"
 #include "beautykernel/skintools/skinMaskFromColor.h"
+#include "frame/processorCount.h"
 #include "frame/zel_log.h"
 #include "zellab/imageproc/levels.h"
 #include "zellab/imageproc/parallelRows.h"
@@ -88,13 +91,25 @@ SmoothPlanes smoothPlanes(ConstImageView work, PlaneView<const Byte> mask, const
     const int w = work.width, h = work.height;
     const Plane<Byte> grey = greyOf(work);
     SmoothPlanes planes;
-    planes.blurred.assign(work.data, work.data + sampleCount(w, h, 4));
-    RecursiveGaussianBlur(planes.blurred.data(), w, h, w * 4, kSmoothSigma, kSmoothSigma, 0);
-    planes.weight = detailWeight(grey.view(), mask, face, path.detailBias);
-    planes.edges = equalisedEdges(grey.view());
-    RecursiveGaussianBlur(planes.edges.data(), w, h, w, path.edgeSigma, path.edgeSigma, 0);
-    planes.highPass = std::move(highPass);
-    StackBlurGray(planes.highPass.data(), w, h, kOverlayRadius);
+    const std::function<void()> steps[] = {
+        [&] { planes.weight = detailWeight(grey.view(), mask, face, path.detailBias); },
+        [&] {
+            planes.blurred.assign(work.data, work.data + sampleCount(w, h, 4));
+            RecursiveGaussianBlur(planes.blurred.data(), w, h, w * 4, kSmoothSigma, kSmoothSigma, 0);
+        },
+        [&] {
+            planes.edges = equalisedEdges(grey.view());
+            RecursiveGaussianBlur(planes.edges.data(), w, h, w, path.edgeSigma, path.edgeSigma, 0);
+        },
+        [&] {
+            planes.highPass = std::move(highPass);
+            StackBlurGray(planes.highPass.data(), w, h, kOverlayRadius);
+        }};
+    // The planes are small: workers gain more from a step each than from a share of every loop.
+    runTasks(static_cast<int>(std::size(steps)), ProcessorCount(), [&](int i) {
+        const WorkerCount alone(1);
+        steps[i]();
+    });
     return planes;
 }
 
