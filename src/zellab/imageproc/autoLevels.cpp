@@ -5,6 +5,7 @@
 #include <mutex>
 #include <optional>
 
+#include "zellab/imageproc/colourHistograms.h"
 #include "zellab/imageproc/levels.h"
 #include "zellab/imageproc/parallelRows.h"
 #include "zellab/imageproc/toneTables.h"
@@ -23,11 +24,9 @@ constexpr int kHighestBlack = 60, kLowestWhite = 200;
 constexpr int kDarkMean = 101, kStrongLiftBlack = 38, kWeakLiftBlack = 17;
 constexpr float kStrongLift = 1.4f, kWeakLift = 1.2f;
 
-using Histogram = std::array<std::uint64_t, 256>;
-
 /// What one pass over the picture counts.
 struct Counts {
-    std::array<Histogram, 3> channels{};
+    ColourHistograms channels{};
     std::uint64_t pixels = 0, lumaSum = 0, lumaPixels = 0;
 
     void add(const Counts& other) {
@@ -71,30 +70,6 @@ void countMaskedRow(const Source& source, int y, Counts& counts) {
     }
 }
 
-/// Histograms of one band of rows. Neighbouring pixels are counted apart: an increment need not wait for the
-/// one before it.
-struct BandCounts {
-    std::uint32_t odd[3][256] = {}, even[3][256] = {};
-
-    template <int kChannels>
-    void addRow(const Byte* p, int width) {
-        constexpr int kUsed = kChannels == 4 ? 3 : 1;
-        int x = 0;
-        for (; x + 2 <= width; x += 2, p += 2 * kChannels)
-            for (int c = 0; c < kUsed; ++c) {
-                ++even[c][p[c]];
-                ++odd[c][p[kChannels + c]];
-            }
-        if (x < width)
-            for (int c = 0; c < kUsed; ++c) ++even[c][p[c]];
-    }
-
-    void addTo(Counts& counts) const {
-        for (std::size_t c = 0; c < 3; ++c)
-            for (std::size_t i = 0; i < 256; ++i) counts.channels[c][i] += even[c][i] + odd[c][i];
-    }
-};
-
 std::uint64_t lumaOf(const Byte* p, int width, int channels) {
     std::uint64_t sum = 0;
     if (channels == 4)
@@ -106,7 +81,7 @@ std::uint64_t lumaOf(const Byte* p, int width, int channels) {
 }
 
 void countWholeRows(const Source& source, int begin, int end, Counts& counts) {
-    BandCounts band;
+    BandHistograms band;
     const LevelsRegion& region = source.region;
     const int meanWidth = region.left <= region.right ? region.right - region.left + 1 : 0;
     for (int y = begin; y < end; ++y) {
@@ -121,7 +96,7 @@ void countWholeRows(const Source& source, int begin, int end, Counts& counts) {
             lumaOf(row + std::ptrdiff_t{source.channels} * region.left, meanWidth, source.channels);
         counts.lumaPixels += static_cast<std::uint64_t>(meanWidth);
     }
-    band.addTo(counts);
+    band.addTo(counts.channels);
 }
 
 Counts count(const Source& source) {
