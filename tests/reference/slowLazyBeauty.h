@@ -18,6 +18,7 @@ namespace slow {
 struct LazySettings {
     bool autoLevels, repairSpots;
     int smooth, overlay;
+    bool seesSkin = true;  // false: the mask is empty, and only what changes every picture is left
 };
 
 struct LazyPicture {
@@ -174,7 +175,7 @@ inline void lazyBeauty(LazyPicture& picture, const LazySettings& set, const zell
     }
     Bytes work = picture.scaled(sw, sh);
     const std::array<int, 3> mean = meanSkin(work, sw, sh, face);
-    const Bytes mask = redBlueMask(work, sw, sh, mean);
+    const Bytes mask = set.seesSkin ? redBlueMask(work, sw, sh, mean) : Bytes(work.size() / 4, 0);
     if (set.repairSpots) {
         zellab::SpotBox box;
         if (face) box = {face->left, face->top, face->right - face->left, face->bottom - face->top};

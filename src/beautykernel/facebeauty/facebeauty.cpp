@@ -3,15 +3,15 @@
 #include <algorithm>
 #include <array>
 
+#include "beautykernel/facebeauty/curveLift.h"
 #include "beautykernel/facebeauty/finishTable.h"
-#include "beautykernel/facebeauty/shadowLift.h"
 #include "beautykernel/facebeauty/skinColorCorrect.h"
 #include "beautykernel/facebeauty/skinLuma.h"
 #include "beautykernel/facebeauty/styleTone.h"
 #include "beautykernel/skintools/overlayTable.h"
 #include "beautykernel/skintools/shadowPlane.h"
 #include "beautykernel/skintools/skinMaskFromColor.h"
-#include "beautykernel/skintools/spotSteps.h"
+#include "beautykernel/skintools/spotPaste.h"
 #include "frame/zel_log.h"
 #include "zellab/imageproc/domaintransform/domainTransform.h"
 #include "zellab/imageproc/imageResampler.h"
@@ -105,7 +105,7 @@ bool CFaceBeauty::Run8kelyy(ImageView image, PlaneView<const Byte> userMask, con
     const ImageView small(pixels.data(), smallWidth, smallHeight);
     ImageResampler().Resize(image.data, image.width, image.height, small.data, smallWidth, smallHeight, 4, 0);
     const SkinColourMask skin = skinMaskFromColor(small, face ? 1 : 0, face, kMaskRadii);
-    if (params.repairSpots) repairSpotsOnCopy(image, small, skin.mask.view(), face);
+    if (params.repairSpots) SpotPaste(small, skin.mask.view(), face, image.width, image.height).apply(image);
 
     OverlayTable overlay;
     if (!overlay.load()) {

@@ -1,17 +1,23 @@
 #include "beautykernel/lazybeauty/lazybeauty.h"
 
 #include <algorithm>
+#include <functional>
+#include <iterator>
+#include <optional>
 
 #include "beautykernel/lazybeauty/detailWeight.h"
+#include "beautykernel/lazybeauty/shadowLift.h"
 #include "beautykernel/lazybeauty/smoothMix.h"
 #include "beautykernel/skintools/featureMaskPainter.h"
 #include "beautykernel/skintools/shadowPlane.h"
 #include "beautykernel/skintools/skinMaskFromColor.h"
-#include "beautykernel/skintools/spotSteps.h"
+#include "beautykernel/skintools/spotPaste.h"
+#include "frame/processorCount.h"
 #include "frame/zel_log.h"
 #include "zellab/imageproc/levels.h"
+#include "zellab/imageproc/parallelRows.h"
 #include "zellab/imageproc/recursiveGaussian.h"
-#include "zellab/imageproc/sfCurve.h"
+#include "zellab/imageproc/sfdsp/bilinearRows.h"
 #include "zellab/imageproc/sfdsp/scaleBilinear.h"
 #include "zellab/imageproc/stackBlur.h"
 #include "zellab/imageproc/unsharpMask.h"
@@ -53,29 +59,6 @@ WorkSize workSizeFor(int width, int height) {
     return {std::max(static_cast<int>(static_cast<float>(width) * scale + 0.5f), 1), kDirectHeight, scale};
 }
 
-/// Brightness to which the middle of the curve is raised, by the brightness of the skin.
-int liftTarget(int brightness) {
-    if (brightness < 61) return 156;
-    if (brightness < 101) return 152;
-    if (brightness <= 140) return 150;
-    return brightness <= 200 ? 148 : 145;
-}
-
-/// Lifts the shadows of the picture along a curve, by a plane of its size.
-void liftShadows(ImageView image, PlaneView<const Byte> shadow, const MeanColour& skin, int smoothLevel) {
-    Byte curve[256];
-    ApplyCurveThreePoints(curve, 128, liftTarget(skin.brightness()));
-    const float share = static_cast<float>(std::clamp(smoothLevel, 0, 7)) / 7.0f;
-    // The result for every shadow weight and sample: two bytes decide it.
-    std::vector<Byte> lifted(256 * 256);
-    for (int s = 0; s < 256; ++s)
-        for (int c = 0; c < 256; ++c)
-            lifted[static_cast<std::size_t>(s * 256 + c)] =
-                static_cast<Byte>(static_cast<float>(curve[c] * s + c * (255 - s)) * share / 255.0f +
-                                  static_cast<float>(c) * (1.0f - share));
-    mapByPlane(image, shadow, lifted);
-}
-
 Plane<Byte> greyOf(ConstImageView image) {
     Plane<Byte> grey(image.width, image.height);
     for (int y = 0; y < image.height; ++y) {
@@ -93,14 +76,35 @@ SmoothPlanes smoothPlanes(ConstImageView work, PlaneView<const Byte> mask, const
     const int w = work.width, h = work.height;
     const Plane<Byte> grey = greyOf(work);
     SmoothPlanes planes;
-    planes.blurred.assign(work.data, work.data + sampleCount(w, h, 4));
-    RecursiveGaussianBlur(planes.blurred.data(), w, h, w * 4, kSmoothSigma, kSmoothSigma, 0);
-    planes.weight = detailWeight(grey.view(), mask, face, path.detailBias);
-    planes.edges = equalisedEdges(grey.view());
-    RecursiveGaussianBlur(planes.edges.data(), w, h, w, path.edgeSigma, path.edgeSigma, 0);
-    planes.highPass = std::move(highPass);
-    StackBlurGray(planes.highPass.data(), w, h, kOverlayRadius);
+    const std::function<void()> steps[] = {
+        [&] { planes.weight = detailWeight(grey.view(), mask, face, path.detailBias); },
+        [&] {
+            planes.blurred.assign(work.data, work.data + sampleCount(w, h, 4));
+            RecursiveGaussianBlur(planes.blurred.data(), w, h, w * 4, kSmoothSigma, kSmoothSigma, 0);
+        },
+        [&] {
+            planes.edges = equalisedEdges(grey.view());
+            RecursiveGaussianBlur(planes.edges.data(), w, h, w, path.edgeSigma, path.edgeSigma, 0);
+        },
+        [&] {
+            planes.highPass = std::move(highPass);
+            StackBlurGray(planes.highPass.data(), w, h, kOverlayRadius);
+        }};
+    // The planes are small: workers gain more from a step each than from a share of every loop.
+    runTasks(static_cast<int>(std::size(steps)), ProcessorCount(), [&](int i) {
+        const WorkerCount alone(1);
+        steps[i]();
+    });
     return planes;
+}
+
+/// The mask without the features of the face: repairs keep away from them.
+Plane<Byte> withoutFeatures(PlaneView<const Byte> mask, const FaceData* face) {
+    Plane<Byte> search(mask.width, mask.height);
+    std::copy_n(mask.data, search.size(), search.data());
+    if (face)
+        CFeatureMaskPainter::Paint(search.data(), mask.width, mask.height, face->points, kAllFeatures, 0);
+    return search;
 }
 
 /// A smaller copy of a picture, owned.
@@ -114,19 +118,19 @@ struct SmallCopy {
     }
 };
 
-Plane<Byte> enlarged(Plane<Byte>& plane, int width, int height) {
-    Plane<Byte> large(width, height);
-    ScaleBilinearThreaded(plane.data(), plane.width(), plane.height(), large.data(), width, height, 1);
-    return large;
-}
-
-/// The mask without the features of the face: repairs keep away from them.
-Plane<Byte> withoutFeatures(PlaneView<const Byte> mask, const FaceData* face) {
-    Plane<Byte> search(mask.width, mask.height);
-    std::copy_n(mask.data, search.size(), search.data());
-    if (face)
-        CFeatureMaskPainter::Paint(search.data(), mask.width, mask.height, face->points, kAllFeatures, 0);
-    return search;
+/// Pastes the spots and lifts the shadows: one walk through the full picture, row by row.
+void pasteAndLift(ImageView image, const SpotPaste* spots, Plane<Byte>& shadow, const ShadowLift& lift) {
+    const BilinearRows weights({shadow.width(), shadow.height(), image.width, image.height}, shadow.data(),
+                               1);
+    parallelRows(image.height, [&](int begin, int end) {
+        SpotPaste::Scratch scratch;
+        std::vector<Byte> weight(sampleCount(image.width, 1));
+        for (int y = begin; y < end; ++y) {
+            if (spots) spots->row(y, image.row(y), scratch);
+            weights.scale(y, scratch.line, weight.data());
+            lift.row(image.row(y), weight.data(), image.width);
+        }
+    });
 }
 
 struct Levels {
@@ -139,7 +143,8 @@ void runDirect(ImageView image, bool spots, const Levels& levels, const FaceData
     if (spots) repairSpots(image, skin.mask.view(), face, nullptr);
     ShadowPlanes shadows =
         shadowPlanes(overlayLightness(image, overlay, kDirect.lightness), skin.mask.view(), kShadowRadius);
-    liftShadows(image, shadows.shadow.view(), skin.mean, levels.smooth);
+    const ShadowLift lift(skin.mean, levels.smooth);
+    for (int y = 0; y < image.height; ++y) lift.row(image.row(y), shadows.shadow.view().row(y), image.width);
     const SmoothPlanes planes =
         smoothPlanes(image, skin.mask.view(), face, std::move(shadows.highPass), kDirect);
     mixSmooth(image, planes, overlay, levels.overlay);
@@ -156,13 +161,13 @@ void runScaled(ImageView image, bool spots, const Levels& levels, const FaceData
     }
     SmallCopy before(image, size);
     const SkinColourMask skin = skinMaskFromColor(before.view, face ? 1 : 0, face, kMaskRadii);
-    if (spots) repairSpotsOnCopy(image, before.view, withoutFeatures(skin.mask.view(), face).view(), face);
+    std::optional<SpotPaste> paste;
+    if (spots)
+        paste.emplace(before.view, withoutFeatures(skin.mask.view(), face).view(), face, image.width,
+                      image.height);
     ShadowPlanes shadows = shadowPlanes(overlayLightness(before.view, overlay, kScaled.lightness),
                                         skin.mask.view(), kShadowRadius);
-    {
-        const Plane<Byte> shadow = enlarged(shadows.shadow, image.width, image.height);
-        liftShadows(image, shadow.view(), skin.mean, levels.smooth);
-    }
+    pasteAndLift(image, paste ? &*paste : nullptr, shadows.shadow, ShadowLift(skin.mean, levels.smooth));
     const SmallCopy lifted(image, size);
     const SmoothPlanes planes =
         smoothPlanes(lifted.view, skin.mask.view(), face, std::move(shadows.highPass), kScaled);

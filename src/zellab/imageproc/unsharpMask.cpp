@@ -1,9 +1,10 @@
 #include "zellab/imageproc/unsharpMask.h"
 
-#include <vector>
+#include <cstddef>
 
 #include "zellab/imageproc/combinePixels.h"
 #include "zellab/imageproc/stackBlur.h"
+#include "zellab/imageproc/stackBlurPasses.h"
 #include "zellab/imageproc/unsharpStep.h"
 
 namespace zellab {
@@ -23,17 +24,20 @@ bool UnsharpMask(unsigned char* pixels, int width, int height, int rowBytes, int
                  unsigned char threshold, int /*reserved*/) {
     if (!pixels || width < 1 || height < 1) return false;
     const Sharpen sharpen(amount, threshold);
+    // A radius of 0 leaves nothing to sharpen against.
+    const int reach = stackBlurRadius(width, height, unsharpBlurRadius(radius));
+    if (reach < 1) return true;
     const bool isPlane = rowBytes / width == 1;
-    std::vector<Byte> blurred(pixels, pixels + sampleCount(width, height, isPlane ? 1 : 4));
-    if (isPlane) {
-        StackBlurGray(blurred.data(), width, height, unsharpBlurRadius(radius));
-        const PlaneView<Byte> plane(pixels, width, height);
-        combinePlanes(plane, plane, {blurred.data(), width, height}, sharpen);
-    } else {
-        StackBlurRGBA(blurred.data(), width, height, unsharpBlurRadius(radius));
-        const ImageView image(pixels, width, height);
-        combinePixels(image, image, {blurred.data(), width, height}, sharpen);
-    }
+    const int channels = isPlane ? 1 : 4;
+    const BlurSource source{pixels,   width,    height,  std::ptrdiff_t{channels} * width,
+                            channels, channels, !isPlane};
+    const auto combine = isPlane ? combineRowFor<1, Sharpen>() : combineRowFor<4, Sharpen>();
+    // The blur hands out its samples while the picture below them is still as it was: no copy is needed.
+    stackBlur(source, reach, stackBlurWorkers(width, height),
+              [&](int y, std::ptrdiff_t first, std::ptrdiff_t count, const Byte* blurred) {
+                  Byte* own = pixels + y * source.rowBytes + first;
+                  combine(own, own, blurred, static_cast<int>(count) / channels, sharpen);
+              });
     return true;
 }
 

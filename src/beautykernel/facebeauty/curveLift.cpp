@@ -1,4 +1,4 @@
-#include "beautykernel/facebeauty/shadowLift.h"
+#include "beautykernel/facebeauty/curveLift.h"
 
 #include <vector>
 
@@ -8,7 +8,7 @@
 
 namespace zellab {
 
-ShadowLift largeLift(int brightness) {
+CurveLift largeLift(int brightness) {
     constexpr int kHalf = 127;
     if (brightness < 61) return {156, kHalf};
     if (brightness < 101) return {148, kHalf};
@@ -17,14 +17,14 @@ ShadowLift largeLift(int brightness) {
     return {brightness <= 170 ? 142 : 140, kHalf};
 }
 
-ShadowLift smallLift(int brightness) {
+CurveLift smallLift(int brightness) {
     if (brightness < 61) return {156, 0};
     if (brightness < 101) return {152, 0};
     if (brightness < 141) return {150, 0};
     return {brightness <= 200 ? 148 : 145, 0};
 }
 
-void liftShadows(ImageView image, PlaneView<const Byte> shadow, const ShadowLift& lift) {
+void liftShadows(ImageView image, PlaneView<const Byte> shadow, const CurveLift& lift) {
     Byte curve[256];
     ApplyCurveThreePoints(curve, 128, lift.target);
     // The result for every shadow weight and sample: two bytes decide it.
