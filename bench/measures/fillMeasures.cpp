@@ -14,7 +14,7 @@ namespace {
 using ZelImageCore::TableSkin;
 using Fill = zel::Image (*)(const zel::Image&, const cv::Mat&);
 
-constexpr int kTrace = 16, kCore = 96;  // cover of a defect
+constexpr int kTrace = 48, kCore = 96;  // cover of a defect: where it shows, and its middle
 constexpr int kBrush = 2;               // pixels by which a painted mask reaches beyond the defect
 
 cv::Mat grown(const cv::Mat& mask, int reach) {
@@ -52,6 +52,35 @@ zel::Image smoothed(const zel::Image& image, const cv::Mat& mask, int method) {
     });
 }
 
+/// Squares of what the four neighbours' mean leaves: the finest scale.
+cv::Mat textureOf(const zel::Image& image) {
+    const cv::Mat luma = lumaOf(image);
+    const cv::Mat kernel = (cv::Mat_<float>(3, 3) << 0, 0.25f, 0, 0.25f, -1, 0.25f, 0, 0.25f, 0);
+    cv::Mat detail;
+    cv::filter2D(luma, detail, CV_32F, kernel);
+    return detail.mul(detail);
+}
+
+constexpr double kToneSigma = 2;  // pixels: what is finer is grain
+
+zel::Image toneOf(const zel::Image& image) {
+    zel::Image tone = image;
+    cv::GaussianBlur(rgbaOf(tone), rgbaOf(tone), {}, kToneSigma);
+    return tone;
+}
+
+/// The picture's tone with the grain of the pixels beside.
+zel::Image withOtherGrain(const zel::Image& image) {
+    constexpr int kAway = 24;  // pixels
+    cv::Mat picture, tone, moved;
+    rgbaOf(image).convertTo(picture, CV_32F);
+    cv::GaussianBlur(picture, tone, {}, kToneSigma);
+    cv::copyMakeBorder(picture - tone, moved, 0, 0, kAway, 0, cv::BORDER_REFLECT);
+    zel::Image out = image;
+    cv::Mat(tone + moved.colRange(0, picture.cols)).convertTo(rgbaOf(out), CV_8U);
+    return out;
+}
+
 struct Engine {
     const char* name;
     Fill fill;
@@ -67,15 +96,6 @@ const std::array<Engine, 6> kEngines = {{
     {"OpenCV Navier-Stokes",
      [](const zel::Image& i, const cv::Mat& m) { return filledByPeer(i, m, cv::INPAINT_NS); }},
 }};
-
-/// Squares of what the four neighbours' mean leaves: the finest scale.
-cv::Mat textureOf(const zel::Image& image) {
-    const cv::Mat luma = lumaOf(image);
-    const cv::Mat kernel = (cv::Mat_<float>(3, 3) << 0, 0.25f, 0, 0.25f, -1, 0.25f, 0, 0.25f, 0);
-    cv::Mat detail;
-    cv::filter2D(luma, detail, CV_32F, kernel);
-    return detail.mul(detail);
-}
 
 /// Sum over the wrinkles of how much darker or lighter each is than the skin along it.
 double lineContrast(const zel::Image& image, const zel::Mask& layer, const cv::Mat& painted) {
@@ -93,30 +113,44 @@ double lineContrast(const zel::Image& image, const zel::Mask& layer, const cv::M
     return sum;
 }
 
+/// One row of the table of fills.
+struct FillRow {
+    Closeness whole, tone;
+    double texture = 0;  // summed squares on the mask
+    void add(const zel::Image& image, const zel::Image& truth, const cv::Mat& mask) {
+        whole.add(image, truth, mask);
+        tone.add(toneOf(image), toneOf(truth), mask);
+        texture += cv::mean(textureOf(image), mask)[0] * cv::countNonZero(mask);
+    }
+};
+
 }  // namespace
 
 void printFills(unsigned firstSeed, int count) {
-    std::printf("| defect | fill | PSNR | PSNR of the tone | SSIM |\n|---|---|--:|--:|--:|\n");
+    std::printf(
+        "| defect | fill | PSNR | PSNR of the tone | SSIM | texture, of the truth's "
+        "|\n|---|---|--:|--:|--:|--:|\n");
     for (const DefectKind& kind : defectKinds()) {
-        std::array<Closeness, kEngines.size() + 1> results, tones;
+        FillRow truth, unrepaired, flat, grainy;
+        std::array<FillRow, kEngines.size()> rows;
         for (int i = 0; i < count; ++i) {
             const zel::Portrait p = drawWith(kind, firstSeed + static_cast<unsigned>(i));
             const cv::Mat mask = paintedMask(p.*kind.layer);
-            const auto add = [&](std::size_t k, const zel::Image& image) {
-                constexpr double kToneSigma = 2;  // pixels: what is finer is grain
-                results[k].add(image, p.clean, mask);
-                zel::Image tone = image, truth = p.clean;
-                cv::GaussianBlur(rgbaOf(tone), rgbaOf(tone), {}, kToneSigma);
-                cv::GaussianBlur(rgbaOf(truth), rgbaOf(truth), {}, kToneSigma);
-                tones[k].add(tone, truth, mask);
-            };
-            add(0, p.image);
-            for (std::size_t k = 0; k < kEngines.size(); ++k) add(k + 1, kEngines[k].fill(p.image, mask));
+            truth.add(p.clean, p.clean, mask);
+            unrepaired.add(p.image, p.clean, mask);
+            flat.add(toneOf(p.clean), p.clean, mask);
+            grainy.add(withOtherGrain(p.clean), p.clean, mask);
+            for (std::size_t k = 0; k < kEngines.size(); ++k)
+                rows[k].add(kEngines[k].fill(p.image, mask), p.clean, mask);
         }
-        for (std::size_t k = 0; k < results.size(); ++k)
-            std::printf("| %s | %s | %.1f | %.1f | %.3f |\n", kind.name,
-                        k ? kEngines[k - 1].name : "not repaired", results[k].psnr(), tones[k].psnr(),
-                        results[k].ssim());
+        const auto print = [&](const char* name, const FillRow& row) {
+            std::printf("| %s | %s | %.1f | %.1f | %.3f | %.2f |\n", kind.name, name, row.whole.psnr(),
+                        row.tone.psnr(), row.whole.ssim(), std::sqrt(row.texture / truth.texture));
+        };
+        print("not repaired", unrepaired);
+        for (std::size_t k = 0; k < kEngines.size(); ++k) print(kEngines[k].name, rows[k]);
+        print("the true tone without its grain", flat);
+        print("the true tone with the grain beside", grainy);
     }
 }
 

@@ -30,8 +30,8 @@ double errorIn(const Part& part, const zel::Image& a, const zel::Image& b) {
     return sum;
 }
 
-/// Where hair grows or falls over the skin, with a rim: scalp hair, and the stubble that a shaven portrait of
-/// the same seed lacks.
+/// Where hair grows or falls over the skin, with a rim: scalp hair, brows, and the stubble that a shaven
+/// portrait of the same seed lacks.
 cv::Mat hairOf(const zel::Portrait& p, unsigned seed) {
     constexpr double kRim = 0.03;      // of the pupils' distance
     constexpr int kStubbleLevels = 3;  // by which a hair darkens the skin
@@ -39,7 +39,7 @@ cv::Mat hairOf(const zel::Portrait& p, unsigned seed) {
     params.seed = seed;
     params.stubble = 0;
     const zel::Portrait shaven = zel::drawPortrait(params);
-    cv::Mat hair = planeOf(p.hair) > kTrace, stubble;
+    cv::Mat hair = (planeOf(p.hair) > kTrace) | (planeOf(p.brows) > kTrace), stubble;
     cv::absdiff(lumaOf(p.clean), lumaOf(shaven.clean), stubble);
     hair |= stubble > kStubbleLevels;
     const int reach = std::max(static_cast<int>(kRim * pupilDistance(p)), 1);

@@ -13,7 +13,8 @@ void printFlecks(unsigned firstSeed, int count);
 /// 100 of the pupils' distance.
 std::vector<Part> countedSpots(const zel::Mask& layer, const zel::Portrait& portrait);
 
-/// For each mole that counts and stays: the first step of method 0's search that lost it.
+/// For each mole that counts: the first step of either search that lost it. Also tells which of the changed
+/// feature pixels the features' polygons leave out.
 void printLostMoles(unsigned firstSeed, int count);
 
 }  // namespace zelmeasure
