@@ -121,7 +121,7 @@ struct SlowExchange {
     const Bytes& rgba;
     const Bytes& mask;
     int columns = w / size, rows = h / size;
-    std::vector<long> rough, edges;  // of each pixel
+    std::vector<long> rough = {}, edges = {};  // of each pixel
 
     using Block = std::pair<int, int>;  // column, row
     std::size_t pixel(int x, int y) const { return static_cast<std::size_t>(y * w + x); }
@@ -198,7 +198,7 @@ struct SlowExchange {
     void quiet(const GradientField& before, GradientField& after) {
         findRoughness(5, 10);
         std::map<Block, int> usage;
-        for (const Block hole : order()) {
+        for (const Block& hole : order()) {
             Block best = hole;
             for (int y = hole.second - 2; y <= hole.second + 2; ++y)
                 for (int x = hole.first - 2; x <= hole.first + 2; ++x) {
@@ -215,7 +215,7 @@ struct SlowExchange {
         findRoughness(8, 20);
         for (std::size_t i = 0; i < mask.size(); ++i)
             if (mask[i] > 254) edges[i] = 255;
-        for (const Block hole : order()) {
+        for (const Block& hole : order()) {
             std::vector<Block> list;
             for (const auto& [dx, dy] :
                  {Block{0, -1}, {-1, 0}, {1, 0}, {0, 1}, {-1, -1}, {1, -1}, {-1, 1}, {1, 1}})
@@ -237,7 +237,7 @@ struct SlowExchange {
                 if (2 * s[0] >= s[1] && 3 * s[0] >= s[2] && fitting >= 6) list.push_back(chosen[2]);
             }
             Block donor = list[0];
-            for (const Block b : list)
+            for (const Block& b : list)
                 if (sum(edges, b) < sum(edges, donor)) donor = b;
             lend(hole, donor, before, after);
             visit(hole, [&](int x, int y) {
