@@ -13,6 +13,7 @@
 #include "faces/faceFinder.h"
 #include "facesJson.h"
 #include "pictures/jpegFile.h"
+#include "pictures/pngFile.h"
 #include "pictures/sheet.h"
 #include "pictures/writePicture.h"
 #include "run/assets.h"
@@ -150,6 +151,7 @@ void ApplyRun::transform(std::size_t index, const ApplyItem& item) {
     const FaceSet faces = facesFor(index, item, image);
     const Image before = item.sheet.shown.empty() ? Image() : image;
 
+    Mask maskOut;
     EffectRun run{image,
                   faces,
                   m_mask ? &*m_mask : nullptr,
@@ -160,7 +162,8 @@ void ApplyRun::transform(std::size_t index, const ApplyItem& item) {
                           index, stage,
                           kReadShare + (kEffectShare - kReadShare) * std::clamp(done01, 0.0, 1.0));
                   },
-                  m_cube};
+                  m_cube,
+                  item.maskOut.shown.empty() ? nullptr : &maskOut};
     run.progress(m_effect.name, 0);
     m_effect.run(run);
 
@@ -168,6 +171,8 @@ void ApplyRun::transform(std::size_t index, const ApplyItem& item) {
     if (formatOfSuffix(item.output.real) == PictureFormat::jpeg && !jpegHoldsExif(image.exif.size()))
         m_messages.note(item.output.shown, "its EXIF data is too large for JPEG and is left out");
     namingFile(item.output.shown, [&] { writePicture(item.output.real, image); });
+    if (!item.maskOut.shown.empty())
+        namingFile(item.maskOut.shown, [&] { writeFileSafely(item.maskOut.real, encodeGrayPng(maskOut)); });
     if (!item.sheet.shown.empty())
         namingFile(item.sheet.shown,
                    [&] { writePicture(item.sheet.real, makeSheet(before, image, m_effect.name)); });
@@ -192,8 +197,8 @@ FaceSet ApplyRun::foundFaces(std::size_t index, const ApplyItem& item, const Ima
 }
 
 FaceSet ApplyRun::facesFor(std::size_t index, const ApplyItem& item, const Image& image) {
-    if (item.faces.shown.empty())
-        return m_effect.faces == Need::no ? FaceSet() : foundFaces(index, item, image);
+    const bool unused = m_effect.faces == Need::no || (m_effect.usesFaces && !m_effect.usesFaces(m_values));
+    if (item.faces.shown.empty()) return unused ? FaceSet() : foundFaces(index, item, image);
     const FaceSet faces = namingFile(item.faces.shown, [&] { return readFaces(item.faces.real); });
     const double proportion = static_cast<double>(image.width) / image.height;
     if (std::abs(proportion * faces.height / faces.width - 1.0) > kProportionTolerance)
@@ -212,6 +217,7 @@ int runApply(const ApplyOptions& options) {
     checkNeed(effect, effect.mask, options.mask, "--mask");
     checkNeed(effect, effect.second, options.second, "--second");
     checkNeed(effect, effect.cube, options.cube, "--cube");
+    checkNeed(effect, effect.maskOut, options.maskOut, "--mask-out");
     const ApplyPlan plan = planApply(options);
     return ApplyRun(options, effect, std::move(values)).run(plan);
 }

@@ -40,7 +40,7 @@ std::string outputName(const fs::path& input) {
 void refuseCollisions(const std::vector<ApplyItem>& items) {
     std::map<fs::path, std::string> owners;
     for (const ApplyItem& item : items) {
-        for (const UserPath* target : {&item.output, &item.sheet}) {
+        for (const UserPath* target : {&item.output, &item.sheet, &item.maskOut}) {
             if (target->shown.empty()) continue;
             const auto [owner, fresh] = owners.emplace(target->real.lexically_normal(), item.input.shown);
             if (!fresh)
@@ -60,9 +60,15 @@ ApplyPlan planApply(const ApplyOptions& options) {
     if (!toFolder) requireFormat(options.output, "OUT");
     if (hasSheet && !sheetsToFolder) requireFormat(options.compare, "--compare");
 
+    const bool hasMaskOut = !options.maskOut.empty();
+    const bool masksToFolder = hasMaskOut && meansFolder(options.maskOut, count, "--mask-out");
+    if (hasMaskOut && !masksToFolder && formatOfSuffix(options.maskOut) != PictureFormat::png)
+        throw UsageError("--mask-out must end in .png, not '" + options.maskOut + "'");
+
     ApplyPlan plan;
     if (toFolder) plan.folders.emplace_back(options.output);
     if (sheetsToFolder) plan.folders.emplace_back(options.compare);
+    if (masksToFolder) plan.folders.emplace_back(options.maskOut);
     const UserPath output(options.output);
     for (const std::string& name : options.inputs) {
         ApplyItem item;
@@ -72,6 +78,9 @@ ApplyPlan planApply(const ApplyOptions& options) {
         if (hasSheet)
             item.sheet = sheetsToFolder ? UserPath(options.compare) / (stem + "-sheet.png")
                                         : UserPath(options.compare);
+        if (hasMaskOut)
+            item.maskOut =
+                masksToFolder ? UserPath(options.maskOut) / (stem + "-mask.png") : UserPath(options.maskOut);
         if (!options.faces.empty())
             item.faces = isFolder(options.faces) ? UserPath(options.faces) / (stem + ".json")
                                                  : UserPath(options.faces);

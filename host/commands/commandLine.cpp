@@ -141,6 +141,8 @@ void CommandLine::addApply() {
     add("--mask", apply.mask, "Mask for the effects that take one", "MASK.png");
     add("--second", apply.second, "Second picture for the effects that take one", "IMAGE");
     add("--cube", apply.cube, "Colour look for the effects that take one", "FILE.cube");
+    add("--mask-out", apply.maskOut,
+        "Write the mask that the effect gives back, where it does (a folder for several inputs)", "MASK.png");
     add("--compare", apply.compare, "Write before and after side by side (a folder for several inputs)",
         "SHEET.png");
     add("--jobs", apply.jobs, "Inputs to work on at once", "N")->check(CLI::Range(1u, kMostJobs));

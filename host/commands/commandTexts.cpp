@@ -42,7 +42,9 @@ const std::vector<CommandText>& commandTexts() {
           {"Turn two knobs", "zel apply bright portrait.png -o clear.png --set radius=8 --set level=3"},
           {"A whole folder, four pictures at once", "zel apply nature-smooth photos/*.jpg -o out/ --jobs 4"},
           {"A whole portrait in one call, with a look of your own",
-           "zel apply scenario portrait.jpg -o out.jpg --set alpha=0.6 --cube mylook.cube"}}},
+           "zel apply scenario portrait.jpg -o out.jpg --set alpha=0.6 --cube mylook.cube"},
+          {"Repair spots, and see where skin was found",
+           "zel apply auto-face-inpaint portrait.jpg -o clean.jpg --mask-out skin.png"}}},
         {"faces",
          "Find faces and their landmarks",
          "Writes face data for zel apply --faces: for each face a rectangle, the 83 landmarks as fractions "

@@ -53,6 +53,7 @@ std::vector<std::string> needLines(const Effect& effect) {
     add("--mask MASK.png", effect.mask);
     add("--second IMAGE", effect.second);
     add("--cube FILE.cube", effect.cube);
+    add("--mask-out MASK.png", effect.maskOut);
     return lines;
 }
 
@@ -108,6 +109,7 @@ std::string effectsJson() {
                            {"mask", needText(effect.mask)},
                            {"second", needText(effect.second)},
                            {"cube", needText(effect.cube)},
+                           {"maskOut", needText(effect.maskOut)},
                            {"parameters", parameters}});
     }
     return Json{{"effects", effects}}.dump(2) + "\n";
@@ -118,7 +120,7 @@ std::string effectHelp(const Effect& effect) {
     text += "Usage: zel apply " + effect.name + " IN... -o OUT [--set NAME=VALUE]...\n";
     if (!effect.parameters.empty()) text += "\nParameters for --set:\n" + parameterLines(effect);
     const auto needs = needLines(effect);
-    if (!needs.empty()) text += "\nBeside the picture it takes:\n";
+    if (!needs.empty()) text += "\nBeside the picture it takes or gives:\n";
     for (const auto& line : needs) text += "  " + line + "\n";
     text += "\nExample:\n  " + effect.example + "\n";
     text += "\nIt runs " + effect.operation + ". Other options: zel apply --help\n";
