@@ -26,7 +26,7 @@ public:
 private:
     enum class HairCut { none, close, short_, bob, long_, round, bun, cuts };
     enum class Hat { none, cap, brimmed, knitted, scarf, peaked, hats };
-    enum class Pose { hanging, crossed, atFace, onHips, holding, poses };
+    enum class Pose { hanging, crossed, atFace, onHips, holding, raised, poses };
 
     struct Turn {
         float sine = 0, cosine = 1;

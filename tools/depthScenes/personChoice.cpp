@@ -89,6 +89,7 @@ void Person::chooseBody(RandomSource& random) {
 void Person::poseArms(RandomSource& random) {
     const auto pose = static_cast<Pose>(random.below(static_cast<int>(Pose::poses)));
     m_holding = pose == Pose::holding;
+    const bool bothUp = random.chance(0.6f);
     for (int i = 0; i < 2; ++i) {
         const float side = i == 0 ? -1.0f : 1.0f;
         Arm& arm = m_arms[i];
@@ -105,6 +106,10 @@ void Person::poseArms(RandomSource& random) {
         } else if (pose == Pose::onHips) {
             arm.elbow = {side * (out + 0.16f), 0.50f, 0.08f};
             arm.hand = {side * (m_shoulders - 0.01f), 0.70f, -0.03f};
+        } else if (pose == Pose::raised && (i == 0 || bothUp)) {
+            arm.elbow = {side * (out + random.range(0.12f, 0.24f)), random.range(0.0f, 0.22f), 0.04f};
+            arm.hand = {side * random.range(0.06f, 0.14f), random.range(-0.2f, 0.0f),
+                        random.range(-0.05f, 0.1f)};
         } else if (pose == Pose::holding) {
             arm.elbow = {side * (out + 0.03f), 0.53f, -0.03f};
             arm.hand = {side * random.range(0.06f, 0.16f), 0.53f, -0.22f};

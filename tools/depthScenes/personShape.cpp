@@ -164,7 +164,7 @@ Person::Nearest Person::nearest(Vec3 p) const {
         const float hat = hatSolid(h) * m_headSize;
         if (hat < found.distance) found = {hat, Part::hat};
     }
-    const float aboutBody = lengthOf(p - Vec3{0, 0.68f, 0.0f}) - 0.75f;
+    const float aboutBody = lengthOf(p - Vec3{0, 0.62f, 0.0f}) - 0.95f;
     if (aboutBody > kFar) {
         found.distance = std::min(found.distance, aboutBody);
         return found;
