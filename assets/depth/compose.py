@@ -124,7 +124,7 @@ class Composer:
     def sample(self):
         """One training picture: colour (3, blue first) and depth (1)."""
         choice = random.random()
-        colour, depth = self.drawn() if choice < 0.15 else self.empty() if choice < 0.22 else self.scene()
+        colour, depth = self.drawn() if choice < 0.2 else self.empty() if choice < 0.26 else self.scene()
         if random.random() < 0.3:
             turn = random.gauss(0, 0.09)
             both = place_at(torch.cat([colour, depth]), 1 + 2 * abs(turn), 0, 0, turn, False, "reflection")

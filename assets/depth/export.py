@@ -8,9 +8,7 @@ import torch
 from model import PICTURE, DepthNet, Exported
 
 
-def export(checkpoint, path):
-    net = DepthNet()
-    net.load_state_dict(torch.load(checkpoint)["mean"])
+def write(net, path):
     torch.onnx.export(
         Exported(net.eval()).eval(),
         torch.zeros(1, 3, PICTURE, PICTURE),
@@ -27,4 +25,6 @@ if __name__ == "__main__":
     parser.add_argument("checkpoint")
     parser.add_argument("path")
     given = parser.parse_args()
-    export(given.checkpoint, given.path)
+    trained = DepthNet()
+    trained.load_state_dict(torch.load(given.checkpoint)["mean"])
+    write(trained, given.path)

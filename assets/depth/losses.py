@@ -7,11 +7,11 @@ ORDER_GAP = 0.06  # pairs of pixels further apart in depth have an order
 
 
 def aligned(depth, truth):
-    """`depth` with the scale and shift that bring each picture nearest to its truth."""
+    """`depth` with the scale, not below 0, and the shift that bring each picture nearest to its truth."""
     d, t = depth.flatten(1), truth.flatten(1)
     dm, tm = d.mean(1, keepdim=True), t.mean(1, keepdim=True)
     scale = ((d - dm) * (t - tm)).mean(1, keepdim=True) / ((d - dm).square().mean(1, keepdim=True) + 1e-3)
-    return (scale * (d - dm) + tm).view_as(depth)
+    return (scale.clamp(min=0) * (d - dm) + tm).view_as(depth)
 
 
 def gradient_loss(depth, truth, scales=4):
@@ -40,10 +40,11 @@ def losses(confidence, depth, truth):
     trust = torch.exp(-error.detach() / 0.1)
     parts = {
         "absolute": error.mean(),
+        "far": (error * 0.3 / (truth + 0.1)).mean(),
         "relative": (aligned(depth, truth) - truth).abs().mean(),
         "gradient": gradient_loss(depth, truth),
         "order": order_loss(depth, truth),
         "confidence": (confidence - trust).square().mean(),
     }
-    total = parts["absolute"] + 0.5 * parts["relative"] + 0.5 * parts["gradient"] + 0.5 * parts["order"]
+    total = 0.5 * sum(parts[name] for name in ("absolute", "far", "relative", "gradient", "order"))
     return total + 0.3 * parts["confidence"], parts

@@ -13,8 +13,10 @@ from library import Library
 from losses import losses
 from model import DepthNet
 from pool import Pool
+from weights import calibrate, load_exported
 
-KEPT = 0.999  # share of the running mean of the weights that one step keeps
+WARM_UP = 300  # steps in which the rate rises
+KEPT = 0.998  # share of the running mean of the weights that one step keeps
 REPORT = 100  # steps between lines of the log
 FIRST_BATCHES = 12  # composed before the first step
 
@@ -26,7 +28,8 @@ def options():
     parser.add_argument("--log", required=True, help="file that a line is added to now and then")
     parser.add_argument("--from-onnx", help="exported network whose weights are the start")
     parser.add_argument("--steps", type=int, default=12000)
-    parser.add_argument("--decay", type=float, default=0.35, help="last share of the steps, in which the rate falls")
+    parser.add_argument("--minutes", type=float, default=1e9, help="stop after so long, if not done before")
+    parser.add_argument("--decay", type=float, default=0.35, help="last share of the work, in which the rate falls")
     parser.add_argument("--rate", type=float, default=2e-3)
     parser.add_argument("--batch", type=int, default=24)
     parser.add_argument("--side", type=int, default=192, help="pixels of the pictures; the last steps need 192")
@@ -36,14 +39,11 @@ def options():
     return parser.parse_args()
 
 
-def rate_at(step, given):
-    """Warm up, stay, fall to a hundredth."""
-    fall = given.steps * (1 - given.decay)
-    if step < 300:
-        return given.rate * (step + 1) / 300
-    if step < fall:
-        return given.rate
-    return given.rate * max(0.01, (given.steps - step) / (given.steps - fall))
+def rate_at(step, share, given):
+    """Warm up, stay, fall to a hundredth; `share` of the work is done."""
+    warm = min(1, (step + 1) / WARM_UP)
+    fall = max(0.01, min(1, (1 - share) / given.decay))
+    return given.rate * min(warm, fall)
 
 
 def average_in(mean, net, step):
@@ -58,18 +58,17 @@ def average_in(mean, net, step):
 
 class Training:
     def __init__(self, given):
-        self.given, self.step = given, 0
+        self.given, self.step, self.began = given, 0, time.time()
         torch.manual_seed(given.seed)
         self.net = DepthNet()
         if given.from_onnx:
-            from weights import load_exported
-
             load_exported(self.net, given.from_onnx)
         self.net = self.net.to(memory_format=torch.channels_last).train()
         self.mean = copy.deepcopy(self.net).eval()
         self.optimiser = torch.optim.AdamW(self.net.parameters(), given.rate, weight_decay=0.01)
         if os.path.exists(given.checkpoint):
             self.resume()
+        self.first = self.step
 
     def resume(self):
         state = torch.load(self.given.checkpoint)
@@ -84,9 +83,13 @@ class Training:
         torch.save(state, self.given.checkpoint + ".new")
         os.replace(self.given.checkpoint + ".new", self.given.checkpoint)
 
+    def share_done(self):
+        minutes = (time.time() - self.began) / 60
+        return max((self.step - self.first) / max(1, self.given.steps - self.first), minutes / self.given.minutes)
+
     def learn(self, picture, truth):
         for group in self.optimiser.param_groups:
-            group["lr"] = rate_at(self.step, self.given)
+            group["lr"] = rate_at(self.step, self.share_done(), self.given)
         picture = picture.to(memory_format=torch.channels_last)
         with torch.autocast("cpu", torch.bfloat16):
             confidence, depth = self.net(picture)
@@ -107,8 +110,11 @@ class Training:
         pool, batches = Pool(self.given.side), iter(loader)
         for _ in range(FIRST_BATCHES):
             pool.add(*next(batches))
+        if self.given.from_onnx and self.step == 0:
+            calibrate(self.net, pool.draw(128)[0])
+            self.net.train()
         sums, began = {}, time.time()
-        while self.step < self.given.steps:
+        while self.share_done() < 1:
             if self.step % self.given.reuse == 0:
                 pool.add(*next(batches))
             for name, value in self.learn(*pool.draw(self.given.batch)).items():

@@ -50,8 +50,9 @@ def calibrate(net, pictures):
     def lay_in(norm, inputs):
         mean = inputs[0].mean((0, 2, 3))
         var = inputs[0].var((0, 2, 3), unbiased=False)
-        norm.weight.data = torch.sqrt(var + norm.eps)
-        norm.bias.data += mean
+        slope = norm.weight.data / torch.sqrt(norm.running_var + norm.eps)
+        norm.bias.data += slope * (mean - norm.running_mean)
+        norm.weight.data = slope * torch.sqrt(var + norm.eps)
         norm.running_mean, norm.running_var = mean, var
 
     norms = [m for m in net.modules() if isinstance(m, nn.BatchNorm2d)]

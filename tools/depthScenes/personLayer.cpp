@@ -1,5 +1,3 @@
-#include <cmath>
-
 #include "layer.h"
 #include "person.h"
 #include "solidMath.h"
@@ -7,17 +5,6 @@
 namespace zeldepth {
 
 using namespace zel::drawing;
-
-void encodeColour(Colour colour, unsigned char* red, unsigned char* green, unsigned char* blue) {
-    const auto byte = [](float v) {
-        v = clamp01(v);
-        v = v <= 0.0031308f ? 12.92f * v : 1.055f * std::pow(v, 1 / 2.4f) - 0.055f;
-        return static_cast<unsigned char>(v * 255 + 0.5f);
-    };
-    *red = byte(colour.x);
-    *green = byte(colour.y);
-    *blue = byte(colour.z);
-}
 
 namespace {
 
@@ -160,7 +147,7 @@ Planes renderPerson(unsigned seed) {
         for (int x = 0; x < kSide; ++x) {
             const auto ray = camera.through(static_cast<float>(x) + 0.5f, static_cast<float>(y) + 0.5f);
             const Hit hit = march(person, ray, camera.pixel());
-            if (hit.cover <= 0) continue;
+            if (hit.cover * 255 < 1) continue;
             const std::size_t i = static_cast<std::size_t>(y) * kSide + static_cast<std::size_t>(x);
             const Vec3 p = ray.origin + ray.direction * hit.along;
             const Vec3 normal = normalAt(person, p);

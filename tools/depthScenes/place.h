@@ -18,9 +18,12 @@ struct Solid {
     std::uint32_t seed = 1;
 };
 
+/// How far the sky is.
+inline constexpr float kNever = 1e9f;
+
 /// Where a ray meets a place.
 struct Meeting {
-    float along = 1e9f;  // 1e9 for the sky
+    float along = kNever;
     Vec3 normal;
     Colour colour;
     float glow = 0;
