@@ -55,6 +55,12 @@ auto namingFile(const std::string& file, const Work& work) {
     }
 }
 
+/// Writes what an effect gave back, where it was asked for.
+void writePlane(const UserPath& path, const Mask& plane) {
+    if (!path.shown.empty())
+        namingFile(path.shown, [&] { writeFileSafely(path.real, encodeGrayPng(plane)); });
+}
+
 std::string secondsText(Clock::duration duration) {
     char text[32];
     std::snprintf(text, sizeof text, "%.1f s", std::chrono::duration<double>(duration).count());
@@ -81,7 +87,7 @@ private:
     const ParameterValues m_values;
     Messages m_messages;
     std::optional<LogCapture> m_capture;
-    std::optional<Mask> m_mask;
+    std::optional<Mask> m_mask, m_depth;
     std::optional<Image> m_second;
     std::string m_cube;  // as the effects read it
     std::atomic<bool> m_failed{false};
@@ -106,6 +112,8 @@ int ApplyRun::run(const ApplyPlan& plan) {
 void ApplyRun::prepare(const ApplyPlan& plan) {
     if (!m_options.mask.empty())
         m_mask = namingFile(m_options.mask, [&] { return readMask(UserPath(m_options.mask).real); });
+    if (!m_options.depth.empty())
+        m_depth = namingFile(m_options.depth, [&] { return readMask(UserPath(m_options.depth).real); });
     if (!m_options.second.empty())
         m_second = namingFile(m_options.second,
                               [&] { return readPicture(UserPath(m_options.second).real, false).image; });
@@ -151,7 +159,7 @@ void ApplyRun::transform(std::size_t index, const ApplyItem& item) {
     const FaceSet faces = facesFor(index, item, image);
     const Image before = item.sheet.shown.empty() ? Image() : image;
 
-    Mask maskOut;
+    Mask maskOut, depthOut;
     EffectRun run{image,
                   faces,
                   m_mask ? &*m_mask : nullptr,
@@ -163,7 +171,9 @@ void ApplyRun::transform(std::size_t index, const ApplyItem& item) {
                           kReadShare + (kEffectShare - kReadShare) * std::clamp(done01, 0.0, 1.0));
                   },
                   m_cube,
-                  item.maskOut.shown.empty() ? nullptr : &maskOut};
+                  item.maskOut.shown.empty() ? nullptr : &maskOut,
+                  m_depth ? &*m_depth : nullptr,
+                  item.depthOut.shown.empty() ? nullptr : &depthOut};
     run.progress(m_effect.name, 0);
     m_effect.run(run);
 
@@ -171,8 +181,8 @@ void ApplyRun::transform(std::size_t index, const ApplyItem& item) {
     if (formatOfSuffix(item.output.real) == PictureFormat::jpeg && !jpegHoldsExif(image.exif.size()))
         m_messages.note(item.output.shown, "its EXIF data is too large for JPEG and is left out");
     namingFile(item.output.shown, [&] { writePicture(item.output.real, image); });
-    if (!item.maskOut.shown.empty())
-        namingFile(item.maskOut.shown, [&] { writeFileSafely(item.maskOut.real, encodeGrayPng(maskOut)); });
+    writePlane(item.maskOut, maskOut);
+    writePlane(item.depthOut, depthOut);
     if (!item.sheet.shown.empty())
         namingFile(item.sheet.shown,
                    [&] { writePicture(item.sheet.real, makeSheet(before, image, m_effect.name)); });
@@ -217,7 +227,9 @@ int runApply(const ApplyOptions& options) {
     checkNeed(effect, effect.mask, options.mask, "--mask");
     checkNeed(effect, effect.second, options.second, "--second");
     checkNeed(effect, effect.cube, options.cube, "--cube");
+    checkNeed(effect, effect.depth, options.depth, "--depth");
     checkNeed(effect, effect.maskOut, options.maskOut, "--mask-out");
+    checkNeed(effect, effect.depthOut, options.depthOut, "--depth-out");
     const ApplyPlan plan = planApply(options);
     return ApplyRun(options, effect, std::move(values)).run(plan);
 }

@@ -141,6 +141,9 @@ void CommandLine::addApply() {
     add("--mask", apply.mask, "Mask for the effects that take one", "MASK.png");
     add("--second", apply.second, "Second picture for the effects that take one", "IMAGE");
     add("--cube", apply.cube, "Colour look for the effects that take one", "FILE.cube");
+    add("--depth", apply.depth, "Depth map, nearer is brighter, for the effects that take one", "MAP.png");
+    add("--depth-out", apply.depthOut,
+        "Write the depth map that the effect used, where it does (a folder for several inputs)", "MAP.png");
     add("--mask-out", apply.maskOut,
         "Write the mask that the effect gives back, where it does (a folder for several inputs)", "MASK.png");
     add("--compare", apply.compare, "Write before and after side by side (a folder for several inputs)",

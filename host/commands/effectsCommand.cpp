@@ -53,7 +53,9 @@ std::vector<std::string> needLines(const Effect& effect) {
     add("--mask MASK.png", effect.mask);
     add("--second IMAGE", effect.second);
     add("--cube FILE.cube", effect.cube);
+    add("--depth MAP.png", effect.depth);
     add("--mask-out MASK.png", effect.maskOut);
+    add("--depth-out MAP.png", effect.depthOut);
     return lines;
 }
 
@@ -109,7 +111,9 @@ std::string effectsJson() {
                            {"mask", needText(effect.mask)},
                            {"second", needText(effect.second)},
                            {"cube", needText(effect.cube)},
+                           {"depth", needText(effect.depth)},
                            {"maskOut", needText(effect.maskOut)},
+                           {"depthOut", needText(effect.depthOut)},
                            {"parameters", parameters}});
     }
     return Json{{"effects", effects}}.dump(2) + "\n";

@@ -8,7 +8,8 @@
 
 namespace zel {
 
-std::vector<Effect> eyeEffects();  // auto-eye-bright
+std::vector<Effect> defocusEffects();  // defocus, mix-mask
+std::vector<Effect> eyeEffects();      // auto-eye-bright
 std::vector<Effect>
 repairEffects();  // auto-remove-black-circle, remove-black-circle, inpaint, wrinkle-cleaner
 std::vector<Effect> reshapeEffects();     // slim-face, auto-slim-face, zoom-eye, auto-zoom-eye
