@@ -1,5 +1,6 @@
 #include "gl/texture2D.h"
 
+#include <algorithm>
 #include <array>
 
 #include "gl/glApi.h"
@@ -77,6 +78,14 @@ const char* framebufferFault(GLenum status) {
     }
 }
 
+/// A size as the driver is given it. Beyond the driver's limit all are refused alike, and one that is barely
+/// beyond is refused safely: a software driver overran its stack on a height of 2,147,483,647.
+GLsizei refusable(int size) {
+    GLint limit = 0;
+    glCore().getIntegerv(GL_MAX_TEXTURE_SIZE, &limit);
+    return std::min(size, limit + 1);
+}
+
 GLuint makeTexture(const ITexture2D& record, GLenum internal, int unpackRowLength, const void* data) {
     GLuint texture = 0;
     glCore().genTextures(1, &texture);
@@ -85,8 +94,9 @@ GLuint makeTexture(const ITexture2D& record, GLenum internal, int unpackRowLengt
         glCore().texParameteri(GL_TEXTURE_2D, parameter.key, parameter.value);
     const PackedRows packed(GL_UNPACK_ALIGNMENT);
     glCore().pixelStorei(GL_UNPACK_ROW_LENGTH, unpackRowLength);
-    glCore().texImage2D(GL_TEXTURE_2D, 0, static_cast<GLint>(internal), record.width, record.height, 0,
-                        static_cast<GLenum>(record.format), static_cast<GLenum>(record.type), data);
+    glCore().texImage2D(GL_TEXTURE_2D, 0, static_cast<GLint>(internal), refusable(record.width),
+                        refusable(record.height), 0, static_cast<GLenum>(record.format),
+                        static_cast<GLenum>(record.type), data);
     glCore().pixelStorei(GL_UNPACK_ROW_LENGTH, 0);
     return texture;
 }
