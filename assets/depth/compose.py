@@ -67,7 +67,9 @@ class Composer:
             choice = random.random()
             if choice < 0.35 or here.sum() < 4:
                 continue
-            if choice < 0.65 or which == HAIR:
+            if choice > 0.85:
+                changed = colour * random.uniform(0.08, 0.4)  # black hair and clothes hide their shape
+            elif choice < 0.6 or which == HAIR:
                 changed = tint(colour, 0.35)
             else:
                 level = (light * here).sum() / here.sum()
@@ -93,7 +95,8 @@ class Composer:
             colour, depth = self.lay(colour, depth, other, random.uniform(0.3, 0.97))
         if random.random() < 0.65:
             colour = soften(colour, random.uniform(0.3, 5) * random.random())
-        colour = tint(colour, 0.1) * math.exp(random.gauss(0, 0.4))
+        dark = random.uniform(0.1, 0.5) if random.random() < 0.12 else 1
+        colour = tint(colour, 0.1) * math.exp(random.gauss(0, 0.4)) * dark
         return self.lay(colour, depth, main, 1.0)
 
     def lay(self, colour, depth, layer, nearness):

@@ -1,6 +1,6 @@
 #!/bin/sh
 # Draws what the training pictures are composed of:  makeScenes.sh DEPTHSCENES FOLDER [CHUNKS]
-# CHUNKS (7) of 500 people, 400 places and 180 portraits each: about 7 minutes and 3 GB on one processor.
+# CHUNKS (7) of 500 people, 400 places and 180 portraits each: about 10 minutes and 1.5 GB on one processor.
 set -eu
 tool=$1
 folder=$2
