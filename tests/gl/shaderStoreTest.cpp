@@ -4,6 +4,7 @@
 
 #include <stdexcept>
 
+#include "bokeh/shaderKeys.h"
 #include "gl/shaderCache.h"
 #include "shaderFile.h"
 #include "support/randomImage.h"
@@ -100,20 +101,13 @@ TEST(ShaderStore, LeavesAFileThatDoesNotOpenAlone) {
     EXPECT_FALSE(store.load(scratch.path("empty")));
 }
 
-TEST(ShaderPack, NamesTheFaultyLineOfAKeyList) {
+TEST(ShaderPack, NamesTheTextThatIsMissing) {
     const zeltest::ScratchFolder scratch;
-    scratch.write("a.frag", {'x'});
-    scratch.write("empty.frag", {});
-    for (const char* line : {"0x1", "0x1 a.frag b", "1z a.frag", "0 a.frag", "0x100000000 a.frag",
-                             "2 none.frag", "2 empty.frag", "0x7 a.frag"}) {
-        const std::string text = "# keys\n0x00000007 a.frag # first\n" + std::string(line) + "\n";
-        const std::string list = scratch.write("keys.txt", Bytes(text.begin(), text.end()));
-        try {
-            shaderpack::readKeyList(list);
-            ADD_FAILURE() << line;
-        } catch (const std::runtime_error& fault) {
-            EXPECT_NE(std::string(fault.what()).find("keys.txt:3: "), std::string::npos) << fault.what();
-        }
+    try {
+        shaderpack::readPassShaders(scratch.path(""));
+        ADD_FAILURE() << "a folder without texts was packed";
+    } catch (const std::runtime_error& fault) {
+        EXPECT_NE(std::string(fault.what()).find(zellab::Bokeh::kPassShaders[0].file), std::string::npos);
     }
 }
 
@@ -121,7 +115,7 @@ TEST(ShaderPack, NamesTheFaultyLineOfAKeyList) {
 TEST(ShaderPack, TheBuiltFileHoldsEveryListedShader) {
     ShaderCache cache;
     ASSERT_TRUE(cache.load(ZEL_ASSETS "/bokeh"));
-    const auto shaders = shaderpack::readKeyList(ZEL_SHADER_SOURCES "/keys.txt");
+    const auto shaders = shaderpack::readPassShaders(ZEL_SHADER_SOURCES);
     EXPECT_EQ(cache.store().size(), shaders.size());
     for (const auto& shader : shaders)
         EXPECT_EQ(decipherShader(bytesOf(cache.store(), shader.key)), shader.text) << shader.key;

@@ -5,6 +5,7 @@
 #include <cstdlib>
 #include <limits>
 #include <set>
+#include <string>
 #include <thread>
 
 #include "beautykernel/inpainting/gradientInpainter.h"
@@ -171,10 +172,10 @@ TEST(PatchFill, RunsOnSeveralThreadsTakeTurns) {
             threads.emplace_back([&picture] { picture.inpaint(0); });
             if (!atOnce) threads.back().join();
         }
-        std::multiset<Bytes> all;
+        std::multiset<std::string> all;
         for (std::thread& thread : threads)
             if (thread.joinable()) thread.join();
-        for (const Picture& picture : pictures) all.insert(picture.pixels);
+        for (const Picture& picture : pictures) all.emplace(picture.pixels.begin(), picture.pixels.end());
         return all;
     };
     EXPECT_EQ(results(true), results(false));
