@@ -13,7 +13,9 @@ install(FILES
   src/frame/zel_records.h
   DESTINATION ${ZEL_INSTALL_INCLUDE})
 if(IS_DIRECTORY ${CMAKE_SOURCE_DIR}/assets)
-  install(DIRECTORY assets/ DESTINATION ${CMAKE_INSTALL_DATADIR}/zel_effects)
+  # The depth network installs itself; what trains it stays here.
+  install(DIRECTORY assets/ DESTINATION ${CMAKE_INSTALL_DATADIR}/zel_effects
+    PATTERN depth EXCLUDE PATTERN CMakeLists.txt EXCLUDE)
 endif()
 
 # find_package(zel_effects) gives zel_effects::zel_effects and zel_effects::zel_face_points.
