@@ -13,10 +13,6 @@ install(FILES
   src/frame/zel_records.h
   src/platform/offscreenContext.h
   DESTINATION ${ZEL_INSTALL_INCLUDE})
-if(IS_DIRECTORY ${CMAKE_SOURCE_DIR}/assets)
-  # The shaders travel packed.
-  install(DIRECTORY assets/ DESTINATION ${CMAKE_INSTALL_DATADIR}/zel_effects PATTERN shaders EXCLUDE)
-endif()
 
 # find_package(zel_effects) gives zel_effects::zel_effects, zel_effects::zel_face_points and
 # zel_effects::zel_gl_context.

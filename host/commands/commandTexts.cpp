@@ -62,6 +62,19 @@ const std::vector<CommandText>& commandTexts() {
            "zel faces portrait.jpg -o faces.json --overlay faces.png"},
           {"Use the data", "zel apply auto-slim-face portrait.jpg -o slim.jpg --faces faces.json"},
           {"Face data for a whole folder", "zel faces photos/*.jpg -o faces/ --jobs 2"}}},
+        {"depth",
+         "Estimate the depth of pictures",
+         "Writes a grey picture of the input's size: the brighter, the nearer. A network estimates a coarse "
+         "map, "
+         "which is then fitted to the picture's edges; --raw leaves that out. A person mask, of any size, "
+         "brings "
+         "the person forward as a whole.\n\n"
+         "Another network may take the place of the built-in one: an ONNX file with one float input of "
+         "1 x 3 x H x W (blue, green, red; 0 to 1) and the outputs confidence and depth, or depth alone.",
+         {{"The depth of a portrait, and a sheet to look at",
+           "zel depth portrait.jpg -o depth.png --compare sheet.png"},
+          {"With a person mask, by a network of your own",
+           "zel depth portrait.jpg -o depth.png --mask person.png --set model=mine.onnx"}}},
         {"portrait",
          "Draw the built-in synthetic portrait",
          "The same seed and settings give the same picture. Its landmarks are known exactly and can be "

@@ -2,7 +2,7 @@
 
 #include <libyuv/convert.h>
 
-#include <algorithm>
+#include <numeric>
 
 #include "depth/keyTable.h"
 
@@ -119,30 +119,43 @@ void BilateralGrid::number() {
     }
     m_keys = table.keys();
     m_vertices = static_cast<int>(m_keys.size());
-    // For each vertex the next one along each dimension; the one before is the same bond seen from there.
-    const auto dimensions = static_cast<std::size_t>(m_dimension);
-    std::vector<int> next(m_keys.size() * dimensions);
-    std::vector<int> degree(m_keys.size(), 1);
-    for (std::size_t i = 0; i < m_keys.size(); ++i)
-        for (std::size_t d = 0; d < dimensions; ++d) {
+    connect(table);
+}
+
+/// The blur as rows of vertices in rising order.
+void BilateralGrid::connect(const KeyTable& table) {
+    // Of each vertex: itself, then the next and the previous one along each dimension, -1 where there is
+    // none. The previous one is a bond of that one's "next", so only half of them are looked up.
+    const auto slots = static_cast<std::size_t>(2 * m_dimension + 1);
+    std::vector<int> bonds(m_keys.size() * slots, -1);
+    std::vector<int> begin(m_keys.size() + 1, 0);
+    for (std::size_t i = 0; i < m_keys.size(); ++i) {
+        bonds[i * slots] = static_cast<int>(i);
+        ++begin[i + 1];
+        for (std::size_t d = 0; d < static_cast<std::size_t>(m_dimension); ++d) {
             const int other = table.find(m_keys[i] + m_step[d]);
-            next[i * dimensions + d] = other;
             if (other < 0) continue;
-            ++degree[i];
-            ++degree[static_cast<std::size_t>(other)];
-        }
-    m_blur.resize(m_vertices, m_vertices);
-    m_blur.reserve(degree);
-    for (int i = 0; i < m_vertices; ++i) {
-        m_blur.insert(i, i) = kSelfWeight;
-        for (std::size_t d = 0; d < dimensions; ++d) {
-            const int other = next[static_cast<std::size_t>(i) * dimensions + d];
-            if (other < 0) continue;
-            m_blur.insert(i, other) = 1.0f;
-            m_blur.insert(other, i) = 1.0f;
+            const auto o = static_cast<std::size_t>(other);
+            bonds[i * slots + 2 * d + 1] = other;
+            bonds[o * slots + 2 * d + 2] = static_cast<int>(i);
+            ++begin[i + 1];
+            ++begin[o + 1];
         }
     }
-    m_blur.makeCompressed();
+    std::partial_sum(begin.begin(), begin.end(), begin.begin());
+    std::vector<int> columns(static_cast<std::size_t>(begin.back())), end = begin;
+    std::vector<float> weights(columns.size());
+    // Vertices enter the rows of their neighbours in order, so every row comes out sorted.
+    for (std::size_t i = 0; i < m_keys.size(); ++i)
+        for (std::size_t s = 0; s < slots; ++s) {
+            const int row = bonds[i * slots + s];
+            if (row < 0) continue;
+            const auto at = static_cast<std::size_t>(end[static_cast<std::size_t>(row)]++);
+            columns[at] = static_cast<int>(i);
+            weights[at] = s == 0 ? kSelfWeight : 1.0f;
+        }
+    m_blur = Eigen::Map<const Matrix>(m_vertices, m_vertices, begin.back(), begin.data(), columns.data(),
+                                      weights.data());
 }
 
 }  // namespace zellab

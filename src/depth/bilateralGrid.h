@@ -9,6 +9,8 @@
 
 namespace zellab {
 
+class KeyTable;
+
 /// A guide picture as the occupied vertices of a grid over position and colour. A pixel belongs to one
 /// vertex, the one of its coordinates divided by the cell sizes, truncated.
 class BilateralGrid {
@@ -39,6 +41,7 @@ private:
     void quantiseColour(const Byte* guide, int height, int width, const Cells& cells);
     void quantiseGrey(const Byte* guide, int height, int width, const Cells& cells);
     void number();
+    void connect(const KeyTable& table);
 
     int m_dimension = 0, m_vertices = 0;
     std::array<std::uint64_t, kMostDimensions> m_step{};  // of the key, along each dimension

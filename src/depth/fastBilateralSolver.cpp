@@ -7,6 +7,28 @@ namespace {
 /// Rounds of the normalisation, as published; the imbalance shrinks by more than half in each.
 constexpr int kBistochasticRounds = 10;
 
+/// The start value: the target, weighed by the confidence and spread over the grid, where it fills what is
+/// doubted from its surroundings of the same colour. The gradient's few iterations reach only as many
+/// vertices far; from here they need not go farther. kOwnShare, as a confidence, lets the vertex's own target
+/// stand where nothing sure is near.
+constexpr int kSpreadRounds = 8;
+constexpr float kOwnShare = 1e-3f;
+constexpr float kLargestRowSum = 20.0f;  // of the blur: keeps the sums in range
+
+Eigen::VectorXf startValue(const BilateralGrid::Matrix& blur, const Eigen::VectorXf& weighted,
+                           const Eigen::VectorXf& weights, const Eigen::VectorXf& target,
+                           const Eigen::VectorXf& count) {
+    Eigen::Matrix<float, Eigen::Dynamic, 2, Eigen::RowMajor> sums(count.size(), 2);
+    sums.col(0) = weighted + kOwnShare * target;
+    sums.col(1) = weights + kOwnShare * count;
+    Eigen::Matrix<float, Eigen::Dynamic, 2, Eigen::RowMajor> spread(count.size(), 2);
+    for (int i = 0; i < kSpreadRounds; ++i) {
+        spread.noalias() = blur * sums;
+        sums = spread / kLargestRowSum;
+    }
+    return sums.col(0).cwiseQuotient(sums.col(1));
+}
+
 /// Solves A y = b from the start value in y by conjugate gradients, preconditioned by A's diagonal.
 void conjugateGradient(const BilateralGrid::Matrix& A, const Eigen::VectorXf& b, int iterations,
                        float tolerance, Eigen::VectorXf& y) {
@@ -76,9 +98,10 @@ std::vector<float> FastBilateralSolver::Solve(std::span<const float> target,
     for (int row = 0; row < A.outerSize(); ++row)
         for (BilateralGrid::Matrix::InnerIterator entry(A, row); entry; ++entry)
             entry.valueRef() *= -lambda * m_n[row] * m_n[entry.col()];
-    A.diagonal() += lambda * m_m + splat(confidence);
+    const Eigen::VectorXf sure = splat(confidence);
+    A.diagonal() += lambda * m_m + sure;
 
-    Eigen::VectorXf y = splat(target).cwiseQuotient(m_count);
+    Eigen::VectorXf y = startValue(m_grid.blur(), b, sure, splat(target), m_count);
     conjugateGradient(A, b, m_parameters.iterations, m_parameters.tolerance, y);
     std::vector<float> result(vertex.size());
     for (std::size_t i = 0; i < result.size(); ++i) result[i] = y[vertex[i]];

@@ -9,6 +9,7 @@ namespace zellab {
 namespace {
 
 constexpr unsigned kProcessorBackend = 1;
+static_assert(kDepthPlaneSide == kDepthSide, "the host's word for the planes' side");
 
 }  // namespace
 

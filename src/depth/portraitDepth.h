@@ -7,7 +7,10 @@ namespace zellab {
 
 class DepthEngine;
 
-/// The planes of one estimate, 384 by 384 bytes each; larger is nearer, larger is surer.
+/// Side of the planes.
+inline constexpr int kDepthPlaneSide = 384;
+
+/// The planes of one estimate, kDepthPlaneSide squared bytes each; larger is nearer, larger is surer.
 struct PortraitDepthPlanes {
     bool estimated = false;          // whether the network ran
     std::vector<unsigned char> raw;  // as the network gives it
