@@ -6,13 +6,18 @@ namespace zellab {
 
 /// Where the two methods differ.
 struct DarkCircleMethod {
-    float middleDrop;        // of the crescent's upper edge below the lid, as a share of the eye's opening
+    float middleDrop;        // of the crescent's upper edge below the lid, as a share of the eye's opening;
+                             // below 0 it starts above, so that the blurs leave the lid its full weight
     float endDrop;           // of its ends below the corners, likewise
     float reach;             // of its ends beyond the corners, as a share of the eye's width
+    float band;              // its height, as a multiple of the way from its middle to the under-eye ring
+    float repairShare;       // of the strength that goes to the seamless repair
+    float fullLift;          // share of the cheek's level up to which a pixel is lifted in full
     int softDivisor;         // the weight of the mix is blurred by faceWidth / softDivisor ...
     int softExtra, softMin;  // ... + softExtra, at least softMin pixels
     int keepDivisor, keepExtra, keepMin;  // likewise how much a pixel keeps
-    bool keepsTexture;  // the mix moves the smooth colour and rounds; else the colour itself, by shifts
+    bool keepsTexture;  // the mix moves the smooth colour and rounds; else the colour itself, by shifts.
+                        // Lashes are what is dark beside the cheek; else what is dark in the face
 };
 
 /// What one run of the dark-circle removal is given.

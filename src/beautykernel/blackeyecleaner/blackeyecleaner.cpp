@@ -101,18 +101,25 @@ Plane<Byte> keepPlane(ConstImageView crop, const Plane<Byte>& crescents, int thr
     return keep;
 }
 
-constexpr DarkCircleMethod kMethodA = {0.5f, 0.25f, 0.0f, 20, 5, 8, 60, 5, 15, false};
-constexpr DarkCircleMethod kMethodB = {0.16f, 0.2f, 0.06f, 60, 2, 4, 90, 2, 4, true};
+constexpr DarkCircleMethod kMethodA = {0.5f, 0.25f, 0.0f, 2.0f, 1.0f, 1.0f, 20, 5, 8, 60, 5, 15, false};
+constexpr DarkCircleMethod kMethodB = {-0.3f, -0.1f, 0.06f, 1.5f, 0.5f, 0.13f, 60, 2, 4, 90, 2, 4, true};
 
 /// Mixes a byte by a weight of 255, by a shift that loses a little.
 int shifted(int a, int b, int weight) {
     return (a * weight + b * (255 - weight)) >> 8;
 }
 
-/// Moves a byte as far as its surroundings have to go to the cheek, so that texture stays.
-int lifted(int value, int surroundings, int cheek, int kept, int weight) {
+/// The way from the surroundings to the cheek, as far as it is to be gone.
+int liftTowards(int cheek, int surroundings, float fullLift) {
+    constexpr float kBeyond = 0.3f;  // of what is more than a circle: the eye's socket keeps its shade
+    const auto whole = static_cast<float>(cheek - surroundings), full = static_cast<float>(cheek) * fullLift;
+    return static_cast<int>(whole < full ? whole : full + (whole - full) * kBeyond);
+}
+
+/// Moves a byte as far as its surroundings have to go, so that texture stays.
+int lifted(int value, int lift, int kept, int weight) {
     constexpr int kUnit = 255 * 255;
-    const int way = (cheek - surroundings) * (255 - kept) * weight;
+    const int way = lift * (255 - kept) * weight;
     return value + (way + (way > 0 ? kUnit / 2 : -kUnit / 2)) / kUnit;
 }
 
@@ -134,10 +141,20 @@ void mixTowardsCheek(ImageView crop, const CheekRows& cheeks, const Plane<Byte>&
             if (method.keepsTexture && luma(p) < threshold) continue;  // lashes
             const int kept = std::max(value - kMargin, 0);
             for (int c = 0; c < 3; ++c)
-                p[c] =
-                    clampToByte(method.keepsTexture ? lifted(p[c], around[c], cheek[c], kept, weight)
-                                                    : shifted(shifted(p[c], cheek[c], kept), p[c], weight));
+                p[c] = clampToByte(
+                    method.keepsTexture
+                        ? lifted(p[c], liftTowards(cheek[c], around[c], method.fullLift), kept, weight)
+                        : shifted(shifted(p[c], cheek[c], kept), p[c], weight));
         }
+}
+
+/// Brightness of lashes and lid lines beside that of the cheek. Other than the face's darkest part it does
+/// not rise to the skin itself where the light is even.
+int lashThreshold(const CheekRows& cheeks, int columns) {
+    constexpr float kLashShare = 0.55f;
+    std::int64_t sum = 0;
+    for (int x = 0; x < columns; ++x) sum += luma(cheeks.colour(x));
+    return static_cast<int>(kLashShare * static_cast<float>(sum) / static_cast<float>(columns));
 }
 
 void removeCircles(unsigned char* rgba, int width, int height, const DarkCircleRun& run,
@@ -148,13 +165,16 @@ void removeCircles(unsigned char* rgba, int width, int height, const DarkCircleR
     if (!region) return;
     const UnderEyeMasks masks = drawUnderEyeMasks(*region, run, method);
     if (run.useEdges && allowsSeamlessRepair(image, *region, run.points))
-        repairSeamlessly(image, *region, masks.repair, run.strength);
+        repairSeamlessly(image, *region, masks.repair, run.strength * method.repairShare);
 
     const PixelRect &face = region->face, &area = region->crop;
     const ImageView crop = image.crop(area.x, area.y, area.width, area.height);
-    const int threshold = skinThreshold(image.crop(face.x, face.y, face.width, face.height));
+    const CheekRows cheeks(image, *region);
+    const int threshold = method.keepsTexture
+                              ? lashThreshold(cheeks, area.width)
+                              : skinThreshold(image.crop(face.x, face.y, face.width, face.height));
     const Plane<Byte> keep = keepPlane(crop, masks.region, threshold, run.rectWidth, method);
-    mixTowardsCheek(crop, CheekRows(image, *region), keep, masks.soft, threshold, method);
+    mixTowardsCheek(crop, cheeks, keep, masks.soft, threshold, method);
 }
 
 }  // namespace

@@ -95,7 +95,7 @@ UnderEyeShape shapeOf(const EyeRegion& region, const EyeIndices& eye, const Dark
     shape.outerEnd = region.inCrop(outer);
     shape.innerEnd = region.inCrop(inner);
     shape.middle = region.inCrop(middle);
-    shape.band = bandOf(core ? depth * 2.0f * ringWeight : depth * 2.0f);
+    shape.band = bandOf(core ? depth * 2.0f * ringWeight : depth * method.band);
     return shape;
 }
 
@@ -160,8 +160,6 @@ UnderEyeMasks drawUnderEyeMasks(const EyeRegion& region, const DarkCircleRun& ru
         drawUnderEyeShape(masks.region.view(), shapeOf(region, eye, method, false, run.ringWeight));
         drawUnderEyeShape(core.view(), shapeOf(region, eye, method, true, run.ringWeight));
     }
-    cutEyes(masks.region, region);
-    cutEyes(core, region);
     const auto share = [](float part) { return static_cast<Byte>(limited(part * 255.0f, 0.0f, 255.0f)); };
     const Byte coreShare = share(run.coreStrength), ringShare = share(run.strength);
     for (std::size_t i = 0; i < core.size(); ++i) {
@@ -175,7 +173,7 @@ UnderEyeMasks drawUnderEyeMasks(const EyeRegion& region, const DarkCircleRun& ru
     }
     StackBlurGray(masks.soft.data(), w, h,
                   std::max(method.softMin, run.rectWidth / method.softDivisor + method.softExtra));
-    cutEyes(masks.soft, region);  // the blur reaches over the lid, and irises are no skin
+    cutEyes(masks.soft, region);  // crescents and blur reach over the lid, and irises are no skin
     return masks;
 }
 
