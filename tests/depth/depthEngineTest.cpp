@@ -118,7 +118,9 @@ TEST_F(DepthEngineTest, MapsWithoutANumberBecomeBytesAllTheSame) {
         tiny.outputs[1].weights = {weight, 0, weight};
         ASSERT_TRUE(engine->LoadModel(model(tiny).c_str()));
         EXPECT_TRUE(engine->Run(m_image.data(), 10, 8, m_depth.data(), m_second.data()));
-        if (weight == 0.0f) EXPECT_EQ(m_depth, Bytes(80, 0));
+        if (weight == 0.0f) {
+            EXPECT_EQ(m_depth, Bytes(80, 0));
+        }
     }
 }
 
