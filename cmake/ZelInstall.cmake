@@ -4,19 +4,18 @@ include(CMakePackageConfigHelpers)
 set(ZEL_INSTALL_INCLUDE ${CMAKE_INSTALL_INCLUDEDIR}/zel_effects)
 set(ZEL_INSTALL_PACKAGE ${CMAKE_INSTALL_LIBDIR}/cmake/zel_effects)
 
-install(TARGETS zel_effects zel_face_points EXPORT zel_effects_targets
+install(TARGETS zel_effects zel_face_points zel_gl_context EXPORT zel_effects_targets
   LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR})
 install(FILES
   src/frame/interFacePoint.h
   src/frame/zel_effects.h
   src/frame/zel_export.h
   src/frame/zel_records.h
+  src/platform/offscreenContext.h
   DESTINATION ${ZEL_INSTALL_INCLUDE})
-if(IS_DIRECTORY ${CMAKE_SOURCE_DIR}/assets)
-  install(DIRECTORY assets/ DESTINATION ${CMAKE_INSTALL_DATADIR}/zel_effects)
-endif()
 
-# find_package(zel_effects) gives zel_effects::zel_effects and zel_effects::zel_face_points.
+# find_package(zel_effects) gives zel_effects::zel_effects, zel_effects::zel_face_points and
+# zel_effects::zel_gl_context.
 install(EXPORT zel_effects_targets NAMESPACE zel_effects:: FILE zel_effectsConfig.cmake
   DESTINATION ${ZEL_INSTALL_PACKAGE})
 write_basic_package_version_file(${CMAKE_BINARY_DIR}/zel_effectsConfigVersion.cmake

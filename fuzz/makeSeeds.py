@@ -1,6 +1,6 @@
 #!/usr/bin/env python3
 """Writes the seed corpus of the fuzzers: for the loader one tiny file of every image format, each behind the two
-option bytes that its fuzzers read (flags, size limit), and face data of no, one and two faces. Each fuzzer gets a folder of its own name.
+option bytes that its fuzzers read (flags, size limit), face data of no, one and two faces, and shader files. Each fuzzer gets a folder of its own name.
 Usage: makeSeeds.py FOLDER"""
 import json
 import pathlib
@@ -160,7 +160,28 @@ def write_face_seeds(folder):
         (folder / name).write_bytes(data)
 
 
+def shader_file(entries):
+    """An index of (key, size) and texts of those sizes; what they say does not matter, they are enciphered."""
+    offset = 4 + 12 * len(entries)
+    index, texts = struct.pack("<i", len(entries)), b""
+    for key, size in entries:
+        index += struct.pack("<III", key, offset + len(texts), size)
+        texts += bytes(pixel(i, size, 1) for i in range(size))
+    return index + texts
+
+
+def write_shader_seeds(folder):
+    folder.mkdir(parents=True, exist_ok=True)
+    whole = shader_file([(1, 16), (2, 17), (2, 48), (0xFFFFFFFF, 1)])
+    seeds = {"whole": whole, "truncated": whole[:-1], "none": shader_file([]), "negative": struct.pack("<i", -1),
+             "overlapping": struct.pack("<iIIIIII", 2, 1, 0, 28, 2, 4, 24),
+             "edge": struct.pack("<iIII", 1, 1, 0xFFFFFFFF, 0xFFFFFFFF), "empty_text": shader_file([(7, 0)])}
+    for name, data in seeds.items():
+        (folder / name).write_bytes(data)
+
+
 def main():
+    write_shader_seeds(pathlib.Path(sys.argv[1]) / "fuzz_shader_store")
     write_face_seeds(pathlib.Path(sys.argv[1]) / "fuzz_face_data")
     for target in ("fuzz_load_memory", "fuzz_load_file"):
         folder = pathlib.Path(sys.argv[1]) / target

@@ -51,7 +51,10 @@ struct EffectRun {
     const Image* second;   // --second, null where not given
     const ParameterValues& values;
     std::function<void(const std::string& stage, double done01)> progress;  // never empty
-    std::string cube = {};  // --cube as a whole path; empty where not given
+    std::string cube = {};        // --cube as a whole path; empty where not given
+    Mask* maskOut = nullptr;      // --mask-out, to be filled; null where not asked for
+    const Mask* depth = nullptr;  // --depth, null where not given
+    Mask* depthOut = nullptr;     // --depth-out, to be filled; null where not asked for
 };
 
 /// What the effect takes beside the picture.
@@ -63,6 +66,10 @@ struct Effect {
     std::string summary;    // one line
     std::vector<Parameter> parameters;
     Need faces = Need::no, mask = Need::no, second = Need::no, cube = Need::no;
+    Need depth = Need::no;
+    Need maskOut = Need::no, depthOut = Need::no;  // optional: it can give a mask or a depth map back
+    /// Whether these values make use of faces; empty: always. Where not, none are searched for.
+    std::function<bool(const ParameterValues&)> usesFaces;
     std::string example;                  // one full command line for --help
     std::function<void(EffectRun&)> run;  // throws Failure
 };

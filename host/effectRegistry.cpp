@@ -114,7 +114,7 @@ const Parameter& findParameter(const Effect& effect, const std::string& name) {
 std::vector<Effect> gatherEffects() {
     std::vector<Effect> effects;
     for (const auto& list : {scenarioEffects(), eyeEffects(), reshapeEffects(), repairEffects(),
-                             simpleSkinEffects(), tableBaseEffects()})
+                             skinEffects(), simpleSkinEffects(), tableBaseEffects(), defocusEffects()})
         effects.insert(effects.end(), list.begin(), list.end());
     return effects;
 }

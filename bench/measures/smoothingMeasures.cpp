@@ -1,4 +1,4 @@
-// What the skin smoother does to pictures, on synthetic portraits whose truth is known. Prints the table of
+// What the skin smoother does to pictures, on synthetic portraits whose truth is known. Prints the tables of
 // docs/measures.md. Usage: zel_smoothing_measures ASSETS [FACES]
 #include <array>
 #include <cmath>
@@ -7,16 +7,23 @@
 #include <filesystem>
 
 #include "beautykernel/lazybeauty/lazybeauty.h"
+#include "beautykernel/skintools/skinMaskFromColor.h"
 #include "frame/faceData.h"
 #include "portrait.h"
+#include "reference/slowLazyBeauty.h"
+#include "zellab/imageproc/maskMorphology.h"
+#include "zellab/imageproc/sfdsp/scaleBilinear.h"
 
 namespace {
 
 constexpr int kWidth = 600, kHeight = 800, kMoles = 12, kTones = 7;
+constexpr int kLevel = 3;  // both strengths, those of the portrait scenario
 
 struct Sums {
     double moles = 0, repaired = 0, outside = 0, outsideChange = 0, edgeBefore = 0, edgeAfter = 0;
     double skin = 0, textureBefore = 0, textureAfter = 0;
+    // Off the person: what the steps for every pixel do, what the skin mask adds, and where it sees skin.
+    double globalChange = 0, maskedChange = 0, masked = 0, farFromMask = 0, farChange = 0;
 };
 
 zellab::FaceData faceOf(const zel::Portrait& portrait) {
@@ -65,6 +72,49 @@ double depth(const std::vector<unsigned char>& rgba, const zel::Spot& mole) {
     return insideCount && ringCount ? ring / ringCount - inside / insideCount : 0;
 }
 
+/// The mask by which the smoother finds skin, in full size, and the same widened by more than its reach.
+struct SkinSeen {
+    std::vector<unsigned char> mask, wide;
+    SkinSeen(const std::vector<unsigned char>& rgba, const zellab::FaceData& face) {
+        constexpr int kSmallWidth = 480, kSmallHeight = 640, kReach = 80;
+        zellab::FaceData small = face;
+        for (int* side : {&small.left, &small.right, &small.top, &small.bottom})
+            *side = *side * kSmallWidth / kWidth;
+        std::vector<unsigned char> copy(zellab::sampleCount(kSmallWidth, kSmallHeight, 4));
+        zellab::ScaleBilinearThreaded(rgba.data(), kWidth, kHeight, copy.data(), kSmallWidth, kSmallHeight,
+                                      4);
+        const zellab::SkinColourMask found = zellab::skinMaskFromColor(
+            zellab::ConstImageView(copy.data(), kSmallWidth, kSmallHeight), 1, &small, {4, 6, 8});
+        mask.resize(zellab::sampleCount(kWidth, kHeight));
+        zellab::ScaleBilinearThreaded(found.mask.data(), kSmallWidth, kSmallHeight, mask.data(), kWidth,
+                                      kHeight, 1);
+        wide = mask;
+        zellab::MaxFilterHorizontal(wide.data(), kWidth, kHeight, kReach);
+        zellab::MaxFilterVertical(wide.data(), kWidth, kHeight, kReach);
+    }
+};
+
+/// Compares the smoothed picture with one whose skin mask was empty, off the person.
+void measureBackground(const zel::Portrait& portrait, const zellab::FaceData& face,
+                       const std::vector<unsigned char>& after, Sums& sums) {
+    const std::vector<unsigned char>& before = portrait.image.rgba;
+    zellab::OverlayTable overlay;
+    if (!overlay.load()) std::exit(1);
+    slow::LazyPicture global{kWidth, kHeight, before};
+    slow::lazyBeauty(global, {false, true, kLevel, kLevel, false}, overlay, &face);
+    const SkinSeen seen(before, face);
+    for (int y = 0; y < kHeight; ++y)
+        for (int x = 0; x < kWidth; ++x) {
+            const auto i = static_cast<std::size_t>(y * kWidth + x);
+            if (portrait.person.samples[i] != 0) continue;
+            const double was = luma(before, x, y), all = luma(after, x, y), rest = luma(global.rgba, x, y);
+            ++sums.outside, sums.outsideChange += std::fabs(all - was);
+            sums.globalChange += std::fabs(rest - was), sums.maskedChange += std::fabs(all - rest);
+            sums.masked += seen.mask[i] >= 128;
+            if (seen.wide[i] == 0) ++sums.farFromMask, sums.farChange += std::fabs(all - rest);
+        }
+}
+
 void measure(unsigned seed, Sums& sums) {
     zel::PortraitParams params;
     params.width = kWidth, params.height = kHeight, params.seed = seed, params.moles = kMoles;
@@ -74,7 +124,9 @@ void measure(unsigned seed, Sums& sums) {
     std::vector<unsigned char> after = before;
     const zellab::FaceData face = faceOf(portrait);
     // Levels are a global step, and would hide what the local ones do.
-    if (!zellab::CLazyBeauty().run(after.data(), kWidth, kHeight, false, true, 3, 3, 1, &face)) std::exit(1);
+    if (!zellab::CLazyBeauty().run(after.data(), kWidth, kHeight, false, true, kLevel, kLevel, 1, &face))
+        std::exit(1);
+    measureBackground(portrait, face, after, sums);
     for (const zel::Spot& mole : portrait.moleSpots) {
         const double was = depth(before, mole);
         if (was < 3) continue;  // nobody sees it
@@ -87,8 +139,6 @@ void measure(unsigned seed, Sums& sums) {
                 portrait.eyes.samples[i] || portrait.lips.samples[i] || portrait.hair.samples[i];
             if (feature && gradient(before, x, y) > 30)
                 sums.edgeBefore += gradient(before, x, y), sums.edgeAfter += gradient(after, x, y);
-            if (portrait.person.samples[i] == 0)
-                ++sums.outside, sums.outsideChange += std::fabs(luma(after, x, y) - luma(before, x, y));
             if (portrait.skin.samples[i] == 255 && portrait.moles.samples[i] == 0 &&
                 gradient(before, x, y) < 20) {
                 ++sums.skin;
@@ -105,10 +155,14 @@ int main(int argc, char** argv) {
     const int faces = argc > 2 ? std::atoi(argv[2]) : 50;
     Sums sums;
     for (int i = 1; i <= faces; ++i) measure(static_cast<unsigned>(i), sums);
-    std::printf(
-        "| visible moles | repaired | change off the person, mean levels | edges kept | fine texture kept "
-        "|\n");
-    std::printf("|--:|--:|--:|--:|--:|\n| %.0f | %.1f %% | %.2f | %.2f | %.2f |\n", sums.moles,
-                100 * sums.repaired / sums.moles, sums.outsideChange / sums.outside,
+    std::printf("| visible moles | repaired | edges kept | fine texture kept |\n|--:|--:|--:|--:|\n");
+    std::printf("| %.0f | %.1f %% | %.2f | %.2f |\n\n", sums.moles, 100 * sums.repaired / sums.moles,
                 sums.edgeAfter / sums.edgeBefore, std::sqrt(sums.textureAfter / sums.textureBefore));
+    std::printf(
+        "| off the person, mean levels | steps for every pixel | added by the skin mask | added far from it "
+        "| "
+        "taken for skin |\n|--:|--:|--:|--:|--:|\n");
+    std::printf("| %.2f | %.2f | %.2f | %.3f | %.0f %% |\n", sums.outsideChange / sums.outside,
+                sums.globalChange / sums.outside, sums.maskedChange / sums.outside,
+                sums.farChange / sums.farFromMask, 100 * sums.masked / sums.outside);
 }

@@ -13,6 +13,7 @@
 #include "faces/faceFinder.h"
 #include "facesJson.h"
 #include "pictures/jpegFile.h"
+#include "pictures/pngFile.h"
 #include "pictures/sheet.h"
 #include "pictures/writePicture.h"
 #include "run/assets.h"
@@ -54,6 +55,12 @@ auto namingFile(const std::string& file, const Work& work) {
     }
 }
 
+/// Writes what an effect gave back, where it was asked for.
+void writePlane(const UserPath& path, const Mask& plane) {
+    if (!path.shown.empty())
+        namingFile(path.shown, [&] { writeFileSafely(path.real, encodeGrayPng(plane)); });
+}
+
 std::string secondsText(Clock::duration duration) {
     char text[32];
     std::snprintf(text, sizeof text, "%.1f s", std::chrono::duration<double>(duration).count());
@@ -80,7 +87,7 @@ private:
     const ParameterValues m_values;
     Messages m_messages;
     std::optional<LogCapture> m_capture;
-    std::optional<Mask> m_mask;
+    std::optional<Mask> m_mask, m_depth;
     std::optional<Image> m_second;
     std::string m_cube;  // as the effects read it
     std::atomic<bool> m_failed{false};
@@ -105,6 +112,8 @@ int ApplyRun::run(const ApplyPlan& plan) {
 void ApplyRun::prepare(const ApplyPlan& plan) {
     if (!m_options.mask.empty())
         m_mask = namingFile(m_options.mask, [&] { return readMask(UserPath(m_options.mask).real); });
+    if (!m_options.depth.empty())
+        m_depth = namingFile(m_options.depth, [&] { return readMask(UserPath(m_options.depth).real); });
     if (!m_options.second.empty())
         m_second = namingFile(m_options.second,
                               [&] { return readPicture(UserPath(m_options.second).real, false).image; });
@@ -150,6 +159,7 @@ void ApplyRun::transform(std::size_t index, const ApplyItem& item) {
     const FaceSet faces = facesFor(index, item, image);
     const Image before = item.sheet.shown.empty() ? Image() : image;
 
+    Mask maskOut, depthOut;
     EffectRun run{image,
                   faces,
                   m_mask ? &*m_mask : nullptr,
@@ -160,7 +170,10 @@ void ApplyRun::transform(std::size_t index, const ApplyItem& item) {
                           index, stage,
                           kReadShare + (kEffectShare - kReadShare) * std::clamp(done01, 0.0, 1.0));
                   },
-                  m_cube};
+                  m_cube,
+                  item.maskOut.shown.empty() ? nullptr : &maskOut,
+                  m_depth ? &*m_depth : nullptr,
+                  item.depthOut.shown.empty() ? nullptr : &depthOut};
     run.progress(m_effect.name, 0);
     m_effect.run(run);
 
@@ -168,6 +181,8 @@ void ApplyRun::transform(std::size_t index, const ApplyItem& item) {
     if (formatOfSuffix(item.output.real) == PictureFormat::jpeg && !jpegHoldsExif(image.exif.size()))
         m_messages.note(item.output.shown, "its EXIF data is too large for JPEG and is left out");
     namingFile(item.output.shown, [&] { writePicture(item.output.real, image); });
+    writePlane(item.maskOut, maskOut);
+    writePlane(item.depthOut, depthOut);
     if (!item.sheet.shown.empty())
         namingFile(item.sheet.shown,
                    [&] { writePicture(item.sheet.real, makeSheet(before, image, m_effect.name)); });
@@ -192,8 +207,8 @@ FaceSet ApplyRun::foundFaces(std::size_t index, const ApplyItem& item, const Ima
 }
 
 FaceSet ApplyRun::facesFor(std::size_t index, const ApplyItem& item, const Image& image) {
-    if (item.faces.shown.empty())
-        return m_effect.faces == Need::no ? FaceSet() : foundFaces(index, item, image);
+    const bool unused = m_effect.faces == Need::no || (m_effect.usesFaces && !m_effect.usesFaces(m_values));
+    if (item.faces.shown.empty()) return unused ? FaceSet() : foundFaces(index, item, image);
     const FaceSet faces = namingFile(item.faces.shown, [&] { return readFaces(item.faces.real); });
     const double proportion = static_cast<double>(image.width) / image.height;
     if (std::abs(proportion * faces.height / faces.width - 1.0) > kProportionTolerance)
@@ -212,6 +227,9 @@ int runApply(const ApplyOptions& options) {
     checkNeed(effect, effect.mask, options.mask, "--mask");
     checkNeed(effect, effect.second, options.second, "--second");
     checkNeed(effect, effect.cube, options.cube, "--cube");
+    checkNeed(effect, effect.depth, options.depth, "--depth");
+    checkNeed(effect, effect.maskOut, options.maskOut, "--mask-out");
+    checkNeed(effect, effect.depthOut, options.depthOut, "--depth-out");
     const ApplyPlan plan = planApply(options);
     return ApplyRun(options, effect, std::move(values)).run(plan);
 }

@@ -40,7 +40,7 @@ std::string outputName(const fs::path& input) {
 void refuseCollisions(const std::vector<ApplyItem>& items) {
     std::map<fs::path, std::string> owners;
     for (const ApplyItem& item : items) {
-        for (const UserPath* target : {&item.output, &item.sheet}) {
+        for (const UserPath* target : {&item.output, &item.sheet, &item.maskOut, &item.depthOut}) {
             if (target->shown.empty()) continue;
             const auto [owner, fresh] = owners.emplace(target->real.lexically_normal(), item.input.shown);
             if (!fresh)
@@ -49,6 +49,22 @@ void refuseCollisions(const std::vector<ApplyItem>& items) {
         }
     }
 }
+
+/// Where the planes go that an effect gives back.
+struct GivenBack {
+    std::string path, suffix;  // path empty: nowhere
+    bool toFolder;
+
+    GivenBack(const std::string& asked, std::size_t inputs, const char* option, const char* fileSuffix)
+        : path(asked), suffix(fileSuffix), toFolder(!asked.empty() && meansFolder(asked, inputs, option)) {
+        if (!path.empty() && !toFolder && formatOfSuffix(path) != PictureFormat::png)
+            throw UsageError(std::string(option) + " must end in .png, not '" + path + "'");
+    }
+    UserPath pathFor(const std::string& stem) const {
+        if (path.empty()) return {};
+        return toFolder ? UserPath(path) / (stem + suffix) : UserPath(path);
+    }
+};
 
 }  // namespace
 
@@ -60,9 +76,14 @@ ApplyPlan planApply(const ApplyOptions& options) {
     if (!toFolder) requireFormat(options.output, "OUT");
     if (hasSheet && !sheetsToFolder) requireFormat(options.compare, "--compare");
 
+    const GivenBack masks(options.maskOut, count, "--mask-out", "-mask.png");
+    const GivenBack depths(options.depthOut, count, "--depth-out", "-depth.png");
+
     ApplyPlan plan;
     if (toFolder) plan.folders.emplace_back(options.output);
     if (sheetsToFolder) plan.folders.emplace_back(options.compare);
+    for (const GivenBack* given : {&masks, &depths})
+        if (given->toFolder) plan.folders.emplace_back(given->path);
     const UserPath output(options.output);
     for (const std::string& name : options.inputs) {
         ApplyItem item;
@@ -72,6 +93,8 @@ ApplyPlan planApply(const ApplyOptions& options) {
         if (hasSheet)
             item.sheet = sheetsToFolder ? UserPath(options.compare) / (stem + "-sheet.png")
                                         : UserPath(options.compare);
+        item.maskOut = masks.pathFor(stem);
+        item.depthOut = depths.pathFor(stem);
         if (!options.faces.empty())
             item.faces = isFolder(options.faces) ? UserPath(options.faces) / (stem + ".json")
                                                  : UserPath(options.faces);

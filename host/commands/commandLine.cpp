@@ -84,6 +84,7 @@ int dispatch(const CommandLine& line) {
     }
     if (name == "apply") return runApply(line.apply);
     if (name == "faces") return runFaces(line.faces);
+    if (name == "depth") return runDepth(line.depth);
     if (name == "portrait") return runPortrait(line.portrait);
     std::cerr << line.app.help();
     return kWrongUsage;
@@ -108,6 +109,7 @@ CommandLine::CommandLine() : app(std::string("zel: ") + kProgramSummary, "zel") 
     addEffects();
     addApply();
     addFaces();
+    addDepth();
     addPortrait();
 }
 
@@ -141,6 +143,11 @@ void CommandLine::addApply() {
     add("--mask", apply.mask, "Mask for the effects that take one", "MASK.png");
     add("--second", apply.second, "Second picture for the effects that take one", "IMAGE");
     add("--cube", apply.cube, "Colour look for the effects that take one", "FILE.cube");
+    add("--depth", apply.depth, "Depth map, nearer is brighter, for the effects that take one", "MAP.png");
+    add("--depth-out", apply.depthOut,
+        "Write the depth map that the effect used, where it does (a folder for several inputs)", "MAP.png");
+    add("--mask-out", apply.maskOut,
+        "Write the mask that the effect gives back, where it does (a folder for several inputs)", "MASK.png");
     add("--compare", apply.compare, "Write before and after side by side (a folder for several inputs)",
         "SHEET.png");
     add("--jobs", apply.jobs, "Inputs to work on at once", "N")->check(CLI::Range(1u, kMostJobs));
@@ -162,6 +169,25 @@ void CommandLine::addFaces() {
         "PNG");
     add("--jobs", faces.jobs, "Inputs to work on at once", "N")->check(CLI::Range(1u, kMostJobs));
     command.add_flag("--quiet", faces.quiet, "Only errors on standard error");
+}
+
+void CommandLine::addDepth() {
+    CLI::App& command = addCommand("depth");
+    const auto add = [&](const char* names, auto& target, const char* help, const char* value) {
+        return command.add_option(names, target, help)->option_text(value);
+    };
+    add("IN", depth.inputs, "Pictures to read", "...")->required();
+    add("-o,--output", depth.output, "Depth map to write, or a folder for several inputs", "DEPTH.png")
+        ->required();
+    add("--mask", depth.mask, "Person mask: white where the person is", "MASK.png");
+    add("--set", depth.assignments, "The depth network: a file, or a folder with portrait_depth.onnx",
+        "model=FILE")
+        ->allow_extra_args(false);
+    add("--compare", depth.compare, "Write picture, map and the map in colours side by side", "SHEET.png");
+    add("--assets", depth.assets, "Folder with the library's assets", "DIR");
+    command.add_flag("--raw", depth.raw, "The network's map, unrefined");
+    command.add_flag("--quiet", depth.quiet, "Only errors on standard error");
+    command.add_flag("--verbose", depth.verbose, "Show the library's log");
 }
 
 void CommandLine::addPortrait() {

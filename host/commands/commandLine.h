@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "applyPlan.h"
+#include "depthCommand.h"
 #include "facesCommand.h"
 #include "portraitCommand.h"
 
@@ -20,6 +21,7 @@ public:
     CLI::App app;
     ApplyOptions apply;
     FacesOptions faces;
+    DepthOptions depth;
     PortraitOptions portrait;
     bool effectsAsJson = false;
     bool manPage = false;
@@ -29,6 +31,7 @@ private:
     void addEffects();
     void addApply();
     void addFaces();
+    void addDepth();
     void addPortrait();
 };
 

@@ -42,7 +42,9 @@ const std::vector<CommandText>& commandTexts() {
           {"Turn two knobs", "zel apply bright portrait.png -o clear.png --set radius=8 --set level=3"},
           {"A whole folder, four pictures at once", "zel apply nature-smooth photos/*.jpg -o out/ --jobs 4"},
           {"A whole portrait in one call, with a look of your own",
-           "zel apply scenario portrait.jpg -o out.jpg --set alpha=0.6 --cube mylook.cube"}}},
+           "zel apply scenario portrait.jpg -o out.jpg --set alpha=0.6 --cube mylook.cube"},
+          {"Repair spots, and see where skin was found",
+           "zel apply auto-face-inpaint portrait.jpg -o clean.jpg --mask-out skin.png"}}},
         {"faces",
          "Find faces and their landmarks",
          "Writes face data for zel apply --faces: for each face a rectangle, the 83 landmarks as fractions "
@@ -60,6 +62,19 @@ const std::vector<CommandText>& commandTexts() {
            "zel faces portrait.jpg -o faces.json --overlay faces.png"},
           {"Use the data", "zel apply auto-slim-face portrait.jpg -o slim.jpg --faces faces.json"},
           {"Face data for a whole folder", "zel faces photos/*.jpg -o faces/ --jobs 2"}}},
+        {"depth",
+         "Estimate the depth of pictures",
+         "Writes a grey picture of the input's size: the brighter, the nearer. A network estimates a coarse "
+         "map, "
+         "which is then fitted to the picture's edges; --raw leaves that out. A person mask, of any size, "
+         "brings "
+         "the person forward as a whole.\n\n"
+         "Another network may take the place of the built-in one: an ONNX file with one float input of "
+         "1 x 3 x H x W (blue, green, red; 0 to 1) and the outputs confidence and depth, or depth alone.",
+         {{"The depth of a portrait, and a sheet to look at",
+           "zel depth portrait.jpg -o depth.png --compare sheet.png"},
+          {"With a person mask, by a network of your own",
+           "zel depth portrait.jpg -o depth.png --mask person.png --set model=mine.onnx"}}},
         {"portrait",
          "Draw the built-in synthetic portrait",
          "The same seed and settings give the same picture. Its landmarks are known exactly and can be "

@@ -53,6 +53,9 @@ std::vector<std::string> needLines(const Effect& effect) {
     add("--mask MASK.png", effect.mask);
     add("--second IMAGE", effect.second);
     add("--cube FILE.cube", effect.cube);
+    add("--depth MAP.png", effect.depth);
+    add("--mask-out MASK.png", effect.maskOut);
+    add("--depth-out MAP.png", effect.depthOut);
     return lines;
 }
 
@@ -108,6 +111,9 @@ std::string effectsJson() {
                            {"mask", needText(effect.mask)},
                            {"second", needText(effect.second)},
                            {"cube", needText(effect.cube)},
+                           {"depth", needText(effect.depth)},
+                           {"maskOut", needText(effect.maskOut)},
+                           {"depthOut", needText(effect.depthOut)},
                            {"parameters", parameters}});
     }
     return Json{{"effects", effects}}.dump(2) + "\n";
@@ -118,7 +124,7 @@ std::string effectHelp(const Effect& effect) {
     text += "Usage: zel apply " + effect.name + " IN... -o OUT [--set NAME=VALUE]...\n";
     if (!effect.parameters.empty()) text += "\nParameters for --set:\n" + parameterLines(effect);
     const auto needs = needLines(effect);
-    if (!needs.empty()) text += "\nBeside the picture it takes:\n";
+    if (!needs.empty()) text += "\nBeside the picture it takes or gives:\n";
     for (const auto& line : needs) text += "  " + line + "\n";
     text += "\nExample:\n  " + effect.example + "\n";
     text += "\nIt runs " + effect.operation + ". Other options: zel apply --help\n";

@@ -26,6 +26,14 @@ inline Parameter choiceParameter(const char* name, std::vector<std::string> choi
     return {name, ParameterKind::choice, 0, 0, defaultValue, help, std::move(choices)};
 }
 
+inline Parameter toggleParameter(const char* name, const char* defaultValue, const char* help) {
+    return {name, ParameterKind::toggle, 0, 0, defaultValue, help, {}};
+}
+
+inline Parameter textParameter(const char* name, const char* defaultValue, const char* help) {
+    return {name, ParameterKind::text, 0, 0, defaultValue, help, {}};
+}
+
 inline Parameter faceIndexParameter() {
     constexpr double kLastFace = 1023;
     return integerParameter("faceIndex", -1, kLastFace, "-1", "which face; -1: all of them in turn");

@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <cstdlib>
 
 #include "effectLists.h"
@@ -58,15 +59,30 @@ void runAutoRemoveBlackCircle(EffectRun& run) {
     });
 }
 
+/// What the library looked at on any of the faces.
+void addToMaskOut(Mask& all, const Image& image, const std::vector<unsigned char>& mask) {
+    all.width = image.width;
+    all.height = image.height;
+    all.samples.resize(mask.size());
+    std::transform(mask.begin(), mask.end(), all.samples.begin(), all.samples.begin(),
+                   [](unsigned char a, unsigned char b) { return std::max(a, b); });
+}
+
 void runAutoFaceInpaint(EffectRun& run) {
+    constexpr unsigned char kSearched = 255;
     Image& image = run.image;
-    const std::vector<unsigned char> searched = run.mask ? maskCopy(run) : std::vector<unsigned char>();
+    std::vector<unsigned char> searched;
+    if (run.mask)
+        searched = maskCopy(run);
+    else if (run.maskOut)
+        searched.assign(image.rgba.size() / 4, kSearched);
     forFaces(run, [&](zellab::CInterFacePoint* points, int face) {
         CGRect rect = faceRectInPixels(faceAt(run, face), image.width, image.height);
         std::vector<unsigned char> mask = searched;  // each face gets its own skin back in it
         TableSkin::ImageProcessWithAutoFaceInpaint(image.rgba.data(), mask.empty() ? nullptr : mask.data(),
                                                    image.width, image.height, rect, points, face,
                                                    run.values.text("method") == "fine" ? 1 : 0);
+        if (run.maskOut) addToMaskOut(*run.maskOut, image, mask);
         return true;
     });
 }
@@ -83,6 +99,7 @@ Effect autoFaceInpaint() {
         faceIndexParameter()};
     effect.faces = Need::required;
     effect.mask = Need::optional;
+    effect.maskOut = Need::optional;
     effect.example =
         "zel apply auto-face-inpaint portrait.png -o clean.png --faces faces.json --set method=fine";
     effect.run = runAutoFaceInpaint;

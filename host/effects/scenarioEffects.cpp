@@ -33,6 +33,11 @@ std::vector<unsigned char> lookupOf(const EffectRun& run) {
         readCubeFile(!run.cube.empty() ? run.cube : "looks/" + run.values.text("look") + ".cube"));
 }
 
+/// The portrait recipe alone reshapes and smooths, and at full strength even that is only a look.
+bool scenarioUsesFaces(const ParameterValues& values) {
+    return scenarioOf(values.text("type")) == ZelImageCore::eScenario2 && values.number("alpha") < 1.0f;
+}
+
 void runScenario(EffectRun& run) {
     Image& image = run.image;
     std::vector<unsigned char> lookup = lookupOf(run);
@@ -60,6 +65,7 @@ std::vector<Effect> scenarioEffects() {
                         "named colour look, where no --cube is given")};
     effect.cube = Need::optional;
     effect.faces = Need::optional;
+    effect.usesFaces = scenarioUsesFaces;
     effect.example =
         "zel apply scenario portrait.jpg -o out.jpg --set type=portrait --set alpha=0.6 --set look=warm";
     effect.run = runScenario;

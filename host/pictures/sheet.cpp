@@ -100,20 +100,30 @@ Image reduceToFit(const Image& image, int maxWidth, int maxHeight) {
     return reduced;
 }
 
-Image makeSheet(const Image& before, const Image& after, const std::string& effectLabel) {
-    const Image left = reduceToFit(before, kMaxCellWidth, kMaxCellHeight);
-    const Image right = reduceToFit(after, kMaxCellWidth, kMaxCellHeight);
-    const std::string beforeLabel = "before", afterLabel = "after  " + effectLabel;
-    const int cellWidth = std::max({left.width, right.width, textWidth(beforeLabel, kLabelScale)});
+Image makeSheet(const std::vector<SheetCell>& cells) {
+    std::vector<Image> pictures;
+    int cellWidth = 1, cellHeight = 1;
+    for (const SheetCell& cell : cells) {
+        pictures.push_back(reduceToFit(cell.picture, kMaxCellWidth, kMaxCellHeight));
+        cellWidth = std::max({cellWidth, pictures.back().width, textWidth(cell.label, kLabelScale)});
+        cellHeight = std::max(cellHeight, pictures.back().height);
+    }
+    const int count = static_cast<int>(cells.size());
     Image sheet;
-    sheet.width = 2 * cellWidth + 3 * kMargin;
-    sheet.height = std::max(left.height, right.height) + kLabelHeight + 2 * kMargin;
+    sheet.width = count * cellWidth + (count + 1) * kMargin;
+    sheet.height = cellHeight + kLabelHeight + 2 * kMargin;
     sheet.rgba.resize(4 * static_cast<std::size_t>(sheet.width) * static_cast<std::size_t>(sheet.height));
-    sheet.iccProfile = after.iccProfile;
+    if (!cells.empty()) sheet.iccProfile = cells.back().picture.iccProfile;
     fillRect(sheet, 0, 0, sheet.width, sheet.height, kPaper);
-    placeCell(sheet, left, beforeLabel, kMargin, cellWidth);
-    placeCell(sheet, right, afterLabel, 2 * kMargin + cellWidth, cellWidth);
+    for (int i = 0; i < count; ++i) {
+        const auto at = static_cast<std::size_t>(i);
+        placeCell(sheet, pictures[at], cells[at].label, kMargin + i * (cellWidth + kMargin), cellWidth);
+    }
     return sheet;
+}
+
+Image makeSheet(const Image& before, const Image& after, const std::string& effectLabel) {
+    return makeSheet({{before, "before"}, {after, "after  " + effectLabel}});
 }
 
 }  // namespace zel

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <string>
+#include <vector>
 
 #include "image.h"
 
@@ -9,6 +10,16 @@ namespace zel {
 /// The picture reduced so that it fits the given size, by the mean of the area behind every pixel; never
 /// enlarged. EXIF and profile stay.
 Image reduceToFit(const Image& image, int maxWidth, int maxHeight);
+
+/// One picture of a sheet.
+struct SheetCell {
+    const Image& picture;
+    std::string label;
+};
+
+/// Pictures side by side, each in a frame with its label above. Large pictures are reduced to about 1,000
+/// pixels across. The colour profile is that of the last one.
+Image makeSheet(const std::vector<SheetCell>& cells);
 
 /// Before and after side by side, each in a frame with a label above. Large pictures are reduced so that
 /// the sheet is about 2,000 pixels wide; both by the same factor. The colour profile is that of `after`.

@@ -12,6 +12,11 @@ int limitedTo(float value, int size) {
     return static_cast<int>(std::min(value, static_cast<float>(size)));
 }
 
+/// Truncates a scaled coordinate; what fits no picture becomes 0.
+float truncated(float value) {
+    return value > -1e9f && value < 1e9f ? static_cast<float>(static_cast<int>(value)) : 0.0f;
+}
+
 }  // namespace
 
 CGRect faceRectInPixels(const ImageCoreFace& face, int width, int height) {
@@ -38,6 +43,22 @@ FaceData makeFaceData(const CGRect& rect, const CInterFacePoint& points, int ind
     face.pointCount = std::clamp(points.GetInterPointCount(), 0, CInterFacePoint::kBlockPoints);
     if (const Vector2f* list = points.GetInterPoints(index)) std::copy_n(list, face.pointCount, face.points);
     return face;
+}
+
+FaceData scaledFace(const FaceData& face, float scale) {
+    const auto scaled = [scale](int value) {
+        return static_cast<int>(truncated(static_cast<float>(value) * scale));
+    };
+    FaceData small = face;
+    small.top = scaled(face.top), small.bottom = scaled(face.bottom);
+    small.left = scaled(face.left), small.right = scaled(face.right);
+    for (Vector2f& p : small.points) p = {truncated(p.x * scale), truncated(p.y * scale)};
+    return small;
+}
+
+void limitFaceBox(FaceData& face, int width, int height) {
+    face.left = std::clamp(face.left, 0, width), face.right = std::clamp(face.right, 0, width);
+    face.top = std::clamp(face.top, 0, height), face.bottom = std::clamp(face.bottom, 0, height);
 }
 
 }  // namespace zellab

@@ -27,4 +27,11 @@ std::array<Vector2f, CInterFacePoint::kLandmarkCount> landmarksInPixels(const Im
 /// those of x + width - 1 and y + height - 1, each limited to 0..size. flagB is set.
 FaceData makeFaceData(const CGRect& rect, const CInterFacePoint& points, int index, int width, int height);
 
+/// The record in a picture `scale` times as large: box and points truncated to whole pixels; what fits no
+/// picture becomes 0.
+FaceData scaledFace(const FaceData& face, float scale);
+
+/// Limits the box to 0..width and 0..height.
+void limitFaceBox(FaceData& face, int width, int height);
+
 }  // namespace zellab

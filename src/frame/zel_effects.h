@@ -21,6 +21,8 @@
 ///
 /// Face indices. An index that is negative or not below the face count selects face 0.
 
+#include <cstdlib>
+#include <cstring>
 #include <string>
 
 #include "interFacePoint.h"
@@ -314,6 +316,7 @@ public:
 namespace DefocusCore {
 
 struct DepthEstimatorHandle;
+struct DefocusInternals;
 
 /// Depth of field from one picture. The one class with state: not for concurrent calls on one object.
 ///
@@ -388,7 +391,29 @@ public:
     /// open.
     char* ReadFile2String(const char* path, unsigned long& size);
 
+    /// The depth plane that Run reads, a byte a pixel, nearer is larger; null before DepthEstimate. Owned by
+    /// this object and valid until it estimates anew.
+    const unsigned char* DepthPlane() const { return m_depth; }
+    int DepthPlaneWidth() const { return m_depthWidth; }
+    int DepthPlaneHeight() const { return m_depthHeight; }
+
+    /// Copies a plane of the host's own, of any size, in place of an estimated one. Not for a copy of a
+    /// render that shares its plane. @return false for a null plane, a size below 1 or where memory ran out
+    bool SetDepthPlane(const unsigned char* plane, int width, int height) {
+        if (!plane || width < 1 || height < 1) return false;
+        const std::size_t bytes = static_cast<std::size_t>(width) * static_cast<std::size_t>(height);
+        void* copy = std::realloc(m_depth, bytes);
+        if (!copy) return false;
+        m_depth = static_cast<unsigned char*>(copy);
+        std::memcpy(m_depth, plane, bytes);
+        m_depthWidth = width;
+        m_depthHeight = height;
+        return true;
+    }
+
 private:
+    friend struct DefocusInternals;
+
     std::string m_resourceDir;
     std::string m_modelDir;
     DepthEstimatorHandle* m_estimator = nullptr;

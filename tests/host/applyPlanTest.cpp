@@ -31,11 +31,13 @@ TEST(ApplyPlan, SeveralInputsShareAFolderWithSheetsAndFaces) {
     const TemporaryFolder folder;
     auto options = optionsFor({"x/a.jpeg", "y/b.bmp"}, folder / "out");
     options.compare = folder / "out";
+    options.maskOut = folder / "out";
     options.faces = folder.path().string();
     const auto plan = zel::planApply(options);
     EXPECT_EQ(plan.items[0].output.shown, folder / "out/a.jpeg");
     EXPECT_EQ(plan.items[1].output.shown, folder / "out/b.png");
     EXPECT_EQ(plan.items[1].sheet.shown, folder / "out/b-sheet.png");
+    EXPECT_EQ(plan.items[1].maskOut.shown, folder / "out/b-mask.png");
     EXPECT_EQ(plan.items[1].faces.shown, folder / "b.json");
     options.faces = "one.json";
     EXPECT_EQ(zel::planApply(options).items[1].faces.shown, "one.json");
@@ -55,9 +57,10 @@ TEST(ApplyPlan, RefusesWhatCouldNotBeMeant) {
     };
     for (const auto& options : cases)
         EXPECT_THROW(zel::planApply(options), zel::UsageError) << options.output;
-    auto sheet = optionsFor({"a.png"}, "b.png");
-    sheet.compare = "./b.png";
+    auto sheet = optionsFor({"a.png"}, "b.png"), mask = sheet;
+    sheet.compare = mask.maskOut = "./b.png";
     EXPECT_THROW(zel::planApply(sheet), zel::UsageError);
+    EXPECT_THROW(zel::planApply(mask), zel::UsageError);
 }
 
 }  // namespace

@@ -34,6 +34,8 @@ TEST(Command, WrongUsageIsStatusTwoInOneLineAndTouchesNothing) {
         {"apply bright a.png -o o.png --jobs 0", "1 to 64"},
         {"apply bright a.png -o o.png --jobs two", "--jobs"},
         {"apply bright a.png -o o.png --mask a.png", "takes no --mask"},
+        {"apply bright a.png -o o.png --mask-out m.png", "takes no --mask-out"},
+        {"apply auto-face-inpaint a.png -o o.png --mask-out m.jpg", "must end in .png"},
         {"apply bright a.png", "--output"},
         {"apply bright -o o.png", "IN"},
         {"apply bright a.png -o o.tiff", ".png, .jpg or .jpeg"},
@@ -158,6 +160,64 @@ TEST(Command, ReadsScrambledFilesOnlyWhenToldSo) {
     EXPECT_EQ(runZel(folder, "apply mascara s.bin -o o.png --set level=0").status, 1);
     EXPECT_EQ(runZel(folder, "apply mascara s.bin -o o.png --set level=0 --scrambled").status, 0);
     EXPECT_EQ(zel::readPicture(folder / "o.png", false).image.rgba, testImage(9, 7, 4).rgba);
+}
+
+/// Text of a .cube file with the colours of red and blue exchanged.
+std::string exchangingCube() {
+    std::string text = "LUT_3D_SIZE 2\n";
+    for (int i = 0; i < 8; ++i)
+        text += std::to_string(i >> 2 & 1) + " " + std::to_string(i >> 1 & 1) + " " + std::to_string(i & 1) +
+                "\n";
+    return text;
+}
+
+// The portrait scenario at full strength is the look alone, and searches for no face.
+TEST(Command, AppliesALookFromACubeFile) {
+    const TemporaryFolder folder;
+    const zel::Image image = testImage(48, 36, 11);
+    zel::writePicture(folder / "in.png", image);
+    zel::writeText(folder / "look.cube", exchangingCube());
+    const std::string words = "apply scenario in.png -o out.png --set type=portrait --set alpha=1 --cube ";
+    const ProgramRun run = runZel(folder, words + "look.cube");
+    ASSERT_EQ(run.status, 0) << run.err;
+    EXPECT_THAT(run.err, testing::Not(HasSubstr("face")));
+    const zel::Image out = zel::readPicture(folder / "out.png", false).image;
+    for (std::size_t i = 0; i < image.rgba.size(); i += 4)
+        for (std::size_t c = 0; c < 3; ++c) ASSERT_NEAR(out.rgba[i + c], image.rgba[i + 2 - c], 2) << i;
+
+    zel::writeText(folder / "broken.cube", "LUT_3D_SIZE 2\n0 0\n");
+    const ProgramRun broken = runZel(folder, words + "broken.cube");
+    EXPECT_EQ(broken.status, 1);
+    EXPECT_THAT(broken.err, HasSubstr("broken.cube: line 2"));
+    // The other recipes do not look for faces either; the portrait below full strength does.
+    EXPECT_THAT(runZel(folder, "apply scenario in.png -o out.png --set type=food").err,
+                testing::Not(HasSubstr("face")));
+    EXPECT_THAT(runZel(folder, "apply scenario in.png -o out.png --set type=2").err, HasSubstr("face"));
+}
+
+TEST(Command, MaskOutHoldsTheSkinThatTheRepairFound) {
+    const TemporaryFolder folder;
+    ASSERT_EQ(runZel(folder, "portrait -o p.png --size 240x320 --seed 5 --faces f.json --truth t").status, 0);
+    const std::string words = "apply auto-face-inpaint p.png -o o.png --faces f.json --mask-out ";
+    const ProgramRun run = runZel(folder, words + "all.png");
+    ASSERT_EQ(run.status, 0) << run.err;
+    const zel::Mask all = zel::readMask(folder / "all.png"), skin = zel::readMask(folder / "t/skin.png");
+    ASSERT_EQ(all.samples.size(), skin.samples.size());
+    std::size_t onSkin = 0, found = 0;
+    for (std::size_t i = 0; i < skin.samples.size(); ++i)
+        if (skin.samples[i] == 255) ++onSkin, found += all.samples[i] >= 128;
+    EXPECT_GT(found * 2, onSkin);
+
+    // What --mask leaves out comes back black, the rest as before.
+    zel::Image half = zel::readPicture(folder / "p.png", false).image;
+    for (std::size_t i = 0; i < half.rgba.size(); ++i)
+        half.rgba[i] = i < half.rgba.size() / 2 || i % 4 == 3 ? 255 : 0;
+    zel::writePicture(folder / "half.png", half);
+    ASSERT_EQ(runZel(folder, words + "half-out.png --mask half.png").status, 0);
+    zel::Mask expected = all;
+    std::fill(expected.samples.begin() + static_cast<std::ptrdiff_t>(expected.samples.size() / 2),
+              expected.samples.end(), static_cast<unsigned char>(0));
+    EXPECT_EQ(zel::readMask(folder / "half-out.png").samples, expected.samples);
 }
 
 TEST(Command, DrawsAPortraitWithFacesAndTruth) {

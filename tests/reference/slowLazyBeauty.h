@@ -18,6 +18,7 @@ namespace slow {
 struct LazySettings {
     bool autoLevels, repairSpots;
     int smooth, overlay;
+    bool seesSkin = true;  // false: the mask is empty, and only what changes every picture is left
 };
 
 struct LazyPicture {
@@ -64,7 +65,8 @@ inline std::array<int, 3> meanSkin(const Bytes& rgba, int w, int h, const zellab
     return result;
 }
 
-inline Bytes redBlueMask(const Bytes& rgba, int w, int h, const std::array<int, 3>& mean) {
+inline Bytes redBlueMask(const Bytes& rgba, int w, int h, const std::array<int, 3>& mean,
+                         const std::array<int, 3>& radii = {4, 6, 8}) {
     Bytes mask;
     for (std::size_t i = 0; i < rgba.size(); i += 4) {
         const int c = std::clamp(128 - mean[0] + rgba[i], 0, 255);
@@ -72,7 +74,7 @@ inline Bytes redBlueMask(const Bytes& rgba, int w, int h, const std::array<int, 
         mask.push_back(static_cast<unsigned char>(d >= 161 ? 255 : d < 90 ? 0 : d + 30));
     }
     const int side = std::min(w, h);
-    return blurredPlane(mask, w, h, side < 200 ? 4 : side < 500 ? 6 : 8);
+    return blurredPlane(mask, w, h, radii[side < 200 ? 0 : side < 500 ? 1 : 2]);
 }
 
 inline Bytes smoothWeight(const Bytes& grey, const Bytes& mask, int w, int h, const zellab::FaceData* face,
@@ -173,7 +175,7 @@ inline void lazyBeauty(LazyPicture& picture, const LazySettings& set, const zell
     }
     Bytes work = picture.scaled(sw, sh);
     const std::array<int, 3> mean = meanSkin(work, sw, sh, face);
-    const Bytes mask = redBlueMask(work, sw, sh, mean);
+    const Bytes mask = set.seesSkin ? redBlueMask(work, sw, sh, mean) : Bytes(work.size() / 4, 0);
     if (set.repairSpots) {
         zellab::SpotBox box;
         if (face) box = {face->left, face->top, face->right - face->left, face->bottom - face->top};

@@ -24,13 +24,10 @@ constexpr Look kPortrait = {
 /// The same at less than half the strength, for a retouch that asks for next to no tone.
 constexpr Look kPortraitLow = {
     .lift = 0.014f, .contrast = 0.05f, .warmth = 0.004f, .rose = 0.002f, .saturation = 0.02f, .matte = 0.0f};
-/// An airy look: open shadows, pale colours, no yellow.
-constexpr Look kAiry = {.lift = 0.045f,
-                        .contrast = 0.04f,
-                        .warmth = -0.004f,
-                        .rose = 0.008f,
-                        .saturation = -0.08f,
-                        .matte = 0.02f};
+/// An airy look: brighter mids and no yellow. Skin keeps its colour, which a paler look would take from dark
+/// skin first, and black stays black but for a trace.
+constexpr Look kAiry = {
+    .lift = 0.035f, .contrast = 0.03f, .warmth = 0.0f, .rose = 0.009f, .saturation = -0.03f, .matte = 0.004f};
 
 void writeWord(std::ostream& out, std::uint32_t word) {
     for (int shift = 0; shift < 32; shift += 8) out.put(static_cast<char>(word >> shift & 255u));

@@ -7,6 +7,13 @@
 
 namespace {
 
+/// A large camera picture, to show how the cost grows.
+constexpr int kMegapixels48 = 48;
+
+zelbench::Size sizeFor(std::int64_t megapixels) {
+    return megapixels >= kMegapixels48 ? zelbench::Size{8000, 6000} : zelbench::sizeOf(megapixels);
+}
+
 /// Bench pictures in skin's colours: less contrast, red above green above blue.
 std::vector<unsigned char> skinLike(zelbench::Size size) {
     std::vector<unsigned char> rgba = zelbench::benchRgba(size);
@@ -24,7 +31,7 @@ zellab::FaceData oneFace(zelbench::Size size) {
 }
 
 void lazyBeauty(benchmark::State& state) {
-    const zelbench::Size size = zelbench::sizeOf(state.range(0));
+    const zelbench::Size size = sizeFor(state.range(0));
     const zellab::WorkerCount workers(static_cast<int>(state.range(1)));
     const auto source = skinLike(size);
     auto image = source;
@@ -41,7 +48,7 @@ void lazyBeauty(benchmark::State& state) {
 }
 
 void copy(benchmark::State& state) {
-    const zelbench::Size size = zelbench::sizeOf(state.range(0));
+    const zelbench::Size size = sizeFor(state.range(0));
     const auto source = skinLike(size);
     auto target = source;
     for (auto _ : state) {
@@ -54,13 +61,13 @@ void copy(benchmark::State& state) {
 BENCHMARK(lazyBeauty)
     ->Name("lazy_beauty/run")
     ->ArgNames({"MP", "threads"})
-    ->ArgsProduct({{zelbench::kMegapixels1, zelbench::kMegapixels12}, {1, 2}})
+    ->ArgsProduct({{zelbench::kMegapixels1, zelbench::kMegapixels12, kMegapixels48}, {1, 2}})
     ->Unit(benchmark::kMillisecond)
     ->UseRealTime();
 BENCHMARK(copy)
     ->Name("lazy_beauty/memcpy")
     ->ArgNames({"MP", "threads"})
-    ->ArgsProduct({{zelbench::kMegapixels1, zelbench::kMegapixels12}, {1}})
+    ->ArgsProduct({{zelbench::kMegapixels1, zelbench::kMegapixels12, kMegapixels48}, {1}})
     ->Unit(benchmark::kMillisecond)
     ->UseRealTime();
 

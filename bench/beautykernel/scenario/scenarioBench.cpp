@@ -3,6 +3,8 @@
 
 #include <algorithm>
 #include <cmath>
+#include <opencv2/imgproc.hpp>
+#include <opencv2/photo.hpp>
 #include <vector>
 
 #include "platform/zelfilteronline/zellabSharp.h"
@@ -17,6 +19,17 @@ std::vector<unsigned char> picture(int width, int height) {
     return rgba;
 }
 
+/// The last two lie on either side of a length with a large prime, 1000 + 1.
+void sides(benchmark::internal::Benchmark* row) {
+    row->ArgName("side")
+        ->Arg(100)
+        ->Arg(500)
+        ->Arg(981)
+        ->Arg(982)
+        ->Unit(benchmark::kMillisecond)
+        ->UseRealTime();
+}
+
 /// A square of this side is repaired, with ten pixels around it.
 void poissonEdit(benchmark::State& state) {
     const int side = static_cast<int>(state.range(0)), size = side + 100;
@@ -27,12 +40,7 @@ void poissonEdit(benchmark::State& state) {
                     static_cast<unsigned char>(255));
     for (auto _ : state) zellab::PoissonEdit(rgba.data(), size, size, mask.data(), 1.0f);
 }
-BENCHMARK(poissonEdit)
-    ->Name("poisson_solve/zel")
-    ->Arg(100)
-    ->Arg(500)
-    ->Unit(benchmark::kMillisecond)
-    ->UseRealTime();
+BENCHMARK(poissonEdit)->Name("poisson_solve/zel")->Apply(sides);
 
 /// The next size whose transform has no prime factor above 7, as the solver pads its box.
 int fastSide(int side) {
@@ -59,12 +67,21 @@ void bareTransforms(benchmark::State& state) {
         fftwf_destroy_plan(plan);
     }
 }
-BENCHMARK(bareTransforms)
-    ->Name("poisson_solve/fftw")
-    ->Arg(100)
-    ->Arg(500)
-    ->Unit(benchmark::kMillisecond)
-    ->UseRealTime();
+BENCHMARK(bareTransforms)->Name("poisson_solve/fftw")->Apply(sides);
+
+/// The peer's editor on a square that is as large as the box that the editor solves.
+void seamlessClone(benchmark::State& state) {
+    cv::setNumThreads(1);
+    const int side = static_cast<int>(state.range(0)) + 18, size = side + 100;
+    std::vector<unsigned char> rgba = picture(size, size);
+    cv::Mat target, out;
+    cv::cvtColor(cv::Mat(size, size, CV_8UC4, rgba.data()), target, cv::COLOR_RGBA2RGB);
+    cv::Mat mask = cv::Mat::zeros(size, size, CV_8U);
+    mask(cv::Rect(50, 50, side, side)) = 255;
+    for (auto _ : state)
+        cv::seamlessClone(target, target, mask, {50 + side / 2, 50 + side / 2}, out, cv::NORMAL_CLONE);
+}
+BENCHMARK(seamlessClone)->Name("poisson_solve/opencv_seamless_clone")->Apply(sides);
 
 /// Megapixels.
 void sharpener(benchmark::State& state) {

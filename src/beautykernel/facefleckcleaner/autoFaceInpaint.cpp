@@ -1,24 +1,20 @@
 #include <algorithm>
-#include <vector>
 
 #include "beautykernel/facefleckcleaner/faceFleckCleaner.h"
+#include "beautykernel/facefleckcleaner/faceSkinMap.h"
 #include "beautykernel/facefleckcleaner/fineFleckCleaner.h"
-#include "beautykernel/skinmaskstatisdetector/skinMaskManager.h"
 #include "frame/zel_effects.h"
 #include "zellab/imageproc/floatToInt.h"
 #include "zellab/imageproc/imageView.h"
 #include "zellab/imageproc/parallelRows.h"
-#include "zellab/imageproc/yCbCr.h"
 
 namespace ZelImageCore {
 
 namespace {
 
 using zelbeauty::SkinFaceRecord;
-using zelbeauty::SkinMaskManager;
 
 constexpr int kFleckMethod = 0, kFineMethod = 1;
-constexpr int kAllParts = 15;  // brows, eyes, nose and mouth are marked in the skin map
 
 SkinFaceRecord recordOf(const CGRect& rect, const zellab::Vector2f* points, int pointCount, int width,
                         int height) {
@@ -33,15 +29,6 @@ SkinFaceRecord recordOf(const CGRect& rect, const zellab::Vector2f* points, int 
     std::copy_n(points, zellab::CInterFacePoint::kBlockPoints, record.points);
     record.pointCount = pointCount;
     return record;
-}
-
-void detectSkin(SkinMaskManager& skin, unsigned char* image, int width, int height,
-                const SkinFaceRecord& face) {
-    const std::size_t pixels = zellab::sampleCount(width, height);
-    std::vector<unsigned char> planes(3 * pixels);
-    unsigned char *y = planes.data(), *cb = y + pixels, *cr = cb + pixels;
-    zellab::RGBAToYCbCrPlanes(image, y, cb, cr, static_cast<int>(pixels));
-    skin.DetectSkin(y, cb, cr, width, height, 1, &face, kAllParts, false);
 }
 
 /// Clears the map where the caller's plane is 0, and hands it back through that plane.
@@ -69,9 +56,9 @@ void TableSkin::ImageProcessWithAutoFaceInpaint(unsigned char* image, unsigned c
     if (!facePoints) return;
 
     const SkinFaceRecord face = recordOf(faceRect, facePoints, faces->GetInterPointCount(), width, height);
-    SkinMaskManager skin(0);
-    detectSkin(skin, image, width, height, face);
-    unsigned char* map = skin.GetSkinMask();
+    // Without a mask to hand back, nobody sees the map beyond the face.
+    zellab::FaceSkinMap skin({image, width, height}, face, skinMask == nullptr);
+    unsigned char* map = skin.data();
     if (skinMask) narrow(map, skinMask, width, height);
     if (method == kFleckMethod) {
         zellab::FaceFleckCleaner().CleanFace(image, width, height, map, 1, &face, nullptr, 0);

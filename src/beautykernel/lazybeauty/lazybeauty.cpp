@@ -1,18 +1,23 @@
 #include "beautykernel/lazybeauty/lazybeauty.h"
 
 #include <algorithm>
+#include <functional>
+#include <iterator>
+#include <optional>
 
 #include "beautykernel/lazybeauty/detailWeight.h"
+#include "beautykernel/lazybeauty/shadowLift.h"
 #include "beautykernel/lazybeauty/smoothMix.h"
 #include "beautykernel/skintools/featureMaskPainter.h"
 #include "beautykernel/skintools/shadowPlane.h"
 #include "beautykernel/skintools/skinMaskFromColor.h"
-#include "beautykernel/skintools/spotRepair.h"
+#include "beautykernel/skintools/spotPaste.h"
+#include "frame/processorCount.h"
 #include "frame/zel_log.h"
 #include "zellab/imageproc/levels.h"
 #include "zellab/imageproc/parallelRows.h"
 #include "zellab/imageproc/recursiveGaussian.h"
-#include "zellab/imageproc/sfCurve.h"
+#include "zellab/imageproc/sfdsp/bilinearRows.h"
 #include "zellab/imageproc/sfdsp/scaleBilinear.h"
 #include "zellab/imageproc/stackBlur.h"
 #include "zellab/imageproc/unsharpMask.h"
@@ -54,65 +59,6 @@ WorkSize workSizeFor(int width, int height) {
     return {std::max(static_cast<int>(static_cast<float>(width) * scale + 0.5f), 1), kDirectHeight, scale};
 }
 
-/// Truncates a scaled coordinate; what fits no picture becomes 0.
-float truncated(float value) {
-    return value > -1e9f && value < 1e9f ? static_cast<float>(static_cast<int>(value)) : 0.0f;
-}
-
-FaceData scaledFace(const FaceData& face, float scale) {
-    const auto scaled = [scale](int value) {
-        return static_cast<int>(truncated(static_cast<float>(value) * scale));
-    };
-    FaceData small = face;
-    small.top = scaled(face.top), small.bottom = scaled(face.bottom);
-    small.left = scaled(face.left), small.right = scaled(face.right);
-    for (Vector2f& p : small.points) p = {truncated(p.x * scale), truncated(p.y * scale)};
-    return small;
-}
-
-SpotBox spotBoxOf(const FaceData* face) {
-    // A box of no size is no box to the repair; its sides may lie too far apart to subtract.
-    if (!face || face->left < 0 || face->top < 0 || face->right <= face->left || face->bottom <= face->top)
-        return {};
-    return {face->left, face->top, face->right - face->left, face->bottom - face->top};
-}
-
-void repairSpots(ImageView image, const Byte* mask, const FaceData* face, Byte* spotMask) {
-    CSpotRepair::Run(image.data, image.width, image.height, image.width * 4, mask, 1, 2, spotBoxOf(face),
-                     spotMask);
-}
-
-/// Brightness to which the middle of the curve is raised, by the brightness of the skin.
-int liftTarget(int brightness) {
-    if (brightness < 61) return 156;
-    if (brightness < 101) return 152;
-    if (brightness <= 140) return 150;
-    return brightness <= 200 ? 148 : 145;
-}
-
-/// Lifts the shadows of the picture along a curve, by a plane of its size.
-void liftShadows(ImageView image, PlaneView<const Byte> shadow, const MeanColour& skin, int smoothLevel) {
-    Byte curve[256];
-    ApplyCurveThreePoints(curve, 128, liftTarget(skin.brightness()));
-    const float share = static_cast<float>(std::clamp(smoothLevel, 0, 7)) / 7.0f;
-    // The result for every shadow weight and sample: two bytes decide it.
-    std::vector<Byte> lifted(256 * 256);
-    for (int s = 0; s < 256; ++s)
-        for (int c = 0; c < 256; ++c)
-            lifted[static_cast<std::size_t>(s * 256 + c)] =
-                static_cast<Byte>(static_cast<float>(curve[c] * s + c * (255 - s)) * share / 255.0f +
-                                  static_cast<float>(c) * (1.0f - share));
-    parallelRows(image.height, [&](int begin, int end) {
-        for (int y = begin; y < end; ++y) {
-            Byte* p = image.row(y);
-            for (int x = 0; x < image.width; ++x, p += 4) {
-                const Byte* table = lifted.data() + 256 * static_cast<std::size_t>(shadow.row(y)[x]);
-                for (int c = 0; c < 3; ++c) p[c] = table[p[c]];
-            }
-        }
-    });
-}
-
 Plane<Byte> greyOf(ConstImageView image) {
     Plane<Byte> grey(image.width, image.height);
     for (int y = 0; y < image.height; ++y) {
@@ -130,14 +76,35 @@ SmoothPlanes smoothPlanes(ConstImageView work, PlaneView<const Byte> mask, const
     const int w = work.width, h = work.height;
     const Plane<Byte> grey = greyOf(work);
     SmoothPlanes planes;
-    planes.blurred.assign(work.data, work.data + sampleCount(w, h, 4));
-    RecursiveGaussianBlur(planes.blurred.data(), w, h, w * 4, kSmoothSigma, kSmoothSigma, 0);
-    planes.weight = detailWeight(grey.view(), mask, face, path.detailBias);
-    planes.edges = equalisedEdges(grey.view());
-    RecursiveGaussianBlur(planes.edges.data(), w, h, w, path.edgeSigma, path.edgeSigma, 0);
-    planes.highPass = std::move(highPass);
-    StackBlurGray(planes.highPass.data(), w, h, kOverlayRadius);
+    const std::function<void()> steps[] = {
+        [&] { planes.weight = detailWeight(grey.view(), mask, face, path.detailBias); },
+        [&] {
+            planes.blurred.assign(work.data, work.data + sampleCount(w, h, 4));
+            RecursiveGaussianBlur(planes.blurred.data(), w, h, w * 4, kSmoothSigma, kSmoothSigma, 0);
+        },
+        [&] {
+            planes.edges = equalisedEdges(grey.view());
+            RecursiveGaussianBlur(planes.edges.data(), w, h, w, path.edgeSigma, path.edgeSigma, 0);
+        },
+        [&] {
+            planes.highPass = std::move(highPass);
+            StackBlurGray(planes.highPass.data(), w, h, kOverlayRadius);
+        }};
+    // The planes are small: workers gain more from a step each than from a share of every loop.
+    runTasks(static_cast<int>(std::size(steps)), ProcessorCount(), [&](int i) {
+        const WorkerCount alone(1);
+        steps[i]();
+    });
     return planes;
+}
+
+/// The mask without the features of the face: repairs keep away from them.
+Plane<Byte> withoutFeatures(PlaneView<const Byte> mask, const FaceData* face) {
+    Plane<Byte> search(mask.width, mask.height);
+    std::copy_n(mask.data, search.size(), search.data());
+    if (face)
+        CFeatureMaskPainter::Paint(search.data(), mask.width, mask.height, face->points, kAllFeatures, 0);
+    return search;
 }
 
 /// A smaller copy of a picture, owned.
@@ -151,30 +118,18 @@ struct SmallCopy {
     }
 };
 
-Plane<Byte> enlarged(Plane<Byte>& plane, int width, int height) {
-    Plane<Byte> large(width, height);
-    ScaleBilinearThreaded(plane.data(), plane.width(), plane.height(), large.data(), width, height, 1);
-    return large;
-}
-
-/// Repairs spots on the copy, away from the features of the face, and pastes them into the full picture.
-void repairSpotsOnCopy(ImageView image, ImageView small, PlaneView<const Byte> mask, const FaceData* face) {
-    Plane<Byte> search(small.width, small.height), spots(small.width, small.height);
-    std::copy_n(mask.data, search.size(), search.data());
-    if (face)
-        CFeatureMaskPainter::Paint(search.data(), small.width, small.height, face->points, kAllFeatures, 0);
-    repairSpots(small, search.data(), face, spots.data());
-    if (std::all_of(spots.data(), spots.data() + spots.size(), [](Byte s) { return s == 0; })) return;
-    StackBlurGray(spots.data(), small.width, small.height, 2);
-    const Plane<Byte> where = enlarged(spots, image.width, image.height);
-    std::vector<Byte> repaired(sampleCount(image.width, image.height, 4));
-    ScaleBilinearThreaded(small.data, small.width, small.height, repaired.data(), image.width, image.height,
-                          4);
-    const ConstImageView source(repaired.data(), image.width, image.height);
+/// Pastes the spots and lifts the shadows: one walk through the full picture, row by row.
+void pasteAndLift(ImageView image, const SpotPaste* spots, Plane<Byte>& shadow, const ShadowLift& lift) {
+    const BilinearRows weights({shadow.width(), shadow.height(), image.width, image.height}, shadow.data(),
+                               1);
     parallelRows(image.height, [&](int begin, int end) {
-        for (int y = begin; y < end; ++y)
-            for (int x = 0; x < image.width; ++x)
-                if (where.view().row(y)[x] != 0) std::copy_n(source.at(x, y), 3, image.at(x, y));
+        SpotPaste::Scratch scratch;
+        std::vector<Byte> weight(sampleCount(image.width, 1));
+        for (int y = begin; y < end; ++y) {
+            if (spots) spots->row(y, image.row(y), scratch);
+            weights.scale(y, scratch.line, weight.data());
+            lift.row(image.row(y), weight.data(), image.width);
+        }
     });
 }
 
@@ -185,10 +140,11 @@ struct Levels {
 void runDirect(ImageView image, bool spots, const Levels& levels, const FaceData* face,
                const OverlayTable& overlay) {
     const SkinColourMask skin = skinMaskFromColor(image, face ? 1 : 0, face, kMaskRadii);
-    if (spots) repairSpots(image, skin.mask.data(), face, nullptr);
+    if (spots) repairSpots(image, skin.mask.view(), face, nullptr);
     ShadowPlanes shadows =
         shadowPlanes(overlayLightness(image, overlay, kDirect.lightness), skin.mask.view(), kShadowRadius);
-    liftShadows(image, shadows.shadow.view(), skin.mean, levels.smooth);
+    const ShadowLift lift(skin.mean, levels.smooth);
+    for (int y = 0; y < image.height; ++y) lift.row(image.row(y), shadows.shadow.view().row(y), image.width);
     const SmoothPlanes planes =
         smoothPlanes(image, skin.mask.view(), face, std::move(shadows.highPass), kDirect);
     mixSmooth(image, planes, overlay, levels.overlay);
@@ -205,13 +161,13 @@ void runScaled(ImageView image, bool spots, const Levels& levels, const FaceData
     }
     SmallCopy before(image, size);
     const SkinColourMask skin = skinMaskFromColor(before.view, face ? 1 : 0, face, kMaskRadii);
-    if (spots) repairSpotsOnCopy(image, before.view, skin.mask.view(), face);
+    std::optional<SpotPaste> paste;
+    if (spots)
+        paste.emplace(before.view, withoutFeatures(skin.mask.view(), face).view(), face, image.width,
+                      image.height);
     ShadowPlanes shadows = shadowPlanes(overlayLightness(before.view, overlay, kScaled.lightness),
                                         skin.mask.view(), kShadowRadius);
-    {
-        const Plane<Byte> shadow = enlarged(shadows.shadow, image.width, image.height);
-        liftShadows(image, shadow.view(), skin.mean, levels.smooth);
-    }
+    pasteAndLift(image, paste ? &*paste : nullptr, shadows.shadow, ShadowLift(skin.mean, levels.smooth));
     const SmallCopy lifted(image, size);
     const SmoothPlanes planes =
         smoothPlanes(lifted.view, skin.mask.view(), face, std::move(shadows.highPass), kScaled);

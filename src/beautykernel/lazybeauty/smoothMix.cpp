@@ -5,7 +5,6 @@
 #include <algorithm>
 #include <array>
 #include <cstdint>
-#include <cstring>
 
 #include "platform/simdLevel.h"
 #include "zellab/imageproc/parallelRows.h"
@@ -14,56 +13,78 @@ namespace zellab {
 
 namespace {
 
-/// Red, green, blue of the blurred colours, weight, edges, high pass, and two idle places: eight fill whole
-/// vector registers.
-constexpr std::size_t kSamples = 8;
+/// What is sampled at each pixel, in this order.
+enum Sampled : std::size_t { kRed, kGreen, kBlue, kWeight, kEdge, kHighPass, kSampled };
 
-using Sample = std::array<int, kSamples>;
+/// Samples that vectors may read past the last column; they repeat it.
+constexpr std::size_t kSlack = 16;
 
-/// One row of the planes at a height between two of their rows: the samples of every column, as floats.
+/// The planes, the colours split.
+struct SplitPlanes {
+    int width, height;
+    Plane<Byte> colours[3];
+    const Byte* data[kSampled];
+
+    explicit SplitPlanes(const SmoothPlanes& planes)
+        : width(planes.weight.width()), height(planes.weight.height()) {
+        for (std::size_t c = 0; c < 3; ++c) {
+            colours[c] = Plane<Byte>(width, height);
+            for (std::size_t i = 0; i < colours[c].size(); ++i)
+                colours[c].data()[i] = planes.blurred[4 * i + c];
+            data[c] = colours[c].data();
+        }
+        data[kWeight] = planes.weight.data();
+        data[kEdge] = planes.edges.data();
+        data[kHighPass] = planes.highPass.data();
+    }
+};
+
+/// One row of the planes at a height between two of their rows.
 class PlaneRow {
 public:
-    PlaneRow(const SmoothPlanes& planes, float position) {
-        const int width = planes.weight.width(), last = planes.weight.height() - 1;
+    explicit PlaneRow(const SplitPlanes& planes)
+        : m_planes(planes),
+          m_stride(static_cast<std::size_t>(planes.width) + kSlack),
+          m_samples(m_stride * kSampled) {}
+
+    void moveTo(float position) {
+        const int last = m_planes.height - 1;
         const int top = std::min(static_cast<int>(position), last), bottom = std::min(top + 1, last);
         const float fraction = position - static_cast<float>(top);
-        m_columns.resize(static_cast<std::size_t>(width));
-        for (int x = 0; x < width; ++x) {
-            const Sample upper = sampleAt(planes, x, top), lower = sampleAt(planes, x, bottom);
-            for (std::size_t i = 0; i < kSamples; ++i)
-                m_columns[static_cast<std::size_t>(x)][i] =
-                    static_cast<float>(upper[i]) + static_cast<float>(lower[i] - upper[i]) * fraction;
+        const auto width = static_cast<std::size_t>(m_planes.width);
+        for (std::size_t s = 0; s < kSampled; ++s) {
+            const Byte* upper = m_planes.data[s] + sampleCount(m_planes.width, top);
+            const Byte* lower = m_planes.data[s] + sampleCount(m_planes.width, bottom);
+            float* out = m_samples.data() + m_stride * s;
+            for (std::size_t x = 0; x < width; ++x)
+                out[x] = static_cast<float>(upper[x]) + static_cast<float>(lower[x] - upper[x]) * fraction;
+            std::fill_n(out + width, kSlack, out[width - 1]);
         }
     }
 
-    /// Two neighbouring columns and how far a position lies between them.
-    struct Neighbours {
-        const float *left, *right;
-        float fraction;
-    };
-    Neighbours around(float position) const {
-        const int last = static_cast<int>(m_columns.size()) - 1,
-                  whole = std::min(static_cast<int>(position), last);
-        return {m_columns[static_cast<std::size_t>(whole)].data(),
-                m_columns[static_cast<std::size_t>(std::min(whole + 1, last))].data(),
-                position - static_cast<float>(whole)};
-    }
+    const float* samples(std::size_t which) const { return m_samples.data() + m_stride * which; }
 
 private:
-    static Sample sampleAt(const SmoothPlanes& planes, int x, int y) {
-        const std::size_t i = sampleCount(planes.weight.width(), y) + static_cast<std::size_t>(x);
-        const Byte* colour = planes.blurred.data() + 4 * i;
-        return {colour[0],
-                colour[1],
-                colour[2],
-                planes.weight.data()[i],
-                planes.edges.data()[i],
-                planes.highPass.data()[i],
-                0,
-                0};
-    }
+    const SplitPlanes& m_planes;
+    std::size_t m_stride;
+    std::vector<float> m_samples;
+};
 
-    std::vector<std::array<float, kSamples>> m_columns;
+/// Where the pixels of a row lie between two columns of the planes; the right one follows the left.
+struct Columns {
+    std::vector<int> left;
+    std::vector<float> fraction;
+    bool enlarges;  // a step is one sample at most
+
+    Columns(int width, int planeWidth) {
+        const float step = static_cast<float>(planeWidth) / static_cast<float>(width);
+        enlarges = step <= 1.0f;
+        for (int x = 0; x < width; ++x) {
+            const float position = static_cast<float>(x) * step;
+            left.push_back(std::min(static_cast<int>(position), planeWidth - 1));
+            fraction.push_back(position - static_cast<float>(left.back()));
+        }
+    }
 };
 
 /// The overlaid value of every blended value and high pass.
@@ -81,59 +102,86 @@ std::vector<Byte> overlaidValues(const OverlayTable& overlay, int level) {
     return values;
 }
 
-void mixRow(Byte* p, int width, const PlaneRow& row, float step, const Byte* overlaid) {
-    for (int x = 0; x < width; ++x, p += 4) {
-        const auto [left, right, fraction] = row.around(static_cast<float>(x) * step);
-        Sample sample;
-        for (std::size_t i = 0; i < kSamples; ++i)
-            sample[i] = static_cast<int>((right[i] - left[i]) * fraction + left[i]);
-        const int weight = sample[3], edge = sample[4];
+void mixPixels(Byte* pixels, std::size_t begin, const Columns& columns, const PlaneRow& row,
+               const Byte* overlaid) {
+    for (std::size_t x = begin; x < columns.left.size(); ++x) {
+        Byte* p = pixels + 4 * x;
+        int sample[kSampled];
+        for (std::size_t s = 0; s < kSampled; ++s) {
+            const float* around = row.samples(s) + columns.left[x];
+            sample[s] = static_cast<int>((around[1] - around[0]) * columns.fraction[x] + around[0]);
+        }
+        const int weight = sample[kWeight], edge = sample[kEdge];
         for (std::size_t c = 0; c < 3; ++c) {
             const int smooth = ((sample[c] * weight + p[c] * (255 - weight)) >> 8) & 255;
             const int blended = ((smooth * (255 - edge) + p[c] * edge) >> 8) & 255;
-            p[c] = overlaid[blended * 256 + sample[5]];
+            p[c] = overlaid[blended * 256 + sample[kHighPass]];
         }
     }
 }
 
-/// The same with the samples in one register and the colours in another. Products of two bytes and their
-/// blends stay below 65536, so that 16-bit multiplications serve in lanes of 32.
-ZEL_TARGET_AVX2 void mixRowAvx2(Byte* p, int width, const PlaneRow& row, float step, const Byte* overlaid) {
-    const __m128i full = _mm_set1_epi32(255);
-    for (int x = 0; x < width; ++x, p += 4) {
-        const auto [leftColumn, rightColumn, fraction] = row.around(static_cast<float>(x) * step);
-        const __m256 left = _mm256_loadu_ps(leftColumn), right = _mm256_loadu_ps(rightColumn);
-        const __m256i samples = _mm256_cvttps_epi32(
-            _mm256_add_ps(_mm256_mul_ps(_mm256_sub_ps(right, left), _mm256_set1_ps(fraction)), left));
-        const __m128i colours = _mm256_castsi256_si128(samples), rest = _mm256_extracti128_si256(samples, 1);
-        const __m128i weight = _mm_shuffle_epi32(colours, 0xff), edge = _mm_shuffle_epi32(rest, 0x00);
-        std::int32_t pixel;
-        std::memcpy(&pixel, p, sizeof pixel);
-        const __m128i own = _mm_cvtepu8_epi32(_mm_cvtsi32_si128(pixel));
-        const __m128i smooth =
-            _mm_srli_epi32(_mm_add_epi32(_mm_mullo_epi16(colours, weight),
-                                         _mm_mullo_epi16(own, _mm_sub_epi32(full, weight))),
-                           8);
-        const __m128i blended = _mm_srli_epi32(
-            _mm_add_epi32(_mm_mullo_epi16(smooth, _mm_sub_epi32(full, edge)), _mm_mullo_epi16(own, edge)), 8);
-        const __m128i index = _mm_add_epi32(_mm_slli_epi32(blended, 8), _mm_shuffle_epi32(rest, 0x55));
-        p[0] = overlaid[_mm_cvtsi128_si32(index)];
-        p[1] = overlaid[_mm_extract_epi32(index, 1)];
-        p[2] = overlaid[_mm_extract_epi32(index, 2)];
+/// Samples of eight neighbouring pixels of an enlarged row: they lie within eight of the line from `base`,
+/// and their right neighbours within the eight from the next.
+ZEL_TARGET_AVX2 inline __m256i sampleEight(const PlaneRow& row, std::size_t which, std::ptrdiff_t base,
+                                           __m256i within, __m256 fraction) {
+    const float* line = row.samples(which) + base;
+    const __m256 left = _mm256_permutevar8x32_ps(_mm256_loadu_ps(line), within);
+    const __m256 right = _mm256_permutevar8x32_ps(_mm256_loadu_ps(line + 1), within);
+    return _mm256_cvttps_epi32(_mm256_add_ps(_mm256_mul_ps(_mm256_sub_ps(right, left), fraction), left));
+}
+
+/// (a * share + b * (255 - share)) >> 8 of bytes in lanes of 32 bits. The products and their sums stay below
+/// 65536, so that 16-bit multiplications serve.
+ZEL_TARGET_AVX2 inline __m256i blendEight(__m256i a, __m256i b, __m256i share, __m256i rest) {
+    return _mm256_srli_epi32(_mm256_add_epi32(_mm256_mullo_epi16(a, share), _mm256_mullo_epi16(b, rest)), 8);
+}
+
+/// The same, eight pixels at once. Returns the first that is left to do.
+ZEL_TARGET_AVX2 std::size_t mixEights(Byte* pixels, const Columns& columns, const PlaneRow& row,
+                                      const Byte* overlaid) {
+    const __m256i full = _mm256_set1_epi32(255);
+    std::size_t x = 0;
+    for (; x + 8 <= columns.left.size(); x += 8) {
+        const std::ptrdiff_t base = columns.left[x];
+        const __m256i within =
+            _mm256_sub_epi32(_mm256_loadu_si256(reinterpret_cast<const __m256i*>(columns.left.data() + x)),
+                             _mm256_set1_epi32(columns.left[x]));
+        const __m256 fraction = _mm256_loadu_ps(columns.fraction.data() + x);
+        const auto sample = [&](std::size_t which)
+                                ZEL_TARGET_AVX2 { return sampleEight(row, which, base, within, fraction); };
+        const __m256i weight = sample(kWeight), edge = sample(kEdge), highPass = sample(kHighPass);
+        const __m256i unweighted = _mm256_sub_epi32(full, weight), inside = _mm256_sub_epi32(full, edge);
+        Byte* p = pixels + 4 * x;
+        const __m256i own = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(p));
+        alignas(32) std::int32_t index[3][8];
+        for (std::size_t c = 0; c < 3; ++c) {
+            const __m256i value = _mm256_and_si256(_mm256_srli_epi32(own, static_cast<int>(8 * c)), full);
+            const __m256i smooth = blendEight(sample(c), value, weight, unweighted);
+            const __m256i blended = blendEight(smooth, value, inside, edge);
+            _mm256_store_si256(reinterpret_cast<__m256i*>(index[c]),
+                               _mm256_or_si256(_mm256_slli_epi32(blended, 8), highPass));
+        }
+        for (std::size_t i = 0; i < 8; ++i, p += 4)
+            for (std::size_t c = 0; c < 3; ++c) p[c] = overlaid[index[c][i]];
     }
+    return x;
 }
 
 }  // namespace
 
 void mixSmooth(ImageView image, const SmoothPlanes& planes, const OverlayTable& overlay, int level) {
     const std::vector<Byte> overlaid = overlaidValues(overlay, level);
-    const float stepX = static_cast<float>(planes.weight.width()) / static_cast<float>(image.width);
-    const float stepY = static_cast<float>(planes.weight.height()) / static_cast<float>(image.height);
-    const auto mix = platform::simdLevel() == platform::SimdLevel::avx2 ? mixRowAvx2 : mixRow;
+    const SplitPlanes split(planes);
+    const Columns columns(image.width, split.width);
+    const float stepY = static_cast<float>(split.height) / static_cast<float>(image.height);
+    const bool wide = columns.enlarges && platform::simdLevel() == platform::SimdLevel::avx2;
     parallelRows(image.height, [&](int begin, int end) {
-        for (int y = begin; y < end; ++y)
-            mix(image.row(y), image.width, PlaneRow(planes, static_cast<float>(y) * stepY), stepX,
-                overlaid.data());
+        PlaneRow row(split);
+        for (int y = begin; y < end; ++y) {
+            row.moveTo(static_cast<float>(y) * stepY);
+            const std::size_t done = wide ? mixEights(image.row(y), columns, row, overlaid.data()) : 0;
+            mixPixels(image.row(y), done, columns, row, overlaid.data());
+        }
     });
 }
 

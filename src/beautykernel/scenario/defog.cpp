@@ -2,7 +2,10 @@
 
 #include <array>
 #include <cstdint>
+#include <mutex>
 
+#include "zellab/imageproc/colourHistograms.h"
+#include "zellab/imageproc/parallelRows.h"
 #include "zellab/imageproc/toneTables.h"
 
 namespace zellab {
@@ -12,15 +15,15 @@ namespace {
 constexpr float kClippedShare = 0.005f;  // of the pixels, at either end
 constexpr int kLow = 0, kHigh = 255;     // output range
 
-using Histogram = std::array<std::int64_t, 256>;
-
-std::array<Histogram, 3> histograms(ConstImageView image) {
-    std::array<Histogram, 3> counts{};
-    for (int y = 0; y < image.height; ++y) {
-        const Byte* p = image.row(y);
-        for (int x = 0; x < image.width; ++x, p += 4)
-            for (std::size_t c = 0; c < 3; ++c) ++counts[c][p[c]];
-    }
+ColourHistograms histograms(ConstImageView image) {
+    ColourHistograms counts{};
+    std::mutex mutex;
+    parallelRows(image.height, [&](int begin, int end) {
+        BandHistograms band;
+        for (int y = begin; y < end; ++y) band.addRow<4>(image.row(y), image.width);
+        const std::lock_guard<std::mutex> lock(mutex);
+        band.addTo(counts);
+    });
     return counts;
 }
 
@@ -36,9 +39,9 @@ Bounds occupiedBounds(const Histogram& counts) {
     return bounds;
 }
 
-Bounds clippedBounds(const Histogram& counts, std::int64_t pixels, std::int64_t clip) {
+Bounds clippedBounds(const Histogram& counts, std::uint64_t pixels, std::uint64_t clip) {
     Histogram upTo{};
-    std::int64_t sum = 0;
+    std::uint64_t sum = 0;
     for (std::size_t v = 0; v < upTo.size(); ++v) upTo[v] = sum += counts[v];
     Bounds bounds{0, 255};
     while (upTo[static_cast<std::size_t>(bounds.lower)] <= clip) ++bounds.lower;
@@ -63,7 +66,7 @@ ByteTable stretchTable(const Bounds& bounds) {
     return table;
 }
 
-ByteTable channelTable(const Histogram& counts, std::int64_t pixels, std::int64_t clip) {
+ByteTable channelTable(const Histogram& counts, std::uint64_t pixels, std::uint64_t clip) {
     if (2 * clip >= pixels) clip = (pixels - 1) / 2;
     return stretchTable(clip == 0 ? occupiedBounds(counts) : clippedBounds(counts, pixels, clip));
 }
@@ -73,11 +76,11 @@ ByteTable channelTable(const Histogram& counts, std::int64_t pixels, std::int64_
 void defog(unsigned char* image, int width, int height) {
     const ImageView picture(image, width, height);
     if (!picture.valid()) return;
-    const auto pixels = static_cast<std::int64_t>(sampleCount(width, height));
+    const auto pixels = static_cast<std::uint64_t>(sampleCount(width, height));
     const auto clip =
-        static_cast<std::int64_t>(static_cast<float>(width) * static_cast<float>(height) * kClippedShare);
+        static_cast<std::uint64_t>(static_cast<float>(width) * static_cast<float>(height) * kClippedShare);
     std::array<ByteTable, 3> tables;
-    const std::array<Histogram, 3> counts = histograms(picture);
+    const ColourHistograms counts = histograms(picture);
     for (std::size_t c = 0; c < tables.size(); ++c) tables[c] = channelTable(counts[c], pixels, clip);
     mapPixels(picture, {tables[0].data(), tables[1].data(), tables[2].data()});
 }

@@ -1,5 +1,5 @@
 #include <cstring>
-#include <vector>
+#include <memory>
 
 #include "beautykernel/scenario/defog.h"
 #include "beautykernel/scenario/personBeauty.h"
@@ -38,8 +38,14 @@ bool CScenarioBeauty::Run(unsigned char* image, int width, int height, eScenario
     if (alpha == 0.0f && type != eScenario2) return false;
     if (!image || width < 1 || height < 1) return false;
 
-    std::vector<unsigned char> blendSource;
-    if (alpha < kFullStrength) blendSource.assign(image, image + zellab::sampleCount(width, height, 4));
+    std::unique_ptr<unsigned char[]> blendSource;
+    if (alpha < kFullStrength) {
+        const std::size_t bytes = zellab::sampleCount(width, height, 4);
+        blendSource.reset(new unsigned char[bytes]);
+        // With a face the portrait recipe writes the reshaped picture over it.
+        const bool isOverwritten = type == eScenario2 && faceInfo && faceInfo->faceCount >= 1;
+        if (!isOverwritten) std::memcpy(blendSource.get(), image, bytes);
+    }
     switch (type) {
         case eScenario1:
         case eScenario3:
@@ -49,8 +55,7 @@ bool CScenarioBeauty::Run(unsigned char* image, int width, int height, eScenario
             break;
         case eScenario2:
             // At full strength there is no blend source, and without one the filter does nothing.
-            PersonBeautyFilter(image, width, height, faceInfo,
-                               blendSource.empty() ? nullptr : blendSource.data());
+            PersonBeautyFilter(image, width, height, faceInfo, blendSource.get());
             zellab::ApplyColorCube(image, lookup, width, height);
             break;
         case eScenario5:
@@ -64,7 +69,7 @@ bool CScenarioBeauty::Run(unsigned char* image, int width, int height, eScenario
         default:
             break;
     }
-    if (!blendSource.empty()) zellab::MixByAlpha(image, blendSource.data(), image, width, height, alpha);
+    if (blendSource) zellab::MixByAlpha(image, blendSource.get(), image, width, height, alpha);
     return true;
 }
 

@@ -68,12 +68,15 @@ void SkinMaskManager::DetectSkin(const unsigned char* planeY, const unsigned cha
     } else {
         zellab::YCbCrToRGB(&meanY, &meanCb, &meanCr, &meanR, &meanG, &meanB);
     }
-    for (int i = 0; i < faceCount && partFlags != 0; ++i)
-        if (faces[i].right - faces[i].left > kSmallestFace && faces[i].bottom - faces[i].top > kSmallestFace)
-            zellab::CFeatureMaskPainter::Paint(skinMask.data(), width, height, faces[i].points, partFlags,
-                                               kPartValue);
+    for (int i = 0; i < faceCount; ++i) PaintParts(skinMask.data(), width, height, faces[i], partFlags);
     smoothMask = skinMask;
     blurMap(smoothMask.data(), width, height);
+}
+
+void SkinMaskManager::PaintParts(unsigned char* map, int width, int height, const SkinFaceRecord& face,
+                                 int partFlags) {
+    if (face.right - face.left > kSmallestFace && face.bottom - face.top > kSmallestFace)
+        zellab::CFeatureMaskPainter::Paint(map, width, height, face.points, partFlags, kPartValue);
 }
 
 }  // namespace zelbeauty

@@ -22,6 +22,10 @@ public:
                     int width, int height, int faceCount, const SkinFaceRecord* faces, int partFlags,
                     bool altTable);
 
+    /// Marks the features of one face in a map with 100; a face of up to 10 pixels on a side gets no marks.
+    static void PaintParts(unsigned char* map, int width, int height, const SkinFaceRecord& face,
+                           int partFlags);
+
     /// The map of the last detection; null before the first. It stays this object's.
     unsigned char* GetSkinMask() { return skinMask.empty() ? nullptr : skinMask.data(); }
     const unsigned char* GetSmoothMask() const { return smoothMask.empty() ? nullptr : smoothMask.data(); }

@@ -158,7 +158,34 @@ SkinStatistics statisticsOfFaces(const unsigned char* planeY, const unsigned cha
     return mean;
 }
 
+void weigh(const SkinModel& model, const zellab::PixelBox& box, const unsigned char* planeY,
+           const unsigned char* planeCb, const unsigned char* planeCr, int width, unsigned char* mask) {
+    zellab::parallelRows(box.y.length(), [&](int begin, int end) {
+        for (int y = box.y.begin + begin; y < box.y.begin + end; ++y) {
+            const std::size_t row = zellab::sampleCount(width, y);
+            const std::size_t last = row + static_cast<std::size_t>(box.x.end);
+            for (std::size_t i = row + static_cast<std::size_t>(box.x.begin); i < last; ++i)
+                mask[i] = model.weight(planeY[i], planeCb[i], planeCr[i]);
+        }
+    });
+}
+
 }  // namespace
+
+zellab::PixelBox SkinMaskStatisDetector::areaRead(int width, int height, const SkinFaceRecord& face) {
+    const Area patch = patchBelowEyes(width, height, face), box = statisticsBox(width, height, face);
+    // Either may be empty, but its corners lie in the picture.
+    return {{std::min(patch.left, box.left), std::max({patch.right, box.right, box.left})},
+            {std::min(patch.top, box.top), std::max({patch.bottom, box.bottom, box.top})}};
+}
+
+void SkinMaskStatisDetector::DetectWithin(const zellab::PixelBox& box, const unsigned char* planeY,
+                                          const unsigned char* planeCb, const unsigned char* planeCr,
+                                          int width, int height, unsigned char* mask,
+                                          const SkinFaceRecord& face) {
+    const SkinModel model(statisticsOfFaces(planeY, planeCb, planeCr, width, height, 1, &face), false);
+    weigh(model, box, planeY, planeCb, planeCr, width, mask);
+}
 
 void SkinMaskStatisDetector::Detect(const unsigned char* planeY, const unsigned char* planeCb,
                                     const unsigned char* planeCr, int width, int height, unsigned char* mask,
@@ -169,10 +196,7 @@ void SkinMaskStatisDetector::Detect(const unsigned char* planeY, const unsigned 
         faceCount > 0 ? statisticsOfFaces(planeY, planeCb, planeCr, width, height, faceCount, faces)
                       : statisticsOfPicture(planeY, zellab::sampleCount(width, height));
     const SkinModel model(statistics, altTable);
-    zellab::parallelRows(height, [&](int begin, int end) {
-        const std::size_t first = zellab::sampleCount(width, begin), last = zellab::sampleCount(width, end);
-        for (std::size_t i = first; i < last; ++i) mask[i] = model.weight(planeY[i], planeCb[i], planeCr[i]);
-    });
+    weigh(model, {{0, width}, {0, height}}, planeY, planeCb, planeCr, width, mask);
 
     if (!outY || !outCb || !outCr) return;
     if (faceCount < 1) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "beautykernel/skinmaskstatisdetector/skinFaceRecord.h"
+#include "zellab/imageproc/poisson/markedBox.h"
 
 namespace zelbeauty {
 
@@ -14,6 +15,14 @@ public:
                        const unsigned char* planeCr, int width, int height, unsigned char* mask,
                        int faceCount, const SkinFaceRecord* faces, unsigned char* outY, unsigned char* outCb,
                        unsigned char* outCr, bool altTable);
+
+    /// The map of one face within a box of the picture, which holds at least areaRead().
+    static void DetectWithin(const zellab::PixelBox& box, const unsigned char* planeY,
+                             const unsigned char* planeCb, const unsigned char* planeCr, int width,
+                             int height, unsigned char* mask, const SkinFaceRecord& face);
+
+    /// The box that holds every pixel that is read to learn from a face.
+    static zellab::PixelBox areaRead(int width, int height, const SkinFaceRecord& face);
 
     /// Measures one face: mean colour of its bright pixels and the range of brightness that counts as skin.
     /// All five are 0, with a line in the log, where the box or the patch below the eyes is empty.

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "beautykernel/skintools/shadowTable.h"
+#include "zellab/imageproc/parallelRows.h"
 #include "zellab/imageproc/pixelMath.h"
 #include "zellab/imageproc/stackBlur.h"
 
@@ -30,6 +31,18 @@ ShadowPlanes shadowPlanes(const Plane<Byte>& lightness, PlaneView<const Byte> sk
         planes.shadow.data()[i] = static_cast<Byte>(kShadowWeight[highPass[i]] * skinMask.data[i] / 255);
     }
     return planes;
+}
+
+void mapByPlane(ImageView image, PlaneView<const Byte> plane, const std::vector<Byte>& table) {
+    parallelRows(image.height, [&](int begin, int end) {
+        for (int y = begin; y < end; ++y) {
+            Byte* p = image.row(y);
+            for (int x = 0; x < image.width; ++x, p += 4) {
+                const Byte* row = table.data() + 256 * static_cast<std::size_t>(plane.row(y)[x]);
+                for (int c = 0; c < 3; ++c) p[c] = row[p[c]];
+            }
+        }
+    });
 }
 
 }  // namespace zellab

@@ -20,4 +20,7 @@ struct ShadowPlanes {
 /// @param radius  of the blur that the high pass takes away, pixels
 ShadowPlanes shadowPlanes(const Plane<Byte>& lightness, PlaneView<const Byte> skinMask, int radius);
 
+/// Maps bytes 0 to 2 of every pixel through row plane(x, y) of `table`, 256 rows of 256 bytes.
+void mapByPlane(ImageView image, PlaneView<const Byte> plane, const std::vector<Byte>& table);
+
 }  // namespace zellab

@@ -1,20 +1,21 @@
 #include "platform/zelfilteronline/zellabSharp.h"
 
 #include <algorithm>
-#include <array>
+#include <cstdint>
 #include <cstdlib>
 
+#include "platform/simdLevel.h"
 #include "zellab/imageproc/imageView.h"
 #include "zellab/imageproc/parallelRows.h"
 #include "zellab/imageproc/pixelMath.h"
 #include "zellab/imageproc/stackBlur.h"
+#include "zellab/imageproc/stackBlurPasses.h"
 
 namespace zelfilteronline {
 
 namespace {
 
 using zellab::Byte;
-using ConstPlane = zellab::PlaneView<const Byte>;
 
 constexpr int kUnit = 256;           // gains and gates are in 1/256
 constexpr int kStructureRadius = 2;  // pixels
@@ -27,97 +28,143 @@ constexpr float kFineGain = 3.4f, kStructureGain = 3.4f;  // at an amount of 1
 constexpr int kSteepFrom = 6, kSteepFull = 22;
 constexpr int kDetailFrom = 9, kDetailFull = 22;
 
-int luma(const Byte* p) {
-    return (306 * p[0] + 601 * p[1] + 117 * p[2]) >> 10;
-}
-
-/// 0 up to `from`, kUnit from `full` on, straight between.
-constexpr int ramp(int value, int from, int full) {
-    return std::clamp((value - from) * kUnit / (full - from), 0, kUnit);
-}
-
 int gainOf(float amount, float atOne) {
     if (!(amount > 0.0f)) return 0;
     return static_cast<int>(std::min(amount, 1.0f) * atOne * static_cast<float>(kUnit));
 }
 
-/// Three neighbouring rows of a plane, those beyond the picture repeated.
-struct Rows {
-    const Byte *up, *here, *down;
-    Rows(ConstPlane plane, int y)
-        : up(plane.row(std::max(y - 1, 0))),
-          here(plane.row(y)),
-          down(plane.row(std::min(y + 1, plane.height - 1))) {}
-};
-
-/// Three neighbouring columns, likewise.
-struct Columns {
-    int left, here, right;
-    Columns(int x, int width) : left(std::max(x - 1, 0)), here(x), right(std::min(x + 1, width - 1)) {}
-};
-
-/// A 3 by 3 binomial mean.
-int softened(const Rows& r, const Columns& c) {
-    const auto row = [&](const Byte* p) { return p[c.left] + 2 * p[c.here] + p[c.right]; };
-    return (row(r.up) + 2 * row(r.here) + row(r.down) + 8) >> 4;
-}
-
-struct Range {
-    int lowest, highest;
-};
-
-Range rangeAround(const Rows& r, const Columns& c) {
-    const auto [low, high] =
-        std::minmax({r.up[c.left], r.up[c.here], r.up[c.right], r.here[c.left], r.here[c.here],
-                     r.here[c.right], r.down[c.left], r.down[c.here], r.down[c.right]});
-    return {low, high};
-}
-
-/// How far the brightness of one pixel moves.
-class Sharpening {
+/// A plane whose rows have one more sample at either end, a repeat of the end sample: neighbours need no
+/// special case there. Rows beyond the picture repeat the outermost ones.
+class PaddedPlane {
 public:
-    Sharpening(ConstPlane luma, ConstPlane structure, float fine, float structureAmount, bool protectFlat)
-        : m_luma(luma),
-          m_structure(structure),
-          m_fineGain(gainOf(fine, kFineGain)),
-          m_structureGain(gainOf(structureAmount, kStructureGain)),
-          m_protectFlat(protectFlat) {}
+    PaddedPlane(int width, int height) : m_width(width), m_height(height), m_samples(width + 2, height) {}
 
-    int change(const Rows& lumaRows, const Rows& structureRows, int x) const {
-        const Columns columns(x, m_luma.width);
-        const int here = lumaRows.here[x], soft = softened(lumaRows, columns), broad = structureRows.here[x];
-        const int boost = (here - soft) * m_fineGain + (soft - broad) * m_structureGain;
-        const int gate = m_protectFlat ? gateOf(structureRows, columns, here - broad) : kUnit;
-        if (gate == 0 || boost == 0) return 0;
-        const Range range = rangeAround(lumaRows, columns);
-        return std::clamp(here + boost * gate / (kUnit * kUnit), range.lowest - kHeadroom,
-                          range.highest + kHeadroom) -
-               here;
+    Byte* row(int y) { return m_samples.view().row(y) + 1; }
+    const Byte* row(int y) const { return m_samples.view().row(std::clamp(y, 0, m_height - 1)) + 1; }
+    void pad(int y) {
+        Byte* samples = row(y);
+        samples[-1] = samples[0];
+        samples[m_width] = samples[m_width - 1];
+    }
+    zellab::BlurSource source() {
+        return {row(0), m_width, m_height, std::ptrdiff_t{m_width} + 2, 1, 1, false};
     }
 
 private:
-    static int gateOf(const Rows& structure, const Columns& c, int detail) {
-        const int steepness = std::abs(structure.here[c.right] - structure.here[c.left]) +
-                              std::abs(structure.down[c.here] - structure.up[c.here]);
-        return std::max(ramp(steepness, kSteepFrom, kSteepFull),
-                        ramp(std::abs(detail), kDetailFrom, kDetailFull));
-    }
-
-    ConstPlane m_luma, m_structure;
-    int m_fineGain, m_structureGain;
-    bool m_protectFlat;
+    int m_width, m_height;
+    zellab::Plane<Byte> m_samples;
 };
 
-zellab::Plane<Byte> lumaPlane(zellab::ConstImageView image) {
-    zellab::Plane<Byte> plane(image.width, image.height);
-    zellab::parallelRows(image.height, [&](int begin, int end) {
-        for (int y = begin; y < end; ++y) {
-            const Byte* p = image.row(y);
-            Byte* row = plane.view().row(y);
-            for (int x = 0; x < image.width; ++x, p += 4) row[x] = static_cast<Byte>(luma(p));
-        }
-    });
-    return plane;
+/// A row of a plane between its neighbours.
+struct Rows {
+    const Byte *up, *here, *down;
+    Rows(const PaddedPlane& plane, int y)
+        : up(plane.row(y - 1)), here(plane.row(y)), down(plane.row(y + 1)) {}
+    Rows from(int x) const { return {up + x, here + x, down + x}; }
+
+private:
+    Rows(const Byte* u, const Byte* h, const Byte* d) : up(u), here(h), down(d) {}
+};
+
+struct Gains {
+    int fine, structure;
+    bool protectFlat;
+};
+
+/// Pixels that the steps below work on at once: few enough to stay in registers and the nearest cache.
+constexpr int kBlock = 64;
+
+/// 0 up to `from`, kUnit from `full` on, straight between.
+template <int kFrom, int kFull>
+[[gnu::always_inline]] inline std::int16_t ramp(int value) {
+    const int above = std::clamp(value - kFrom, 0, kFull - kFrom);
+    return static_cast<std::int16_t>(above * kUnit / (kFull - kFrom));
+}
+
+/// Takes three samples into a range.
+[[gnu::always_inline]] inline void widen(Byte& lowest, Byte& highest, Byte a, Byte b, Byte c) {
+    const Byte low = a < b ? a : b, high = a < b ? b : a;
+    const Byte least = low < c ? low : c, most = high > c ? high : c;
+    lowest = lowest < least ? lowest : least;
+    highest = highest > most ? highest : most;
+}
+
+/// How far the brightness of each of `count` pixels moves.
+[[gnu::always_inline]] inline void changesOf(const Rows& luma, const Rows& broad, int count,
+                                             const Gains& gains, std::int16_t* changes) {
+    std::int16_t soft[kBlock], gate[kBlock];
+    Byte low[kBlock], high[kBlock];
+    // A 3 by 3 binomial mean.
+    for (int x = 0; x < count; ++x) {
+        const int outer = luma.up[x - 1] + luma.up[x + 1] + luma.down[x - 1] + luma.down[x + 1];
+        const int inner = luma.up[x] + luma.here[x - 1] + luma.here[x + 1] + luma.down[x];
+        soft[x] = static_cast<std::int16_t>((outer + 2 * inner + 4 * luma.here[x] + 8) >> 4);
+    }
+    for (int x = 0; x < count; ++x) {
+        Byte lowest = luma.here[x], highest = luma.here[x];
+        widen(lowest, highest, luma.up[x - 1], luma.up[x], luma.up[x + 1]);
+        widen(lowest, highest, luma.here[x - 1], luma.here[x], luma.here[x + 1]);
+        widen(lowest, highest, luma.down[x - 1], luma.down[x], luma.down[x + 1]);
+        low[x] = lowest;
+        high[x] = highest;
+    }
+    for (int x = 0; x < count; ++x) {
+        const int steepness =
+            std::abs(broad.here[x + 1] - broad.here[x - 1]) + std::abs(broad.down[x] - broad.up[x]);
+        const int detail = std::abs(luma.here[x] - broad.here[x]);
+        gate[x] = gains.protectFlat ? std::max(ramp<kSteepFrom, kSteepFull>(steepness),
+                                               ramp<kDetailFrom, kDetailFull>(detail))
+                                    : static_cast<std::int16_t>(kUnit);
+    }
+    for (int x = 0; x < count; ++x) {
+        const int here = luma.here[x];
+        const int boost = (here - soft[x]) * gains.fine + (soft[x] - broad.here[x]) * gains.structure;
+        const int wanted = here + boost * gate[x] / (kUnit * kUnit);
+        changes[x] =
+            static_cast<std::int16_t>(std::clamp(wanted, low[x] - kHeadroom, high[x] + kHeadroom) - here);
+    }
+}
+
+/// Adds the changes to the colours of `count` pixels.
+[[gnu::always_inline]] inline void moveColours(Byte* pixels, const std::int16_t* changes, int count) {
+    std::int16_t moves[4 * kBlock];
+    for (int x = 0; x < count; ++x) {
+        moves[4 * x] = moves[4 * x + 1] = moves[4 * x + 2] = changes[x];
+        moves[4 * x + 3] = 0;
+    }
+    for (int i = 0; i < 4 * count; ++i) pixels[i] = zellab::clampToByte(pixels[i] + moves[i]);
+}
+
+[[gnu::always_inline]] inline void sharpenRow(Byte* pixels, int width, const Rows& luma, const Rows& broad,
+                                              const Gains& gains) {
+    std::int16_t changes[kBlock];
+    int x = 0;
+    // The count of whole blocks is a constant that the compiler turns into vectors without a rest.
+    for (; x + kBlock <= width; x += kBlock) {
+        changesOf(luma.from(x), broad.from(x), kBlock, gains, changes);
+        moveColours(pixels + std::ptrdiff_t{4} * x, changes, kBlock);
+    }
+    changesOf(luma.from(x), broad.from(x), width - x, gains, changes);
+    moveColours(pixels + std::ptrdiff_t{4} * x, changes, width - x);
+}
+
+[[gnu::always_inline]] inline void lumaRow(const Byte* pixels, int width, Byte* out) {
+    for (int x = 0; x < width; ++x, pixels += 4)
+        out[x] = static_cast<Byte>((306 * pixels[0] + 601 * pixels[1] + 117 * pixels[2]) >> 10);
+}
+
+void sharpenRowBaseline(Byte* pixels, int width, const Rows& luma, const Rows& broad, const Gains& gains) {
+    sharpenRow(pixels, width, luma, broad, gains);
+}
+ZEL_TARGET_AVX2 void sharpenRowAvx2(Byte* pixels, int width, const Rows& luma, const Rows& broad,
+                                    const Gains& gains) {
+    sharpenRow(pixels, width, luma, broad, gains);
+}
+void lumaRowBaseline(const Byte* pixels, int width, Byte* out) {
+    lumaRow(pixels, width, out);
+}
+ZEL_TARGET_AVX2 void lumaRowAvx2(const Byte* pixels, int width, Byte* out) {
+    lumaRow(pixels, width, out);
 }
 
 }  // namespace
@@ -126,21 +173,27 @@ void CZellabSharp::Run(unsigned char* image, int width, int height, float fine, 
                        bool protectFlat) {
     const zellab::ImageView picture(image, width, height);
     if (!picture.valid()) return;
-    const zellab::Plane<Byte> brightness = lumaPlane(picture);
-    zellab::Plane<Byte> broad(width, height);
-    std::copy_n(brightness.data(), brightness.size(), broad.data());
-    zellab::StackBlurGray(broad.data(), width, height, kStructureRadius);
+    const bool wide = zellab::platform::simdLevel() == zellab::platform::SimdLevel::avx2;
 
-    const Sharpening sharpening(brightness.view(), broad.view(), fine, structure, protectFlat);
+    PaddedPlane luma(width, height), broad(width, height);
     zellab::parallelRows(height, [&](int begin, int end) {
         for (int y = begin; y < end; ++y) {
-            const Rows lumaRows(brightness.view(), y), structureRows(broad.view(), y);
-            Byte* p = picture.row(y);
-            for (int x = 0; x < width; ++x, p += 4) {
-                const int change = sharpening.change(lumaRows, structureRows, x);
-                for (int c = 0; c < 3; ++c) p[c] = zellab::clampToByte(p[c] + change);
-            }
+            (wide ? lumaRowAvx2 : lumaRowBaseline)(picture.row(y), width, luma.row(y));
+            luma.pad(y);
         }
+    });
+    zellab::stackBlur(luma.source(), std::max(zellab::stackBlurRadius(width, height, kStructureRadius), 0),
+                      zellab::stackBlurWorkers(width, height),
+                      [&](int y, std::ptrdiff_t first, std::ptrdiff_t count, const Byte* blurred) {
+                          std::copy_n(blurred, count, broad.row(y) + first);
+                      });
+    for (int y = 0; y < height; ++y) broad.pad(y);
+
+    const Gains gains{gainOf(fine, kFineGain), gainOf(structure, kStructureGain), protectFlat};
+    zellab::parallelRows(height, [&](int begin, int end) {
+        for (int y = begin; y < end; ++y)
+            (wide ? sharpenRowAvx2 : sharpenRowBaseline)(picture.row(y), width, Rows(luma, y), Rows(broad, y),
+                                                         gains);
     });
 }
 

@@ -5,6 +5,7 @@
 #include <mutex>
 #include <optional>
 
+#include "zellab/imageproc/colourHistograms.h"
 #include "zellab/imageproc/levels.h"
 #include "zellab/imageproc/parallelRows.h"
 #include "zellab/imageproc/toneTables.h"
@@ -23,11 +24,9 @@ constexpr int kHighestBlack = 60, kLowestWhite = 200;
 constexpr int kDarkMean = 101, kStrongLiftBlack = 38, kWeakLiftBlack = 17;
 constexpr float kStrongLift = 1.4f, kWeakLift = 1.2f;
 
-using Histogram = std::array<std::uint64_t, 256>;
-
 /// What one pass over the picture counts.
 struct Counts {
-    std::array<Histogram, 3> channels{};
+    ColourHistograms channels{};
     std::uint64_t pixels = 0, lumaSum = 0, lumaPixels = 0;
 
     void add(const Counts& other) {
@@ -56,12 +55,12 @@ struct Source {
     const Byte* maskRow(int y) const { return mask ? mask + std::ptrdiff_t{y} * width : nullptr; }
 };
 
-void countRow(const Source& source, int y, Counts& counts) {
+void countMaskedRow(const Source& source, int y, Counts& counts) {
     const Byte* pixel = source.row(y);
     const Byte* const mask = source.maskRow(y);
     const bool meanRow = y >= source.region.top && y <= source.region.bottom;
     for (int x = 0; x < source.width; ++x, pixel += source.channels) {
-        if (mask && mask[x] != kWhite) continue;
+        if (mask[x] != kWhite) continue;
         const int used = source.channels == 4 ? 3 : 1;
         for (int c = 0; c < used; ++c) ++counts.channels[static_cast<std::size_t>(c)][pixel[c]];
         ++counts.pixels;
@@ -71,12 +70,44 @@ void countRow(const Source& source, int y, Counts& counts) {
     }
 }
 
+std::uint64_t lumaOf(const Byte* p, int width, int channels) {
+    std::uint64_t sum = 0;
+    if (channels == 4)
+        for (int x = 0; x < width; ++x)
+            sum += static_cast<std::uint64_t>(swappedLuma(p + std::ptrdiff_t{4} * x));
+    else
+        for (int x = 0; x < width; ++x) sum += p[x];
+    return sum;
+}
+
+void countWholeRows(const Source& source, int begin, int end, Counts& counts) {
+    BandHistograms band;
+    const LevelsRegion& region = source.region;
+    const int meanWidth = region.left <= region.right ? region.right - region.left + 1 : 0;
+    for (int y = begin; y < end; ++y) {
+        const Byte* row = source.row(y);
+        if (source.channels == 4)
+            band.addRow<4>(row, source.width);
+        else
+            band.addRow<1>(row, source.width);
+        counts.pixels += static_cast<std::uint64_t>(source.width);
+        if (y < region.top || y > region.bottom || meanWidth == 0) continue;
+        counts.lumaSum +=
+            lumaOf(row + std::ptrdiff_t{source.channels} * region.left, meanWidth, source.channels);
+        counts.lumaPixels += static_cast<std::uint64_t>(meanWidth);
+    }
+    band.addTo(counts.channels);
+}
+
 Counts count(const Source& source) {
     Counts total;
     std::mutex mutex;
     parallelRows(source.height, [&](int begin, int end) {
         Counts band;
-        for (int y = begin; y < end; ++y) countRow(source, y, band);
+        if (source.mask)
+            for (int y = begin; y < end; ++y) countMaskedRow(source, y, band);
+        else
+            countWholeRows(source, begin, end, band);
         const std::lock_guard<std::mutex> lock(mutex);
         total.add(band);
     });

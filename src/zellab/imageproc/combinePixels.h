@@ -61,12 +61,19 @@ ZEL_TARGET_AVX2 void combineRowAvx2(Byte* target, const Byte* first, const Byte*
     combineRow<kChannels>(target, first, second, width, op);
 }
 
+/// The loop over one row, or a part of it: row(target, first, second, width, op), as fast as this machine
+/// allows.
+template <int kChannels, typename Op>
+auto combineRowFor() {
+    return platform::simdLevel() == platform::SimdLevel::avx2 ? combineRowAvx2<kChannels, Op>
+                                                              : combineRowBaseline<kChannels, Op>;
+}
+
 /// target = op(first, second) for bytes 0 to 2 of each pixel; alpha of `target` stays. The views have the
 /// same size; `target` may be the same picture as either source.
 template <typename Op>
 void combinePixels(ImageView target, ConstImageView first, ConstImageView second, const Op& op) {
-    const bool wide = platform::simdLevel() == platform::SimdLevel::avx2;
-    const auto row = wide ? combineRowAvx2<4, Op> : combineRowBaseline<4, Op>;
+    const auto row = combineRowFor<4, Op>();
     parallelRows(target.height, [&](int begin, int end) {
         for (int y = begin; y < end; ++y) row(target.row(y), first.row(y), second.row(y), target.width, op);
     });
@@ -76,8 +83,7 @@ void combinePixels(ImageView target, ConstImageView first, ConstImageView second
 template <typename Op>
 void combinePlanes(PlaneView<Byte> target, PlaneView<const Byte> first, PlaneView<const Byte> second,
                    const Op& op) {
-    const bool wide = platform::simdLevel() == platform::SimdLevel::avx2;
-    const auto row = wide ? combineRowAvx2<1, Op> : combineRowBaseline<1, Op>;
+    const auto row = combineRowFor<1, Op>();
     parallelRows(target.height, [&](int begin, int end) {
         for (int y = begin; y < end; ++y) row(target.row(y), first.row(y), second.row(y), target.width, op);
     });

@@ -1,14 +1,16 @@
 #include "zellab/imageproc/surfaceBlur.h"
 
-#include <emmintrin.h>
+#include <immintrin.h>
 
 #include <algorithm>
 #include <array>
 #include <cmath>
 #include <cstdint>
 #include <cstring>
+#include <utility>
 #include <vector>
 
+#include "platform/simdLevel.h"
 #include "zellab/imageproc/imageView.h"
 #include "zellab/imageproc/parallelRows.h"
 
@@ -24,7 +26,7 @@ constexpr int kLevels = 256;
 /// times weight fits 16 bits where value times weight does not. Distance 0 counts twice, once for the walk
 /// upward and once for the walk downward.
 struct Weights {
-    static constexpr int kVector = 8;
+    static constexpr int kVector = 16;
 
     int reach;  // largest distance that counts; the row starts at -reach
     std::vector<std::int16_t> weight, moment;
@@ -67,37 +69,28 @@ struct Disc {
     }
 };
 
-/// Counts of the three channels in a disc. A count is below 32,000 at the largest radius. Both ends have room
-/// for the weights' reach beyond the levels.
-class Histograms {
-public:
-    void add(const Byte* pixel) { change(pixel, 1); }
-    void remove(const Byte* pixel) { change(pixel, -1); }
+/// Of three channels: the sums of the weights of counted values, and of these times their distances.
+struct Sums {
+    std::int32_t weight[3], moment[3];
+};
 
-    /// The weighted mean around value `centre` of channel c, or `centre` itself where nothing counts.
-    Byte mean(std::size_t c, int centre, const Weights& weights) {
-        std::int16_t* counts = m_counts[c].data() + kRoom;
-        const std::int16_t zeros = counts[0];
-        counts[0] = 0;  // value 0 never counts: the padding must not darken the rim
-        const std::int16_t* from = counts + centre - weights.reach;
-        __m128i sums = _mm_setzero_si128(), moments = sums;
-        for (std::size_t i = 0; i < weights.weight.size(); i += Weights::kVector) {
-            const __m128i eight = load(from + i);
-            sums = _mm_add_epi32(sums, _mm_madd_epi16(eight, load(weights.weight.data() + i)));
-            moments = _mm_add_epi32(moments, _mm_madd_epi16(eight, load(weights.moment.data() + i)));
+/// How the sums over a stretch of each channel's counts are taken; both forms give the same numbers.
+struct NarrowSums {
+    static Sums of(const std::array<const std::int16_t*, 3>& counts, const Weights& weights) {
+        Sums sums;
+        for (std::size_t c = 0; c < 3; ++c) {
+            __m128i weight = _mm_setzero_si128(), moment = weight;
+            for (std::size_t i = 0; i < weights.weight.size(); i += 8) {
+                const __m128i eight = load(counts[c] + i);
+                weight = _mm_add_epi32(weight, _mm_madd_epi16(eight, load(weights.weight.data() + i)));
+                moment = _mm_add_epi32(moment, _mm_madd_epi16(eight, load(weights.moment.data() + i)));
+            }
+            sums.weight[c] = total(weight), sums.moment[c] = total(moment);
         }
-        counts[0] = zeros;
-        const std::int64_t sum = total(sums);
-        if (sum <= 0) return static_cast<Byte>(centre);
-        // Below 2^32 at the largest radius, all of it white.
-        const std::int64_t weighted = centre * sum + total(moments);
-        return static_cast<Byte>(static_cast<std::uint32_t>(weighted + sum / 2) /
-                                 static_cast<std::uint32_t>(sum));
+        return sums;
     }
 
 private:
-    static constexpr std::size_t kRoom = kLevels + 2 * Weights::kVector;
-
     static __m128i load(const std::int16_t* p) {
         return _mm_loadu_si128(reinterpret_cast<const __m128i*>(p));
     }
@@ -105,6 +98,75 @@ private:
         const __m128i two = _mm_add_epi32(four, _mm_srli_si128(four, 8));
         return _mm_cvtsi128_si32(_mm_add_epi32(two, _mm_srli_si128(two, 4)));
     }
+};
+
+struct WideSums {
+    ZEL_TARGET_AVX2 static Sums of(const std::array<const std::int16_t*, 3>& counts, const Weights& weights) {
+        __m256i weight[3], moment[3];
+        for (std::size_t c = 0; c < 3; ++c) weight[c] = moment[c] = _mm256_setzero_si256();
+        for (std::size_t i = 0; i < weights.weight.size(); i += Weights::kVector) {
+            const __m256i w = load(weights.weight.data() + i), m = load(weights.moment.data() + i);
+            for (std::size_t c = 0; c < 3; ++c) {
+                const __m256i sixteen = load(counts[c] + i);
+                weight[c] = _mm256_add_epi32(weight[c], _mm256_madd_epi16(sixteen, w));
+                moment[c] = _mm256_add_epi32(moment[c], _mm256_madd_epi16(sixteen, m));
+            }
+        }
+        const __m128i first =
+            totals(_mm256_hadd_epi32(weight[0], weight[1]), _mm256_hadd_epi32(weight[2], moment[0]));
+        const __m256i last = _mm256_hadd_epi32(moment[1], moment[2]);
+        Sums sums;
+        std::int32_t rest[4];
+        _mm_storeu_si128(reinterpret_cast<__m128i*>(rest), totals(last, last));
+        sums.weight[0] = _mm_cvtsi128_si32(first), sums.weight[1] = _mm_extract_epi32(first, 1);
+        sums.weight[2] = _mm_extract_epi32(first, 2), sums.moment[0] = _mm_extract_epi32(first, 3);
+        sums.moment[1] = rest[0], sums.moment[2] = rest[1];
+        return sums;
+    }
+
+private:
+    ZEL_TARGET_AVX2 static __m256i load(const std::int16_t* p) {
+        return _mm256_loadu_si256(reinterpret_cast<const __m256i*>(p));
+    }
+    /// Four totals from two vectors whose neighbours were added once.
+    ZEL_TARGET_AVX2 static __m128i totals(__m256i a, __m256i b) {
+        const __m256i halves = _mm256_hadd_epi32(a, b);
+        return _mm_add_epi32(_mm256_castsi256_si128(halves), _mm256_extracti128_si256(halves, 1));
+    }
+};
+
+/// Counts of the three channels in a disc. A count is below 32,000 at the largest radius. Both ends have room
+/// for the weights' reach beyond the levels.
+class Histograms {
+public:
+    void add(const Byte* pixel) { change(pixel, 1); }
+    void remove(const Byte* pixel) { change(pixel, -1); }
+
+    /// Writes the weighted means around the values of `centre`, or these themselves where nothing counts.
+    template <typename Kernel>
+    [[gnu::always_inline]] void means(const Byte* centre, const Weights& weights, Byte* out) const {
+        std::array<const std::int16_t*, 3> stretches;
+        for (std::size_t c = 0; c < 3; ++c)
+            stretches[c] = m_counts[c].data() + kRoom + centre[c] - weights.reach;
+        Sums sums = Kernel::of(stretches, weights);
+        for (std::size_t c = 0; c < 3; ++c) {
+            // Value 0 never counts: the padding must not darken the rim. Taken back here, since a store among
+            // the counts would hold up the next loads.
+            if (centre[c] <= weights.reach) {
+                const auto zero = static_cast<std::size_t>(weights.reach - centre[c]);
+                sums.weight[c] -= m_counts[c][kRoom] * weights.weight[zero];
+                sums.moment[c] -= m_counts[c][kRoom] * weights.moment[zero];
+            }
+            // Below 2^32 at the largest radius, all of it white.
+            const auto sum = static_cast<std::uint32_t>(sums.weight[c]);
+            const std::uint32_t weighted = centre[c] * sum + static_cast<std::uint32_t>(sums.moment[c]);
+            out[c] = sum == 0 ? centre[c] : static_cast<Byte>((weighted + sum / 2) / sum);
+        }
+    }
+
+private:
+    static constexpr std::size_t kRoom = kLevels + 2 * Weights::kVector;
+
     void change(const Byte* pixel, int by) {
         for (std::size_t c = 0; c < 3; ++c) {
             std::int16_t& count = m_counts[c][kRoom + pixel[c]];
@@ -130,7 +192,13 @@ public:
     }
 
     void run() {
-        parallelRows(m_image.height, [&](int begin, int end) { sweep(begin, end); });
+        const bool wide = platform::simdLevel() == platform::SimdLevel::avx2;
+        parallelRows(m_image.height, [&](int begin, int end) {
+            if (wide)
+                sweepWide(begin, end);
+            else
+                sweep<NarrowSums>(begin, end);
+        });
     }
 
 private:
@@ -156,36 +224,47 @@ private:
     }
 
     /// Rows [begin, end), right along one and left along the next, so that the disc moves by one pixel only.
-    void sweep(int begin, int end) {
+    template <typename Kernel>
+    [[gnu::always_inline]] void sweep(int begin, int end) {
+        const auto right = edges(4, m_stride), left = edges(-4, m_stride), down = edges(m_stride, 4);
         Histograms histograms = start(begin);
-        int x = 0, direction = 1;
-        for (int y = begin; y < end; ++y, direction = -direction) {
-            for (int i = 0;; ++i) {
-                blurPixel(x, y, histograms);
-                if (i + 1 == m_image.width) break;
-                moveAlong(padded(x, y), 4 * direction, m_stride, histograms);
-                x += direction;
+        const auto move = [&histograms](const Byte* centre, const auto& pairs) {
+            for (const auto& [leaving, entering] : pairs) {
+                histograms.remove(centre + leaving);
+                histograms.add(centre + entering);
             }
-            if (y + 1 < end) moveAlong(padded(x, y), m_stride, 4, histograms);
+        };
+        int x = 0;
+        for (int y = begin; y < end; ++y) {
+            const bool rightwards = (y - begin) % 2 == 0;
+            for (int i = 0;; ++i) {
+                blurPixel<Kernel>(x, y, histograms);
+                if (i + 1 == m_image.width) break;
+                move(padded(x, y), rightwards ? right : left);
+                x += rightwards ? 1 : -1;
+            }
+            if (y + 1 < end) move(padded(x, y), down);
         }
     }
 
-    /// Moves the disc from `centre` by `step` bytes; `across` is the step of the other axis.
-    void moveAlong(const Byte* centre, std::ptrdiff_t step, std::ptrdiff_t across,
-                   Histograms& histograms) const {
+    ZEL_TARGET_AVX2 void sweepWide(int begin, int end) { sweep<WideSums>(begin, end); }
+
+    /// What leaves and enters the disc when it moves by `step` bytes, as pairs of offsets from its centre;
+    /// `across` is the step of the other axis.
+    std::vector<std::pair<std::ptrdiff_t, std::ptrdiff_t>> edges(std::ptrdiff_t step,
+                                                                 std::ptrdiff_t across) const {
+        std::vector<std::pair<std::ptrdiff_t, std::ptrdiff_t>> pairs;
         for (int d = -m_disc.radius; d <= m_disc.radius; ++d) {
-            const Byte* line = centre + d * across;
             const std::ptrdiff_t half = m_disc.half[static_cast<std::size_t>(std::abs(d))];
-            histograms.remove(line - half * step);
-            histograms.add(line + (half + 1) * step);
+            pairs.emplace_back(d * across - half * step, d * across + (half + 1) * step);
         }
+        return pairs;
     }
 
-    void blurPixel(int x, int y, Histograms& histograms) {
+    template <typename Kernel>
+    [[gnu::always_inline]] void blurPixel(int x, int y, const Histograms& histograms) {
         if (m_mask && m_mask[std::ptrdiff_t{y} * m_image.width + x] == 0) return;
-        const Byte* centre = padded(x, y);
-        Byte* out = m_image.at(x, y);
-        for (std::size_t c = 0; c < 3; ++c) out[c] = histograms.mean(c, centre[c], m_weights);
+        histograms.means<Kernel>(padded(x, y), m_weights, m_image.at(x, y));
     }
 
     ImageView m_image;

@@ -129,6 +129,25 @@ TEST(AutoFaceInpaint, TheCallersMaskNarrowsTheSearchAndReceivesTheSkin) {
     }
 }
 
+// Without a mask the skin is found on the face alone: the picture must be the same.
+TEST(AutoFaceInpaint, AWhiteMaskChangesNothing) {
+    for (int method : {0, 1})
+        for (const Vector2f shift : {Vector2f{0, 0}, {90, 40}, {-70, -150}, {150, 240}}) {
+            Face face(330, 560);
+            std::array<Vector2f, 83> landmarks = kTemplateLandmarks;
+            for (Vector2f& p : landmarks) p = {p.x * 240 + shift.x, p.y * 430 + shift.y};
+            face.points.AddFace(landmarks.data(), 0);
+            face.rect = {shift.x + 40, shift.y + 60, 160, 250};
+            face.spot(cheek(face, 7, 93), 4);
+            face.spot(cheek(face, 18, 103), 5);
+            Bytes white(face.pixels.size() / 4, 255), before = face.pixels;
+            face.clean(method, white.data());
+            before.swap(face.pixels);
+            face.clean(method);
+            EXPECT_EQ(face.pixels, before) << "method " << method << ", " << shift.x;
+        }
+}
+
 TEST(AutoFaceInpaint, BadInputIsContained) {
     const float nan = std::numeric_limits<float>::quiet_NaN(), huge = 1e30f;
     for (int method : {0, 1, 9}) {

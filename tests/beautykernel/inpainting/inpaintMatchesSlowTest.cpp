@@ -2,10 +2,11 @@
 
 #include <cmath>
 #include <cstdlib>
-#include <random>
+#include <map>
 
 #include "beautykernel/inpainting/patchField.h"
 #include "beautykernel/inpainting/patchTables.h"
+#include "beautykernel/wrinkle_cleaner/neighbourDonor.h"
 #include "support/randomImage.h"
 #include "zellab/imageproc/edgeDetect.h"
 #include "zellab/imageproc/poisson/quietDonor.h"
@@ -113,33 +114,46 @@ TEST(PatchField, PassesMatchTheWalkBitForBit) {
     }
 }
 
-/// The exchange as it is told, on single blocks: order of the blocks, roughness by plain means, donors.
+/// The exchanges as they are told, on single blocks and pixels: order of the blocks, roughness by plain
+/// means, donors.
 struct SlowExchange {
-    static constexpr int kSize = 9;
-    int w, h, columns = w / kSize, rows = h / kSize;
+    int size, w, h;
     const Bytes& rgba;
     const Bytes& mask;
+    int columns = w / size, rows = h / size;
+    std::vector<long> rough = {}, edges = {};  // of each pixel
 
+    using Block = std::pair<int, int>;  // column, row
     std::size_t pixel(int x, int y) const { return static_cast<std::size_t>(y * w + x); }
-    bool isHole(int bx, int by) const {
-        for (int y = by * kSize; y < by * kSize + kSize; ++y)
-            for (int x = bx * kSize; x < bx * kSize + kSize; ++x)
-                if (mask[pixel(x, y)]) return true;
-        return false;
+    template <typename Visit>
+    void visit(Block b, const Visit& visitPixel) const {
+        for (int y = b.second * size; y < b.second * size + size; ++y)
+            for (int x = b.first * size; x < b.first * size + size; ++x) visitPixel(x, y);
     }
-    std::vector<std::pair<int, int>> order() const {
-        std::vector<std::pair<int, int>> list;
+    long sum(const std::vector<long>& plane, Block b) const {
+        long total = 0;
+        visit(b, [&](int x, int y) { total += plane[pixel(x, y)]; });
+        return total;
+    }
+    bool isHole(int bx, int by) const {
+        bool hole = false;
+        visit({bx, by}, [&](int x, int y) { hole = hole || mask[pixel(x, y)]; });
+        return hole;
+    }
+    bool fits(int bx, int by) const { return bx >= 0 && by >= 0 && bx < columns && by < rows; }
+    std::vector<Block> order() const {
+        std::vector<Block> list;
         const auto append = [&](int bx, int by) {
-            if (bx < 0 || by < 0 || bx >= columns || by >= rows || !isHole(bx, by)) return;
-            if (std::find(list.begin(), list.end(), std::pair{bx, by}) == list.end())
+            if (fits(bx, by) && isHole(bx, by) &&
+                std::find(list.begin(), list.end(), Block{bx, by}) == list.end())
                 list.push_back({bx, by});
         };
         for (int by = 0; by < rows; ++by)
             for (int bx = 0; bx < columns; ++bx) {
-                int sum = 0;
+                int holes = 0;
                 for (int y = by; y < std::min(by + 3, rows); ++y)
-                    for (int x = bx; x < std::min(bx + 3, columns); ++x) sum += isHole(x, y) ? 255 : 0;
-                if (sum < 2295) append(bx, by);
+                    for (int x = bx; x < std::min(bx + 3, columns); ++x) holes += isHole(x, y) ? 255 : 0;
+                if (holes < 2295) append(bx, by);
             }
         for (std::size_t i = 0; i < list.size(); ++i) {
             const auto [bx, by] = list[i];
@@ -147,78 +161,122 @@ struct SlowExchange {
         }
         return list;
     }
-    std::vector<long> roughness() const {
-        Bytes green(mask.size()), edges(mask.size());
+    void findRoughness(int low, int high) {
+        Bytes green(mask.size()), found(mask.size());
         for (std::size_t i = 0; i < green.size(); ++i) green[i] = rgba[4 * i + 1];
-        EdgeDetectCanny(green.data(), edges.data(), w, h, w, 0, 5, 10, false);
-        std::vector<long> sums(static_cast<std::size_t>(columns * rows));
-        for (int y = 0; y < rows * kSize; ++y)
-            for (int x = 0; x < columns * kSize; ++x) {
-                int sum = 0, count = 0;
+        EdgeDetectCanny(green.data(), found.data(), w, h, w, 0, low, high, false);
+        edges.assign(found.begin(), found.end());
+        for (int y = 0; y < h; ++y)
+            for (int x = 0; x < w; ++x) {
+                int total = 0, count = 0;
                 for (int ny = std::max(y - 2, 0); ny < std::min(y + 4, h); ++ny)
                     for (int nx = std::max(x - 2, 0); nx < std::min(x + 4, w); ++nx, ++count)
-                        sum += green[pixel(nx, ny)];
-                sums[static_cast<std::size_t>(y / kSize * columns + x / kSize)] +=
-                    edges[pixel(x, y)] > 128 ? 255 : std::abs(green[pixel(x, y)] - sum / count);
+                        total += green[pixel(nx, ny)];
+                rough.push_back(found[pixel(x, y)] > 128 ? 255
+                                                         : std::abs(green[pixel(x, y)] - total / count));
             }
-        return sums;
     }
-    void run(const GradientField& before, GradientField& after) const {
-        const std::vector<long> rough = roughness();
-        std::vector<int> usage(rough.size());
-        for (const auto& [bx, by] : order()) {
-            std::size_t best = static_cast<std::size_t>(by * columns + bx);
-            for (int y = by - 2; y <= by + 2; ++y)
-                for (int x = bx - 2; x <= bx + 2; ++x) {
-                    const auto b = static_cast<std::size_t>(std::clamp(y, 0, rows - 1) * columns +
-                                                            std::clamp(x, 0, columns - 1));
-                    if (rough[b] < rough[best] && usage[b] < 1) best = b;
+    void lend(Block hole, Block donor, const GradientField& before, GradientField& after) const {
+        const int dx = (donor.first - hole.first) * size, dy = (donor.second - hole.second) * size;
+        for (std::size_t c = 0; c < 3; ++c) {
+            int sumX = 0, sumY = 0, count = 0;
+            for (const bool writes : {false, true})
+                visit(hole, [&](int x, int y) {
+                    if (!mask[pixel(x, y)]) return;
+                    const auto& d = before.at(x + dx, y + dy);
+                    if (writes) {
+                        after.at(x, y).right[c] = static_cast<std::int16_t>(d.right[c] - sumX / count);
+                        after.at(x, y).down[c] = static_cast<std::int16_t>(d.down[c] - sumY / count);
+                    } else {
+                        sumX += d.right[c], sumY += d.down[c], ++count;
+                    }
+                });
+        }
+    }
+
+    /// Each block lends once; the smoothest within two blocks, or the hole block itself.
+    void quiet(const GradientField& before, GradientField& after) {
+        findRoughness(5, 10);
+        std::map<Block, int> usage;
+        for (const Block& hole : order()) {
+            Block best = hole;
+            for (int y = hole.second - 2; y <= hole.second + 2; ++y)
+                for (int x = hole.first - 2; x <= hole.first + 2; ++x) {
+                    const Block b{std::clamp(x, 0, columns - 1), std::clamp(y, 0, rows - 1)};
+                    if (sum(rough, b) < sum(rough, best) && usage[b] < 1) best = b;
                 }
             ++usage[best];
-            const int dx = (static_cast<int>(best) % columns - bx) * kSize,
-                      dy = (static_cast<int>(best) / columns - by) * kSize;
-            for (std::size_t c = 0; c < 3; ++c) {
-                int sumX = 0, sumY = 0, count = 0;
-                for (const bool writes : {false, true})
-                    for (int y = by * kSize; y < by * kSize + kSize; ++y)
-                        for (int x = bx * kSize; x < bx * kSize + kSize; ++x) {
-                            if (!mask[pixel(x, y)]) continue;
-                            const auto& d = before.at(x + dx, y + dy);
-                            if (writes) {
-                                after.at(x, y).right[c] =
-                                    static_cast<std::int16_t>(d.right[c] - sumX / count);
-                                after.at(x, y).down[c] = static_cast<std::int16_t>(d.down[c] - sumY / count);
-                            } else {
-                                sumX += d.right[c], sumY += d.down[c], ++count;
-                            }
-                        }
+            lend(hole, best, before, after);
+        }
+    }
+
+    /// Of the smoothest neighbours the one with the fewest edges and marks; a pixel that lent grows rougher.
+    void neighbours(const GradientField& before, GradientField& after) {
+        findRoughness(8, 20);
+        for (std::size_t i = 0; i < mask.size(); ++i)
+            if (mask[i] > 254) edges[i] = 255;
+        for (const Block& hole : order()) {
+            std::vector<Block> list;
+            for (const auto& [dx, dy] :
+                 {Block{0, -1}, {-1, 0}, {1, 0}, {0, 1}, {-1, -1}, {1, -1}, {-1, 1}, {1, 1}})
+                if (fits(hole.first + dx, hole.second + dy))
+                    list.push_back({hole.first + dx, hole.second + dy});
+            if (const std::size_t fitting = list.size(); fitting > 3) {
+                std::vector<Block> chosen;
+                long s[3];
+                for (long& lowest : s) {
+                    auto best = list.begin();
+                    for (auto b = list.begin(); b != list.end(); ++b)
+                        if (sum(rough, *b) < sum(rough, *best)) best = b;
+                    lowest = sum(rough, *best);
+                    chosen.push_back(*best);
+                    list.erase(best);
+                }
+                list = {chosen[0]};
+                if (2 * s[0] >= s[1]) list.push_back(chosen[1]);
+                if (2 * s[0] >= s[1] && 3 * s[0] >= s[2] && fitting >= 6) list.push_back(chosen[2]);
             }
+            Block donor = list[0];
+            for (const Block& b : list)
+                if (sum(edges, b) < sum(edges, donor)) donor = b;
+            lend(hole, donor, before, after);
+            visit(hole, [&](int x, int y) {
+                long& lent = rough[pixel(x + (donor.first - hole.first) * size,
+                                         y + (donor.second - hole.second) * size)];
+                if (mask[pixel(x, y)]) lent = std::min(lent + 15, 255L);
+            });
         }
     }
 };
 
-TEST(QuietDonor, ExchangeMatchesTheSteps) {
-    for (unsigned seed = 1; seed <= 8; ++seed) {
-        const int w = 70 + static_cast<int>(seed) * 3, h = 64 + static_cast<int>(seed);
-        const Bytes rgba = zeltest::patternRgba(w, h, seed);
-        Bytes mask(static_cast<std::size_t>(w * h), 0), pixels = rgba;
-        for (int y = 10; y < 50; ++y)
-            for (int x = 14; x < 14 + static_cast<int>(seed) * 6; ++x)
-                mask[static_cast<std::size_t>(y * w + x)] = 255;
-        const ConstImageView view(pixels.data(), w, h);
-        GradientField fast(view), slow(view);
-        const GradientField before = slow;
-        quietDonorExchange(9)(view, {mask.data(), w, h}, fast);
-        SlowExchange{w, h, w / 9, h / 9, rgba, mask}.run(before, slow);
-        int exchanged = 0;
-        for (int y = 0; y < h; ++y)
-            for (int x = 0; x < w; ++x) {
-                ASSERT_EQ(fast.at(x, y).right, slow.at(x, y).right) << seed << ": " << x << ',' << y;
-                ASSERT_EQ(fast.at(x, y).down, slow.at(x, y).down) << seed << ": " << x << ',' << y;
-                exchanged += fast.at(x, y).right != before.at(x, y).right;
-            }
-        EXPECT_GT(exchanged, 100);
-    }
+TEST(GradientExchange, DonorsMatchTheSteps) {
+    for (unsigned seed = 1; seed <= 8; ++seed)
+        for (const bool quiet : {true, false}) {
+            const int w = 70 + static_cast<int>(seed) * 3, h = 64 + static_cast<int>(seed),
+                      size = quiet ? 9 : 7;
+            const Bytes rgba = zeltest::patternRgba(w, h, seed);
+            Bytes mask(static_cast<std::size_t>(w * h), 0), pixels = rgba;
+            for (int y = 10; y < 50; ++y)
+                for (int x = 14; x < 14 + static_cast<int>(seed) * 6; ++x)
+                    mask[static_cast<std::size_t>(y * w + x)] = 255;
+            const ConstImageView view(pixels.data(), w, h);
+            GradientField fast(view), slow(view);
+            const GradientField before = slow;
+            (quiet ? quietDonorExchange(size) : neighbourDonorExchange(size))(view, {mask.data(), w, h},
+                                                                              fast);
+            SlowExchange reference{size, w, h, rgba, mask};
+            quiet ? reference.quiet(before, slow) : reference.neighbours(before, slow);
+            int exchanged = 0;
+            for (int y = 0; y < h; ++y)
+                for (int x = 0; x < w; ++x) {
+                    ASSERT_EQ(fast.at(x, y).right, slow.at(x, y).right)
+                        << quiet << seed << ": " << x << ',' << y;
+                    ASSERT_EQ(fast.at(x, y).down, slow.at(x, y).down)
+                        << quiet << seed << ": " << x << ',' << y;
+                    exchanged += fast.at(x, y).right != before.at(x, y).right;
+                }
+            EXPECT_GT(exchanged, 100);
+        }
 }
 
 }  // namespace

@@ -2,11 +2,9 @@
 
 #include <gtest/gtest.h>
 
-#include <cmath>
-
 #include "reference/slowLazyBeauty.h"
-#include "support/everyMachine.h"
 #include "support/scratchFolder.h"
+#include "support/skinPicture.h"
 #include "support/streamCapture.h"
 #include "support/workingFolder.h"
 
@@ -15,40 +13,9 @@ namespace {
 using zellab::CLazyBeauty;
 using zellab::FaceData;
 using zeltest::Bytes;
+using zeltest::faceIn;
+using zeltest::faceLike;
 using zeltest::Size;
-
-/// Skin with a gentle shade and a little noise, eyes, a mouth and some dots, before a bluish ground.
-Bytes faceLike(Size size, unsigned seed) {
-    Bytes rgba = zeltest::randomRgba(size.width, size.height, seed);
-    const float cx = static_cast<float>(size.width) / 2, cy = static_cast<float>(size.height) / 2;
-    for (int y = 0; y < size.height; ++y)
-        for (int x = 0; x < size.width; ++x) {
-            const float u = (static_cast<float>(x) - cx) / cx, v = (static_cast<float>(y) - cy) / cy;
-            const bool skin = u * u * 2 + v * v * 1.5f < 1, feature = std::fabs(v * 4 - 1) < 0.2f && skin;
-            const bool dot = skin && x % 23 < 3 && y % 19 < 3;
-            const float shade = 1 - 0.3f * u - 0.2f * v, base[3] = {190, 145, 120},
-                        ground[3] = {70, 100, 160};
-            unsigned char* p = &rgba[static_cast<std::size_t>(y * size.width + x) * 4];
-            for (int c = 0; c < 3; ++c) {
-                const float value = skin ? base[c] * shade * (feature ? 0.5f : dot ? 0.9f : 1) : ground[c];
-                p[c] = static_cast<unsigned char>(value + static_cast<float>(p[c] % 9));
-            }
-        }
-    return rgba;
-}
-
-FaceData faceIn(Size size) {
-    FaceData face;
-    face.left = size.width / 6, face.right = size.width * 5 / 6;
-    face.top = size.height / 8, face.bottom = size.height * 7 / 8;
-    for (int i = 0; i < 170; ++i) {
-        const float angle = static_cast<float>(i) * 0.37f;
-        face.points[i] = {static_cast<float>(size.width) * (0.5f + 0.3f * std::cos(angle)),
-                          static_cast<float>(size.height) * (0.5f + 0.1f * std::sin(angle))};
-    }
-    face.pointCount = 170;
-    return face;
-}
 
 bool run(Bytes& rgba, Size size, const slow::LazySettings& set, const FaceData* face) {
     return CLazyBeauty().run(rgba.data(), size.width, size.height, set.autoLevels, set.repairSpots,
@@ -124,14 +91,7 @@ TEST(LazyBeauty, TheTableIsKeptAndBadPicturesAreRefused) {
 TEST(LazyBeauty, HostileFacesAndLevelsAreContained) {
     const zeltest::WithAssets assets;
     for (const Size size : {Size{1, 1}, {40, 30}, {500, 20}, {2, 700}}) {
-        std::vector<FaceData> faces(6, faceIn(size));
-        faces[0] = {};
-        faces[1].left = -5000, faces[1].right = 9000, faces[1].top = -77, faces[1].bottom = 100000;
-        faces[2].left = size.width * 2, faces[2].right = size.width * 3;
-        faces[3].right = faces[3].left + 1, faces[3].bottom = faces[3].top + 1;
-        faces[4].left = 2147483647, faces[4].right = -2147483647, faces[4].top = -2147483647;
-        for (auto& p : faces[5].points) p = {NAN, INFINITY};
-        for (const FaceData& face : faces)
+        for (const FaceData& face : zeltest::hostileFaces(size))
             for (const int level : {-3, 4, 1000}) {
                 Bytes rgba = faceLike(size, 5), before = rgba;
                 EXPECT_TRUE(run(rgba, size, {true, true, level, level}, &face));

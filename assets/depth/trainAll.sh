@@ -1,0 +1,18 @@
+#!/bin/sh
+# The whole training, from drawing to the exported network and its figures:  trainAll.sh BUILD FOLDER
+set -eu
+build=$1
+folder=$2
+here=$(cd "$(dirname "$0")" && pwd)
+train() {
+  nice -n 15 python3 "$here/train.py" --data "$folder/scenes" --checkpoint "$folder/net.pt" \
+    --log "$folder/training.log" "$@"
+}
+
+mkdir -p "$folder"
+"$here/makeScenes.sh" "$build/tools/depthScenes/depthScenes" "$folder/scenes"
+"$here/drawHeldOut.sh" "$build/host/zel" "$folder/heldout"
+train --side 128 --batch 32 --steps 3000 --decay 0.01 # most is learned from small pictures
+train --side 192 --batch 24 --steps 6000 --decay 0.6
+python3 "$here/export.py" "$folder/net.pt" "$folder/portrait_depth.onnx"
+python3 "$here/evaluate.py" "$folder/portrait_depth.onnx" "$folder/heldout"

@@ -1,0 +1,156 @@
+// The final picture at full size: the photograph where it is in focus, a small blur of the photograph itself
+// where it is nearly so, the enlarged working picture elsewhere, with the photograph's own grain put back.
+// Colours 0..1; radii and distances in pixels of the photograph.
+//
+//   radius    0          RTH / 2 ... RTH * 1.5                  255
+//             photograph | small blur, fading into | working picture
+//
+// Three things keep the outline of a sharp subject clean. The radius at a pixel is taken from pixels of its
+// own colour, so that it steps where the picture does and not where the coarse plane does. The working picture
+// is enlarged from those of its pixels that are blurred, so that no colour of the subject leaks out. And the
+// small blur takes no pixel that does not itself reach so far.
+
+in vec2 textureCoordinate;
+layout(location = 0) out vec4 fragColor;
+
+uniform sampler2D tex_src;     // the blurred working picture, linear, mirrored
+uniform sampler2D tex_noise;   // 256 by 256 uniform noise, mirrored
+uniform sampler2D tex_origin;  // the photograph
+uniform sampler2D tex_radius;  // blur radii in steps of 1 / 255, at the working picture's size
+uniform vec2 reso;             // size of a pixel in texture coordinates
+uniform vec2 radius_reso;      // the same of a working pixel
+uniform vec2 noise_scale;      // repetitions of the noise over the picture
+uniform int RTH;               // radius up to which the small blur serves
+uniform int bf_radius;         // taps to each side when the radius is read
+uniform int bf_step;           // distance of those taps
+uniform float bf_threshold;    // colour distance from which on a tap does not count
+uniform float dispersion;      // how far red and blue part, as a share of the radius
+uniform float ratio;           // the picture's size over that of a 12 megapixel photograph
+uniform float scale_ratio;     // pixels across a working pixel
+uniform float bokeh_data[165]; // kernels of radius 0..4 for the small blur, one after the other
+
+const float kKernelRadii = 4.0;
+
+float radiusAt(vec2 coordinate) {
+    return texture(tex_radius, coordinate).r * 255.0;
+}
+
+// The blur radius at this pixel: the mean over those around it that look alike.
+float edgeAwareRadius(vec3 color) {
+    vec2 spacing = reso * max(float(bf_step) * ratio, scale_ratio);
+    vec2 sum = vec2(0.0);
+    for (int y = -bf_radius; y <= bf_radius; ++y)
+        for (int x = -bf_radius; x <= bf_radius; ++x) {
+            vec2 coordinate = clamp(textureCoordinate + vec2(x, y) * spacing, 0.5 * reso, 1.0 - 0.5 * reso);
+            float apart = length(texture(tex_origin, coordinate).rgb - color) / bf_threshold;
+            float alike = max(1.0 - apart * apart, 0.0);
+            float near = 1.0 / (1.0 + float(x * x + y * y));
+            sum += vec2(radiusAt(coordinate), 1.0) * alike * alike * near;
+        }
+    return sum.x / sum.y;  // the pixel itself always counts
+}
+
+// The working picture between its pixels, without those that are much sharper than this one.
+vec3 softColor(vec2 coordinate, float radius) {
+    vec2 place = coordinate / radius_reso - 0.5, corner = floor(place), part = place - corner;
+    vec4 sum = vec4(0.0);
+    for (int i = 0; i < 4; ++i) {
+        vec2 step = vec2(i & 1, i >> 1);
+        vec2 texel = (corner + step + 0.5) * radius_reso;
+        vec2 share = mix(1.0 - part, part, step);
+        float blurred = clamp(2.0 * radiusAt(texel) / max(radius, 1.0), 0.02, 1.0);
+        sum += vec4(texture(tex_src, texel).rgb, 1.0) * (share.x * share.y * blurred + 1e-5);
+    }
+    return sum.rgb / sum.a;
+}
+
+// Red and blue part along the way from the centre.
+vec3 dispersedSoftColor(float radius) {
+    vec3 color = softColor(textureCoordinate, radius);
+    if (dispersion > 0.0) {
+        vec2 shift = (2.0 * textureCoordinate - 1.0) * dispersion * radius * reso;
+        color.r = softColor(textureCoordinate + shift, radius).r;
+        color.b = softColor(textureCoordinate - shift, radius).b;
+    }
+    return color;
+}
+
+// The photograph under a small kernel of `reach` 0..4. The fourth value is the share of a white noise's
+// variance that is left after it.
+vec4 smallBlur(float reach) {
+    float size = ceil(reach);
+    int side = 2 * int(size) + 1;
+    // Kernels of 1, 9, 25, ... values stand before this one.
+    int first = int(size) * (2 * int(size) - 1) * (2 * int(size) + 1) / 3;
+    float spacing = max(ratio, 1.0);
+    vec4 sum = vec4(0.0);
+    float squares = 0.0;
+    for (int i = 0; i < side * side; ++i) {
+        vec2 offset = vec2(i % side, i / side) - size;
+        float distance = max(abs(offset.x), abs(offset.y));
+        vec2 coordinate = textureCoordinate - offset * spacing * reso;
+        float theirs = min(0.5 * radiusAt(coordinate), kKernelRadii);
+        // The outermost ring fades in with the radius, theirs as ours.
+        float seen = clamp(reach - distance + 1.0, 0.0, 1.0) * clamp(theirs - distance + 1.0, 0.0, 1.0);
+        float weight = i == side * side / 2 ? bokeh_data[first + i] : bokeh_data[first + i] * seen;
+        sum += vec4(texture(tex_origin, coordinate).rgb, 1.0) * weight;
+        squares += weight * weight;
+    }
+    return vec4(sum.rgb / sum.a, squares / (sum.a * sum.a));
+}
+
+float luma(vec3 color) {
+    return dot(color, vec3(0.299, 0.587, 0.114));
+}
+
+// Strength (standard deviation) of the photograph's grain around this pixel: of its brightness, and of each
+// colour about it. Differences across 2 by 2 pixels see neither slopes nor straight outlines; of three groups
+// of four the flattest counts, so that texture does not pass for grain.
+vec4 grainStrength() {
+    // Mean of the smallest of three means of four absolute normal deviates, and the differences' gain of 2.
+    const float kScale = 1.0 / (0.551 * 2.0);
+    // More than this is texture after all.
+    const float kMost = 0.04;
+    vec4 least = vec4(1.0);
+    for (int group = 0; group < 3; ++group) {
+        vec4 sum = vec4(0.0);
+        for (int i = 0; i < 4; ++i) {
+            // Twelve places on a golden spiral.
+            float n = float(group * 4 + i), angle = 2.3999632 * n;
+            vec2 corner = floor(gl_FragCoord.xy + 2.5 * sqrt(n + 0.5) * vec2(cos(angle), sin(angle))) + 0.5;
+            vec2 a = corner * reso, b = a + reso;
+            vec3 d = texture(tex_origin, a).rgb - texture(tex_origin, vec2(b.x, a.y)).rgb -
+                     texture(tex_origin, vec2(a.x, b.y)).rgb + texture(tex_origin, b).rgb;
+            float brightness = luma(d);
+            sum += abs(vec4(d - brightness, brightness));
+        }
+        least = min(least, sum / 4.0);
+    }
+    return min(least * kScale, kMost);
+}
+
+// Grain of unit strength: colours about the brightness, and the brightness. Each is the sum of two uniform
+// deviates, which is bell-shaped enough.
+vec4 grain() {
+    const float kUnit = 2.4494897;  // square root of 6: the sum's deviation is its inverse
+    vec2 place = textureCoordinate * noise_scale;
+    vec3 first = texture(tex_noise, place).rgb, second = texture(tex_noise, place.yx + 0.37).rgb;
+    vec3 third = texture(tex_noise, place + 0.61).rgb;
+    return vec4(first + second.gbr, second.r + third.g) * kUnit - kUnit;
+}
+
+void main() {
+    vec4 origin = texture(tex_origin, textureCoordinate);
+    float radius = edgeAwareRadius(origin.rgb), threshold = float(RTH);
+    if (radius <= 0.0) {
+        fragColor = origin;
+        return;
+    }
+    float share = smoothstep(0.5 * threshold, 1.5 * threshold, radius);
+    vec4 color = vec4(0.0);
+    if (share < 1.0) color = (1.0 - share) * smallBlur(min(radius * kKernelRadii / threshold, kKernelRadii));
+    if (share > 0.0) color.rgb += share * dispersedSoftColor(radius);
+    vec4 strength = grainStrength() * sqrt(max(1.0 - color.a * (1.0 - share), 0.0));
+    vec4 noise = grain() * strength;
+    fragColor = vec4(color.rgb + noise.rgb + noise.a, origin.a);
+}

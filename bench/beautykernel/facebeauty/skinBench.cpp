@@ -1,0 +1,90 @@
+// The retouch, the whitening and the whole-picture skin operation, beside a plain copy of the picture.
+#include <cstring>
+#include <filesystem>
+
+#include "benchPicture.h"
+#include "frame/zel_effects.h"
+
+namespace {
+
+using ZelImageCore::TableSkin;
+using Operation = void (*)(unsigned char*, int, int, ImageCoreFaceInfo*);
+
+/// Bench pictures in skin's colours: less contrast, red above green above blue.
+std::vector<unsigned char> skinLike(zelbench::Size size) {
+    std::vector<unsigned char> rgba = zelbench::benchRgba(size);
+    constexpr int kBase[4] = {160, 120, 100, 255};
+    for (std::size_t i = 0; i < rgba.size(); ++i)
+        rgba[i] = static_cast<unsigned char>(i % 4 == 3 ? 255 : kBase[i % 4] + rgba[i] / 4);
+    return rgba;
+}
+
+void retouch(unsigned char* image, int width, int height, ImageCoreFaceInfo* faces) {
+    TableSkin::ImageProcessWithQornSkinRetouch(image, width, height, 0.7f, faces, nullptr);
+}
+void whitening(unsigned char* image, int width, int height, ImageCoreFaceInfo* faces) {
+    float params[] = {3, 0.55f};
+    TableSkin::ImageProcessWithQornSkinWhitening(image, width, height, params, faces, nullptr, nullptr);
+}
+void skin(unsigned char* image, int width, int height, ImageCoreFaceInfo*) {
+    float params[] = {8, 7, 3, 0.2f};
+    TableSkin::ImageProcessWithSkin(image, width, height, params, nullptr);
+}
+
+/// A face whose landmarks all lie in its middle: the time of the eye step is measured by its own row.
+struct OneFace {
+    ImageCoreFaceInfo head{1, {0, 0}};
+    ImageCoreFace face{};
+    OneFace() {
+        const float rect[] = {0.33f, 0.2f, 0.34f, 0.6f};
+        std::memcpy(face.rect, rect, sizeof rect);
+        for (auto& point : face.points) point[0] = point[1] = 0.5f;
+    }
+};
+
+void effect(benchmark::State& state, Operation operation) {
+    const zelbench::Size size = zelbench::sizeOf(state.range(0));
+    const zellab::WorkerCount workers(static_cast<int>(state.range(1)));
+    const auto source = skinLike(size);
+    auto image = source;
+    OneFace face;
+    std::filesystem::current_path(ZEL_ASSETS);
+    for (auto _ : state) {
+        state.PauseTiming();
+        image = source;
+        state.ResumeTiming();
+        operation(image.data(), size.width, size.height, &face.head);
+        benchmark::ClobberMemory();
+    }
+    zelbench::countPixels(state, size);
+}
+
+void copy(benchmark::State& state) {
+    const zelbench::Size size = zelbench::sizeOf(state.range(0));
+    const auto source = skinLike(size);
+    auto target = source;
+    for (auto _ : state) {
+        std::memcpy(target.data(), source.data(), source.size());
+        benchmark::ClobberMemory();
+    }
+    zelbench::countPixels(state, size);
+}
+
+template <typename Row>
+void addRow(const std::string& name, const Row& row, const std::vector<std::int64_t>& threads) {
+    benchmark::RegisterBenchmark(name.c_str(), row)
+        ->ArgNames({"MP", "threads"})
+        ->ArgsProduct({{zelbench::kMegapixels1, zelbench::kMegapixels12}, threads})
+        ->Unit(benchmark::kMillisecond)
+        ->UseRealTime();
+}
+
+[[maybe_unused]] const bool kRegistered = [] {
+    addRow("skin/qorn_retouch", [](benchmark::State& state) { effect(state, retouch); }, {1, 2});
+    addRow("skin/qorn_whitening", [](benchmark::State& state) { effect(state, whitening); }, {1, 2});
+    addRow("skin/whole_picture", [](benchmark::State& state) { effect(state, skin); }, {1, 2});
+    addRow("skin/memcpy", copy, {1});
+    return true;
+}();
+
+}  // namespace

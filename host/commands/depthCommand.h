@@ -1,0 +1,20 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace zel {
+
+/// What the user typed for `zel depth`.
+struct DepthOptions {
+    std::vector<std::string> inputs;
+    std::string output;
+    std::string mask, compare, assets;     // empty: not given
+    std::vector<std::string> assignments;  // --set
+    bool raw = false, quiet = false, verbose = false;
+};
+
+/// Estimates the depth of every input. Throws UsageError before any work; returns kDone or kWorkFailed.
+int runDepth(const DepthOptions& options);
+
+}  // namespace zel

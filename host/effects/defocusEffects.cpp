@@ -1,0 +1,198 @@
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <filesystem>
+
+#include "../pictures/readPicture.h"
+#include "effectLists.h"
+#include "effectParts.h"
+#include "offscreenContext.h"
+#include "portraitDepth.h"
+#include "zel_effects.h"
+
+namespace zel {
+
+namespace {
+
+using Render = DefocusCore::ZelDepthDefocusRender;
+
+/// Folders beside the other assets, where the command stands.
+constexpr const char* kNetworkFolder = "depth";
+constexpr const char* kResourceFolder = "bokeh";
+
+/// The command has no other values for what the library keeps and never reads.
+constexpr float kReserved = 0.0f;
+
+struct FocusFraction {
+    float x = 0.5f, y = 0.5f;
+};
+
+/// "X,Y" as fractions of the picture; "auto" is the middle of the largest face, or of the picture.
+FocusFraction focusOf(const EffectRun& run) {
+    const std::string& text = run.values.text("focus");
+    FocusFraction focus;
+    if (text == "auto") {
+        const auto& faces = run.faces.faces;
+        const auto area = [](const Face& face) { return face.rect[2] * face.rect[3]; };
+        const auto largest = std::max_element(
+            faces.begin(), faces.end(), [&](const Face& a, const Face& b) { return area(a) < area(b); });
+        if (largest != faces.end())
+            focus = {static_cast<float>(largest->rect[0] + largest->rect[2] / 2),
+                     static_cast<float>(largest->rect[1] + largest->rect[3] / 2)};
+        return focus;
+    }
+    const char *begin = text.data(), *end = begin + text.size();
+    const auto x = std::from_chars(begin, end, focus.x);
+    const bool comma = x.ec == std::errc() && x.ptr != end && *x.ptr == ',';
+    const auto y = comma ? std::from_chars(x.ptr + 1, end, focus.y) : x;
+    const auto inside = [](float fraction) { return fraction >= 0.0f && fraction <= 1.0f; };
+    if (!comma || y.ec != std::errc() || y.ptr != end || !inside(focus.x) || !inside(focus.y))
+        throw Failure("focus must be auto or two fractions like 0.5,0.4, not '" + text + "'");
+    return focus;
+}
+
+std::vector<float> faceRectangles(const FaceSet& faces) {
+    std::vector<float> rectangles;
+    for (const Face& face : faces.faces)
+        for (const auto value : face.rect) rectangles.push_back(static_cast<float>(value));
+    return rectangles;
+}
+
+void setShape(Render& render, const EffectRun& run) {
+    const std::string name = "defocus_" + run.values.text("shape");
+    const std::filesystem::path file = std::filesystem::path(kResourceFolder) / (name + ".png");
+    try {
+        Image shape = readPicture(file, false).image;
+        render.SetBokehImage(name.c_str(), shape.rgba.data(), shape.width, shape.height);
+    } catch (const Failure& failure) {
+        throw FileFailure(file.string(), failure.what());
+    }
+}
+
+void setDepth(Render& render, EffectRun& run) {
+    Image& image = run.image;
+    if (run.depth) {
+        if (!render.SetDepthPlane(run.depth->samples.data(), run.depth->width, run.depth->height))
+            throw Failure("the depth map is empty");
+    } else {
+        run.progress("estimating depth", 0);
+        if (!render.Init(true))
+            throw FileFailure(kNetworkFolder,
+                              "holds no depth network that can be loaded; give --depth MAP.png");
+        if (!render.DepthEstimate(image.rgba.data(), image.width, image.height, nullptr, 0, 0))
+            throw Failure("its depth cannot be estimated");
+        render.Release();
+    }
+    if (!run.depthOut) return;
+    const int width = render.DepthPlaneWidth(), height = render.DepthPlaneHeight();
+    const std::vector<unsigned char> plane(
+        render.DepthPlane(),
+        render.DepthPlane() + static_cast<std::size_t>(width) * static_cast<std::size_t>(height));
+    *run.depthOut = {image.width, image.height,
+                     zellab::scaleDepthPlane(plane, width, height, image.width, image.height)};
+}
+
+/// The form at full resolution, which has all parameters of the look.
+bool renderFull(Render& render, EffectRun& run, std::vector<float>& faces, const FocusFraction& focus) {
+    const ParameterValues& values = run.values;
+    return render.Run(run.image.rgba.data(), run.image.width, run.image.height,
+                      static_cast<int>(run.faces.faces.size()), faces.data(), focus.x, focus.y,
+                      values.integer("blurLevel"), values.number("highlights"), run.mask != nullptr, true,
+                      values.number("amount"), values.number("intensity"), values.number("vivid"));
+}
+
+/// The form with two buffers, which is faster, and the only one that can do without depth.
+bool renderPreview(Render& render, EffectRun& run, std::vector<float>& faces, const FocusFraction& focus) {
+    const ParameterValues& values = run.values;
+    std::vector<unsigned char> source = run.image.rgba;
+    return render.Run(source.data(), run.image.width, run.image.height, run.image.rgba.data(),
+                      run.image.width, run.image.height, static_cast<int>(run.faces.faces.size()),
+                      faces.data(), focus.x, focus.y, values.toggle("useDepth"), values.integer("blurLevel"),
+                      kReserved, nullptr, false, run.mask != nullptr, true, kReserved,
+                      values.number("intensity"), values.number("vivid"));
+}
+
+void runDefocus(EffectRun& run) {
+    const FocusFraction focus = focusOf(run);
+    const bool usesDepth = run.values.toggle("useDepth");
+    Render render;
+    render.setResourcePath(kNetworkFolder, kResourceFolder);
+    setShape(render, run);
+    if (usesDepth) setDepth(render, run);
+    std::vector<unsigned char> hair;
+    if (run.mask) {
+        hair = run.mask->samples;
+        render.SetHairMaskData(hair.data(), run.mask->width, run.mask->height);
+    }
+    const zellab::OffscreenContext context;
+    if (!context.isCurrent())
+        throw Failure(std::string("depth of field needs OpenGL, and no context can be had here (") +
+                      context.failedCall() + ")");
+    run.progress("rendering", 0.5);
+    std::vector<float> faces = faceRectangles(run.faces);
+    const bool full = usesDepth && run.values.text("resolution") == "full";
+    if (!(full ? renderFull(render, run, faces, focus) : renderPreview(render, run, faces, focus)))
+        throw FileFailure(std::string(kResourceFolder) + "/shader.3.bin", "is missing or damaged");
+}
+
+Effect defocus() {
+    Effect effect;
+    effect.name = "defocus";
+    effect.operation = "DefocusCore::ZelDepthDefocusRender::Run";
+    effect.summary = "Depth of field: blurs what lies before and behind the subject, by estimated depth";
+    effect.parameters = {
+        integerParameter("blurLevel", 0, 100, "60", "strength of the blur"),
+        choiceParameter("shape", {"classic", "hexagon", "heart", "star", "ring", "oval", "spin"}, "classic",
+                        "what a point of light becomes"),
+        textParameter("focus", "auto", "X,Y as fractions of the picture, or auto: the largest face"),
+        numberParameter("amount", 0.1, 4, "1",
+                        "exponent of brightness: above 1 only the brightest lights bloom"),
+        numberParameter("intensity", 0, 1, "0.5", "strength of the lights' bloom"),
+        numberParameter("highlights", 0, 3, "1", "how far bright pixels outweigh the rest"),
+        numberParameter("vivid", 0, 1, "0",
+                        "how far colourful pixels outweigh grey ones; above 0 the blur itself turns grey"),
+        choiceParameter("resolution", {"full", "preview"}, "full",
+                        "preview works on a smaller copy, with amount 1 and highlights 3"),
+        toggleParameter("useDepth", "true", "false blurs everything by one radius, as preview does")};
+    effect.faces = Need::optional;
+    effect.mask = effect.depth = effect.depthOut = Need::optional;
+    effect.example =
+        "zel apply defocus portrait.jpg -o out.jpg --set blurLevel=60 --set shape=hexagon --depth-out "
+        "depth.png";
+    effect.run = runDefocus;
+    return effect;
+}
+
+void runMixMask(EffectRun& run) {
+    Image& image = run.image;
+    std::vector<unsigned char> top = secondOfPictureSize(run).rgba;
+    std::vector<unsigned char> mask;
+    mask.reserve(4 * run.mask->samples.size());
+    for (const unsigned char m : run.mask->samples) mask.insert(mask.end(), {m, m, m, 255});
+    Render render;
+    if (!render.MixWidthMask(top.data(), image.rgba.data(), image.width, image.height, mask.data(),
+                             run.mask->width, run.mask->height, run.values.number("strength"),
+                             run.values.integer("blurRadius")))
+        throw Failure("the library refused the picture or the mask");
+}
+
+Effect mixMask() {
+    Effect effect;
+    effect.name = "mix-mask";
+    effect.operation = "DefocusCore::ZelDepthDefocusRender::MixWidthMask";
+    effect.summary = "Mixes a second picture into this one where a mask says so";
+    effect.parameters = {numberParameter("strength", 0, 1, "1", "1: the mask alone decides"),
+                         integerParameter("blurRadius", 0, 500, "0", "pixels; softens the mask's edge")};
+    effect.mask = effect.second = Need::required;
+    effect.example = "zel apply mix-mask photo.png -o mixed.png --second retouched.png --mask skin.png";
+    effect.run = runMixMask;
+    return effect;
+}
+
+}  // namespace
+
+std::vector<Effect> defocusEffects() {
+    return {defocus(), mixMask()};
+}
+
+}  // namespace zel

@@ -1,0 +1,47 @@
+#pragma once
+
+#include "bokeh/lookParameters.h"
+#include "frame/zel_effects.h"
+#include "zellab/imageproc/imageView.h"
+
+namespace zellab {
+class DepthEngine;
+namespace Bokeh {
+class BokehScene;
+}
+}  // namespace zellab
+
+namespace DefocusCore {
+
+/// What a render holds its depth engine by; copies of a render share it.
+struct DepthEstimatorHandle {
+    zellab::DepthEngine* engine = nullptr;
+    int initialised = 0;
+};
+
+/// One run, in the terms that both of its forms share.
+struct RunRequest {
+    zellab::ConstImageView source;
+    zellab::ImageView target;
+    int faceCount;
+    float* faces;  // as the host hands them over; only read
+    float focusX, focusY;
+    float resolutionFactor;
+    int blurLevel;
+    zellab::Bokeh::Look look;
+    bool useDepth, useHairMask, hasCurrentContext;
+};
+
+/// The steps of a render that need its members.
+struct DefocusInternals {
+    /// One more holder of what copies share.
+    static void retainParts(const ZelDepthDefocusRender& render);
+    /// Gives the shared parts back; the last holder frees them.
+    static void releaseParts(ZelDepthDefocusRender& render);
+    static bool run(ZelDepthDefocusRender& render, const RunRequest& request);
+    /// Hands everything to the scene.
+    static void configure(zellab::Bokeh::BokehScene& scene, const ZelDepthDefocusRender& render,
+                          const RunRequest& request);
+};
+
+}  // namespace DefocusCore

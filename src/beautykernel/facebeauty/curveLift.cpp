@@ -1,0 +1,39 @@
+#include "beautykernel/facebeauty/curveLift.h"
+
+#include <vector>
+
+#include "beautykernel/skintools/shadowPlane.h"
+#include "zellab/imageproc/pixelMath.h"
+#include "zellab/imageproc/sfCurve.h"
+
+namespace zellab {
+
+CurveLift largeLift(int brightness) {
+    constexpr int kHalf = 127;
+    if (brightness < 61) return {156, kHalf};
+    if (brightness < 101) return {148, kHalf};
+    if (brightness < 121) return {146, kHalf};
+    if (brightness < 141) return {144, kHalf};
+    return {brightness <= 170 ? 142 : 140, kHalf};
+}
+
+CurveLift smallLift(int brightness) {
+    if (brightness < 61) return {156, 0};
+    if (brightness < 101) return {152, 0};
+    if (brightness < 141) return {150, 0};
+    return {brightness <= 200 ? 148 : 145, 0};
+}
+
+void liftShadows(ImageView image, PlaneView<const Byte> shadow, const CurveLift& lift) {
+    Byte curve[256];
+    ApplyCurveThreePoints(curve, 128, lift.target);
+    // The result for every shadow weight and sample: two bytes decide it.
+    std::vector<Byte> lifted;
+    lifted.reserve(256 * 256);
+    for (int s = 0; s < 256; ++s)
+        for (int c = 0; c < 256; ++c)
+            lifted.push_back(clampToByte(c + ((curve[c] - c) * s + lift.rounding) / 255));
+    mapByPlane(image, shadow, lifted);
+}
+
+}  // namespace zellab

@@ -1,0 +1,19 @@
+#pragma once
+
+#include "zellab/imageproc/imageView.h"
+
+namespace zellab {
+
+/// How the lightness of skin is smoothed.
+struct LumaSmoothing {
+    float strength;     // 0..1; what is no finite number counts as 0
+    const int* levels;  // five numbers for LevelsAdjust that remap the mask, or null
+    bool edgeFilter;    // smooth once more, along edges
+};
+
+/// Smooths the lightness of skin and sharpens it again, a little. Faint differences from the surroundings go,
+/// strong ones stay, and so does everything dark. Hue and saturation stay; byte 3 becomes 255.
+/// @param skin  plane of the picture's size, 255 on skin
+void smoothSkinLuma(ImageView image, PlaneView<const Byte> skin, const LumaSmoothing& smoothing);
+
+}  // namespace zellab

@@ -1,0 +1,58 @@
+#include "beautykernel/facefleckcleaner/faceSkinMap.h"
+
+#include <algorithm>
+#include <new>
+
+#include "beautykernel/facefleckcleaner/faceCrop.h"
+#include "beautykernel/skinmaskstatisdetector/skinMaskManager.h"
+#include "beautykernel/skinmaskstatisdetector/skinMaskStatisDetector.h"
+#include "zellab/imageproc/parallelRows.h"
+#include "zellab/imageproc/yCbCr.h"
+
+namespace zellab {
+
+namespace {
+
+using zelbeauty::SkinFaceRecord;
+using zelbeauty::SkinMaskManager;
+using zelbeauty::SkinMaskStatisDetector;
+
+constexpr int kAllParts = 15;  // brows, eyes, nose and mouth are marked in the skin map
+
+/// What the statistics and the search of a face read.
+PixelBox areaOf(const SkinFaceRecord& face, int width, int height) {
+    PixelBox area = SkinMaskStatisDetector::areaRead(width, height, face);
+    if (const std::optional<FaceBox> box = faceBoxOf(face, width, height)) {
+        area.x = {std::min(area.x.begin, box->left), std::max(area.x.end, box->left + box->width)};
+        area.y = {std::min(area.y.begin, box->top), std::max(area.y.end, box->top + box->height)};
+    }
+    return area;
+}
+
+}  // namespace
+
+FaceSkinMap::LazyPlane FaceSkinMap::makePlane(std::size_t pixels) {
+    LazyPlane plane(static_cast<Byte*>(std::calloc(pixels, 1)));
+    if (!plane) throw std::bad_alloc();
+    return plane;
+}
+
+FaceSkinMap::FaceSkinMap(ImageView image, const SkinFaceRecord& face, bool onlyFace) {
+    const int width = image.width, height = image.height;
+    const std::size_t pixels = sampleCount(width, height);
+    m_map = makePlane(pixels);
+    const LazyPlane luma = makePlane(pixels), blue = makePlane(pixels), red = makePlane(pixels);
+    const PixelBox area = onlyFace ? areaOf(face, width, height) : PixelBox{{0, width}, {0, height}};
+    parallelRows(area.y.length(), [&](int begin, int end) {
+        for (int y = area.y.begin + begin; y < area.y.begin + end; ++y) {
+            const std::size_t first = sampleCount(width, y) + static_cast<std::size_t>(area.x.begin);
+            RGBAToYCbCrPlanes(image.at(area.x.begin, y), luma.get() + first, blue.get() + first,
+                              red.get() + first, area.x.length());
+        }
+    });
+    SkinMaskStatisDetector::DetectWithin(area, luma.get(), blue.get(), red.get(), width, height, m_map.get(),
+                                         face);
+    SkinMaskManager::PaintParts(m_map.get(), width, height, face, kAllParts);
+}
+
+}  // namespace zellab

@@ -1,0 +1,32 @@
+// The exported whitening that knows faces.
+#include <cmath>
+#include <cstring>
+#include <vector>
+
+#include "beautykernel/skintools/skinOperation.h"
+#include "frame/zel_effects.h"
+#include "zellab/imageproc/levels.h"
+#include "zellab/imageproc/toneBlend.h"
+
+void ZelImageCore::TableSkin::ImageProcessWithQornSkinWhitening(unsigned char* image, int width, int height,
+                                                                float* params, ImageCoreFaceInfo* faceInfo,
+                                                                unsigned char* mask,
+                                                                unsigned char* prepared) {
+    using namespace zellab;
+    const ImageView picture(image, width, height);
+    if (!picture.valid() || !params || std::isnan(params[0]) || std::isnan(params[1])) return;
+    const float level = params[0], temperature = params[1];
+    std::vector<Byte> before;
+    if (mask) before.assign(image, image + sampleCount(width, height, 4));
+    if (prepared) {
+        std::memmove(image, prepared, sampleCount(width, height, 4));
+    } else {
+        CInterFacePoint points;
+        addLimitedFaces(points, faceInfo, width, height);
+        AutoLevels(image, width, height, width * 4, 0, nullptr, nullptr);
+        brightenEyes(picture, points);
+    }
+    mapPixels(picture, brightnessCurve(brightnessHeight(level)).data());
+    ColorTemperatureBlend(image, width, height, temperature, 0);
+    if (mask) mixByMask(picture, {before.data(), width, height}, {mask, width, height});
+}

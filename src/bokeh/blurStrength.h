@@ -1,0 +1,25 @@
+#pragma once
+
+namespace zellab::Bokeh {
+
+/// The working sizes of one render and the strength of its blur.
+struct BlurStrength {
+    float scaleFactor = 1.0f;         ///< of the strength, against a picture whose working size is its own
+    float scaleRatio = 1.0f;          ///< full size over working size, before rounding
+    int smallWidth = 4;               ///< working picture, pixels; a multiple of 4
+    int smallHeight = 4;              ///< likewise
+    int halfWidth = 4;                ///< hair mask, pixels; a multiple of 4
+    int halfHeight = 4;               ///< likewise
+    float ratio = 1.0f;               ///< full-size pixels to a working pixel, along x
+    float radius = 0.0f;              ///< of the blur, full-size pixels
+    float radiusPerDisparity = 0.0f;  ///< growth of the radius per step of disparity, full-size pixels
+};
+
+/// @param width, height     of the picture, at least 1
+/// @param resolutionFactor  above 0; below 1 works on a smaller picture, which is never made shorter than 720
+/// @param blurLevel         0..100
+/// @param hasFocusPoints    whether faces were given; without any the blur is weaker
+BlurStrength computeBlurStrength(int width, int height, float resolutionFactor, int blurLevel,
+                                 bool hasFocusPoints);
+
+}  // namespace zellab::Bokeh

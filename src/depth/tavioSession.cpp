@@ -1,0 +1,79 @@
+#include "depth/tavioSession.h"
+
+#include <algorithm>
+
+#include "depth/depthLog.h"
+#include "depth/networkPixels.h"
+#include "zellab/imageproc/sfdsp/yuvScale.h"
+
+namespace zellab {
+
+namespace {
+
+/// The first map of an output, or nothing where the tensor holds fewer values than its dimensions say.
+std::vector<Byte> bytesOf(const tavio::Tensor& output, std::size_t channels, std::size_t samples,
+                          bool interleaved) {
+    const auto* values = static_cast<const float*>(output.Data());
+    if (!values || samples == 0 || output.GetBytes() / sizeof(float) < channels * samples) return {};
+    std::vector<float> planes;
+    if (interleaved) {
+        planes.resize(channels * samples);
+        groupsToPlanes(values, channels, samples, planes.data());
+        values = planes.data();
+    }
+    std::vector<Byte> bytes(samples);
+    mapToBytes(values, samples, bytes.data());
+    return bytes;
+}
+
+}  // namespace
+
+bool DepthMaps::copyTo(Byte* outDepth, Byte* outSecond) const {
+    if (!outDepth || !outSecond) {
+        logDepth("GetOutputData Failed!");
+        return false;
+    }
+    std::copy(second.begin(), second.end(), outSecond);
+    std::copy(depth.begin(), depth.end(), outDepth);
+    return true;
+}
+
+std::vector<float> networkInput(const Byte* image, int channels, int height, int width,
+                                const tavio::InputShape& shape, bool interleaved) {
+    const std::size_t pixels = sampleCount(shape.w, shape.h);
+    const bool sameSize = height == shape.h && width == shape.w;
+    std::vector<Byte> scaled;
+    bool usable = image && width > 0 && height > 0 && channels >= 3 && shape.c >= 3 && pixels > 0;
+    if (usable && !sameSize) {
+        scaled.resize(4 * pixels);
+        usable = channels == 4 &&
+                 scaleArgb(image, width, height, scaled.data(), shape.w, shape.h, YuvFilter::none);
+        image = scaled.data();
+    }
+    if (!usable) {
+        logDepth("GetInputData Failed!");
+        return {};
+    }
+    std::vector<float> input(pixels * static_cast<std::size_t>(shape.c));
+    if (interleaved)
+        pixelsToGroups(image, channels, pixels, input.data(), shape.c);
+    else
+        pixelsToPlanes(image, channels, pixels, input.data());
+    return input;
+}
+
+bool readMaps(const tavio::Tensor& output0, const tavio::Tensor& output1, bool interleaved, DepthMaps& maps) {
+    const unsigned dims[] = {output0.GetDim(0), output0.GetDim(1), output0.GetDim(2), output0.GetDim(3)};
+    logDepth("output shape:%u x %u x %u x %u", dims[0], dims[1], dims[2], dims[3]);
+    maps.height = static_cast<int>(dims[2]);
+    maps.width = static_cast<int>(dims[3]);
+    // The dimensions of output 0 are used for both; an output 1 that holds less is no map of that size.
+    const std::size_t samples = sampleCount(maps.width, maps.height);
+    maps.second = bytesOf(output0, dims[1], samples, interleaved);
+    maps.depth = bytesOf(output1, dims[1], samples, interleaved);
+    if (!maps.second.empty() && !maps.depth.empty()) return true;
+    logDepth("GetOutputData Failed!");
+    return false;
+}
+
+}  // namespace zellab

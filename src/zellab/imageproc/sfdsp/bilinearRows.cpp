@@ -1,0 +1,248 @@
+#include "zellab/imageproc/sfdsp/bilinearRows.h"
+
+#include <immintrin.h>
+
+#include <algorithm>
+#include <cstring>
+#include <vector>
+
+#include "platform/simdLevel.h"
+
+namespace zellab {
+
+namespace {
+
+using Step = BilinearStep;
+
+/// The positions of one axis, reached by adding a single-precision step. The sums differ in their last bits
+/// from products, and from a walk that starts anew in the middle: every worker reads this one table.
+/// Additions that drift past the last sample are held there.
+std::vector<Step> walkAxis(int source, int target) {
+    constexpr float kLargestIndex = 2147483520.0f;  // the largest float that an int holds
+    const int last = source - 1;
+    const float step = static_cast<float>(source) / static_cast<float>(target);
+    std::vector<Step> steps(static_cast<std::size_t>(target));
+    float position = 0.0f;
+    for (Step& s : steps) {
+        const int whole = static_cast<int>(std::min(position, kLargestIndex));
+        s.index = std::min(whole, last);
+        s.next = s.index < last ? s.index + 1 : last;
+        s.fraction = position - static_cast<float>(whole);
+        position += step;
+    }
+    return steps;
+}
+
+/// One target row: two source rows and the share of the lower one.
+struct RowPair {
+    const Byte* top;
+    const Byte* bottom;
+    float fraction;
+};
+
+/// Reads one RGBA pixel as four floats, blended between the two rows.
+inline __m128 blendedPixel(const RowPair& rows, std::ptrdiff_t offset, __m128 fraction) {
+    const __m128i zero = _mm_setzero_si128();
+    int a, b;
+    std::memcpy(&a, rows.top + offset, 4);
+    std::memcpy(&b, rows.bottom + offset, 4);
+    const __m128i top = _mm_unpacklo_epi16(_mm_unpacklo_epi8(_mm_cvtsi32_si128(a), zero), zero);
+    const __m128i bottom = _mm_unpacklo_epi16(_mm_unpacklo_epi8(_mm_cvtsi32_si128(b), zero), zero);
+    const __m128 difference = _mm_cvtepi32_ps(_mm_sub_epi32(bottom, top));
+    return _mm_add_ps(_mm_cvtepi32_ps(top), _mm_mul_ps(difference, fraction));
+}
+
+constexpr int kOpaque = static_cast<int>(0xff000000u);
+
+void scaleRgbaRow(const RowPair& rows, const std::vector<Step>& columns, std::size_t begin, Byte* out) {
+    const __m128 fy = _mm_set1_ps(rows.fraction);
+    for (std::size_t x = begin; x < columns.size(); ++x) {
+        const Step& s = columns[x];
+        const __m128 left = blendedPixel(rows, std::ptrdiff_t{4} * s.index, fy);
+        const __m128 right = blendedPixel(rows, std::ptrdiff_t{4} * s.next, fy);
+        const __m128 mixed = _mm_add_ps(_mm_mul_ps(_mm_sub_ps(right, left), _mm_set1_ps(s.fraction)), left);
+        const __m128i words = _mm_packs_epi32(_mm_cvttps_epi32(mixed), _mm_setzero_si128());
+        const int pixel = _mm_cvtsi128_si32(_mm_packus_epi16(words, words)) | kOpaque;
+        std::memcpy(out + 4 * x, &pixel, 4);
+    }
+}
+
+/// Eight samples, or two pixels, blended between the two rows.
+ZEL_TARGET_AVX2 inline __m256 blendRows(__m256i top, __m256i bottom, __m256 fraction) {
+    const __m256 difference = _mm256_cvtepi32_ps(_mm256_sub_epi32(bottom, top));
+    return _mm256_add_ps(_mm256_cvtepi32_ps(top), _mm256_mul_ps(difference, fraction));
+}
+
+/// trunc((right - left) * fraction + left) of eight samples, as words.
+ZEL_TARGET_AVX2 inline __m128i mixColumns(__m256 left, __m256 right, __m256 fraction) {
+    const __m256 mixed = _mm256_add_ps(_mm256_mul_ps(_mm256_sub_ps(right, left), fraction), left);
+    const __m256i whole = _mm256_cvttps_epi32(mixed);
+    return _mm_packs_epi32(_mm256_castsi256_si128(whole), _mm256_extracti128_si256(whole, 1));
+}
+
+/// The blended left and right neighbours of one output pixel, side by side.
+ZEL_TARGET_AVX2 inline __m256 blendedNeighbours(const RowPair& rows, std::ptrdiff_t offset, __m256 fraction) {
+    const __m128i top = _mm_loadl_epi64(reinterpret_cast<const __m128i*>(rows.top + offset));
+    const __m128i bottom = _mm_loadl_epi64(reinterpret_cast<const __m128i*>(rows.bottom + offset));
+    return blendRows(_mm256_cvtepu8_epi32(top), _mm256_cvtepu8_epi32(bottom), fraction);
+}
+
+/// Two pixels at once over the columns before `end`, whose right neighbour is the next sample in memory.
+/// Returns the first column left to do.
+ZEL_TARGET_AVX2 std::size_t scaleRgbaRowAvx2(const RowPair& rows, const std::vector<Step>& columns,
+                                             std::size_t end, Byte* out) {
+    const __m256 fy = _mm256_set1_ps(rows.fraction);
+    std::size_t x = 0;
+    for (; x + 2 <= end; x += 2) {
+        const Step &a = columns[x], &b = columns[x + 1];
+        const __m256 first = blendedNeighbours(rows, std::ptrdiff_t{4} * a.index, fy);
+        const __m256 second = blendedNeighbours(rows, std::ptrdiff_t{4} * b.index, fy);
+        const __m256 left = _mm256_permute2f128_ps(first, second, 0x20);
+        const __m256 right = _mm256_permute2f128_ps(first, second, 0x31);
+        const __m256 fx = _mm256_set_m128(_mm_set1_ps(b.fraction), _mm_set1_ps(a.fraction));
+        const __m128i words = mixColumns(left, right, fx);
+        const __m128i pixels = _mm_or_si128(_mm_packus_epi16(words, words), _mm_set1_epi32(kOpaque));
+        _mm_storel_epi64(reinterpret_cast<__m128i*>(out + 4 * x), pixels);
+    }
+    return x;
+}
+
+void scalePlaneRow(const RowPair& rows, const std::vector<Step>& columns, std::size_t begin, Byte* out) {
+    const auto blended = [&](int x) {
+        const int top = rows.top[x], difference = rows.bottom[x] - top;
+        return static_cast<float>(top) + static_cast<float>(difference) * rows.fraction;
+    };
+    for (std::size_t x = begin; x < columns.size(); ++x) {
+        const Step& s = columns[x];
+        const float left = blended(s.index), right = blended(s.next);
+        out[x] = static_cast<Byte>((right - left) * s.fraction + left);
+    }
+}
+
+/// A sample and its right neighbour, the sample in the low byte.
+inline short pairAt(const Byte* row, const Step& s) {
+    short pair;
+    std::memcpy(&pair, row + s.index, 2);
+    return pair;
+}
+
+ZEL_TARGET_AVX2 inline __m128i loadPairs(const Byte* row, const Step* s) {
+    return _mm_setr_epi16(pairAt(row, s[0]), pairAt(row, s[1]), pairAt(row, s[2]), pairAt(row, s[3]),
+                          pairAt(row, s[4]), pairAt(row, s[5]), pairAt(row, s[6]), pairAt(row, s[7]));
+}
+
+/// Eight samples at once over the columns before `end`; otherwise as scaleRgbaRowAvx2.
+ZEL_TARGET_AVX2 std::size_t scalePlaneRowAvx2(const RowPair& rows, const std::vector<Step>& columns,
+                                              const float* fractions, std::size_t end, Byte* out) {
+    const __m256 fy = _mm256_set1_ps(rows.fraction);
+    const __m128i low = _mm_set1_epi16(255);
+    std::size_t x = 0;
+    for (; x + 8 <= end; x += 8) {
+        const __m128i top = loadPairs(rows.top, &columns[x]), bottom = loadPairs(rows.bottom, &columns[x]);
+        const __m256 left = blendRows(_mm256_cvtepu16_epi32(_mm_and_si128(top, low)),
+                                      _mm256_cvtepu16_epi32(_mm_and_si128(bottom, low)), fy);
+        const __m256 right = blendRows(_mm256_cvtepu16_epi32(_mm_srli_epi16(top, 8)),
+                                       _mm256_cvtepu16_epi32(_mm_srli_epi16(bottom, 8)), fy);
+        const __m128i words = mixColumns(left, right, _mm256_loadu_ps(fractions + x));
+        _mm_storel_epi64(reinterpret_cast<__m128i*>(out + x), _mm_packus_epi16(words, words));
+    }
+    return x;
+}
+
+// Rows that grow read every source sample more than once: the two rows are blended first, all samples at
+// once, and stay floats in a line that the columns are mixed from.
+
+/// Samples that the vectors below may read past the last one; they repeat it.
+constexpr std::size_t kLineSlack = 16;
+
+ZEL_TARGET_AVX2 void blendLine(const RowPair& rows, std::size_t count, std::size_t channels, float* line) {
+    const __m256 fy = _mm256_set1_ps(rows.fraction);
+    std::size_t i = 0;
+    for (; i + 8 <= count; i += 8) {
+        const __m128i top = _mm_loadl_epi64(reinterpret_cast<const __m128i*>(rows.top + i));
+        const __m128i bottom = _mm_loadl_epi64(reinterpret_cast<const __m128i*>(rows.bottom + i));
+        _mm256_storeu_ps(line + i, blendRows(_mm256_cvtepu8_epi32(top), _mm256_cvtepu8_epi32(bottom), fy));
+    }
+    for (; i < count; ++i) {
+        const int top = rows.top[i], difference = rows.bottom[i] - top;
+        line[i] = static_cast<float>(top) + static_cast<float>(difference) * rows.fraction;
+    }
+    for (; i < count + kLineSlack; ++i) line[i] = line[i - channels];
+}
+
+/// Two pixels at once, as long as two are left. Returns the first column left to do.
+ZEL_TARGET_AVX2 std::size_t enlargeRgbaRow(const float* line, const std::vector<Step>& columns, Byte* out) {
+    std::size_t x = 0;
+    for (; x + 2 <= columns.size(); x += 2) {
+        const Step &a = columns[x], &b = columns[x + 1];
+        const __m256 first = _mm256_loadu_ps(line + std::ptrdiff_t{4} * a.index);
+        const __m256 second = _mm256_loadu_ps(line + std::ptrdiff_t{4} * b.index);
+        const __m256 fx = _mm256_set_m128(_mm_set1_ps(b.fraction), _mm_set1_ps(a.fraction));
+        const __m128i words = mixColumns(_mm256_permute2f128_ps(first, second, 0x20),
+                                         _mm256_permute2f128_ps(first, second, 0x31), fx);
+        const __m128i pixels = _mm_or_si128(_mm_packus_epi16(words, words), _mm_set1_epi32(kOpaque));
+        _mm_storel_epi64(reinterpret_cast<__m128i*>(out + 4 * x), pixels);
+    }
+    return x;
+}
+
+/// Eight samples at once. They step by one source sample at most, so the left neighbours of all eight lie
+/// within eight samples, and the right ones within the eight from the next.
+ZEL_TARGET_AVX2 std::size_t enlargePlaneRow(const float* line, const std::vector<Step>& columns,
+                                            const int* indices, const float* fractions, Byte* out) {
+    std::size_t x = 0;
+    for (; x + 8 <= columns.size(); x += 8) {
+        const int base = indices[x];
+        const __m256i own = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(indices + x));
+        const __m256i within = _mm256_sub_epi32(own, _mm256_set1_epi32(base));
+        const __m256 left = _mm256_permutevar8x32_ps(_mm256_loadu_ps(line + base), within);
+        const __m256 right = _mm256_permutevar8x32_ps(_mm256_loadu_ps(line + base + 1), within);
+        const __m128i words = mixColumns(left, right, _mm256_loadu_ps(fractions + x));
+        _mm_storel_epi64(reinterpret_cast<__m128i*>(out + x), _mm_packus_epi16(words, words));
+    }
+    return x;
+}
+
+}  // namespace
+
+BilinearRows::BilinearRows(const BilinearSizes& sizes, const Byte* source, int channels)
+    : m_source(source),
+      m_columns(walkAxis(sizes.sourceWidth, sizes.targetWidth)),
+      m_lines(walkAxis(sizes.sourceHeight, sizes.targetHeight)),
+      m_sourceRowBytes(sampleCount(sizes.sourceWidth, 1, channels)),
+      m_channels(channels),
+      m_wide(platform::simdLevel() == platform::SimdLevel::avx2),
+      m_enlarges(m_wide && sizes.targetWidth >= sizes.sourceWidth) {
+    for (const Step& s : m_columns) {
+        m_fractions.push_back(s.fraction);
+        m_indices.push_back(s.index);
+        if (s.next != s.index) ++m_inner;
+    }
+}
+
+void BilinearRows::scale(int y, Scratch& scratch, Byte* out) const {
+    const Step& at = line(y);
+    const RowPair rows{m_source + static_cast<std::size_t>(at.index) * m_sourceRowBytes,
+                       m_source + static_cast<std::size_t>(at.next) * m_sourceRowBytes, at.fraction};
+    if (m_enlarges) {
+        scratch.resize(m_sourceRowBytes + kLineSlack);
+        blendLine(rows, m_sourceRowBytes, static_cast<std::size_t>(m_channels), scratch.data());
+    }
+    // The columns that go by vectors, then what they leave.
+    std::size_t done = 0;
+    if (m_channels == 4) {
+        if (m_enlarges)
+            done = enlargeRgbaRow(scratch.data(), m_columns, out);
+        else if (m_wide)
+            done = scaleRgbaRowAvx2(rows, m_columns, m_inner, out);
+        scaleRgbaRow(rows, m_columns, done, out);
+    } else {
+        if (m_enlarges)
+            done = enlargePlaneRow(scratch.data(), m_columns, m_indices.data(), m_fractions.data(), out);
+        else if (m_wide)
+            done = scalePlaneRowAvx2(rows, m_columns, m_fractions.data(), m_inner, out);
+        scalePlaneRow(rows, m_columns, done, out);
+    }
+}
+
+}  // namespace zellab

@@ -1,0 +1,193 @@
+#include "beautykernel/facebeauty/facebeauty.h"
+
+#include <gtest/gtest.h>
+
+#include <fstream>
+
+#include "reference/slowSkin.h"
+#include "support/scratchFolder.h"
+#include "support/skinPicture.h"
+#include "support/streamCapture.h"
+#include "support/workingFolder.h"
+
+namespace {
+
+using zellab::CFaceBeauty;
+using zellab::FaceBeautyParams;
+using zellab::FaceData;
+using zeltest::Bytes;
+using zeltest::faceLike;
+using zeltest::Size;
+
+const Size kSmall{90, 70}, kLarge{641, 60};
+
+Bytes readFile(const std::string& path) {
+    std::ifstream file(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), {}};
+}
+
+Bytes cube(const char* name) {
+    Bytes file = readFile(std::string("style/base/") + name);
+    return file.erase(file.begin(), file.begin() + 8), file;
+}
+
+bool run(Bytes& rgba, Size size, const FaceBeautyParams& params, FaceData* face = nullptr,
+         const Bytes& mask = {}, Size maskSize = {0, 0}) {
+    const zeltest::StreamCapture quiet(stderr);
+    return CFaceBeauty().Run(rgba.data(), size.width, size.height, mask.empty() ? nullptr : mask.data(),
+                             maskSize.width, maskSize.height, face ? 1 : 0, face, &params);
+}
+
+/// The sizes on both sides of the limit between the roads, every option in turn, with and without a face.
+TEST(FaceBeautyMatchesSlow, OnBothRoads) {
+    const zeltest::WithAssets assets;
+    zellab::OverlayTable overlay;
+    ASSERT_TRUE(overlay.load());
+    const slow::StyleCubes cubes{cube("tone3.bin"), cube("tone3_1.bin"), cube("tone4.bin")};
+    const int levels[] = {20, 80, 230, 0, 255}, noLevels[] = {0, 100, 255, 0, 255};
+    const FaceBeautyParams settings[] = {{1, 0, 1, 0, 1.0f, 0.5f, nullptr},
+                                         {0, 1, 0, 1, 0.4f, 1.0f, levels},
+                                         {0, 1, 0, 0, 0.005f, 0.0f, noLevels},
+                                         {1, 1, 0, 1, 0.995f, 0.8f, levels}};
+    const Size maskSize{37, 50};
+    const Bytes mask = zeltest::randomPlane(maskSize.width, maskSize.height, 80);
+    int turn = 0;
+    for (const Size size : {Size{1, 1},
+                            {9, 1},
+                            kSmall,
+                            {640, 33},
+                            {210, 205},
+                            {641, 1},
+                            {3, 700},
+                            kLarge,
+                            {70, 641},
+                            {900, 210}})
+        for (const int kind : {0, 1, 2}) {
+            const FaceBeautyParams& set = settings[turn++ % 4];
+            SCOPED_TRACE(testing::Message() << size.width << " by " << size.height << ", turn " << turn);
+            Bytes picture = faceLike(size, 7u + static_cast<unsigned>(turn));
+            if (turn % 5 == 0)
+                for (unsigned char& b : picture) b = static_cast<unsigned char>(b / 3);
+            FaceData face = zeltest::faceIn(size);
+            const Bytes& given = kind == 2 ? mask : Bytes();
+            slow::LazyPicture expected{size.width, size.height, picture};
+            slow::faceBeauty(expected, set, given, maskSize.width, maskSize.height, overlay, cubes,
+                             kind == 0 ? nullptr : &face);
+            zeltest::onEveryMachine([&] {
+                Bytes actual = picture;
+                ASSERT_TRUE(run(actual, size, set, kind == 0 ? nullptr : &face, given, maskSize));
+                ASSERT_TRUE(zeltest::sameSamples(expected.rgba, actual, size.width * 4));
+            });
+            ASSERT_FALSE(HasFailure());
+        }
+}
+
+/// Takes each table away in turn: its line, its position, and what is left of the work.
+TEST(FaceBeauty, EachMissingTableHasItsLineAndItsOutcome) {
+    const std::string source = "\r\nbeautykernel/facebeauty/facebeauty.cpp";
+    struct Case {
+        const char* table;
+        Size size;
+        FaceBeautyParams params;
+        std::string line;  // empty: nothing is said
+        bool works;
+    };
+    const FaceBeautyParams portrait{0, 0, 0, 0, 0.5f, 0.5f, nullptr}, faint{0, 0, 0, 0, 0.0f, 0.5f, nullptr},
+        airy{0, 0, 1, 0, 0.5f, 0.5f, nullptr};
+    const Case cases[] = {
+        {"PSOverlay", kLarge, airy,
+         "ERROR:CFaceBeauty Run8kelyy ,failed to load PSOverlay.png from style" + source + "(133)", false},
+        {"PSOverlay", kSmall, airy,
+         "ERROR:CFaceBeauty Run8kelxx ,failed to load PSOverlay.png from style" + source + "(533)", false},
+        {"tone3", kLarge, portrait,
+         "ERROR: CFaceBeauty::Run8kelyy, Could not find lut table: style/base/tone3.bin \n" + source +
+             "(434)",
+         true},
+        {"tone3_1", kLarge, faint, "", true},
+        {"tone4", kLarge, airy, "", true}};
+    const zeltest::ScratchFolder folder;
+    std::filesystem::copy(ZEL_ASSETS, folder.path(""), std::filesystem::copy_options::recursive);
+    const zeltest::WorkingFolder inside(folder.path(""));
+    for (const auto& [table, size, params, line, works] : cases) {
+        SCOPED_TRACE(table);
+        const Bytes picture = faceLike(size, 4);
+        Bytes complete = picture;
+        ASSERT_TRUE(run(complete, size, params));
+        const std::string path = folder.path(std::string("style/base/") + table + ".bin");
+        const Bytes whole = readFile(path);
+        for (const bool damaged : {false, true}) {
+            if (damaged)
+                folder.write(std::string("style/base/") + table + ".bin", {2, 0, 0, 0, 2, 0, 0, 0, 1});
+            else
+                std::filesystem::remove(path);
+            Bytes without = picture;
+            zeltest::StreamCapture log(stderr);
+            EXPECT_EQ(CFaceBeauty().Run(without.data(), size.width, size.height, nullptr, 0, 0, 0, nullptr,
+                                        &params),
+                      works);
+            const std::string said = log.text();
+            EXPECT_NE(said.find("version 2.05 run...width:" + std::to_string(size.width) +
+                                ", height: " + std::to_string(size.height)),
+                      std::string::npos);
+            EXPECT_EQ(said.find("ERROR") == std::string::npos, line.empty()) << said;
+            EXPECT_NE(said.find(line), std::string::npos) << said;
+            EXPECT_EQ(without == picture, !works);
+            EXPECT_NE(without, complete) << "the table must have shown";
+        }
+        folder.write(std::string("style/base/") + table + ".bin", whole);
+    }
+}
+
+/// What the options promise, on the large road.
+TEST(FaceBeauty, SmoothsSkinAloneAndKeepsTheDark) {
+    const zeltest::WithAssets assets;
+    const Size size{660, 120};
+    const auto lightnessRoughness = [&](const Bytes& rgba, bool skin) {
+        double sum = 0;
+        for (int y = 20; y < 100; ++y)
+            for (int x = skin ? 300 : 10; x < (skin ? 360 : 60); ++x) {
+                const std::size_t i = static_cast<std::size_t>(y * size.width + x) * 4 + 1;
+                sum += std::abs(rgba[i] - rgba[i + 4]);
+            }
+        return sum;
+    };
+    const auto smoothed = [&](Bytes rgba, float strength) {
+        EXPECT_TRUE(run(rgba, size, {0, 0, 0, 0, 0.0f, strength, nullptr}));
+        return rgba;
+    };
+    Bytes picture = faceLike(size, 3);
+    const Bytes none = smoothed(picture, 0.0f), half = smoothed(picture, 0.5f),
+                full = smoothed(picture, 1.0f);
+    EXPECT_LT(lightnessRoughness(half, true), 0.8 * lightnessRoughness(none, true));
+    EXPECT_LT(lightnessRoughness(full, true), 0.9 * lightnessRoughness(half, true));
+    EXPECT_NEAR(lightnessRoughness(full, false), lightnessRoughness(none, false), 60);
+    for (unsigned char& b : picture) b = static_cast<unsigned char>(b / 4);
+    EXPECT_EQ(smoothed(picture, 1.0f), smoothed(picture, 0.0f)) << "below a quarter nothing is smoothed";
+    EXPECT_EQ(smoothed(picture, NAN), smoothed(picture, 0.0f));
+}
+
+TEST(FaceBeauty, BadArgumentsAndHostileFacesAreContained) {
+    const zeltest::WithAssets assets;
+    const FaceBeautyParams params{1, 1, 1, 1, 0.5f, 1.0f, nullptr};
+    const zeltest::StreamCapture quiet(stderr);
+    Bytes rgba = faceLike(kSmall, 1);
+    const Bytes before = rgba;
+    EXPECT_FALSE(CFaceBeauty().Run(nullptr, 30, 30, nullptr, 0, 0, 0, nullptr, &params));
+    EXPECT_FALSE(CFaceBeauty().Run(rgba.data(), 0, 30, nullptr, 0, 0, 0, nullptr, &params));
+    EXPECT_FALSE(CFaceBeauty().Run(rgba.data(), 30, -1, nullptr, 0, 0, 0, nullptr, &params));
+    EXPECT_FALSE(CFaceBeauty().Run(rgba.data(), 30, 30, nullptr, 0, 0, 0, nullptr, nullptr));
+    EXPECT_EQ(rgba, before);
+    const int levels[] = {-900, 0, 2000000000, 400, -2000000000};
+    for (const Size size : {Size{1, 1}, {1, 5000}, {5000, 1}, {40, 30}, {700, 20}})
+        for (FaceData& face : zeltest::hostileFaces(size))
+            for (const float strength : {-5.0f, 1e30f, NAN}) {
+                const FaceBeautyParams wild{1, 1, 0, 1, strength, strength, levels};
+                Bytes picture = faceLike(size, 5);
+                EXPECT_TRUE(CFaceBeauty().Run(picture.data(), size.width, size.height, nullptr, -3, 900000, 1,
+                                              &face, &wild));
+                EXPECT_TRUE(face.left >= 0 && face.right <= size.width && face.top >= 0 &&
+                            face.bottom <= size.height);
+            }
+}
+
+}  // namespace

@@ -1,0 +1,218 @@
+#include <gtest/gtest.h>
+
+#include <cmath>
+
+#include "frame/zel_effects.h"
+#include "reference/slowSkin.h"
+#include "support/guardedBuffer.h"
+#include "support/skinPicture.h"
+#include "support/standardFace.h"
+#include "support/streamCapture.h"
+#include "support/workingFolder.h"
+#include "zellab/imageproc/levels.h"
+#include "zellab/imageproc/toneBlend.h"
+
+namespace {
+
+using ZelImageCore::TableSkin;
+using zeltest::Bytes;
+using zeltest::Size;
+
+/// Faces as a host hands them over: the first in the middle of the picture, more of them reach out of it.
+struct HostFaces {
+    struct {
+        ImageCoreFaceInfo head{};
+        ImageCoreFace faces[3]{};
+    } record;
+    HostFaces(Size size, int count) {
+        record.head.faceCount = count;
+        const auto w = static_cast<float>(size.width), h = static_cast<float>(size.height);
+        for (int f = 0; f < 3; ++f) {
+            const auto points =
+                zeltest::standardFace(0.5f * w, 0.5f * h, 0.3f * w * static_cast<float>(f + 1));
+            for (std::size_t i = 0; i < points.size(); ++i)
+                record.faces[f].points[i][0] = points[i].x / w,
+                record.faces[f].points[i][1] = points[i].y / h;
+            const float rect[] = {0.15f, 0.1f, 0.7f, 0.8f};
+            std::copy(rect, rect + 4, record.faces[f].rect);
+        }
+    }
+    ImageCoreFaceInfo* info() { return &record.head; }
+};
+
+Bytes retouched(Bytes rgba, Size size, float strength, ImageCoreFaceInfo* faces, Bytes mask = {}) {
+    const zeltest::StreamCapture quiet(stderr);
+    TableSkin::ImageProcessWithQornSkinRetouch(rgba.data(), size.width, size.height, strength, faces,
+                                               mask.empty() ? nullptr : mask.data());
+    return rgba;
+}
+
+Bytes whitened(Bytes rgba, Size size, float level, float temperature, Bytes mask = {}, Bytes prepared = {}) {
+    const zeltest::StreamCapture quiet(stderr);
+    float params[] = {level, temperature};
+    TableSkin::ImageProcessWithQornSkinWhitening(rgba.data(), size.width, size.height, params, nullptr,
+                                                 mask.empty() ? nullptr : mask.data(),
+                                                 prepared.empty() ? nullptr : prepared.data());
+    return rgba;
+}
+
+Bytes skinned(Bytes rgba, Size size, std::array<float, 4> params) {
+    TableSkin::ImageProcessWithSkin(rgba.data(), size.width, size.height, params.data(), nullptr);
+    return rgba;
+}
+
+Bytes curved(Bytes rgba, int y) {
+    const slow::Table table = slow::middleCurve(130, y);
+    slow::eachColour(rgba, [&](unsigned char v, std::size_t) { return table[v]; });
+    return rgba;
+}
+
+const float kBad[] = {NAN, INFINITY, -INFINITY, 1e30f, -1e30f};
+
+/// With no face the eye step finds nothing, so that every step is known.
+TEST(QornRetouchMatchesSlow, WithoutAFace) {
+    const zeltest::WithAssets assets;
+    zellab::OverlayTable overlay;
+    ASSERT_TRUE(overlay.load());
+    const Size size{120, 90};
+    const Bytes picture = zeltest::faceLike(size, 21),
+                mask = zeltest::randomPlane(size.width, size.height, 22);
+    Bytes levelled = picture;
+    slow::autoLevels(levelled);
+    slow::LazyPicture work{size.width, size.height, levelled};
+    slow::faceBeauty(work, {1, 0, 1, 0, 1.0f, 0.5f, nullptr}, {}, 0, 0, overlay, {}, nullptr);
+    HostFaces nobody(size, 0);
+    for (const float strength : {0.0f, 0.37f, 1.0f, 1.6f}) {
+        const int a = static_cast<int>(strength * 256.0f);
+        Bytes expected = levelled;
+        for (std::size_t i = 0; i < expected.size(); ++i)
+            if (i % 4 != 3) expected[i] = slow::toByte((levelled[i] * (256 - a) + work.rgba[i] * a) >> 8);
+        expected = curved(expected, 137);
+        EXPECT_TRUE(zeltest::sameSamples(expected, retouched(picture, size, strength, nobody.info()), 480));
+        EXPECT_TRUE(zeltest::sameSamples(expected, retouched(picture, size, strength, nullptr), 480));
+        slow::mixByMask(expected, picture, mask);
+        EXPECT_TRUE(zeltest::sameSamples(expected, retouched(picture, size, strength, nullptr, mask), 480));
+    }
+}
+
+TEST(QornRetouch, TheFirstFaceDecidesAndAMaskOfZeroKeepsThePicture) {
+    const zeltest::WithAssets assets;
+    const Size size{660, 500};
+    const Bytes picture = zeltest::faceLike(size, 23);
+    HostFaces one(size, 1), three(size, 3);
+    const Bytes alone = retouched(picture, size, 0.8f, one.info());
+    EXPECT_EQ(retouched(picture, size, 0.8f, three.info()), alone);
+    EXPECT_NE(retouched(picture, size, 0.4f, one.info()), alone);
+    const Bytes nothing(picture.size() / 4, 0), all(picture.size() / 4, 255);
+    EXPECT_EQ(retouched(picture, size, 0.8f, one.info(), nothing), picture);
+    const Bytes whole = retouched(picture, size, 0.8f, one.info(), all);
+    for (std::size_t i = 0; i < whole.size(); ++i) ASSERT_NEAR(whole[i], alone[i], 1);
+    for (std::size_t i = 3; i < alone.size(); i += 4) ASSERT_EQ(alone[i], picture[i]) << "alpha";
+}
+
+TEST(QornWhiteningMatchesSlow, FromThePictureAndFromAPreparedOne) {
+    const Size size{70, 50};
+    const Bytes picture = zeltest::faceLike(size, 24),
+                mask = zeltest::randomPlane(size.width, size.height, 25);
+    const Bytes prepared = zeltest::randomRgba(size.width, size.height, 26);
+    for (const float level : {0.0f, 3.9f, 10.0f, -2.5f, 40.0f})
+        for (const float temperature : {0.5f, 0.8f, -1.0f}) {
+            const auto finished = [&](const Bytes& start) {
+                Bytes rgba = curved(start, static_cast<int>(level) * 5 + 137);
+                zellab::ColorTemperatureBlend(rgba.data(), size.width, size.height, temperature, 0);
+                return rgba;
+            };
+            Bytes levelled = picture;
+            slow::autoLevels(levelled);
+            EXPECT_EQ(whitened(picture, size, level, temperature), finished(levelled));
+            Bytes expected = finished(prepared);
+            slow::mixByMask(expected, picture, mask);
+            EXPECT_EQ(whitened(picture, size, level, temperature, mask, prepared), expected);
+        }
+}
+
+TEST(SkinMatchesSlow, AndWithoutARadiusOnlyTheToneRuns) {
+    const Size size{61, 33};
+    const Bytes picture = zeltest::faceLike(size, 27);
+    for (const auto& [radius, mix, level, tone] : std::vector<std::array<float, 4>>{{4.9f, 7, 3.7f, 0},
+                                                                                    {2, 10, 0, 0.6f},
+                                                                                    {9, 3.3f, -4, -0.4f},
+                                                                                    {0.9f, 8, 5, 0.3f},
+                                                                                    {-3, 8, 5, -1}}) {
+        Bytes expected = picture;
+        slow::skin(expected, size.width, size.height, radius, mix, level, [&, strength = tone](Bytes& rgba) {
+            const auto step = strength < 0 ? zellab::ToneTableBlend : zellab::ToneTableBlendWarm;
+            step(rgba.data(), size.width, size.height, std::fabs(strength));
+        });
+        EXPECT_TRUE(zeltest::sameSamples(expected, skinned(picture, size, {radius, mix, level, tone}), 244));
+    }
+    EXPECT_EQ(skinned(picture, size, {0, 8, 9, 0}), picture) << "no radius, no tone";
+}
+
+TEST(SkinColor, TintsThroughTheTableAndRefusesShortOnes) {
+    const Size size{64, 64};
+    Bytes neutral(64 * 64 * 4, 255);
+    for (int i = 0; i < 64 * 64; ++i) {
+        const int x = i % 64, y = i / 64, steps[] = {x % 16, y % 16, y / 16 * 4 + x / 16};
+        for (int c = 0; c < 3; ++c)
+            neutral[static_cast<std::size_t>(i * 4 + c)] = static_cast<unsigned char>(steps[c] * 17);
+    }
+    const Bytes picture = zeltest::randomRgba(size.width, size.height, 28);
+    const auto tinted = [&](float strength, float level, int tableWidth, int tableHeight) {
+        Bytes rgba = picture;
+        TableSkin::ImageProcessWithSkinColor(rgba.data(), size.width, size.height, strength, level,
+                                             neutral.data(), tableWidth, tableHeight);
+        return rgba;
+    };
+    for (const float level : {0.0f, 2.6f}) {
+        Bytes table = curved(neutral, static_cast<int>(level * 4 + 137)), expected = picture;
+        zellab::ColorTemperatureBlend(table.data(), 64, 64, 0.7f, 0);
+        slow::colorCube(expected, table, 16);
+        EXPECT_EQ(tinted(0.7f, level, 64, 64), expected);
+    }
+    EXPECT_NE(tinted(0.5f, 0, 64, 64), picture) << "level 0 brightens a little";
+    for (const auto& [w, h] : {std::pair{63, 64}, {0, 64}, {-64, -64}})
+        EXPECT_EQ(tinted(0.9f, 5, w, h), picture);
+}
+
+/// NaN leaves the picture; other wild numbers, no picture and odd shapes end without a stray access.
+TEST(SkinOperations, BadInputIsContained) {
+    const zeltest::WithAssets assets;
+    const zeltest::StreamCapture quiet(stderr);
+    const Size size{30, 20};
+    const Bytes picture = zeltest::faceLike(size, 29);
+    float nanParams[] = {NAN, NAN, NAN, NAN}, *none = nullptr;
+    EXPECT_EQ(retouched(picture, size, NAN, nullptr), picture);
+    EXPECT_EQ(whitened(picture, size, NAN, 0.6f), picture);
+    EXPECT_EQ(whitened(picture, size, 3, NAN), picture);
+    EXPECT_EQ(skinned(picture, size, {3, 5, NAN, 0}), picture);
+    Bytes same = picture;
+    TableSkin::ImageProcessWithQornSkinWhitening(same.data(), 30, 20, none, nullptr, nullptr, nullptr);
+    TableSkin::ImageProcessWithSkin(same.data(), 30, 20, none, nullptr);
+    TableSkin::ImageProcessWithSkinColor(same.data(), 30, 20, NAN, 1, same.data(), 64, 64);
+    TableSkin::ImageProcessWithSkinColor(same.data(), 30, 20, 0.7f, 1, nullptr, 64, 64);
+    TableSkin::ImageProcessWithQornSkinRetouch(same.data(), -1, 20, 1, nullptr, nullptr);
+    EXPECT_EQ(same, picture);
+    for (const Size odd : {Size{0, 5}, {1, 1}, {1, 5000}, {5000, 1}, {3, 3}}) {
+        const std::size_t count = static_cast<std::size_t>(odd.width * odd.height);
+        HostFaces faces(odd.width > 0 ? odd : size, 1), lost(odd.width > 0 ? odd : size, -7);
+        for (auto& point : faces.record.faces[0].points) point[0] = kBad[odd.height % 5];
+        faces.record.faces[0].rect[0] = NAN;
+        for (const float bad : kBad) {
+            zeltest::GuardedBuffer rgba(count * 4), mask(count);
+            std::fill_n(nanParams, 4, bad);
+            unsigned char* p = odd.width > 0 ? rgba.data() : nullptr;
+            TableSkin::ImageProcessWithQornSkinRetouch(p, odd.width, odd.height, bad, faces.info(),
+                                                       mask.data());
+            TableSkin::ImageProcessWithQornSkinRetouch(p, odd.width, odd.height, 1, lost.info(), nullptr);
+            TableSkin::ImageProcessWithQornSkinWhitening(p, odd.width, odd.height, nanParams, faces.info(),
+                                                         mask.data(), p);
+            TableSkin::ImageProcessWithSkin(p, odd.width, odd.height, nanParams, nullptr);
+            TableSkin::ImageProcessWithSkinColor(p, odd.width, odd.height, bad, bad,
+                                                 Bytes(64 * 64 * 4, 9).data(), 64, 64);
+            EXPECT_TRUE(rgba.guardsIntact() && mask.guardsIntact() && mask.allAre(0x66));
+        }
+    }
+}
+
+}  // namespace

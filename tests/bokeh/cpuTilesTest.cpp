@@ -1,0 +1,178 @@
+#include "bokeh/cpuTiles.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <set>
+
+#include "bokeh/bokehKernels.h"
+#include "bokeh/spinIndex.h"
+#include "bokeh/weightPlane.h"
+#include "bokehCase.h"
+#include "reference/slowBokeh.h"
+#include "support/everyWorkerAndLevel.h"
+
+namespace {
+
+using namespace zellab::Bokeh;
+using zeltest::BokehCase;
+using zeltest::Bytes;
+
+Bytes recordsOf(int width, int height) {
+    const zellab::Plane<zellab::Byte> plane = spinIndexPlane(width, height);
+    return {plane.data(), plane.data() + plane.size()};
+}
+
+Bytes chorePicture(const BokehCase& c) {
+    std::atomic<int> next{0};
+    const ConvolutionSource source = c.source();
+    return zeltest::assemble(startTileChore(source, next).get(), c.width, c.height);
+}
+
+Bytes slowPicture(const BokehCase& c) {
+    const Bytes radius =
+        c.radius.empty() ? Bytes(c.rgba.size() / 4, static_cast<unsigned char>(c.maximum)) : c.radius;
+    return slow::bokehGather(c.rgba, c.width, c.height, radius, c.maximum, c.strip, c.records,
+                             {c.look.amount, c.look.intensity, c.look.highlights, c.look.vivid});
+}
+
+TEST(BokehKernels, HoldWhatTheStripHoldsAtEverySizeAndTurn) {
+    const Bytes strip = zeltest::randomStrip(1);
+    const StripView view(strip.data(), kStripWidth, kStripHeight);
+    const KernelSet plain = KernelSet::pyramid(view), spin = KernelSet::spinPyramid(view);
+    ASSERT_EQ(plain.records(), 1);
+    ASSERT_EQ(spin.records(), kRecords);
+    for (const bool turned : {false, true})
+        for (int record = 0; record < (turned ? kRecords : 1); record += 7)
+            for (int radius = 0; radius <= kMaxRadius; ++radius) {
+                const int n = 2 * radius + 1;
+                const Bytes expected = slow::bokehKernel(strip, n, turned, record);
+                for (int i = 0; i < n; ++i) {
+                    const zellab::Byte* const row =
+                        (turned ? spin : plain).rowTowards(record, radius, radius - i);
+                    ASSERT_TRUE(std::equal(row - radius, row + radius + 1, expected.begin() + i * n))
+                        << "record " << record << ", radius " << radius << ", row " << i;
+                    // A vectorised load may begin up to a group away from the row: it must find zeros.
+                    ASSERT_EQ(row[-radius - 1], 0);
+                    ASSERT_EQ(row[radius + 1], 0);
+                }
+                ASSERT_EQ((turned ? spin : plain)
+                              .rowTowards(record, radius, radius == kMaxRadius ? 0 : -radius - 1)[0],
+                          radius == kMaxRadius ? expected[expected.size() / 2] : 0);
+            }
+}
+
+TEST(BokehWeights, AreSixteenthsOfThePowerAndStopAtTheirEnd) {
+    const Bytes rgba = zeltest::randomRgba(61, 40, 2);
+    for (const Look look : {Look{1, 0, 0, 0}, Look{0.5f, 0.6f, 1, 0.7f}, Look{2.2f, 1, 3, 1}}) {
+        const auto plane = weightPlane({rgba.data(), 61, 40}, lookValues(look));
+        const auto expected =
+            slow::bokehWeights(rgba, {look.amount, look.intensity, look.highlights, look.vivid});
+        EXPECT_TRUE(std::equal(expected.begin(), expected.end(), plane.data(), plane.data() + plane.size()));
+    }
+}
+
+struct TileCase {
+    const char* name;
+    int width, height, largest;
+    bool spin, constant;
+    Look look;
+};
+
+class CpuTiles : public testing::TestWithParam<TileCase> {};
+
+TEST_P(CpuTiles, MatchTheObviousLoopsBitForBit) {
+    const TileCase& p = GetParam();
+    BokehCase c{p.width, p.height, zeltest::randomRgba(p.width, p.height, 3), {}, zeltest::randomStrip(4),
+                {},      p.look};
+    if (p.constant)
+        c.maximum = p.largest;
+    else
+        c.radius = zeltest::patchyRadius(p.width, p.height, p.largest, 5);
+    if (p.spin) c.records = recordsOf(p.width, p.height);
+    const Bytes expected = slowPicture(c);
+    zeltest::expectSameOnEveryWorkerCountAndLevel([&] { return chorePicture(c) == expected; });
+    EXPECT_TRUE(chorePicture(c) == expected);
+}
+
+INSTANTIATE_TEST_SUITE_P(Cases, CpuTiles,
+                         testing::Values(TileCase{"identity", 83, 61, 30, false, false, {1, 0, 0, 0}},
+                                         TileCase{"lights", 83, 61, 24, false, false, {1.5f, 0.9f, 2, 0.6f}},
+                                         TileCase{"spinning", 90, 70, 12, true, false, {1, 0.5f, 1, 0.5f}},
+                                         TileCase{"constant", 64, 50, 9, false, true, {1, 0.4f, 1, 0}},
+                                         TileCase{"constantSpin", 64, 50, 9, true, true, {1, 0.4f, 1, 0}},
+                                         TileCase{"acrossTiles", 263, 6, 5, false, false, {1, 0.3f, 1, 0.2f}},
+                                         TileCase{"column", 1, 300, 30, false, false, {1, 0.3f, 1, 0.2f}},
+                                         TileCase{"pixel", 1, 1, 30, true, false, {1, 0.3f, 1, 0.2f}}),
+                         [](const auto& tested) { return tested.param.name; });
+
+TEST(CpuTiles, FullWindowsOfTheBrightestWeightsKeepTheirSums) {
+    BokehCase c{70, 70,          Bytes(70 * 70 * 4, 255), Bytes(70 * 70, 30), Bytes(1056 * 176, 255),
+                {}, {1, 1, 3, 1}};
+    EXPECT_EQ(chorePicture(c), c.rgba);
+}
+
+// The two ways in which a neighbour may stay out, and radii that no kernel has.
+TEST(CpuTiles, ANeighbourNeedsToReachThePixelAndToBeSeenByIt) {
+    const int side = 21, middle = 10 * side + 10;
+    const auto withRadii = [&](int others, int own) {
+        BokehCase c{side,
+                    side,
+                    Bytes(side * side * 4, 0),
+                    Bytes(side * side, static_cast<unsigned char>(others)),
+                    Bytes(1056 * 176, 255),
+                    {},
+                    {1, 0, 0, 0}};
+        std::fill_n(c.rgba.begin() + 4 * middle, 3, 255);
+        c.radius[middle] = static_cast<unsigned char>(own);
+        return chorePicture(c);
+    };
+    EXPECT_EQ(withRadii(8, 3)[4 * (middle + 4)], 0) << "radius 3 does not reach 4 pixels far";
+    EXPECT_GT(withRadii(8, 3)[4 * (middle + 3)], 0);
+    EXPECT_EQ(withRadii(3, 8)[4 * (middle + 4)], 0) << "a pixel of radius 3 does not look 4 pixels far";
+    EXPECT_EQ(withRadii(0, 255)[4 * middle], 255) << "radius 255 counts as 30";
+    BokehCase empty{5, 5, zeltest::randomRgba(5, 5, 6), Bytes(25, 2), Bytes(1056 * 176, 0), {}, {1, 0, 0, 0}};
+    Bytes kept = empty.rgba;
+    for (std::size_t i = 3; i < kept.size(); i += 4) kept[i] = 255;
+    EXPECT_EQ(chorePicture(empty), kept) << "where nothing weighs anything the pixel stays";
+}
+
+TEST(CpuTiles, TilesCoverThePictureOnceAndAreSharedThroughTheCounter) {
+    EXPECT_EQ(TileGrid(256, 1).across(), 1);
+    EXPECT_EQ(TileGrid(257, 1).across(), 2);
+    EXPECT_EQ(TileGrid(0, 0).count(), 0);
+    BokehCase c{
+        600, 300,         zeltest::randomRgba(600, 300, 7), Bytes(600 * 300, 1), zeltest::randomStrip(8),
+        {},  {1, 0, 0, 0}};
+    std::atomic<int> next{2};  // another worker has taken two of the six
+    const ConvolutionSource source = c.source();
+    const auto tiles = startTileChore(source, next).get();
+    ASSERT_EQ(tiles.size(), 4u);
+    EXPECT_EQ(tiles[0].place.x, 512);
+    EXPECT_EQ(tiles[0].place.width, 88);
+    EXPECT_EQ(tiles[3].place.y, 256);
+    EXPECT_EQ(tiles[3].place.height, 44);
+    EXPECT_FALSE(chorePicture(c).empty()) << "no pixel is written twice";
+}
+
+TEST(SpinIndex, TurnsWithThePlaceAroundTheCentreAndStepsOutwards) {
+    const int width = 401, height = 301;
+    std::set<int> seen;
+    for (int y = 0; y < height; y += 3)
+        for (int x = 0; x < width; x += 3) {
+            const int record = spinRecord(x, y, width, height);
+            seen.insert(record);
+            const double right = x + 0.5 - width / 2.0, down = y + 0.5 - height / 2.0;
+            const double distance = std::hypot(right, down) / std::hypot(width / 2.0, height / 2.0);
+            ASSERT_NEAR(record % 6 + 0.5, distance * 6, 0.51) << x << ',' << y;
+            if (std::hypot(right, down) < 2) continue;
+            // A turned kernel shows its frame turned by minus the record's angle: that must point outwards.
+            const double turned = -(record / 6) * 18 * M_PI / 180;
+            ASSERT_GT((std::cos(turned) * right + std::sin(turned) * down) / std::hypot(right, down),
+                      std::cos(9.01 * M_PI / 180))
+                << x << ',' << y;
+        }
+    EXPECT_GT(seen.size(), 100u);
+}
+
+}  // namespace

@@ -1,0 +1,161 @@
+#include "gl/environment.h"
+
+#include <gmock/gmock.h>
+
+#include <filesystem>
+#include <thread>
+
+#include "gl/glLog.h"
+#include "gl/texture2D.h"
+#include "gl/utils.h"
+#include "glSupport.h"
+#include "support/streamCapture.h"
+
+namespace {
+
+using namespace zellab::gl;
+using testing::HasSubstr;
+using zellab::Bokeh::Texture2D;
+
+std::string g_seen;
+
+TEST(EnvironmentLog, FiltersByLevelAndTellsTheCallback) {
+    setEnvironmentLogCallback([](int level, const char* format, std::va_list arguments) {
+        char text[64];
+        std::vsnprintf(text, sizeof text, format, arguments);
+        g_seen += std::to_string(level) + text;
+    });
+    std::string text;
+    {
+        zeltest::StreamCapture log(stdout);
+        logEnvironment(kEnvironmentDebug, "silent %d", 1);
+        logEnvironment(kEnvironmentError, "seen %d", 2);
+        setEnvironmentLogThreshold(2);
+        logEnvironment(kEnvironmentDebug, "seen %d", 3);
+        setEnvironmentLogThreshold(6);
+        logEnvironment(kEnvironmentError, "silent %d", 4);
+        text = log.text();
+    }
+    setEnvironmentLogThreshold(3);
+    setEnvironmentLogCallback(nullptr);
+    EXPECT_EQ(text, "<[zelgl]   ERROR:> seen 2\n<[zelgl]   DEBUG:> seen 3\n");
+    EXPECT_EQ(g_seen, "5seen 22seen 3");
+}
+
+TEST(Utils, ReadsTheShadingLanguageVersion) {
+    const struct {
+        const char* text;
+        int version;
+    } cases[] = {{"4.60.0", 460}, {"3.30 vendor 1.2", 330}, {"OpenGL ES GLSL ES 3.00", 300},
+                 {"4", 400},      {"no digit here", -1},    {"", -1},
+                 {nullptr, -1}};
+    for (const auto& c : cases)
+        EXPECT_EQ(Utils::parseShadingLanguageVersion(c.text), c.version) << (c.text ? c.text : "null");
+}
+
+TEST(Environment, AnEmptyHolderIsInvalidAndHarmless) {
+    const EnvironmentHolder holder;
+    EXPECT_FALSE(holder.isValid());
+    holder.makeCurrent();
+    EnvironmentHolder::doneCurrent();
+    EXPECT_FALSE(checkGlEnv());
+    EXPECT_EQ(Utils::shadingLanguageVersion(), -1);
+}
+
+TEST(Environment, SharesTexturesAndTakesTheFlagOfItsShare) {
+    const EnvironmentHolder first(0, nullptr, false);
+    ASSERT_TRUE(first.isValid());
+    const EnvironmentHolder second(1, &first, true);
+    ASSERT_TRUE(second.isValid());
+    EXPECT_FALSE(second.get()->hasGlsl330());
+    first.makeCurrent();
+    ASSERT_TRUE(Utils::initializeGlew());
+    GLuint texture = 0;
+    glCore().genTextures(1, &texture);
+    glCore().bindTexture(GL_TEXTURE_2D, texture);
+    const unsigned char pixel[4] = {1, 2, 3, 4};
+    glCore().texImage2D(GL_TEXTURE_2D, 0, GL_RGBA8, 1, 1, 0, GL_RGBA, GL_UNSIGNED_BYTE, pixel);
+    second.makeCurrent();
+    glCore().bindTexture(GL_TEXTURE_2D, texture);
+    GLint width = 0;
+    glCore().getTexLevelParameteriv(GL_TEXTURE_2D, 0, GL_TEXTURE_WIDTH, &width);
+    EXPECT_EQ(width, 1);
+    EnvironmentHolder::doneCurrent();
+}
+
+/// Without a context to share with, the new one would silently stand alone.
+TEST(Environment, SharingWithNothingFails) {
+    const EnvironmentHolder nothing = EnvironmentHolder::current();
+    ASSERT_FALSE(nothing.isValid());
+    zeltest::StreamCapture log(stdout);
+    EXPECT_FALSE(EnvironmentHolder(0, &nothing, true).isValid());
+    EXPECT_EQ(log.text(),
+              "<[zelgl]   ERROR:> Environment::InitializeEnvironment_EGL eglCreateContext failed !\n"
+              "<[zelgl]   ERROR:> Environment:: Initialize shared off-screen environment failed !\n");
+}
+
+TEST(Environment, ABorrowedContextStaysCurrentAndAlive) {
+    const zeltest::CurrentContext host;
+    ASSERT_TRUE(host.usable());
+    const auto before = zellab::platform::currentGlContext();
+    {
+        const EnvironmentHolder borrowed = EnvironmentHolder::current();
+        EXPECT_TRUE(borrowed.isValid() && borrowed.get()->isBorrowed() && borrowed.get()->hasGlsl330());
+        EXPECT_EQ(borrowed.get()->hasGlsl330(), Utils::shadingLanguageVersion() >= 330);
+    }
+    EXPECT_TRUE(checkGlEnv());
+    EXPECT_EQ(zellab::platform::currentGlContext().context, before.context);
+    unsigned char byte = 9;
+    const Texture2D texture(1, 1, 1, 1, &byte);
+    EXPECT_TRUE(texture.read(0, 0, 1, 1, &byte));
+    EXPECT_EQ(byte, 9);
+}
+
+std::ptrdiff_t openFiles() {
+    return std::distance(std::filesystem::directory_iterator("/proc/self/fd"), {});
+}
+
+TEST(Environment, TwoHundredContextsLeaveNothingBehind) {
+    { const zeltest::CurrentContext warmUp; }
+    const std::ptrdiff_t before = openFiles();
+    for (int i = 0; i < 200; ++i) {
+        const zeltest::CurrentContext context;
+        ASSERT_TRUE(context.usable()) << i;
+        const Texture2D texture(8, 8, 3, 1, nullptr);
+        ASSERT_FALSE(texture.isEmpty());
+    }
+    EXPECT_EQ(openFiles(), before);
+    EXPECT_EQ(zellab::platform::currentGlContext().context, nullptr);
+}
+
+/// Names of a context that is gone must not reach the next one: it gives out the same names.
+TEST(Environment, ATextureMayOutliveItsContext) {
+    Texture2D late;
+    {
+        const zeltest::CurrentContext context;
+        ASSERT_TRUE(context.usable());
+        late = Texture2D(4, 4, 3, 1, nullptr);
+    }
+    unsigned char pixel[4];
+    EXPECT_FALSE(late.read(0, 0, 1, 1, pixel));
+    EXPECT_FALSE(late.write(0, 0, 1, 1, pixel));
+    EXPECT_EQ(late.bind(), 0u);
+}
+
+TEST(Environment, TwoThreadsWithTwoContextsDoNotMeet) {
+    const auto work = [](unsigned char value) {
+        for (int i = 0; i < 10; ++i) {
+            const zeltest::CurrentContext context;
+            ASSERT_TRUE(context.usable());
+            std::vector<unsigned char> pixels(33 * 7, value), seen(pixels.size());
+            const Texture2D texture(33, 7, 1, 1, pixels.data());
+            ASSERT_TRUE(texture.read(0, 0, 33, 7, seen.data()));
+            ASSERT_EQ(seen, pixels);
+        }
+    };
+    std::thread other(work, static_cast<unsigned char>(1));
+    work(2);
+    other.join();
+}
+
+}  // namespace
