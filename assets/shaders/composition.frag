@@ -50,18 +50,32 @@ float edgeAwareRadius(vec3 color) {
     return sum.x / sum.y;  // the pixel itself always counts
 }
 
-// The working picture between its pixels, without those that are much sharper than this one.
+// How much a working pixel of that radius may stand for one of this: nothing if it is much sharper.
+float blurredAlike(float theirs, float radius) {
+    return smoothstep(0.25, 0.75, theirs / max(radius, 1.0));
+}
+
+// The working picture around `place` (in working pixels), from those of its pixels that are blurred alike.
+// The fourth value is their weight.
+vec4 softSum(vec2 corner, vec2 part, int reach, float radius) {
+    vec4 sum = vec4(0.0);
+    for (int y = 1 - reach; y <= reach; ++y)
+        for (int x = 1 - reach; x <= reach; ++x) {
+            vec2 texel = (corner + vec2(x, y) + 0.5) * radius_reso;
+            vec2 share = max(1.0 - abs(vec2(x, y) - part) / float(reach), 0.0);
+            float weight = share.x * share.y * blurredAlike(radiusAt(texel), radius);
+            sum += vec4(texture(tex_src, texel).rgb, 1.0) * weight;
+        }
+    return sum;
+}
+
+// The working picture between its pixels. Beside the outline of a subject that the coarse plane draws too
+// large, the nearest pixels are all the subject's; farther ones serve then.
 vec3 softColor(vec2 coordinate, float radius) {
     vec2 place = coordinate / radius_reso - 0.5, corner = floor(place), part = place - corner;
-    vec4 sum = vec4(0.0);
-    for (int i = 0; i < 4; ++i) {
-        vec2 step = vec2(i & 1, i >> 1);
-        vec2 texel = (corner + step + 0.5) * radius_reso;
-        vec2 share = mix(1.0 - part, part, step);
-        float blurred = clamp(2.0 * radiusAt(texel) / max(radius, 1.0), 0.02, 1.0);
-        sum += vec4(texture(tex_src, texel).rgb, 1.0) * (share.x * share.y * blurred + 1e-5);
-    }
-    return sum.rgb / sum.a;
+    vec4 sum = softSum(corner, part, 1, radius);
+    if (sum.a < 0.25) sum += 0.02 * softSum(corner, part, 4, radius);
+    return sum.a > 1e-4 ? sum.rgb / sum.a : texture(tex_src, coordinate).rgb;
 }
 
 // Red and blue part along the way from the centre.
