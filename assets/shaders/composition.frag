@@ -38,12 +38,21 @@ float radiusAt(vec2 coordinate) {
 // The blur radius at this pixel: the mean over those around it that look alike.
 float edgeAwareRadius(vec3 color) {
     vec2 spacing = reso * max(float(bf_step) * ratio, scale_ratio);
+    vec2 first = 0.5 * reso, last = 1.0 - first;
+    // Where the plane is level the colours need not be asked.
+    float middle = radiusAt(textureCoordinate), apart = 0.0;
+    for (int i = 0; i < 9; ++i) {
+        vec2 offset = (vec2(i % 3, i / 3) - 1.0) * float(bf_radius);
+        apart = max(apart, abs(radiusAt(clamp(textureCoordinate + offset * spacing, first, last)) - middle));
+    }
+    if (apart < 0.5) return middle;
+
     vec2 sum = vec2(0.0);
     for (int y = -bf_radius; y <= bf_radius; ++y)
         for (int x = -bf_radius; x <= bf_radius; ++x) {
-            vec2 coordinate = clamp(textureCoordinate + vec2(x, y) * spacing, 0.5 * reso, 1.0 - 0.5 * reso);
-            float apart = length(texture(tex_origin, coordinate).rgb - color) / bf_threshold;
-            float alike = max(1.0 - apart * apart, 0.0);
+            vec2 coordinate = clamp(textureCoordinate + vec2(x, y) * spacing, first, last);
+            float unlike = length(texture(tex_origin, coordinate).rgb - color) / bf_threshold;
+            float alike = max(1.0 - unlike * unlike, 0.0);
             float near = 1.0 / (1.0 + float(x * x + y * y));
             sum += vec2(radiusAt(coordinate), 1.0) * alike * alike * near;
         }
@@ -117,6 +126,12 @@ float luma(vec3 color) {
     return dot(color, vec3(0.299, 0.587, 0.114));
 }
 
+// Twelve places around a pixel, on a golden spiral.
+const vec2 kGrainPlaces[12] = vec2[12](
+    vec2(2.0, 0.0), vec2(-2.0, 2.0), vec2(0.0, -4.0), vec2(3.0, 4.0),
+    vec2(-5.0, -1.0), vec2(5.0, -3.0), vec2(-2.0, 6.0), vec2(-3.0, -6.0),
+    vec2(7.0, 3.0), vec2(-7.0, 3.0), vec2(3.0, -7.0), vec2(3.0, 8.0));
+
 // Strength (standard deviation) of the photograph's grain around this pixel: of its brightness, and of each
 // colour about it. Differences across 2 by 2 pixels see neither slopes nor straight outlines; of three groups
 // of four the flattest counts, so that texture does not pass for grain.
@@ -129,9 +144,7 @@ vec4 grainStrength() {
     for (int group = 0; group < 3; ++group) {
         vec4 sum = vec4(0.0);
         for (int i = 0; i < 4; ++i) {
-            // Twelve places on a golden spiral.
-            float n = float(group * 4 + i), angle = 2.3999632 * n;
-            vec2 corner = floor(gl_FragCoord.xy + 2.5 * sqrt(n + 0.5) * vec2(cos(angle), sin(angle))) + 0.5;
+            vec2 corner = gl_FragCoord.xy + kGrainPlaces[4 * group + i];
             vec2 a = corner * reso, b = a + reso;
             vec3 d = texture(tex_origin, a).rgb - texture(tex_origin, vec2(b.x, a.y)).rgb -
                      texture(tex_origin, vec2(a.x, b.y)).rgb + texture(tex_origin, b).rgb;
@@ -150,7 +163,7 @@ vec4 grain() {
     vec2 place = textureCoordinate * noise_scale;
     vec3 first = texture(tex_noise, place).rgb, second = texture(tex_noise, place.yx + 0.37).rgb;
     vec3 third = texture(tex_noise, place + 0.61).rgb;
-    return vec4(first + second.gbr, second.r + third.g) * kUnit - kUnit;
+    return vec4(first + second.gbr, third.r + third.g) * kUnit - kUnit;
 }
 
 void main() {
