@@ -9,6 +9,9 @@
 // own colour, so that it steps where the picture does and not where the coarse plane does. The working picture
 // is enlarged from those of its pixels that are blurred, so that no colour of the subject leaks out. And the
 // small blur takes no pixel that does not itself reach so far.
+//
+// What a pixel does not need it skips by a loop of no turns, not by a branch: rasterisers in software walk
+// through both sides of a branch, and out of a loop.
 
 in vec2 textureCoordinate;
 layout(location = 0) out vec4 fragColor;
@@ -45,18 +48,17 @@ float edgeAwareRadius(vec3 color) {
         vec2 offset = (vec2(i % 3, i / 3) - 1.0) * float(bf_radius);
         apart = max(apart, abs(radiusAt(clamp(textureCoordinate + offset * spacing, first, last)) - middle));
     }
-    if (apart < 0.5) return middle;
-
+    int reach = apart < 0.5 ? -1 : bf_radius;
     vec2 sum = vec2(0.0);
-    for (int y = -bf_radius; y <= bf_radius; ++y)
-        for (int x = -bf_radius; x <= bf_radius; ++x) {
+    for (int y = -reach; y <= reach; ++y)
+        for (int x = -reach; x <= reach; ++x) {
             vec2 coordinate = clamp(textureCoordinate + vec2(x, y) * spacing, first, last);
             float unlike = length(texture(tex_origin, coordinate).rgb - color) / bf_threshold;
             float alike = max(1.0 - unlike * unlike, 0.0);
             float near = 1.0 / (1.0 + float(x * x + y * y));
             sum += vec2(radiusAt(coordinate), 1.0) * alike * alike * near;
         }
-    return sum.x / sum.y;  // the pixel itself always counts
+    return sum.y > 0.0 ? sum.x / sum.y : middle;
 }
 
 // How much a working pixel of that radius may stand for one of this: nothing if it is much sharper.
@@ -80,27 +82,29 @@ vec4 softSum(vec2 corner, vec2 part, int reach, float radius) {
 
 // The working picture between its pixels. Beside the outline of a subject that the coarse plane draws too
 // large, the nearest pixels are all the subject's; farther ones serve then.
-vec3 softColor(vec2 coordinate, float radius) {
+vec3 softColor(vec2 coordinate, float radius, int reach) {
     vec2 place = coordinate / radius_reso - 0.5, corner = floor(place), part = place - corner;
-    vec4 sum = softSum(corner, part, 1, radius);
-    if (sum.a < 0.25) sum += 0.02 * softSum(corner, part, 4, radius);
+    vec4 sum = softSum(corner, part, reach, radius);
+    sum += 0.02 * softSum(corner, part, sum.a < 0.25 ? 4 * reach : 0, radius);
     return sum.a > 1e-4 ? sum.rgb / sum.a : texture(tex_src, coordinate).rgb;
 }
 
-// Red and blue part along the way from the centre.
-vec3 dispersedSoftColor(float radius) {
-    vec3 color = softColor(textureCoordinate, radius);
-    if (dispersion > 0.0) {
-        vec2 shift = (2.0 * textureCoordinate - 1.0) * dispersion * radius * reso;
-        color.r = softColor(textureCoordinate + shift, radius).r;
-        color.b = softColor(textureCoordinate - shift, radius).b;
+// Red and blue part along the way from the centre. Nothing is read unless it is wanted.
+vec3 dispersedSoftColor(float radius, bool wanted) {
+    vec2 shift = (2.0 * textureCoordinate - 1.0) * dispersion * radius * reso;
+    vec3 color = vec3(0.0);
+    int first = wanted ? 0 : 3, last = dispersion > 0.0 ? 2 : 0;
+    for (int part = first; part <= last; ++part) {
+        vec2 place = textureCoordinate + (part == 0 ? 0.0 : part == 1 ? 1.0 : -1.0) * shift;
+        vec3 here = softColor(place, radius, wanted ? 1 : 0);
+        color = part == 0 ? here : part == 1 ? vec3(here.r, color.gb) : vec3(color.rg, here.b);
     }
     return color;
 }
 
 // The photograph under a small kernel of `reach` 0..4. The fourth value is the share of a white noise's
-// variance that is left after it.
-vec4 smallBlur(float reach) {
+// variance that is left after it. All 0 unless it is wanted.
+vec4 smallBlur(float reach, bool wanted) {
     float size = ceil(reach);
     int side = 2 * int(size) + 1;
     // Kernels of 1, 9, 25, ... values stand before this one.
@@ -108,18 +112,19 @@ vec4 smallBlur(float reach) {
     float spacing = max(ratio, 1.0);
     vec4 sum = vec4(0.0);
     float squares = 0.0;
-    for (int i = 0; i < side * side; ++i) {
+    int taps = wanted ? side * side : 0;
+    for (int i = 0; i < taps; ++i) {
         vec2 offset = vec2(i % side, i / side) - size;
         float distance = max(abs(offset.x), abs(offset.y));
         vec2 coordinate = textureCoordinate - offset * spacing * reso;
         float theirs = min(0.5 * radiusAt(coordinate), kKernelRadii);
         // The outermost ring fades in with the radius, theirs as ours.
         float seen = clamp(reach - distance + 1.0, 0.0, 1.0) * clamp(theirs - distance + 1.0, 0.0, 1.0);
-        float weight = i == side * side / 2 ? bokeh_data[first + i] : bokeh_data[first + i] * seen;
+        float weight = bokeh_data[first + i] * (distance < 0.5 ? 1.0 : seen);
         sum += vec4(texture(tex_origin, coordinate).rgb, 1.0) * weight;
         squares += weight * weight;
     }
-    return vec4(sum.rgb / sum.a, squares / (sum.a * sum.a));
+    return wanted ? vec4(sum.rgb / sum.a, squares / (sum.a * sum.a)) : vec4(0.0);
 }
 
 float luma(vec3 color) {
@@ -135,13 +140,14 @@ const vec2 kGrainPlaces[12] = vec2[12](
 // Strength (standard deviation) of the photograph's grain around this pixel: of its brightness, and of each
 // colour about it. Differences across 2 by 2 pixels see neither slopes nor straight outlines; of three groups
 // of four the flattest counts, so that texture does not pass for grain.
-vec4 grainStrength() {
+vec4 grainStrength(bool wanted) {
     // Mean of the smallest of three means of four absolute normal deviates, and the differences' gain of 2.
     const float kScale = 1.0 / (0.551 * 2.0);
     // More than this is texture after all.
     const float kMost = 0.04;
     vec4 least = vec4(1.0);
-    for (int group = 0; group < 3; ++group) {
+    int groups = wanted ? 3 : 0;
+    for (int group = 0; group < groups; ++group) {
         vec4 sum = vec4(0.0);
         for (int i = 0; i < 4; ++i) {
             vec2 corner = gl_FragCoord.xy + kGrainPlaces[4 * group + i];
@@ -169,15 +175,12 @@ vec4 grain() {
 void main() {
     vec4 origin = texture(tex_origin, textureCoordinate);
     float radius = edgeAwareRadius(origin.rgb), threshold = float(RTH);
-    if (radius <= 0.0) {
-        fragColor = origin;
-        return;
-    }
+    bool blurred = radius > 0.0;
     float share = smoothstep(0.5 * threshold, 1.5 * threshold, radius);
-    vec4 color = vec4(0.0);
-    if (share < 1.0) color = (1.0 - share) * smallBlur(min(radius * kKernelRadii / threshold, kKernelRadii));
-    if (share > 0.0) color.rgb += share * dispersedSoftColor(radius);
-    vec4 strength = grainStrength() * sqrt(max(1.0 - color.a * (1.0 - share), 0.0));
+    float reach = min(radius * kKernelRadii / threshold, kKernelRadii);
+    vec4 color = (1.0 - share) * smallBlur(reach, blurred && share < 1.0);
+    color.rgb += share * dispersedSoftColor(radius, share > 0.0);
+    vec4 strength = grainStrength(blurred) * sqrt(max(1.0 - color.a * (1.0 - share), 0.0));
     vec4 noise = grain() * strength;
-    fragColor = vec4(color.rgb + noise.rgb + noise.a, origin.a);
+    fragColor = blurred ? vec4(color.rgb + noise.rgb + noise.a, origin.a) : origin;
 }
