@@ -131,26 +131,29 @@ float luma(vec3 color) {
     return dot(color, vec3(0.299, 0.587, 0.114));
 }
 
-// Twelve places around a pixel, on a golden spiral.
-const vec2 kGrainPlaces[12] = vec2[12](
-    vec2(2.0, 0.0), vec2(-2.0, 2.0), vec2(0.0, -4.0), vec2(3.0, 4.0),
-    vec2(-5.0, -1.0), vec2(5.0, -3.0), vec2(-2.0, 6.0), vec2(-3.0, -6.0),
-    vec2(7.0, 3.0), vec2(-7.0, 3.0), vec2(3.0, -7.0), vec2(3.0, 8.0));
+// Four groups of four places: one around the pixel, three farther out in three directions, where what passes
+// for grain here (stray hair, leaves) is likely to have ended. Directions in units of the distance between the
+// groups, then places in pixels.
+const vec2 kGrainGroups[4] = vec2[4](vec2(0.0, 0.0), vec2(1.0, 0.0), vec2(-0.5, 0.866), vec2(-0.5, -0.866));
+const vec2 kGrainPlaces[4] = vec2[4](vec2(2.0, 0.0), vec2(-3.0, 2.0), vec2(0.0, -4.0), vec2(3.0, 5.0));
 
 // Strength (standard deviation) of the photograph's grain around this pixel: of its brightness, and of each
-// colour about it. Differences across 2 by 2 pixels see neither slopes nor straight outlines; of three groups
-// of four the flattest counts, so that texture does not pass for grain.
+// colour about it. Differences across 2 by 2 pixels see neither slopes nor straight outlines; of the groups
+// the flattest counts, so that texture does not pass for grain.
 vec4 grainStrength(bool wanted) {
-    // Mean of the smallest of three means of four absolute normal deviates, and the differences' gain of 2.
-    const float kScale = 1.0 / (0.551 * 2.0);
+    // Mean of the smallest of four means of four absolute normal deviates, and the differences' gain of 2.
+    const float kScale = 1.0 / (0.5035 * 2.0);
     // More than this is texture after all.
     const float kMost = 0.04;
+    float apart = max(72.0 * ratio, 12.0);
+    vec2 last = 1.0 / reso - 1.5;
     vec4 least = vec4(1.0);
-    int groups = wanted ? 3 : 0;
+    int groups = wanted ? 4 : 0;
     for (int group = 0; group < groups; ++group) {
         vec4 sum = vec4(0.0);
         for (int i = 0; i < 4; ++i) {
-            vec2 corner = gl_FragCoord.xy + kGrainPlaces[4 * group + i];
+            vec2 place = floor(apart * kGrainGroups[group]) + kGrainPlaces[i];
+            vec2 corner = clamp(gl_FragCoord.xy + place, vec2(0.5), last);
             vec2 a = corner * reso, b = a + reso;
             vec3 d = texture(tex_origin, a).rgb - texture(tex_origin, vec2(b.x, a.y)).rgb -
                      texture(tex_origin, vec2(a.x, b.y)).rgb + texture(tex_origin, b).rgb;
