@@ -398,8 +398,8 @@ public:
     int DepthPlaneWidth() const { return m_depthWidth; }
     int DepthPlaneHeight() const { return m_depthHeight; }
 
-    /// Copies a plane of the host's own, of any size, in place of an estimated one; copies of this render keep
-    /// theirs. @return false for a null plane, a size below 1 or where memory ran out
+    /// Copies a plane of the host's own, of any size, in place of an estimated one; copies of this render
+    /// keep theirs. @return false for a null plane, a size below 1 or where memory ran out
     bool SetDepthPlane(const unsigned char* plane, int width, int height) {
         if (!plane || width < 1 || height < 1) return false;
         const std::size_t bytes = static_cast<std::size_t>(width) * static_cast<std::size_t>(height);
