@@ -19,19 +19,19 @@ auto-slim-face | tired | 0,0,100,100 | --faces tired.json --set strength=1
 auto-zoom-eye | tired | 22,15,56,56 | --faces tired.json --set strength=1
 slim-face | officer | 20,10,60,60 | --set startX=0.31 --set startY=0.48 --set endX=0.35 --set endY=0.48
 zoom-eye | officer | 20,10,60,60 | --set centerX=0.44 --set centerY=0.32 --set radius=0.08
-wrinkle-cleaner | tired | 22,15,56,56 | --mask tired/wrinkles.png
+wrinkle-cleaner | tired | 22,15,56,56 | --mask painted.png
 inpaint | scratched | 22,15,56,56 | --mask scratched/scratches.png
 defocus | officer | 0,0,100,100 | --set blurLevel=80 --set shape=hexagon
-defocus | astronaut | 0,0,100,100 | --set blurLevel=60
+defocus | meadow | 0,0,100,100 | --set blurLevel=60
 defocus | lights | 0,0,100,100 | --faces lights.json --set blurLevel=100 --set shape=heart --set intensity=0.8
 bright | officer | 25,15,50,50 | --set level=5
 mascara | tired | 28,32,44,22 | --set level=6
 sharp | officer | 25,15,50,50 | --set amount=0.3
-gauss-blur | astronaut | 25,5,50,50 | --set radius=8
-mosaic | astronaut | 25,5,50,50 | --set blockSize=16
+gauss-blur | officer | 20,10,60,60 | --set radius=8
+mosaic | officer | 20,10,60,60 | --set blockSize=16
 color-mixing | officer | 0,0,100,100 | --set contrast=20 --set saturation=15
 alpha-mix | tired | 0,0,100,100 | --second clean.png --mask tired/face.png --set blurRadius=6
-mix-mask | astronaut | 0,0,100,100 | --second blurred.png --mask astronaut-depth.png
+mix-mask | officer | 0,0,100,100 | --second grey.png --mask far.png
 EOF
 }
 
@@ -45,14 +45,21 @@ gallery_pictures() {
         --set scratches=10 --quiet
     "$zel" portrait -o lights.png --faces lights.json --size 720x960 --seed 3 --set background=streetLights \
         --set defocus=0 --quiet
-    # Photographs in the public domain, from Debian packages.
+    "$zel" portrait -o meadow.png --size 720x960 --seed 21 --set background=field --set defocus=0.1 --quiet
+    # A photograph in the public domain, from a Debian package.
     cp /usr/share/matplotlib/mpl-data/sample_data/grace_hopper.jpg officer.jpg
-    cp /usr/lib/python3/dist-packages/skimage/data/astronaut.png astronaut.png
-    "$zel" apply gauss-blur astronaut.png -o blurred.png --set radius=12 --quiet
-    "$zel" depth astronaut.png -o astronaut-depth.png --quiet
+    # What a user brings: a second picture, a mask of what lies far away, wrinkles painted over.
+    "$zel" apply color-mixing officer.jpg -o grey.png --set saturation=-100 --quiet
+    "$zel" depth officer.jpg -o near.png --quiet
+    /usr/bin/python3 -c 'from PIL import Image, ImageFilter, ImageOps
+ImageOps.invert(Image.open("near.png").convert("L")).save("far.png")
+marks = Image.open("tired/wrinkles.png").convert("L").filter(ImageFilter.MaxFilter(5))
+marks.point(lambda cover: 255 if cover > 30 else 0).save("painted.png")'
 }
 
 # Runs every effect and writes docs/gallery.md and its pictures: gallery ZEL DOCS, in a folder of its own.
+# The marks in single quotes are Markdown's.
+# shellcheck disable=SC2016
 gallery() {
     local zel=$1 docs=$2 name picture shown options source number=0
     gallery_pictures "$zel"
@@ -61,9 +68,9 @@ gallery() {
     {
         printf '# Gallery\n\nEvery effect before (left) and after (right), with its command. '
         printf '`scripts/docs` makes this page and its pictures.\n\n'
-        printf 'The portraits `tired`, `scratched` and `lights` are drawn by `zel portrait`; `officer` (US Navy) and '
-        printf '`astronaut` (NASA) are\nphotographs in the public domain. Where only a part is shown, the effect '
-        printf 'ran on the whole picture.\n'
+        printf 'The portraits `tired`, `scratched`, `lights` and `meadow` are drawn by `zel portrait`; `officer` is '
+        printf 'a photograph by the\nUS Navy, in the public domain. Where only a part is shown, the effect ran on the '
+        printf 'whole picture.\n'
     } >"$docs/gallery.md"
     while IFS='|' read -r name picture shown options; do
         read -r name <<<"$name"

@@ -56,18 +56,22 @@ TEST_F(DefocusCommand, AGivenDepthMapDecidesWhatIsBlurred) {
 TEST_F(DefocusCommand, EstimatesDepthWhereNoneIsGiven) {
     const ProgramRun run = runZel(folder, "apply defocus a.png -o o.png --depth-out d.png");
     ASSERT_EQ(run.status, 0) << run.err;
-    EXPECT_THAT(run.err, HasSubstr("estimating depth"));
-    EXPECT_EQ(zel::readPicture(folder / "d.png", false).image.height, kHeight);
+    const ProgramRun depth = runZel(folder, "depth a.png -o other.png --quiet");
+    EXPECT_EQ(zel::readPicture(folder / "d.png", false).image.rgba,
+              zel::readPicture(folder / "other.png", false).image.rgba);
 }
 
 TEST_F(DefocusCommand, EveryShapeIsThereAndDrawsAnotherPicture) {
+    // Blurs of a few pixels have a kernel of their own: the shape needs a larger picture to show.
+    zel::writePicture(folder / "large.png", testImage(512, 384, 6));
     std::vector<Bytes> seen;
     for (const char* shape : {"classic", "hexagon", "heart", "star", "ring", "oval", "spin"}) {
-        ASSERT_EQ(runZel(folder, std::string("apply defocus a.png -o o.png --depth near-right.png --quiet "
-                                             "--set focus=0.9,0.5 --set blurLevel=100 --set shape=") +
-                                     shape)
-                      .status,
-                  0)
+        ASSERT_EQ(
+            runZel(folder, std::string("apply defocus large.png -o o.png --depth near-right.png --quiet "
+                                       "--set focus=0.9,0.5 --set blurLevel=100 --set shape=") +
+                               shape)
+                .status,
+            0)
             << shape;
         const Bytes rgba = zel::readPicture(folder / "o.png", false).image.rgba;
         EXPECT_EQ(std::count(seen.begin(), seen.end(), rgba), 0) << shape;
@@ -107,7 +111,9 @@ TEST_F(DefocusCommand, WithoutOpenGlOneClearLineSaysSo) {
 }
 
 TEST_F(DefocusCommand, MixMaskMixesByTheMask) {
-    zel::writePicture(folder / "b.png", testImage(kWidth, kHeight, 7));
+    zel::Image other = picture;
+    for (auto& c : other.rgba) c = static_cast<unsigned char>(255 - c);
+    zel::writePicture(folder / "b.png", other);
     ASSERT_EQ(
         runZel(folder, "apply mix-mask a.png -o o.png --second b.png --mask near-right.png --quiet").status,
         0);
