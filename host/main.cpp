@@ -1,6 +1,7 @@
 #include <fcntl.h>
 #include <unistd.h>
 
+#include <cstdlib>
 #include <string>
 #include <vector>
 
@@ -15,9 +16,17 @@ void openMissingStreams() {
         if (fcntl(fd, F_GETFD) < 0 && open("/dev/null", O_RDWR) < 0) _exit(1);
 }
 
+/// Where OpenGL cannot be had, the system's driver says so on standard error before this command does, in
+/// words that help nobody. A user who set the levels keeps them.
+void quietenDrivers() {
+    setenv("EGL_LOG_LEVEL", "fatal", 0);
+    setenv("LIBGL_DEBUG", "quiet", 0);
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
     openMissingStreams();
+    quietenDrivers();
     return zel::runCommand(std::vector<std::string>(argv + (argc > 0 ? 1 : 0), argv + argc));
 }

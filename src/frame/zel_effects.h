@@ -343,6 +343,7 @@ public:
 
     /// Estimates the depth of an RGBA picture and refines it; needs Init.
     /// @param segMask  person mask of segWidth by segHeight bytes, or null
+    /// @return false with a line in the log, and no depth plane, without a network or a picture
     bool DepthEstimate(unsigned char* rgba, int width, int height, unsigned char* segMask, int segWidth,
                        int segHeight);
 
@@ -358,7 +359,7 @@ public:
     /// @param strength    1: the mask alone decides
     /// @param blurRadius  above 0 the mask is smoothed first, in the caller's buffer where its size is the
     /// picture's
-    /// @return false with a line in the log where a pointer is null or a size below 1
+    /// @return false with a line in the log where a pointer is null, a size below 1 or the strength NaN
     bool MixWidthMask(unsigned char* top, unsigned char* base, int width, int height, unsigned char* mask,
                       int maskWidth, int maskHeight, float strength, int blurRadius);
 
@@ -397,15 +398,17 @@ public:
     int DepthPlaneWidth() const { return m_depthWidth; }
     int DepthPlaneHeight() const { return m_depthHeight; }
 
-    /// Copies a plane of the host's own, of any size, in place of an estimated one. Not for a copy of a
-    /// render that shares its plane. @return false for a null plane, a size below 1 or where memory ran out
+    /// Copies a plane of the host's own, of any size, in place of an estimated one; copies of this render
+    /// keep theirs. @return false for a null plane, a size below 1 or where memory ran out
     bool SetDepthPlane(const unsigned char* plane, int width, int height) {
         if (!plane || width < 1 || height < 1) return false;
         const std::size_t bytes = static_cast<std::size_t>(width) * static_cast<std::size_t>(height);
-        void* copy = std::realloc(m_depth, bytes);
+        void* copy = std::malloc(bytes);
         if (!copy) return false;
+        std::memcpy(copy, plane, bytes);
+        ZelDepthDefocusRender former;  // gives the old plane back as any render does
+        former.m_depth = m_depth;
         m_depth = static_cast<unsigned char*>(copy);
-        std::memcpy(m_depth, plane, bytes);
         m_depthWidth = width;
         m_depthHeight = height;
         return true;

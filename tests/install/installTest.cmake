@@ -27,6 +27,11 @@ run(${CMAKE_COMMAND} --build ${WORK}/client)
 run(${WORK}/client/client ${WORK}/two.pgm)
 expectGreeting(find_package)
 
+run(${CMAKE_COMMAND} -S ${EXAMPLES} -B ${WORK}/examples -G Ninja -D CMAKE_CXX_COMPILER=${CXX}
+  -D CMAKE_PREFIX_PATH=${WORK}/tree)
+run(${CMAKE_COMMAND} --build ${WORK}/examples)
+run(${WORK}/examples/retouch ${WORK}/two.pgm ${WORK}/two.ppm)
+
 set(ENV{PKG_CONFIG_PATH} ${WORK}/tree/${LIBDIR}/pkgconfig)
 run(pkg-config --cflags --libs zel_effects)
 separate_arguments(flags UNIX_COMMAND "${text}")

@@ -1,3 +1,4 @@
+#include <cmath>
 #include <cstddef>
 #include <vector>
 
@@ -38,7 +39,8 @@ void mixRows(ConstImageView top, ImageView base, ConstImageView mask, float stre
 bool ZelDepthDefocusRender::MixWidthMask(unsigned char* top, unsigned char* base, int width, int height,
                                          unsigned char* mask, int maskWidth, int maskHeight, float strength,
                                          int blurRadius) {
-    if (!top || !base || !mask || width < 1 || height < 1 || maskWidth < 1 || maskHeight < 1) {
+    if (!top || !base || !mask || width < 1 || height < 1 || maskWidth < 1 || maskHeight < 1 ||
+        std::isnan(strength)) {
         ZEL_LOG_ERROR("parameter is invalid");
         return false;
     }

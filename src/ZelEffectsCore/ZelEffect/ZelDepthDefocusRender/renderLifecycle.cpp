@@ -117,12 +117,14 @@ bool ZelDepthDefocusRender::DepthEstimate(unsigned char* rgba, int width, int he
     freeShared(m_depth);
     m_depth = nullptr;
     m_depthWidth = m_depthHeight = 0;
-    if (!m_estimator->engine || !zellab::ConstImageView(rgba, width, height).valid()) {
+    zellab::PortraitDepthPlanes planes;
+    if (m_estimator->engine && zellab::ConstImageView(rgba, width, height).valid())
+        planes = zellab::estimatePortraitDepth(*m_estimator->engine, rgba, width, height, segMask, segWidth,
+                                               segHeight);
+    if (!planes.estimated) {  // a plane without an estimate would blur nothing and say nothing
         ZEL_LOG_ERROR("ravel DepthEstimate depthRefine false");
         return false;
     }
-    const zellab::PortraitDepthPlanes planes = zellab::estimatePortraitDepth(
-        *m_estimator->engine, rgba, width, height, segMask, segWidth, segHeight);
     m_depth = static_cast<unsigned char*>(std::malloc(planes.refined.size()));
     if (!m_depth) return false;
     ZEL_LOG_DEBUG("ravel DepthEstimate depthRefine true");

@@ -1,0 +1,119 @@
+// Depth of field as a host sees it: what comes out of a run.
+#include "defocusScene.h"
+
+namespace {
+
+using namespace zeltest;
+using DefocusPictures = WithContext;
+constexpr int kWidth = DefocusScene::kWidth, kHeight = DefocusScene::kHeight;
+
+Bytes twoBuffers(const DefocusScene& scene, Render& render, bool useDepth, int width = kWidth,
+                 int height = kHeight) {
+    Bytes source = scene.picture, target(static_cast<std::size_t>(4 * width * height), 1);
+    float faces[4] = {0.4f, 0.35f, 0.2f, 0.3f};
+    std::srand(9);
+    const bool ran = render.Run(source.data(), kWidth, kHeight, target.data(), width, height, 1, faces, 0.5f,
+                                0.5f, useDepth, 60, 0.0f, nullptr, false, false, true, 0.0f, 0.5f, 0.0f);
+    EXPECT_EQ(source, scene.picture) << "the source is not the render's to write";
+    return ran ? target : Bytes();
+}
+
+TEST_F(DefocusPictures, BlurWhatLiesBehindAndKeepWhatIsInFocus) {
+    Render render;
+    scene.prepare(render);
+    const Bytes out = scene.inPlace(render);
+    ASSERT_FALSE(out.empty());
+    const auto apart = [&](int left, int top, int across, int down) {
+        return distance(cut(out, kWidth, left, top, across, down),
+                        cut(scene.picture, kWidth, left, top, across, down));
+    };
+    EXPECT_EQ(apart(115, 80, 90, 150), 0);
+    EXPECT_GT(apart(0, 0, 80, 240), 15);
+    EXPECT_GT(apart(0, 0, 320, 40), 15);
+    for (std::size_t i = 3; i < out.size(); i += 4) ASSERT_EQ(out[i], 255);
+}
+
+TEST_F(DefocusPictures, RunsDifferByTheGrainAloneAndLevelZeroByNothingMore) {
+    Render render;
+    scene.prepare(render);
+    std::srand(1);
+    const Bytes first = scene.inPlace(render);
+    std::srand(1);
+    EXPECT_EQ(scene.inPlace(render), first);
+    std::srand(2);
+    const Bytes other = scene.inPlace(render);
+    EXPECT_GT(distance(other, first), 0);
+    EXPECT_LT(distance(other, first), 6);
+    EXPECT_LT(distance(scene.inPlace(render, {0}), scene.picture), 1);
+}
+
+TEST_F(DefocusPictures, BothFormsAgreeAsFarAsTheirResolutionLetsThem) {
+    Render render;
+    scene.prepare(render);
+    Bytes inPlace = scene.picture;
+    float faces[4] = {0.4f, 0.35f, 0.2f, 0.3f};
+    std::srand(9);
+    // The form with two buffers has these looks. Pictures this small have one working size for both forms.
+    ASSERT_TRUE(render.Run(inPlace.data(), kWidth, kHeight, 1, faces, 0.5f, 0.5f, 60, 3.0f, false, true, 1.0f,
+                           0.5f, 0.0f));
+    const Bytes two = twoBuffers(scene, render, true);
+    EXPECT_EQ(two, inPlace);
+    const Bytes small = twoBuffers(scene, render, true, kWidth / 2, kHeight / 2);
+    Bytes nearest;
+    for (int y = 0; y < kHeight / 2; ++y)
+        for (int x = 0; x < kWidth / 2; ++x)
+            nearest.insert(nearest.end(), two.begin() + 4 * ((2 * y + 1) * kWidth + 2 * x + 1),
+                           two.begin() + 4 * ((2 * y + 1) * kWidth + 2 * x + 1) + 4);
+    EXPECT_EQ(small, nearest);
+    const Bytes constant = twoBuffers(scene, render, false);
+    EXPECT_GT(distance(cut(constant, kWidth, 115, 80, 90, 150), cut(scene.picture, kWidth, 115, 80, 90, 150)),
+              10)
+        << "one radius blurs the subject as well";
+}
+
+TEST_F(DefocusPictures, ASpinLastsOneRunAndOtherNamesDoNotEndIt) {
+    Render render;
+    const auto shapes = {std::pair{"a defocus_spin b", true}, {"plain", false}};
+    scene.prepare(render);
+    std::srand(5);
+    const Bytes still = scene.inPlace(render);
+    Bytes strip = DefocusScene::shape();
+    for (const auto& [name, first] : shapes) {
+        render.SetBokehImage("defocus_spin", strip.data(), 1056, 176);
+        render.SetBokehImage(name, strip.data(), 1056, 176);
+        std::srand(5);
+        EXPECT_GT(distance(scene.inPlace(render), still), 1) << name << first;
+        std::srand(5);
+        EXPECT_EQ(scene.inPlace(render), still) << name;
+    }
+}
+
+TEST_F(DefocusPictures, HairKeepsThePhotograph) {
+    Render render;
+    scene.prepare(render);
+    Bytes hair(kWidth * kHeight, 0);
+    for (int y = 0; y < 120; ++y) std::fill_n(hair.begin() + y * kWidth, 80, 255);
+    render.SetHairMaskData(hair.data(), kWidth, kHeight);
+    const auto left = [&](const Bytes& out, int top) {
+        return distance(cut(out, kWidth, 10, top, 50, 60), cut(scene.picture, kWidth, 10, top, 50, 60));
+    };
+    const Bytes with = scene.inPlace(render, {60, true}), without = scene.inPlace(render);
+    EXPECT_LT(left(with, 30), 1.5);
+    EXPECT_GT(left(with, 160), 15);
+    EXPECT_GT(left(without, 30), 15);
+    render.SetHairMaskData(nullptr, 5, 5);
+    EXPECT_GT(left(scene.inPlace(render, {60, true}), 30), 15);
+}
+
+TEST_F(DefocusPictures, FocusMovesToTheBackground) {
+    Render render;
+    scene.prepare(render);
+    Bytes image = scene.picture;
+    ASSERT_TRUE(render.Run(image.data(), kWidth, kHeight, 0, nullptr, 0.1f, 0.1f, 100, 1.0f, false, true,
+                           1.0f, 0.5f, 0.0f));
+    EXPECT_LT(distance(cut(image, kWidth, 0, 0, 70, 240), cut(scene.picture, kWidth, 0, 0, 70, 240)), 1);
+    EXPECT_GT(distance(cut(image, kWidth, 125, 90, 70, 140), cut(scene.picture, kWidth, 125, 90, 70, 140)),
+              3);
+}
+
+}  // namespace
