@@ -3,11 +3,15 @@
 import argparse
 import glob
 import os
+import random
 
 import numpy as np
 import torch
 from PIL import Image
 
+from compose import Composer
+from library import Library
+from losses import ORDER_GAP
 from model import PICTURE, DepthNet, Exported
 from weights import load_exported
 
@@ -73,9 +77,32 @@ def report(rows):
     print(f"confidence         correlation with the error's smallness {np.nanmean([r[3] for r in rows]):.3f}")
 
 
+def report_scenes(net, folder, count=200):
+    """Composed pictures of every kind: all pairs of pixels that have an order, within people too."""
+    random.seed(1)
+    torch.manual_seed(1)
+    composer, ordered, wrong = Composer(Library(folder)), [], []
+    for _ in range(count):
+        colour, truth = composer.sample()
+        with torch.no_grad():
+            depth = net.net(colour[None])[1]
+        d, t = depth.flatten(), truth.flatten()
+        i, j = (torch.randint(0, len(d), (PAIRS,)) for _ in range(2))
+        gap = t[i] - t[j]
+        counted = gap.abs() > ORDER_GAP
+        if counted.sum() > 100:
+            ordered.append(float((((d[i] - d[j]) * gap)[counted] > 0).float().mean()))
+        wrong.append(float((d - t).abs().mean()))
+    print(f"{count} composed scenes: ordered pairs {np.mean(ordered):.4f}, absolute error {np.mean(wrong):.4f}")
+
+
 if __name__ == "__main__":
     parser = argparse.ArgumentParser(description=__doc__)
     parser.add_argument("path")
     parser.add_argument("folder")
+    parser.add_argument("--scenes", help="folder like the training's, drawn from other seeds")
     given = parser.parse_args()
-    report(measure(load(given.path), given.folder))
+    network = load(given.path)
+    report(measure(network, given.folder))
+    if given.scenes:
+        report_scenes(network, given.scenes)

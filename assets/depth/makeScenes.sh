@@ -1,11 +1,11 @@
 #!/bin/sh
-# Draws what the training pictures are composed of:  makeScenes.sh DEPTHSCENES FOLDER [CHUNKS]
+# Draws what the training pictures are composed of:  makeScenes.sh DEPTHSCENES FOLDER [CHUNKS [SEED]]
 # CHUNKS (7) of 500 people, 400 places and 180 portraits each: about 10 minutes and 1.5 GB on one processor.
 set -eu
 tool=$1
 folder=$2
 chunks=${3:-7}
-first_seed=200001 # measurements and tests use lower seeds
+first_seed=${4:-200001} # training takes the seeds from 200001 on, measurements and tests lower ones
 mkdir -p "$folder"
 
 draw() { # KIND COUNT CHUNK

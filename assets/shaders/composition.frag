@@ -9,6 +9,9 @@
 // own colour, so that it steps where the picture does and not where the coarse plane does. The working picture
 // is enlarged from those of its pixels that are blurred, so that no colour of the subject leaks out. And the
 // small blur takes no pixel that does not itself reach so far.
+//
+// What a pixel does not need it skips by a loop of no turns, not by a branch: rasterisers in software walk
+// through both sides of a branch, and out of a loop.
 
 in vec2 textureCoordinate;
 layout(location = 0) out vec4 fragColor;
@@ -38,46 +41,70 @@ float radiusAt(vec2 coordinate) {
 // The blur radius at this pixel: the mean over those around it that look alike.
 float edgeAwareRadius(vec3 color) {
     vec2 spacing = reso * max(float(bf_step) * ratio, scale_ratio);
+    vec2 first = 0.5 * reso, last = 1.0 - first;
+    // Where the plane is level the colours need not be asked.
+    float middle = radiusAt(textureCoordinate), apart = 0.0;
+    for (int i = 0; i < 9; ++i) {
+        vec2 offset = (vec2(i % 3, i / 3) - 1.0) * float(bf_radius);
+        apart = max(apart, abs(radiusAt(clamp(textureCoordinate + offset * spacing, first, last)) - middle));
+    }
+    int reach = apart < 0.5 ? -1 : bf_radius;
     vec2 sum = vec2(0.0);
-    for (int y = -bf_radius; y <= bf_radius; ++y)
-        for (int x = -bf_radius; x <= bf_radius; ++x) {
-            vec2 coordinate = clamp(textureCoordinate + vec2(x, y) * spacing, 0.5 * reso, 1.0 - 0.5 * reso);
-            float apart = length(texture(tex_origin, coordinate).rgb - color) / bf_threshold;
-            float alike = max(1.0 - apart * apart, 0.0);
+    for (int y = -reach; y <= reach; ++y)
+        for (int x = -reach; x <= reach; ++x) {
+            vec2 coordinate = clamp(textureCoordinate + vec2(x, y) * spacing, first, last);
+            float unlike = length(texture(tex_origin, coordinate).rgb - color) / bf_threshold;
+            float alike = max(1.0 - unlike * unlike, 0.0);
             float near = 1.0 / (1.0 + float(x * x + y * y));
             sum += vec2(radiusAt(coordinate), 1.0) * alike * alike * near;
         }
-    return sum.x / sum.y;  // the pixel itself always counts
+    return sum.y > 0.0 ? sum.x / sum.y : middle;
 }
 
-// The working picture between its pixels, without those that are much sharper than this one.
-vec3 softColor(vec2 coordinate, float radius) {
-    vec2 place = coordinate / radius_reso - 0.5, corner = floor(place), part = place - corner;
+// How much a working pixel of that radius may stand for one of this: nothing if it is much sharper.
+float blurredAlike(float theirs, float radius) {
+    return smoothstep(0.25, 0.75, theirs / max(radius, 1.0));
+}
+
+// The working picture around `place` (in working pixels), from those of its pixels that are blurred alike.
+// The fourth value is their weight.
+vec4 softSum(vec2 corner, vec2 part, int reach, float radius) {
     vec4 sum = vec4(0.0);
-    for (int i = 0; i < 4; ++i) {
-        vec2 step = vec2(i & 1, i >> 1);
-        vec2 texel = (corner + step + 0.5) * radius_reso;
-        vec2 share = mix(1.0 - part, part, step);
-        float blurred = clamp(2.0 * radiusAt(texel) / max(radius, 1.0), 0.02, 1.0);
-        sum += vec4(texture(tex_src, texel).rgb, 1.0) * (share.x * share.y * blurred + 1e-5);
-    }
-    return sum.rgb / sum.a;
+    for (int y = 1 - reach; y <= reach; ++y)
+        for (int x = 1 - reach; x <= reach; ++x) {
+            vec2 texel = (corner + vec2(x, y) + 0.5) * radius_reso;
+            vec2 share = max(1.0 - abs(vec2(x, y) - part) / float(reach), 0.0);
+            float weight = share.x * share.y * blurredAlike(radiusAt(texel), radius);
+            sum += vec4(texture(tex_src, texel).rgb, 1.0) * weight;
+        }
+    return sum;
 }
 
-// Red and blue part along the way from the centre.
-vec3 dispersedSoftColor(float radius) {
-    vec3 color = softColor(textureCoordinate, radius);
-    if (dispersion > 0.0) {
-        vec2 shift = (2.0 * textureCoordinate - 1.0) * dispersion * radius * reso;
-        color.r = softColor(textureCoordinate + shift, radius).r;
-        color.b = softColor(textureCoordinate - shift, radius).b;
+// The working picture between its pixels. Beside the outline of a subject that the coarse plane draws too
+// large, the nearest pixels are all the subject's; farther ones serve then.
+vec3 softColor(vec2 coordinate, float radius, int reach) {
+    vec2 place = coordinate / radius_reso - 0.5, corner = floor(place), part = place - corner;
+    vec4 sum = softSum(corner, part, reach, radius);
+    sum += 0.02 * softSum(corner, part, sum.a < 0.25 ? 4 * reach : 0, radius);
+    return sum.a > 1e-4 ? sum.rgb / sum.a : texture(tex_src, coordinate).rgb;
+}
+
+// Red and blue part along the way from the centre. Nothing is read unless it is wanted.
+vec3 dispersedSoftColor(float radius, bool wanted) {
+    vec2 shift = (2.0 * textureCoordinate - 1.0) * dispersion * radius * reso;
+    vec3 color = vec3(0.0);
+    int first = wanted ? 0 : 3, last = dispersion > 0.0 ? 2 : 0;
+    for (int part = first; part <= last; ++part) {
+        vec2 place = textureCoordinate + (part == 0 ? 0.0 : part == 1 ? 1.0 : -1.0) * shift;
+        vec3 here = softColor(place, radius, wanted ? 1 : 0);
+        color = part == 0 ? here : part == 1 ? vec3(here.r, color.gb) : vec3(color.rg, here.b);
     }
     return color;
 }
 
 // The photograph under a small kernel of `reach` 0..4. The fourth value is the share of a white noise's
-// variance that is left after it.
-vec4 smallBlur(float reach) {
+// variance that is left after it. All 0 unless it is wanted.
+vec4 smallBlur(float reach, bool wanted) {
     float size = ceil(reach);
     int side = 2 * int(size) + 1;
     // Kernels of 1, 9, 25, ... values stand before this one.
@@ -85,39 +112,48 @@ vec4 smallBlur(float reach) {
     float spacing = max(ratio, 1.0);
     vec4 sum = vec4(0.0);
     float squares = 0.0;
-    for (int i = 0; i < side * side; ++i) {
+    int taps = wanted ? side * side : 0;
+    for (int i = 0; i < taps; ++i) {
         vec2 offset = vec2(i % side, i / side) - size;
         float distance = max(abs(offset.x), abs(offset.y));
         vec2 coordinate = textureCoordinate - offset * spacing * reso;
         float theirs = min(0.5 * radiusAt(coordinate), kKernelRadii);
         // The outermost ring fades in with the radius, theirs as ours.
         float seen = clamp(reach - distance + 1.0, 0.0, 1.0) * clamp(theirs - distance + 1.0, 0.0, 1.0);
-        float weight = i == side * side / 2 ? bokeh_data[first + i] : bokeh_data[first + i] * seen;
+        float weight = bokeh_data[first + i] * (distance < 0.5 ? 1.0 : seen);
         sum += vec4(texture(tex_origin, coordinate).rgb, 1.0) * weight;
         squares += weight * weight;
     }
-    return vec4(sum.rgb / sum.a, squares / (sum.a * sum.a));
+    return wanted ? vec4(sum.rgb / sum.a, squares / (sum.a * sum.a)) : vec4(0.0);
 }
 
 float luma(vec3 color) {
     return dot(color, vec3(0.299, 0.587, 0.114));
 }
 
+// Four groups of four places: one around the pixel, three farther out in three directions, where what passes
+// for grain here (stray hair, leaves) is likely to have ended. Directions in units of the distance between the
+// groups, then places in pixels.
+const vec2 kGrainGroups[4] = vec2[4](vec2(0.0, 0.0), vec2(1.0, 0.0), vec2(-0.5, 0.866), vec2(-0.5, -0.866));
+const vec2 kGrainPlaces[4] = vec2[4](vec2(2.0, 0.0), vec2(-3.0, 2.0), vec2(0.0, -4.0), vec2(3.0, 5.0));
+
 // Strength (standard deviation) of the photograph's grain around this pixel: of its brightness, and of each
-// colour about it. Differences across 2 by 2 pixels see neither slopes nor straight outlines; of three groups
-// of four the flattest counts, so that texture does not pass for grain.
-vec4 grainStrength() {
-    // Mean of the smallest of three means of four absolute normal deviates, and the differences' gain of 2.
-    const float kScale = 1.0 / (0.551 * 2.0);
+// colour about it. Differences across 2 by 2 pixels see neither slopes nor straight outlines; of the groups
+// the flattest counts, so that texture does not pass for grain.
+vec4 grainStrength(bool wanted) {
+    // Mean of the smallest of four means of four absolute normal deviates, and the differences' gain of 2.
+    const float kScale = 1.0 / (0.5035 * 2.0);
     // More than this is texture after all.
     const float kMost = 0.04;
+    float apart = max(72.0 * ratio, 12.0);
+    vec2 last = 1.0 / reso - 1.5;
     vec4 least = vec4(1.0);
-    for (int group = 0; group < 3; ++group) {
+    int groups = wanted ? 4 : 0;
+    for (int group = 0; group < groups; ++group) {
         vec4 sum = vec4(0.0);
         for (int i = 0; i < 4; ++i) {
-            // Twelve places on a golden spiral.
-            float n = float(group * 4 + i), angle = 2.3999632 * n;
-            vec2 corner = floor(gl_FragCoord.xy + 2.5 * sqrt(n + 0.5) * vec2(cos(angle), sin(angle))) + 0.5;
+            vec2 place = floor(apart * kGrainGroups[group]) + kGrainPlaces[i];
+            vec2 corner = clamp(gl_FragCoord.xy + place, vec2(0.5), last);
             vec2 a = corner * reso, b = a + reso;
             vec3 d = texture(tex_origin, a).rgb - texture(tex_origin, vec2(b.x, a.y)).rgb -
                      texture(tex_origin, vec2(a.x, b.y)).rgb + texture(tex_origin, b).rgb;
@@ -136,21 +172,18 @@ vec4 grain() {
     vec2 place = textureCoordinate * noise_scale;
     vec3 first = texture(tex_noise, place).rgb, second = texture(tex_noise, place.yx + 0.37).rgb;
     vec3 third = texture(tex_noise, place + 0.61).rgb;
-    return vec4(first + second.gbr, second.r + third.g) * kUnit - kUnit;
+    return vec4(first + second.gbr, third.r + third.g) * kUnit - kUnit;
 }
 
 void main() {
     vec4 origin = texture(tex_origin, textureCoordinate);
     float radius = edgeAwareRadius(origin.rgb), threshold = float(RTH);
-    if (radius <= 0.0) {
-        fragColor = origin;
-        return;
-    }
+    bool blurred = radius > 0.0;
     float share = smoothstep(0.5 * threshold, 1.5 * threshold, radius);
-    vec4 color = vec4(0.0);
-    if (share < 1.0) color = (1.0 - share) * smallBlur(min(radius * kKernelRadii / threshold, kKernelRadii));
-    if (share > 0.0) color.rgb += share * dispersedSoftColor(radius);
-    vec4 strength = grainStrength() * sqrt(max(1.0 - color.a * (1.0 - share), 0.0));
+    float reach = min(radius * kKernelRadii / threshold, kKernelRadii);
+    vec4 color = (1.0 - share) * smallBlur(reach, blurred && share < 1.0);
+    color.rgb += share * dispersedSoftColor(radius, share > 0.0);
+    vec4 strength = grainStrength(blurred) * sqrt(max(1.0 - color.a * (1.0 - share), 0.0));
     vec4 noise = grain() * strength;
-    fragColor = vec4(color.rgb + noise.rgb + noise.a, origin.a);
+    fragColor = blurred ? vec4(color.rgb + noise.rgb + noise.a, origin.a) : origin;
 }

@@ -111,8 +111,8 @@ void BM_network(benchmark::State& state) {
                            {own.confidence.data(), kDepthSide, kDepthSide});
 }
 
-BENCHMARK(BM_solver)->Name("depth_solver/own")->Unit(benchmark::kMillisecond)->UseRealTime();
-BENCHMARK(BM_solverOpencv)->Name("depth_solver/opencv")->Unit(benchmark::kMillisecond)->UseRealTime();
+BENCHMARK(BM_solver)->Name("depth_solver/own")->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_solverOpencv)->Name("depth_solver/opencv")->Unit(benchmark::kMillisecond);
 BENCHMARK(BM_refine)->Name("depth_refine/whole")->Unit(benchmark::kMillisecond)->UseRealTime();
 BENCHMARK(BM_network)->Name("depth_network/forward")->Unit(benchmark::kMillisecond)->UseRealTime();
 

@@ -23,8 +23,8 @@ cv::Mat grown(const cv::Mat& mask, int reach) {
     return out;
 }
 
-cv::Mat paintedMask(const zel::Mask& layer) {
-    return grown(planeOf(layer) > kTrace, kBrush);
+cv::Mat paintedMask(const zel::Mask& layer, int trace = kTrace) {
+    return grown(planeOf(layer) > trace, kBrush);
 }
 
 /// Repairs one marked part after the other, as strokes of a brush come.
@@ -162,7 +162,8 @@ void printWrinkles(unsigned firstSeed, int count) {
     for (int i = 0; i < count; ++i) {
         const zel::Portrait p = drawWith(kind, firstSeed + static_cast<unsigned>(i));
         const zel::Mask& layer = p.*kind.layer;
-        const cv::Mat painted = paintedMask(layer);
+        constexpr int kWholeWrinkle = 16;  // a broad brush: to the last trace of a wrinkle's slopes
+        const cv::Mat painted = paintedMask(layer, kWholeWrinkle);
         const cv::Mat skin = planeOf(p.skin) > 200, rim = grown(painted, 8) & ~painted & skin;
         const auto sumOver = [](const zel::Image& image, const cv::Mat& where) {
             return cv::mean(textureOf(image), where)[0] * cv::countNonZero(where);

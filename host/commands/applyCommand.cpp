@@ -209,7 +209,7 @@ FaceSet ApplyRun::foundFaces(std::size_t index, const ApplyItem& item, const Ima
 FaceSet ApplyRun::facesFor(std::size_t index, const ApplyItem& item, const Image& image) {
     const bool unused = m_effect.faces == Need::no || (m_effect.usesFaces && !m_effect.usesFaces(m_values));
     if (item.faces.shown.empty()) return unused ? FaceSet() : foundFaces(index, item, image);
-    const FaceSet faces = namingFile(item.faces.shown, [&] { return readFaces(item.faces.real); });
+    FaceSet faces = namingFile(item.faces.shown, [&] { return readFaces(item.faces.real); });
     const double proportion = static_cast<double>(image.width) / image.height;
     if (std::abs(proportion * faces.height / faces.width - 1.0) > kProportionTolerance)
         m_messages.note(item.faces.shown,

@@ -101,6 +101,7 @@ private:
     }
 
     void prepare(const ApplyPlan& plan) {
+        m_depth.emplace();
         m_file = m_options.mask;
         if (!m_options.mask.empty()) m_mask = readMask(UserPath(m_options.mask).real);
         for (const UserPath& folder : plan.folders) {
@@ -115,7 +116,7 @@ private:
         if (!fs::exists(network, error))
             throw Failure(m_model.empty() ? "the depth network is missing; --set model=FILE names another one"
                                           : "there is no such file");
-        if (!m_depth.load(network.c_str()))
+        if (!m_depth->load(network.c_str()))
             throw Failure(
                 "is no depth network: an ONNX file with one float input of 1 x 3 x H x W and one or two maps "
                 "out");
@@ -142,7 +143,7 @@ private:
     }
 
     Mask mapOf(const Image& image) {
-        const zellab::PortraitDepthPlanes planes = m_depth.estimate(
+        const zellab::PortraitDepthPlanes planes = m_depth->estimate(
             image.rgba.data(), image.width, image.height, m_mask ? m_mask->samples.data() : nullptr,
             m_mask ? m_mask->width : 0, m_mask ? m_mask->height : 0);
         if (!planes.estimated) throw Failure("the depth network could not run on it");
@@ -166,8 +167,8 @@ private:
     Messages m_messages;
     std::optional<LogCapture> m_capture;
     std::optional<Mask> m_mask;
-    zellab::PortraitDepth m_depth;
-    std::string m_file;  // what is being worked on
+    std::optional<zellab::PortraitDepth> m_depth;  // made under the capture: it speaks
+    std::string m_file;                            // what is being worked on
     bool m_ready = false;
 };
 

@@ -24,7 +24,8 @@ int roundUpTo4(int side) {
 float mappedLevel(std::int64_t level) {
     if (level < 20) return static_cast<float>(2 * level);
     if (level < 60) return static_cast<float>(level + 20);
-    return static_cast<float>((3 * level - 180) / 2 + 80);
+    const std::int64_t strong = (3 * level - 180) / 2;  // in whole numbers
+    return static_cast<float>(strong + 80);
 }
 
 }  // namespace

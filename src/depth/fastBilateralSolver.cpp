@@ -1,5 +1,7 @@
 #include "depth/fastBilateralSolver.h"
 
+#include <algorithm>
+
 namespace zellab {
 
 namespace {
@@ -29,13 +31,19 @@ Eigen::VectorXf startValue(const BilateralGrid::Matrix& blur, const Eigen::Vecto
     return sums.col(0).cwiseQuotient(sums.col(1));
 }
 
+/// Error of a row of A y as a share of its largest term: some ten terms, each rounded to 24 bits.
+constexpr float kRounding = 1e-6f;
+
 /// Solves A y = b from the start value in y by conjugate gradients, preconditioned by A's diagonal.
 void conjugateGradient(const BilateralGrid::Matrix& A, const Eigen::VectorXf& b, int iterations,
                        float tolerance, Eigen::VectorXf& y) {
     // A vertex without neighbours and without confidence has an empty row, where the start value stays.
     const Eigen::VectorXf diagonal = A.diagonal();
     const Eigen::VectorXf inverse = (diagonal.array() > 0.0f).select(diagonal.cwiseInverse(), 0.0f);
-    const float enough = tolerance * b.norm();
+    // Where nothing is sure, b is 0 and A singular: below what rounding leaves of A y there is only noise to
+    // follow, and it leads anywhere.
+    const float noise = kRounding * diagonal.cwiseProduct(y).norm();
+    const float enough = std::max(tolerance * b.norm(), noise);
     Eigen::VectorXf r = b - A * y, Ap(b.size());
     Eigen::VectorXf z = inverse.cwiseProduct(r), p = z;
     float rz = r.dot(z);

@@ -1,11 +1,8 @@
-#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include "bokeh/passes.h"
-#include "bokeh/shaderKeys.h"
 #include "bokeh/spinIndex.h"
 #include "glScene.h"
-#include "support/streamCapture.h"
 
 namespace {
 
@@ -66,7 +63,6 @@ TEST_F(Convolution, OpenGlAndTheProcessorPaintTheSamePicture) {
                 const Texture2D target = zeltest::rgbaTexture(c.width, c.height, nullptr);
                 ASSERT_TRUE(convolve(cache, texturesOf(c), noStrip, false, target));
                 const auto d = zeltest::differenceOf(zeltest::readRgba(target), processor);
-                std::printf("largest %d, mean %.4f\n", d.largest, d.mean);
                 EXPECT_LE(d.largest, 2);
                 EXPECT_LT(d.mean, 0.3);
             }
@@ -81,6 +77,54 @@ TEST_F(Convolution, WhoeverWinsTheTilesThePictureIsTheSame) {
     const auto d = zeltest::differenceOf(convolved(c, false), processor);
     EXPECT_LE(d.largest, 2);
     EXPECT_LT(d.mean, 0.3);
+}
+
+TEST_F(Convolution, WhatDoesNotFitDrawsNothing) {
+    const BokehCase c = randomCase(40, 30, 5, false, {1, 0, 0, 0}, 60);
+    const Texture2D target = zeltest::rgbaTexture(40, 30, c.rgba.data()),
+                    other = zeltest::rgbaTexture(44, 30, nullptr);
+    EXPECT_FALSE(convolve(cache, texturesOf(c), c.source(), true, other)) << "the target has another size";
+    ConvolutionSource noStrip = c.source();
+    noStrip.kernel.width = 300;
+    EXPECT_FALSE(convolve(cache, texturesOf(c), noStrip, true, target)) << "nobody is left to paint";
+    ShaderCache empty;
+    EXPECT_FALSE(convolve(empty, texturesOf(c), c.source(), true, target)) << "the shader is missing";
+    EXPECT_FALSE(convolve(cache, texturesOf(c), c.source(), false, {}));
+    EXPECT_EQ(zeltest::readRgba(target), c.rgba);
+}
+
+// Shapes of the free form: at rest it spreads one point over its square, and each parameter changes that.
+TEST_F(Convolution, TheFreeShapeFollowsItsParameters) {
+    const int side = 64, middle = 16 * side + 48;  // off the centre, where the field bends shapes
+    Bytes rgba(side * side * 4, 0), shape(300 * 300);
+    std::fill_n(rgba.begin() + 4 * middle, 3, 255);
+    for (int i = 0; i < 300 * 300; ++i) shape[static_cast<std::size_t>(i)] = i % 300 < 150 ? 255 : 100;
+    const Bytes radius(side * side, 6);
+    ConvolutionTextures textures;
+    textures.small = zeltest::rgbaTexture(side, side, rgba.data());
+    textures.kernel = zeltest::planeTexture(300, 300, shape.data());
+    textures.radius = zeltest::planeTexture(side, side, radius.data());
+    textures.ratio = Texture2D(side, side, kOrderRed, kTypeFloat, nullptr);
+    ASSERT_TRUE(ratio(cache, textures.small, lookValues({1, 0, 0, 0}), textures.ratio));
+    const auto draw = [&](const FreeShape& free) {
+        const Texture2D target = zeltest::rgbaTexture(side, side, nullptr);
+        EXPECT_TRUE(convolveFree(cache, textures, lookValues({1, 0, 0, 0}), 30, free, target));
+        return zeltest::readRgba(target);
+    };
+    const auto covered = [](const Bytes& picture) {
+        int count = 0;
+        for (std::size_t i = 0; i < picture.size(); i += 4) count += picture[i] > 0;
+        return count;
+    };
+    const Bytes rest = draw({});
+    EXPECT_EQ(covered(rest), 13 * 13);
+    EXPECT_GT(rest[4 * (middle - 5)], rest[4 * (middle + 5)]) << "the bright side stays left";
+    EXPECT_LT(covered(draw({0.5f, 0, 0, 0})), 13 * 7 + 1);
+    EXPECT_LT(covered(draw({0, 0.8f, 0, 0})), covered(rest));
+    EXPECT_GT(covered(draw({0, 0, 0, 0})), 0);
+    EXPECT_NE(draw({0, 0, 1, 0}), rest);
+    ConvolutionTextures none;
+    EXPECT_FALSE(convolveFree(cache, none, lookValues({}), 30, {}, {}));
 }
 
 }  // namespace

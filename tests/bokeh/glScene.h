@@ -2,39 +2,34 @@
 
 #include <gtest/gtest.h>
 
-#include <string>
+#include <cstdlib>
 
 #include "bokeh/passes.h"
 #include "bokehCase.h"
-#include "gl/environment.h"
-#include "gl/utils.h"
+#include "gl/glSupport.h"
 
 namespace zeltest {
 
 /// A test with a context of its own and the built shaders.
-class GlScene : public testing::Test {
+class GlScene : public GlTest {
 protected:
     void SetUp() override {
-        m_environment.makeCurrent();
-        if (!m_environment.isValid() || !zellab::gl::Utils::initializeGlew()) GTEST_SKIP() << "no OpenGL here";
+        GlTest::SetUp();
+        if (HasFatalFailure()) return;
         ASSERT_TRUE(cache.load(ZEL_ASSETS "/bokeh"));
     }
     void TearDown() override {
         cache.release();
-        zellab::gl::EnvironmentHolder::doneCurrent();
+        GlTest::TearDown();
     }
 
     zellab::Bokeh::ShaderCache cache;
-
-private:
-    zellab::gl::EnvironmentHolder m_environment{0, nullptr, true};
 };
 
 inline zellab::Bokeh::Texture2D rgbaTexture(int width, int height, const unsigned char* pixels) {
     return {width, height, zellab::Bokeh::kOrderRgba, zellab::Bokeh::kTypeByte, pixels};
 }
 inline zellab::Bokeh::Texture2D planeTexture(int width, int height, const unsigned char* pixels) {
-    // Rows of one byte a pixel need not be a multiple of OpenGL's default alignment of 4: see the sizes used.
     return {width, height, zellab::Bokeh::kOrderRed, zellab::Bokeh::kTypeByte, pixels};
 }
 

@@ -69,7 +69,9 @@ inline Bytes tinyOnnx(const TinyModel& model = {}) {
         Wire node;
         node.text(1, "input");
         if (model.operation == "Conv") node.text(1, weight);
-        graph.message(1, node.text(2, output.name).text(3, output.name + "_node").text(4, model.operation));
+        node.text(2, output.name).text(3, output.name + "_node").text(4, model.operation);
+        graph.message(
+            1, node.message(5, Wire().text(1, "kernel_shape").number(8, 1).number(8, 1).number(20, 7)));
         Bytes raw(output.weights.size() * sizeof(float));
         std::memcpy(raw.data(), output.weights.data(), raw.size());
         Wire tensor;

@@ -27,7 +27,7 @@ constexpr Look kPortraitLow = {
 /// An airy look: brighter mids and no yellow. Skin keeps its colour, which a paler look would take from dark
 /// skin first, and black stays black but for a trace.
 constexpr Look kAiry = {
-    .lift = 0.035f, .contrast = 0.03f, .warmth = 0.0f, .rose = 0.009f, .saturation = -0.03f, .matte = 0.004f};
+    .lift = 0.047f, .contrast = 0.03f, .warmth = 0.0f, .rose = 0.009f, .saturation = -0.03f, .matte = 0.004f};
 
 void writeWord(std::ostream& out, std::uint32_t word) {
     for (int shift = 0; shift < 32; shift += 8) out.put(static_cast<char>(word >> shift & 255u));

@@ -7,12 +7,15 @@ namespace zellab {
 ///
 /// Filters `plane` (a byte a pixel, tightly packed) in place; `guideRgba` has the same size and is only read.
 /// Statistics are taken on both pictures shrunk `scale` times, in windows of 2 * radius + 1 shrunk pixels a
-/// side that end at the picture's rim. `epsilon` is the deviation of the guide's colours, which count from 0
-/// to 1, up to which an edge of the guide passes for noise: its square joins the variances. (An epsilon of
-/// 0.1 taken for a variance would be more than nearly every edge in a portrait has: on 14 synthetic
-/// portraits hair masks came out softer than they went in, while the square doubles the share of the true
-/// mask's gradient that the plane follows.) A null buffer or a size of 0 or less does
-/// nothing; a radius below 0 counts as 0, a scale below 1 as 1, an epsilon that is not above 0 as 0.
+/// side that end at the picture's rim.
+///
+/// `epsilon` is the deviation of the guide's colours, which count from 0 to 1, up to which an edge of the
+/// guide passes for noise: its square joins the variances. (An epsilon of 0.1 taken for a variance is more
+/// than nearly every edge in a portrait has: on 14 synthetic portraits hair masks came out softer than they
+/// went in, while the square doubles the share of the true mask's gradient that the plane follows.)
+///
+/// A null buffer or a size of 0 or less does nothing; a radius below 0 counts as 0, a scale below 1 as 1, an
+/// epsilon that is not above 0 as 0.
 void GuidedFilterPlane(unsigned char* plane, const unsigned char* guideRgba, int width, int height,
                        int radius, float epsilon, float scale);
 

@@ -91,10 +91,8 @@ Vector normalised(const Vector& v) {
 Vector besides(const Vector& v, const Vector& axis) {
     const float along = dot(v, axis);
     Vector rest = {v.x - axis.x * along, v.y - axis.y * along, v.z - axis.z * along};
-    if (!(dot(rest, rest) > dot(v, v) * kNoDirection)) {
-        const bool useX = std::abs(axis.x) < 0.75f;
-        rest = useX ? Vector{0.0f, axis.z, -axis.y} : Vector{-axis.z, 0.0f, axis.x};
-    }
+    // Across the first axis; where they are the same, normalising takes the third.
+    if (!(dot(rest, rest) > dot(v, v) * kNoDirection)) rest = {0.0f, axis.z, -axis.y};
     return normalised(rest);
 }
 

@@ -90,9 +90,7 @@ ZEL_TARGET_AVX2 inline Vectors normalised(const Vectors& v) {
 ZEL_TARGET_AVX2 inline Vectors besides(const Vectors& v, const Vectors& axis) {
     const Lanes along = dot(v, axis);
     const Vectors rest = {v.x - axis.x * along, v.y - axis.y * along, v.z - axis.z * along};
-    const Vectors any =
-        choose(_mm256_cmp_ps(magnitude(axis.x), all(0.75f), _CMP_LT_OQ),
-               Vectors{all(0.0f), axis.z, negated(axis.y)}, Vectors{negated(axis.z), all(0.0f), axis.x});
+    const Vectors any = {all(0.0f), axis.z, negated(axis.y)};
     const Lanes sure = _mm256_cmp_ps(dot(rest, rest), dot(v, v) * all(kNoDirection), _CMP_GT_OQ);
     return normalised(choose(sure, rest, any));
 }

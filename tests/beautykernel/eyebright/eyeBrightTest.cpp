@@ -29,17 +29,18 @@ struct EyesPicture {
     zellab::CInterFacePoint points;
     Bytes rgba = zeltest::randomRgba(kWidth, kHeight, 3);
 
-    explicit EyesPicture(float y = 90, float pupilDistance = 84) {
-        zeltest::Landmarks landmarks = zeltest::standardFace(110, y, pupilDistance);
+    /// @param paler  levels by which the left iris is lighter than the right one
+    explicit EyesPicture(int paler = 0) {
+        zeltest::Landmarks landmarks = zeltest::standardFace(110, 90, 84);
         points.SetFaceCount(1);
         points.AddFace(landmarks.data(), 0);
         for (int py = 0; py < kHeight; ++py)
-            for (int px = 0; px < kWidth; ++px) paint(px, py);
+            for (int px = 0; px < kWidth; ++px) paint(px, py, paler);
     }
     const zellab::Vector2f* list() const { return points.GetInterPoints(0); }
 
 private:
-    void paint(int x, int y) {
+    void paint(int x, int y, int paler) {
         int colour[3] = {190, 140, 120};
         for (int eye = 0; eye < 2; ++eye) {
             const zellab::Vector2f &a = list()[eye * 10], &b = list()[eye * 10 + 5],
@@ -49,7 +50,9 @@ private:
             const float across = 2 * dx / length, down = dy / (0.2f * length);
             if (across * across + down * down > 1) continue;
             const float iris = std::hypot(static_cast<float>(x) - pupil.x, dy) / (0.2f * length);
-            const int white[3] = {200, 195, 190}, blue[3] = {70, 90, 130}, dark[3] = {15, 12, 12};
+            const int more = eye == 0 ? paler : 0;
+            const int white[3] = {200, 195, 190}, blue[3] = {70 + more, 90 + more, 130 + more},
+                      dark[3] = {15, 12, 12};
             std::copy_n(iris < 0.4f ? dark : iris < 1 ? blue : white, 3, colour);
         }
         unsigned char* p = &rgba[static_cast<std::size_t>((y * kWidth + x) * 4)];
@@ -69,8 +72,7 @@ void brighten(Bytes& rgba, void* points, const Strengths& s, int face = 0, int w
                                              s.scale, s.factor);
 }
 
-TEST(EyeBright, MatchesTheSlowForm) {
-    EyesPicture eyes;
+void expectSlowForm(EyesPicture& eyes) {
     const zellab::ConstImageView view(eyes.rgba.data(), kWidth, kHeight);
     const auto circle = [&](zellab::EyeSide side) {
         const zellab::Iris iris = zellab::locateIris(view, eyes.list(), side);
@@ -95,6 +97,13 @@ TEST(EyeBright, MatchesTheSlowForm) {
         }
         EXPECT_LE(differ, 40) << "roundings in the colour conversion";
     }
+}
+
+// With irises so unlike that their tones are brought together, too.
+TEST(EyeBright, MatchesTheSlowForm) {
+    EyesPicture alike, unlike(75);
+    expectSlowForm(alike);
+    expectSlowForm(unlike);
 }
 
 TEST(EyeBright, ColoursComeBackFromHueAndLightness) {
@@ -186,6 +195,20 @@ TEST(EyeBright, FacesPartlyOrWhollyOutsideAndTinyPictures) {
                                                          40, 70, 50, 40, 1, 0.4f, 0.5f);
                 ASSERT_TRUE(buffer.guardsIntact());
             }
+}
+
+TEST(EyeBright, TheBoxKeepsOffTheFirstRowAndColumn) {
+    zellab::EyeLids lids;
+    for (int i = 0; i < 6; ++i) {
+        lids.upper[static_cast<std::size_t>(i)] = {-4 + 5 * i, -2};
+        lids.lower[static_cast<std::size_t>(i)] = {-4 + 5 * i, 8};
+    }
+    const zellab::EyeBox box = zellab::eyeBox(lids, 100, 50);
+    EXPECT_EQ(box.x, 1);
+    EXPECT_EQ(box.y, 1);
+    EXPECT_EQ(box.width, 21);
+    EXPECT_EQ(box.height, 8);
+    EXPECT_TRUE(zellab::eyeBox(lids, 1, 50).empty());
 }
 
 TEST(EyeBright, ACutOutThatDoesNotFitIsLoggedAndMoved) {

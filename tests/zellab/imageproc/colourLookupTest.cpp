@@ -104,40 +104,6 @@ TEST(ColorCubeSimd, SameBytesOnEveryLevelForRandomAndExtremeCubes) {
     }
 }
 
-/// All 2^24 colours would take a while: every red and green with a walk of blue.
-Bytes manyColours() {
-    Bytes pixels;
-    for (int r = 0; r < 256; ++r)
-        for (int g = 0; g < 256; ++g)
-            for (int k = 0; k < 4; ++k)
-                pixels.insert(pixels.end(),
-                              {static_cast<unsigned char>(r), static_cast<unsigned char>(g),
-                               static_cast<unsigned char>((r * 7 + g * 13 + k * 61) & 255), 255});
-    return pixels;
-}
-
-TEST(YCbCr, PlanesAgreeWithSinglePixelsOnEveryLevel) {
-    Bytes pixels = manyColours();
-    for (const SimdLevel level : {SimdLevel::baseline, SimdLevel::avx2}) {
-        const SimdLimit limit(level);
-        const int count = static_cast<int>(pixels.size() / 4) - 5;  // not a multiple of anything
-        const auto size = static_cast<std::size_t>(count);
-        Bytes y(size + 1, 66), cb(size + 1, 66), cr(size + 1, 66);
-        zellab::RGBAToYCbCrPlanes(pixels.data(), y.data(), cb.data(), cr.data(), count);
-        for (std::size_t i = 0; i < size; ++i) {
-            const unsigned char* const p = pixels.data() + 4 * i;
-            unsigned char one[4];
-            zellab::RGBToYCbCr(p, p + 1, p + 2, one, one + 1, one + 2);
-            zellab::RGBToLuma(p, p + 1, p + 2, one + 3);
-            ASSERT_EQ(y[i], one[0]);
-            ASSERT_EQ(y[i], one[3]);
-            ASSERT_EQ(cb[i], one[1]);
-            ASSERT_EQ(cr[i], one[2]);
-        }
-        EXPECT_EQ(y[size] & cb[size] & cr[size], 66) << "nothing is written behind the planes";
-    }
-}
-
 TEST(YCbCr, GreyHasNeutralChromaAndColoursComeBack) {
     for (int i = 0; i < 256; ++i) {
         const auto v = static_cast<unsigned char>(i);
@@ -159,22 +125,6 @@ TEST(YCbCr, GreyHasNeutralChromaAndColoursComeBack) {
     zellab::YCbCrToRGB(&white, &white, &none, &r, &g, &b);
     EXPECT_EQ(r, 76) << "255 - 179.45";
     EXPECT_EQ(b, 255);
-}
-
-// The integer form must give what the weights in floating point give, for every colour that comes close.
-TEST(RGBAToGray, EqualsTheFloatingPointWeights) {
-    const Bytes pixels = manyColours();
-    const auto count = pixels.size() / 4;
-    for (const SimdLevel level : {SimdLevel::baseline, SimdLevel::avx2}) {
-        const SimdLimit limit(level);
-        Bytes gray(count);
-        zellab::RGBAToGray(pixels.data(), gray.data(), static_cast<int>(count));
-        for (std::size_t i = 0; i < count; ++i) {
-            const unsigned char* const p = pixels.data() + 4 * i;
-            const auto v = static_cast<float>(p[1] * 0.587 + p[0] * 0.299 + p[2] * 0.114 + 0.5);
-            ASSERT_EQ(gray[i], static_cast<int>(v)) << int{p[0]} << ' ' << int{p[1]} << ' ' << int{p[2]};
-        }
-    }
 }
 
 TEST(ColourPlanes, NullAndEmptyTouchNothing) {

@@ -27,26 +27,6 @@ Bytes smoothPlane(int width, int height) {
     return plane;
 }
 
-TEST(EdgeDetectCanny, FlatPlanesHaveNoEdges) {
-    for (bool automatic : {false, true})
-        for (int low : {0, -5, 10})
-            EXPECT_EQ(edgesOf(Bytes(20 * 30, 77), 20, low, 10, automatic), Bytes(20 * 30, 0));
-}
-
-TEST(EdgeDetectCanny, OutcomeTurnsAndMirrorsWithThePlane) {
-    constexpr int kWidth = 61, kHeight = 83;
-    const Bytes plane = smoothPlane(kWidth, kHeight);
-    const Bytes edges = edgesOf(plane, kWidth, 8, 20);
-    EXPECT_GT(std::count(edges.begin(), edges.end(), 255), 200);
-    Bytes turned(plane.size()), mirrored(plane.rbegin(), plane.rend());
-    for (std::size_t i = 0; i < plane.size(); ++i) turned[i % kWidth * kHeight + i / kWidth] = plane[i];
-    const Bytes turnedEdges = edgesOf(turned, kHeight, 8, 20),
-                mirroredEdges = edgesOf(mirrored, kWidth, 8, 20);
-    EXPECT_EQ(Bytes(mirroredEdges.rbegin(), mirroredEdges.rend()), edges);
-    for (std::size_t i = 0; i < plane.size(); ++i)
-        ASSERT_EQ(turnedEdges[i % kWidth * kHeight + i / kWidth], edges[i]);
-}
-
 // A weak step over 200 rows, strong on one row alone: the chain must run through every band of rows.
 TEST(EdgeDetectCanny, AWeakChainLivesByItsStrongLinkOnly) {
     constexpr int kWidth = 40, kHeight = 200, kStrongRow = 77;

@@ -29,29 +29,6 @@ Bytes filledFrom(Bytes mask, int width, int x, int y) {
     return mask;
 }
 
-// Being filled together is mutual, and no zero pixel remains beside a filled one.
-TEST(FloodFill, RegionsAreTheSameFromEverySeedAndClosed) {
-    constexpr int kWidth = 37, kHeight = 19;
-    const Bytes mask = randomMask(kWidth, kHeight, 90, 21);
-    for (int seed = 0; seed < kWidth * kHeight; seed += 11) {
-        const Bytes filled = filledFrom(mask, kWidth, seed % kWidth, seed / kWidth);
-        for (int i = 0; i < kWidth * kHeight; ++i) {
-            const auto at = [&](int j) { return filled[static_cast<std::size_t>(j)]; };
-            const bool isNew = at(i) != mask[static_cast<std::size_t>(i)];
-            if (isNew) {
-                ASSERT_EQ(at(i), 255);
-                ASSERT_TRUE(i % kWidth == 0 || at(i - 1)) << "left of " << i;
-                ASSERT_TRUE(i % kWidth == kWidth - 1 || at(i + 1)) << "right of " << i;
-                ASSERT_TRUE(i < kWidth || at(i - kWidth)) << "above " << i;
-                ASSERT_TRUE(i / kWidth == kHeight - 1 || at(i + kWidth)) << "below " << i;
-                if (i % 7 == 0) {
-                    ASSERT_EQ(filledFrom(mask, kWidth, i % kWidth, i / kWidth), filled);
-                }
-            }
-        }
-    }
-}
-
 TEST(FloodFill, FollowsASpiralAndStopsAtDiagonals) {
     // One corridor winds from the seed to the centre; the corner pocket touches it by a diagonal only.
     const char* picture[] = {"#.......##", "#######.#.", "#.....#.##", "#.###.#..#",
@@ -83,42 +60,6 @@ TEST(FloodFill, SeedsAreLimitedAndBadArgumentsIgnored) {
     zeltest::GuardedBuffer line(5000, 0);
     ScanlineFloodFill(line.data(), 1, 5000, 0, 4999);
     EXPECT_TRUE(line.allAre(255) && line.guardsIntact());
-}
-
-// One set pixel shows the window itself, wherever it is clipped.
-TEST(Morphology, ASetPixelBecomesItsWindow) {
-    constexpr int kWidth = 83, kHeight = 71;
-    for (int radius : {1, 2, 3, 7, 16, 34})
-        for (const auto& [px, py] :
-             {std::pair{40, 35}, std::pair{0, 0}, std::pair{82, 2}, std::pair{5, 70}}) {
-            Bytes mask(kWidth * kHeight, 0);
-            mask[static_cast<std::size_t>(py * kWidth + px)] = 255;
-            Bytes box = mask, maxima = mask;
-            BoxMorphology(box.data(), kWidth, kHeight, radius, true);
-            MaxFilterHorizontal(maxima.data(), kWidth, kHeight, radius);
-            MaxFilterVertical(maxima.data(), kWidth, kHeight, radius);
-            for (int y = 0; y < kHeight; ++y)
-                for (int x = 0; x < kWidth; ++x) {
-                    const bool inside = std::abs(x - px) <= radius && std::abs(y - py) <= radius;
-                    ASSERT_EQ(box[static_cast<std::size_t>(y * kWidth + x)], inside ? 255 : 0)
-                        << "radius " << radius << " at " << x << ',' << y;
-                }
-            ASSERT_EQ(maxima, box) << "radius " << radius;
-        }
-}
-
-TEST(Morphology, ErosionIsDilationOfTheRestAndGreySamplesAdd) {
-    const Bytes mask = randomMask(60, 50, 200, 31);
-    Bytes eroded = mask, rest(mask.size());
-    std::transform(mask.begin(), mask.end(), rest.begin(), [](unsigned char b) { return 255 - b; });
-    BoxMorphology(eroded.data(), 60, 50, 2, false);
-    BoxMorphology(rest.data(), 60, 50, 2, true);
-    for (std::size_t i = 0; i < mask.size(); ++i) ASSERT_EQ(eroded[i], 255 - rest[i]);
-
-    Bytes grey(5 * 4, 20);
-    BoxMorphology(grey.data(), 5, 4, 1, true);
-    EXPECT_EQ(grey, (Bytes{80,  120, 120, 120, 80,  120, 180, 180, 180, 120,  //
-                           120, 180, 180, 180, 120, 80,  120, 120, 120, 80}));
 }
 
 // A plane as narrow as the window: what is set reaches everything right of it and below, and one row up.

@@ -71,24 +71,6 @@ TEST(Scalers, AConstantStaysAndNothingBesideTheTargetIsWritten) {
             }
 }
 
-TEST(Scalers, WorkersAndLevelsChangeNothing) {
-    const struct {
-        int sw, sh, tw, th;
-    } cases[] = {{311, 223, 187, 134}, {97, 131, 215, 333}, {640, 77, 71, 401}, {50, 900, 400, 3}};
-    for (const auto& c : cases)
-        for (int channels : {1, 4}) {
-            const Bytes source = zeltest::randomBytes(sampleCount(c.sw, c.sh, channels), 7);
-            zeltest::expectSameOnEveryWorkerCountAndLevel([&] {
-                Bytes target(sampleCount(c.tw, c.th, channels));
-                ScaleBilinearThreaded(source.data(), c.sw, c.sh, target.data(), c.tw, c.th, channels);
-                return target;
-            });
-            for (int quality : kQualities)
-                zeltest::expectSameOnEveryWorkerCountAndLevel(
-                    [&] { return resize(source, c.sw, c.sh, c.tw, c.th, channels, quality); });
-        }
-}
-
 TEST(Scalers, EqualSizesCopyAndBadArgumentsLeaveTheTarget) {
     const Bytes source = zeltest::randomRgba(9, 5, 1);
     Bytes target(source.size());
@@ -130,16 +112,6 @@ TEST(Scalers, LongThinPicturesStayInside) {
                                                     channels, quality));
             EXPECT_TRUE(target.guardsIntact());
         }
-}
-
-TEST(ScaleBilinear, InterpolatesFromTheCornerAndFillsWhatItCannotScale) {
-    const Bytes source = {0, 100};
-    Bytes target(4);
-    EXPECT_TRUE(ScaleBilinearThreaded(source.data(), 2, 1, target.data(), 4, 1, 1));
-    EXPECT_EQ(target, (Bytes{0, 50, 100, 100}));
-    Bytes threeBytes(4 * 2 * 3, 7);
-    EXPECT_FALSE(ScaleBilinearThreaded(threeBytes.data(), 2, 2, threeBytes.data(), 4, 2, 3));
-    EXPECT_EQ(threeBytes, Bytes(4 * 2 * 3, 255));
 }
 
 TEST(ImageResampler, WeightsSumToOneAndPositionsRise) {

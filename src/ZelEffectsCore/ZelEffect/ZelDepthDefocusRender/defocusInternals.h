@@ -24,7 +24,7 @@ struct RunRequest {
     zellab::ConstImageView source;
     zellab::ImageView target;
     int faceCount;
-    const float* faces;
+    float* faces;  // as the host hands them over; only read
     float focusX, focusY;
     float resolutionFactor;
     int blurLevel;

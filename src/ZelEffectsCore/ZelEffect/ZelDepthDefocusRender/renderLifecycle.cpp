@@ -35,6 +35,7 @@ ZelDepthDefocusRender::ZelDepthDefocusRender(const ZelDepthDefocusRender& other)
 }
 
 ZelDepthDefocusRender& ZelDepthDefocusRender::operator=(const ZelDepthDefocusRender& other) {
+    if (this == &other) return *this;
     m_resourceDir = other.m_resourceDir;
     m_modelDir = other.m_modelDir;
     m_reserved = other.m_reserved;
