@@ -27,6 +27,7 @@ struct Operation {
     Operation(const char* of, Ask how, unsigned what = 0, bool bad = false, int rounds = 1)
         : name(of), ask(how), needs(what), badAnswer(bad), every(rounds) {}
     bool run(Call& c) const { return ask ? ask(c) : (act(c), false); }
+    friend void PrintTo(const Operation& operation, std::ostream* out) { *out << operation.name; }
 
     const char* name;
     Act act = nullptr;
