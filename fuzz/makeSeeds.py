@@ -1,6 +1,7 @@
 #!/usr/bin/env python3
 """Writes the seed corpus of the fuzzers: for the loader one tiny file of every image format, each behind the two
-option bytes that its fuzzers read (flags, size limit), face data of no, one and two faces, and shader files. Each fuzzer gets a folder of its own name.
+option bytes that its fuzzers read (flags, size limit), face data of no, one and two faces, shader files,
+style assets and networks. Each fuzzer gets a folder of its own name.
 Usage: makeSeeds.py FOLDER"""
 import json
 import pathlib
@@ -180,7 +181,44 @@ def write_shader_seeds(folder):
         (folder / name).write_bytes(data)
 
 
+def wire(number, value):
+    """One field of the network's file format: a number, or bytes behind their length (seeds keep below 128)."""
+    return bytes([number << 3, value]) if isinstance(value, int) else bytes([number << 3 | 2, len(value)]) + value
+
+
+def edge(name, *sides):
+    """An input or output: its name, and a tensor of floats with these sides; a text names a side of any size."""
+    shape = b"".join(wire(1, wire(1, s) if isinstance(s, int) else wire(2, s)) for s in sides)
+    return wire(1, name) + wire(2, wire(1, wire(1, 1) + wire(2, shape)))
+
+
+def write_model_seeds(folder):
+    folder.mkdir(parents=True, exist_ok=True)
+    node = wire(1, wire(1, b"in") + wire(2, b"out") + wire(4, b"Relu"))
+    into, out = wire(11, edge(b"in", 1, 3, 4, 4)), wire(12, edge(b"out", 1, 1, 4, 4))
+    weights = wire(5, wire(1, 3) + wire(8, b"w") + wire(9, bytes(12)))
+    graphs = {"plain": node + into + out, "weights": weights + node + into + out, "no_output": node + into,
+              "free_side": node + wire(11, edge(b"in", b"n", 3)) + out, "two_inputs": node + into + into + out,
+              "weight_as_input": weights + node + wire(11, edge(b"w", 3)) + into + out,
+              "no_shape": wire(11, wire(1, b"in")) + out}
+    for name, graph in graphs.items():
+        (folder / name).write_bytes(wire(1, 8) + b"\x3a" + bytes([len(graph) & 127 | 128, len(graph) >> 7]) + graph)
+
+
+def write_style_seeds(folder):
+    """Style assets behind the byte that says how many bytes a pixel has."""
+    folder.mkdir(parents=True, exist_ok=True)
+    for channels in (1, 3, 4):
+        body = bytes(pixel(i, 3, 1) for i in range(WIDTH * HEIGHT * channels))
+        head = bytes([channels]) + struct.pack("<ii", WIDTH, HEIGHT)
+        (folder / f"whole{channels}").write_bytes(head + body)
+        (folder / f"short{channels}").write_bytes(head + body[:-3])
+    (folder / "negative").write_bytes(bytes([3]) + struct.pack("<ii", -WIDTH, HEIGHT))
+
+
 def main():
+    write_model_seeds(pathlib.Path(sys.argv[1]) / "fuzz_model_head")
+    write_style_seeds(pathlib.Path(sys.argv[1]) / "fuzz_style_asset")
     write_shader_seeds(pathlib.Path(sys.argv[1]) / "fuzz_shader_store")
     write_face_seeds(pathlib.Path(sys.argv[1]) / "fuzz_face_data")
     for target in ("fuzz_load_memory", "fuzz_load_file"):

@@ -127,8 +127,8 @@ public:
     /// @return false for a null picture or a size below 1, true otherwise
     static bool ImageProcessWithBright(unsigned char* image, int width, int height, int radius, int level);
 
-    /// Fills what a mask marks. @param mask plane, non-zero in the hole. @param method 0 and 1 choose the
-    /// engine: gradient (Poisson) or patches; the patch engine draws on rand().
+    /// Fills what a mask marks. @param mask plane, non-zero in the hole. @param method 1 chooses the gradient
+    /// engine (Poisson), any other value the patch engine, which draws on rand().
     static void ImageProcessWithInpaint(unsigned char* image, int width, int height, unsigned char* mask,
                                         int method);
 

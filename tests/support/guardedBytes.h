@@ -3,22 +3,28 @@
 #include <sys/mman.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cstddef>
-#include <cstring>
 
 namespace zeltest {
 
-/// Bytes that end where a page begins that nobody may touch: one byte too far ends the test program, also
-/// inside libraries that no sanitizer watches.
+/// Bytes between two pages that nobody may touch, right against one of them: one byte too far on that side
+/// ends the test program, also inside libraries that no sanitizer watches. Guard bytes fill the gap on the
+/// other side.
 class GuardedBytes {
 public:
-    explicit GuardedBytes(std::size_t size) : m_size(size) {
+    enum class Against { pageBehind, pageBefore };
+
+    explicit GuardedBytes(std::size_t size, Against side = Against::pageBehind) : m_size(size) {
         const auto page = static_cast<std::size_t>(sysconf(_SC_PAGESIZE));
-        m_mapped = (size + page - 1) / page * page + page;
+        m_room = (size + page - 1) / page * page;
+        m_mapped = m_room + 2 * page;
         m_base = static_cast<unsigned char*>(
-            mmap(nullptr, m_mapped, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0));
-        mprotect(m_base + m_mapped - page, page, PROT_NONE);
-        m_data = m_base + m_mapped - page - size;
+            mmap(nullptr, m_mapped, PROT_NONE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0));
+        mprotect(m_base + page, m_room, PROT_READ | PROT_WRITE);
+        m_begin = m_base + page;
+        std::fill(m_begin, m_begin + m_room, kGuard);
+        m_data = side == Against::pageBefore ? m_begin : m_begin + m_room - size;
     }
     ~GuardedBytes() { munmap(m_base, m_mapped); }
     GuardedBytes(const GuardedBytes&) = delete;
@@ -27,10 +33,16 @@ public:
     unsigned char* data() { return m_data; }
     std::size_t size() const { return m_size; }
 
+    bool guardsIntact() const {
+        const auto isGuard = [](unsigned char b) { return b == kGuard; };
+        return std::all_of(m_begin, m_data, isGuard) &&
+               std::all_of(m_data + m_size, m_begin + m_room, isGuard);
+    }
+
 private:
-    std::size_t m_size, m_mapped = 0;
-    unsigned char* m_base = nullptr;
-    unsigned char* m_data = nullptr;
+    static constexpr unsigned char kGuard = 0x66;
+    std::size_t m_size, m_room = 0, m_mapped = 0;
+    unsigned char *m_base = nullptr, *m_begin = nullptr, *m_data = nullptr;
 };
 
 }  // namespace zeltest

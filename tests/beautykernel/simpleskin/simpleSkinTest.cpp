@@ -1,14 +1,7 @@
 #include <gtest/gtest.h>
 
-#include <algorithm>
-#include <climits>
-#include <thread>
-
-#include "frame/processorCount.h"
 #include "frame/zel_effects.h"
-#include "platform/simdLevel.h"
 #include "support/randomImage.h"
-#include "zellab/imageproc/stackBlur.h"
 
 namespace {
 
@@ -52,32 +45,6 @@ TEST(NatureSmooth, FlatPicturesFollowTheCurveByTheirGreen) {
         EXPECT_EQ(result[2], 7);
         EXPECT_EQ(result[3], 99);
     }
-}
-
-using Effect = void (*)(unsigned char*, int, int);
-const Effect kEffects[] = {
-    [](unsigned char* p, int w, int h) { TableSkin::ImageProcessWithMascara(p, w, h, 11, 7); },
-    [](unsigned char* p, int w, int h) { TableSkin::ImageProcessWithNatureSmooth(p, w, h, 11); },
-};
-
-TEST(SimpleSkin, BadInputLeavesThePictureAndOddInputStaysInside) {
-    Bytes image = zeltest::randomRgba(9, 9, 1);
-    const Bytes before = image;
-    EXPECT_FALSE(TableSkin::ImageProcessWithBright(nullptr, 9, 9, 3, 5));
-    TableSkin::ImageProcessWithMascara(nullptr, 9, 9, 3, 5);
-    TableSkin::ImageProcessWithNatureSmooth(nullptr, 9, 9, 3);
-    for (const auto& [width, height] : {std::pair{0, 9}, {9, 0}, {-9, 9}, {9, INT_MIN}}) {
-        EXPECT_FALSE(TableSkin::ImageProcessWithBright(image.data(), width, height, 3, 5));
-        TableSkin::ImageProcessWithMascara(image.data(), width, height, 3, 5);
-        TableSkin::ImageProcessWithNatureSmooth(image.data(), width, height, 3);
-    }
-    EXPECT_EQ(image, before);
-    for (int radius : {INT_MIN, -1, 0, INT_MAX})
-        for (const auto& [width, height] : {std::pair{1, 1}, {1, 300}, {300, 1}}) {
-            Bytes small = zeltest::randomRgba(width, height, 2);
-            EXPECT_TRUE(TableSkin::ImageProcessWithBright(small.data(), width, height, radius, INT_MAX));
-            TableSkin::ImageProcessWithNatureSmooth(small.data(), width, height, radius);
-        }
 }
 
 }  // namespace

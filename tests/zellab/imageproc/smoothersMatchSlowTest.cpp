@@ -29,7 +29,7 @@ TEST(DomainTransformMatchesSlow, InBothForms) {
             slow::domainTransform(expectedRgba, w, h, 4, space, range, n);
             slow::domainTransform(expectedPlane, w, h, 1, space, range, n);
             SCOPED_TRACE(testing::Message() << w << " by " << h << ", " << space << ", " << range);
-            zeltest::onEveryMachine([&] {
+            zeltest::onEveryMachine([&, space = space, range = range, n = n] {
                 Bytes four = rgba, one = plane;
                 zellab::DomainTransformRGBA(four.data(), w, h, w * 4, space, range, n, true);
                 zellab::DomainTransformPlane(one.data(), w, h, w, space, range, n, true);
@@ -50,7 +50,7 @@ TEST(SurfaceBlurMatchesSlow, WithEveryReach) {
             for (unsigned char& m : mask) m = m < 60 ? 0 : m;
             slow::surfaceBlur(expected, w, h, radius, threshold, mask);
             SCOPED_TRACE(testing::Message() << w << " by " << h << ", " << radius << ", " << threshold);
-            zeltest::onEveryMachine([&] {
+            zeltest::onEveryMachine([&, radius = radius, threshold = threshold] {
                 Bytes actual = rgba;
                 ASSERT_TRUE(zellab::SurfaceBlurFilter().Run(actual.data(), w, h, w * 4, radius, threshold,
                                                             mask.data()));

@@ -46,7 +46,6 @@ Bytes randomFor(const Member& member, int width, int height) {
 }
 
 const int kSizes[][2] = {{1, 1}, {1, 70}, {70, 1}, {2, 2}, {15, 33}, {17, 9}, {64, 16}, {129, 131}};
-const int kRadii[] = {0, 1, 2, 7, 20, 159, 160, 2900, 2901, 100'000, 189'999'999, 200'000'000, INT_MAX};
 
 // A row of one bright sample, worked by hand: along x the weights 1 2 1 of radius 1, by 4, truncated. Along y
 // the only row repeats and stays.

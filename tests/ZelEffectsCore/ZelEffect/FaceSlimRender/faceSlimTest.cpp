@@ -211,32 +211,4 @@ TEST(SlimFace, PushesFromStartToEnd) {
     EXPECT_LT(darkest, 60);
 }
 
-TEST(Reshape, HostileLandmarksAndPicturesNeverHarm) {
-    const float inf = std::numeric_limits<float>::infinity();
-    for (const auto& [width, height] : {std::pair{1, 1}, {1, 50}, {40, 30}})
-        for (float bad : {0.0f, std::nanf(""), inf, -inf, 1e30f, -1e7f})
-            for (std::size_t every : {1u, 2u, 5u}) {
-                zeltest::Landmarks landmarks = zeltest::standardFace(20, 15, 12);
-                for (std::size_t i = 0; i < landmarks.size(); i += every)
-                    landmarks[i] = {bad, i % 2 ? bad : 7.0f};
-                CInterFacePoint points;
-                points.AddFace(landmarks.data(), 0);
-                points.SetFaceCount(1);
-                Bytes picture = zeltest::randomRgba(width, height, 3);
-                testing::internal::CaptureStderr();
-                for (float strength : {0.0f, 1.0f, 1e20f, inf, std::nanf("")}) {
-                    EXPECT_TRUE(
-                        CFaceSlimRender::autoSlimFace(picture.data(), width, height, &points, strength, 0));
-                    EXPECT_TRUE(
-                        CEyeZoomRender::autoZoomEye(picture.data(), width, height, &points, strength, 0));
-                    CFaceSlimRender::slimFace(picture.data(), width, height, bad, 0.5f, 0.6f, bad, 0.3f,
-                                              strength);
-                    CFaceSlimRender::slimFace(picture.data(), width, height, 0.1f, 0.5f, 0.6f, 0.5f, bad, 80);
-                    CEyeZoomRender::zoomEye(picture.data(), width, height, {0.5f, bad}, 4, 80);
-                    CEyeZoomRender::zoomEye(picture.data(), width, height, {0.5f, 0.5f}, bad, 80);
-                }
-                testing::internal::GetCapturedStderr();
-            }
-}
-
 }  // namespace

@@ -1,0 +1,187 @@
+#pragma once
+
+#include <algorithm>
+#include <array>
+#include <climits>
+#include <cmath>
+#include <limits>
+#include <vector>
+
+#include "faceTemplate.h"
+#include "support/guardedBytes.h"
+#include "support/randomImage.h"
+#include "zel_effects.h"
+
+namespace zeltest {
+
+/// The arguments of one call; an operation takes those that it has a place for.
+struct Call {
+    unsigned char *image, *second, *cover, *mask, *table;  // cover: a mask of four bytes a pixel
+    int width, height;
+    bool params;  // false: the block of numbers is null
+    float strength;
+    int number, otherNumber, faceIndex;
+    CGRect rect;
+    zellab::CInterFacePoint* points;
+    ImageCoreFaceInfo* faceInfo;
+    DefocusCore::ZelDepthDefocusRender* render;
+    int round;
+
+    /// Numbers that make sense but for one, or for all of them: those are the round's strength.
+    template <std::size_t N>
+    std::array<float, N> spoiled(std::array<float, N> numbers) const {
+        const std::size_t slot = static_cast<std::size_t>(round / 7) % (N + 1);  // 7 strengths
+        for (std::size_t i = 0; i < N; ++i)
+            if (slot == i || slot == N) numbers[i] = strength;
+        return numbers;
+    }
+};
+
+/// Guarded buffers for one call, and arguments that step through lists of bad values. The lists' lengths have
+/// no common divisor, so that kRounds rounds meet every pair of values.
+class HostileScene {
+public:
+    static constexpr int kRounds = 99;
+
+    HostileScene(int width, int height, int round)
+        : m_width(width),
+          m_height(height),
+          m_round(round),
+          m_picture(drawnFace(width, height)),
+          m_noise(randomRgba(width, height, 4)),
+          m_plane(randomPlane(width, height, 5)),
+          m_image(m_picture.size(), side()),
+          m_second(m_picture.size(), side()),
+          m_cover(m_picture.size(), side()),
+          m_mask(m_plane.size(), side()),
+          m_table(kTableBytes.size(), side()) {
+        std::copy(m_picture.begin(), m_picture.end(), m_image.data());
+        for (GuardedBytes* buffer : {&m_second, &m_cover})
+            std::copy(m_noise.begin(), m_noise.end(), buffer->data());
+        for (auto& b : m_plane) b = b < 200 ? 0 : b;
+        std::copy(m_plane.begin(), m_plane.end(), m_mask.data());
+        std::copy(kTableBytes.begin(), kTableBytes.end(), m_table.data());
+        addFaces();
+    }
+
+    Call call(DefocusCore::ZelDepthDefocusRender& render) {
+        constexpr float kInf = std::numeric_limits<float>::infinity();
+        const std::array<float, 7> strengths = {0.5f, NAN, kInf, -kInf, 1e30f, -5, 1};
+        const std::array<int, 11> numbers = {1, 0, 2, 3, 4, 6, -1, 100, 5000, INT_MAX, INT_MIN};
+        const std::array<int, 4> indices = {0, -1, 99, INT_MIN};
+        const bool noMask = m_round % 5 == 3, noSecond = m_round % 5 == 4;
+        const auto w = static_cast<float>(m_width), h = static_cast<float>(m_height);
+        Call c{m_image.data(),
+               noSecond ? nullptr : m_second.data(),
+               noMask ? nullptr : m_cover.data(),
+               noMask ? nullptr : m_mask.data(),
+               noSecond ? nullptr : m_table.data(),
+               m_width,
+               m_height,
+               !noSecond,
+               pick(strengths),
+               pick(numbers),
+               numbers[static_cast<std::size_t>(m_round / 2) % numbers.size()],
+               pick(indices),
+               {},
+               faceKind() == kNull ? nullptr : &m_points,
+               faceKind() == kNull ? nullptr : reinterpret_cast<ImageCoreFaceInfo*>(&m_record),
+               &render,
+               m_round};
+        const std::array<float, 4> good = {0.1f * w, 0.1f * h, 0.8f * w, 0.8f * h};
+        const auto rect = m_round % 2 ? c.spoiled(good) : good;
+        c.rect = {rect[0], rect[1], rect[2], rect[3]};
+        return c;
+    }
+
+    bool hasFace() const { return faceKind() < kNobody; }
+    bool guardsIntact() const {
+        return m_image.guardsIntact() && m_second.guardsIntact() && m_cover.guardsIntact() &&
+               m_mask.guardsIntact() && m_table.guardsIntact();
+    }
+    bool pictureUntouched() { return std::equal(m_picture.begin(), m_picture.end(), m_image.data()); }
+    bool nothingTouched() {
+        return pictureUntouched() && std::equal(m_noise.begin(), m_noise.end(), m_second.data()) &&
+               std::equal(m_noise.begin(), m_noise.end(), m_cover.data()) &&
+               std::equal(m_plane.begin(), m_plane.end(), m_mask.data());
+    }
+
+private:
+    enum FaceKind { kGood, kHalfNaN, kOnePlace, kFarOff, kInfinite, kHuge, kNobody, kOnlyPromised, kNull };
+    static inline const Bytes kTableBytes = randomRgba(64, 64, 9);
+
+    GuardedBytes::Against side() const {
+        return m_round % 2 ? GuardedBytes::Against::pageBefore : GuardedBytes::Against::pageBehind;
+    }
+    FaceKind faceKind() const { return static_cast<FaceKind>(m_round % 9); }
+    template <typename T, std::size_t N>
+    T pick(const std::array<T, N>& values) const {
+        return values[static_cast<std::size_t>(m_round) % N];
+    }
+
+    /// A face as the landmarks tell it, lit from the right: skin with spots, and eyes.
+    static Bytes drawnFace(int width, int height) {
+        Bytes pixels = randomRgba(width, height, 3);
+        const auto w = static_cast<float>(width), h = static_cast<float>(height);
+        std::size_t i = 0;
+        for (int y = 0; y < height; ++y)
+            for (int x = 0; x < width; ++x, i += 4) {
+                const float fx = static_cast<float>(x), fy = static_cast<float>(y);
+                const auto isNear = [&](int a, int b, float radius) {
+                    const auto &p = zellab::kTemplateLandmarks[static_cast<std::size_t>(a)],
+                               &q = zellab::kTemplateLandmarks[static_cast<std::size_t>(b)];
+                    return std::hypot(fx - (p.x + q.x) / 2 * w, fy - (p.y + q.y) / 2 * h) < radius * w;
+                };
+                const bool isSpot = std::hypot(x % 19 - 9, y % 23 - 11) < 2.5;
+                const bool isEye = isNear(21, 25, 0.05f) || isNear(67, 71, 0.05f);
+                const bool isIris = isNear(24, 24, 0.035f) || isNear(70, 70, 0.035f);
+                const float light = isIris ? 0.2f : isSpot ? 0.6f : 0.75f + 0.25f * fx / w;
+                const float skin[] = {200, 156, 132};
+                for (std::size_t c = 0; c < 3; ++c)
+                    pixels[i + c] = static_cast<unsigned char>((isEye ? 210 : skin[c]) * light +
+                                                               static_cast<float>(pixels[i + c] % 5));
+            }
+        return pixels;
+    }
+
+    float spoiledLandmark(float value, std::size_t i) const {
+        switch (faceKind()) {
+            case kHalfNaN:
+                return i % 2 ? NAN : value;
+            case kOnePlace:
+                return 0.5f;
+            case kFarOff:
+                return value + 1e6f;
+            case kInfinite:
+                return i % 5 ? value : std::numeric_limits<float>::infinity();
+            case kHuge:
+                return i % 3 ? -1e30f : value;
+            default:
+                return value;
+        }
+    }
+    void addFaces() {
+        std::array<zellab::Vector2f, 83> landmarks;
+        for (std::size_t i = 0; i < landmarks.size(); ++i) {
+            auto& to = m_record.face.points[i];
+            to[0] = spoiledLandmark(zellab::kTemplateLandmarks[i].x, i);
+            to[1] = spoiledLandmark(zellab::kTemplateLandmarks[i].y, i + 1);
+            landmarks[i] = {to[0] * static_cast<float>(m_width), to[1] * static_cast<float>(m_height)};
+        }
+        for (std::size_t i = 0; i < 4; ++i) m_record.face.rect[i] = spoiledLandmark(i < 2 ? 0.1f : 0.8f, i);
+        m_record.head.faceCount = faceKind() == kNobody ? 0 : faceKind() == kOnlyPromised ? -5 : 1;
+        m_points.SetFaceCount(faceKind() == kNobody ? 0 : faceKind() == kOnlyPromised ? 3 : 1);
+        if (faceKind() < kNobody) m_points.AddFace(landmarks.data(), 0);
+    }
+
+    int m_width, m_height, m_round;
+    Bytes m_picture, m_noise, m_plane;
+    GuardedBytes m_image, m_second, m_cover, m_mask, m_table;
+    zellab::CInterFacePoint m_points;
+    struct {
+        ImageCoreFaceInfo head{};
+        ImageCoreFace face{};
+    } m_record;
+};
+
+}  // namespace zeltest
