@@ -14,7 +14,7 @@ namespace {
 /// "7", "0.5": without the zeros that std::to_string adds.
 std::string shortNumber(double value) {
     char text[32];
-    const auto end = std::to_chars(text, text + sizeof text, value).ptr;
+    char* const end = std::to_chars(text, text + sizeof text, value).ptr;
     return std::string(text, end);
 }
 

@@ -47,7 +47,7 @@ std::unique_ptr<zellab::CInterFacePoint> makeFacePoints(const FaceSet& set, int 
 }
 
 CGRect faceRectInPixels(const Face& face, int width, int height) {
-    const float w = static_cast<float>(width), h = static_cast<float>(height);
+    const auto w = static_cast<float>(width), h = static_cast<float>(height);
     return {face.rect[0] * w, face.rect[1] * h, face.rect[2] * w, face.rect[3] * h};
 }
 

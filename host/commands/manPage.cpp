@@ -47,7 +47,8 @@ std::string optionEntries(const CLI::App& command) {
         for (std::size_t comma = 0; (comma = tag.find(',', comma)) != std::string::npos; comma += 2)
             tag.insert(comma + 1, " ");
         const std::string value = option->get_option_text();
-        page += entry(value.empty() ? tag : tag + " " + value, option->get_description());
+        if (!value.empty()) tag.append(" ").append(value);
+        page += entry(tag, option->get_description());
     }
     return page;
 }

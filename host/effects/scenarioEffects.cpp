@@ -15,14 +15,14 @@ constexpr std::array kScenarioNames = {"scenery", "portrait", "architecture", "f
                                        "travel",  "haze",     "night"};
 
 ZelImageCore::eScenarioType scenarioOf(const std::string& type) {
-    const auto name = std::find(kScenarioNames.begin(), kScenarioNames.end(), type);
+    const auto* const name = std::find(kScenarioNames.begin(), kScenarioNames.end(), type);
     const auto number = name != kScenarioNames.end() ? name - kScenarioNames.begin() + 1 : type.front() - '0';
     return static_cast<ZelImageCore::eScenarioType>(number);
 }
 
 std::vector<std::string> scenarioWords() {
     std::vector<std::string> words(kScenarioNames.begin(), kScenarioNames.end());
-    for (char number = '1'; number <= '7'; ++number) words.push_back(std::string(1, number));
+    for (char number = '1'; number <= '7'; ++number) words.emplace_back(1, number);
     return words;
 }
 

@@ -161,7 +161,7 @@ std::vector<unsigned char> encodeJpeg(const Image& image) {
     jpeg.err = &errors.manager;
     unsigned char* bytes = nullptr;
     unsigned long size = 0;
-    const std::size_t width = static_cast<std::size_t>(image.width);
+    const auto width = static_cast<std::size_t>(image.width);
     std::vector<unsigned char> line(3 * width);
     const bool done = runGuarded(errors, [&] {
         jpeg_create_compress(&jpeg);
@@ -175,7 +175,7 @@ std::vector<unsigned char> encodeJpeg(const Image& image) {
         jpeg_finish_compress(&jpeg);
     });
     jpeg_destroy_compress(&jpeg);
-    const std::vector<unsigned char> file =
+    std::vector<unsigned char> file =
         done ? std::vector<unsigned char>(bytes, bytes + size) : std::vector<unsigned char>();
     std::free(bytes);
     if (!done) throw Failure(std::string("cannot be stored as JPEG (") + errors.text + ")");

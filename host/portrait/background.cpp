@@ -42,7 +42,7 @@ void Background::draw(const Scene& scene) {
 /// Points of light that the lens has spread into discs.
 void Background::addLights(const Scene& scene) {
     RandomSource random(scene.seed, 41);
-    const float height = static_cast<float>(m_height);
+    const auto height = static_cast<float>(m_height);
     const Colour kTints[] = {{1.0f, 0.62f, 0.28f},
                              {1.0f, 0.80f, 0.55f},
                              {0.95f, 0.95f, 1.0f},

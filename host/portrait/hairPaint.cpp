@@ -120,8 +120,7 @@ void HairPainter::addStrand(const HairSection& section, float place, const Layer
     const int last = static_cast<int>(section.guides.size()) - 1;
     const float position = place * static_cast<float>(last);
     const int i = std::min(static_cast<int>(position), last - 1);
-    const HairGuide &a = section.guides[static_cast<std::size_t>(i)],
-                    &b = section.guides[static_cast<std::size_t>(i + 1)];
+    const HairGuide *first = section.guides.data() + i, &a = first[0], &b = first[1];
     std::vector<Vec3> control;
     for (std::size_t k = 0; k < a.size(); ++k)
         control.push_back(mix(a[k], b[k], position - static_cast<float>(i)));

@@ -20,8 +20,8 @@ void placeContour(const FaceShape& shape, FacePoints& points) {
     for (int i = 0; i < 9; ++i) {
         while (step < kWalk && travelled[step] < travelled[kWalk] * static_cast<float>(i) / 9.0f) ++step;
         const Vec2 right = at(step);
-        points[static_cast<std::size_t>(10 + i)] = right;
-        points[static_cast<std::size_t>(1 + i)] = {-right.x, right.y};
+        points[std::size_t{10} + static_cast<std::size_t>(i)] = right;
+        points[std::size_t{1} + static_cast<std::size_t>(i)] = {-right.x, right.y};
     }
     points[0] = {0, shape.chinY()};
 }

@@ -99,9 +99,9 @@ inline float expOf(float v) {
 
 /// Binary logarithm of a normal number above 0.
 inline float log2Of(float v) {
-    const std::uint32_t bits = std::bit_cast<std::uint32_t>(v);
-    const float exponent = static_cast<float>(static_cast<int>(bits >> 23) - 127);
-    const float mantissa = std::bit_cast<float>((bits & 0x7FFFFFu) | 0x3F800000u);
+    const auto bits = std::bit_cast<std::uint32_t>(v);
+    const auto exponent = static_cast<float>(static_cast<int>(bits >> 23) - 127);
+    const auto mantissa = std::bit_cast<float>((bits & 0x7FFFFFu) | 0x3F800000u);
     const float t = (mantissa - 1.0f) / (mantissa + 1.0f), u = t * t;
     return exponent + 2.88539008f * t * (1.0f + u * (1.0f / 3 + u * (1.0f / 5 + u * (1.0f / 7 + u / 9))));
 }

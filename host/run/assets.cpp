@@ -16,14 +16,14 @@ constexpr const char* kPlaces[] = {ZEL_ASSETS_FROM_BIN, "../assets"};
 fs::path findAssets(const std::string& given) {
     std::error_code error;
     if (!given.empty()) {
-        const fs::path folder = fs::absolute(given);
+        fs::path folder = fs::absolute(given);
         if (!fs::is_directory(folder, error)) throw Failure("is no folder with assets");
         return folder;
     }
     const fs::path program = fs::read_symlink("/proc/self/exe", error);
     if (error) return {};
     for (const char* place : kPlaces) {
-        const fs::path folder = (program.parent_path() / place).lexically_normal();
+        fs::path folder = (program.parent_path() / place).lexically_normal();
         if (fs::is_directory(folder, error)) return folder;
     }
     return {};

@@ -105,7 +105,7 @@ void Messages::drawBar(bool force) {
 }
 
 /// One write per message keeps lines whole between processes; expects the lock to be held.
-void Messages::write(const std::string& text) {
+void Messages::write(const std::string& text) const {
     std::size_t at = 0;
     while (m_fd >= 0 && at < text.size()) {
         const ssize_t count = ::write(m_fd, text.data() + at, text.size() - at);

@@ -42,7 +42,7 @@ private:
     void print(const std::string& line);
     void writeLine(const std::string& line);
     void drawBar(bool force);
-    void write(const std::string& text);
+    void write(const std::string& text) const;
 
     const bool m_quiet;
     int m_fd = -1;

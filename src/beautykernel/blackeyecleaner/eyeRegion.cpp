@@ -132,6 +132,7 @@ void cutEyes(Plane<Byte>& plane, const EyeRegion& region) {
         for (int i = 0; i < kOutlinePoints; ++i)
             x += points[i].x / kOutlinePoints, y += points[i].y / kOutlinePoints;
         std::vector<Vector2f> outline;
+        outline.reserve(kOutlinePoints);
         for (int i = 0; i < kOutlinePoints; ++i)
             outline.push_back(region.inCrop({x + (points[i].x - x) * kRim, y + (points[i].y - y) * kRim}));
         FillPolygonMask(plane.data(), plane.width(), plane.height(), outline, 0);

@@ -93,7 +93,7 @@ void buildEyeMasks(EyeCut& eye, const EyeLids& lids, const Iris& iris) {
         const int first = std::max(span.left, eye.box.x), last = std::min(span.right, eye.box.x + width - 1);
         for (int x = first; x <= last; ++x) {
             const int column = x - eye.box.x;
-            const float px = static_cast<float>(x), py = static_cast<float>(y);
+            const auto px = static_cast<float>(x), py = static_cast<float>(y);
             const float ex = 2.0f * (px - middle) / spanWidth;
             const LidCoords coords = {ex, ey, 1.0f - fourthPower(ex), 1.0f - fourthPower(ey)};
             eye.lidCoords.view().row(row)[column] = coords;

@@ -42,7 +42,8 @@ EyeTone estimateEyeTone(const EyeCut& eye) {
         }
     EyeTone tone;
     if (white.count > 0) {
-        const auto mean = static_cast<float>(white.sum / white.count);
+        const std::int64_t wholeMean = white.sum / white.count;
+        const auto mean = static_cast<float>(wholeMean);
         const float meanSquare = static_cast<float>(white.squares) / static_cast<float>(white.count);
         const float deviation = std::sqrt(std::max(meanSquare - mean * mean, 0.0f));
         tone.level = static_cast<int>(mean * 0.8f + 40.0f);

@@ -20,7 +20,7 @@ Limits limitsOf(PlaneView<const Byte> plane) {
         for (int x = 0; x < plane.width; ++x) ++histogram[plane.row(y)[x]];
     std::array<float, 256> fraction{};
     int count = 0;
-    const float total = static_cast<float>(sampleCount(plane.width, plane.height));
+    const auto total = static_cast<float>(sampleCount(plane.width, plane.height));
     for (std::size_t i = 0; i < 256; ++i) {
         count += histogram[i];
         fraction[i] = static_cast<float>(count) / total;

@@ -101,6 +101,7 @@ std::vector<DonorDirection> ChooseDonorDirections(ConstImageView crop, const std
     TexturePlane texture(crop);
     for (const FleckRect& box : flecks) texture.treatAround(box);
     std::vector<DonorDirection> directions;
+    directions.reserve(flecks.size());
     for (const FleckRect& box : flecks) directions.push_back(choose(texture, box, crop.width, crop.height));
     return directions;
 }

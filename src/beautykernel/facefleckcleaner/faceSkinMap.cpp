@@ -32,7 +32,7 @@ PixelBox areaOf(const SkinFaceRecord& face, int width, int height) {
 }  // namespace
 
 FaceSkinMap::LazyPlane FaceSkinMap::makePlane(std::size_t pixels) {
-    LazyPlane plane(static_cast<Byte*>(std::calloc(pixels, 1)));
+    LazyPlane plane(static_cast<Byte*>(std::calloc(std::max<std::size_t>(pixels, 1), 1)));
     if (!plane) throw std::bad_alloc();
     return plane;
 }

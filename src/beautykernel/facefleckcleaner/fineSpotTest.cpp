@@ -40,7 +40,7 @@ std::vector<SpotPixels> countPixels(PlaneView<const int> labels, PlaneView<const
 }
 
 SpotLimits sizeLimits(int width, int height, float sizeFactor) {
-    const float side = static_cast<float>(std::min(width, height));
+    const auto side = static_cast<float>(std::min(width, height));
     const float a = std::max(side * 0.035f, 3.0f), b = std::max(side * sizeFactor, 2.0f);
     SpotLimits limits;
     limits.largestArea = static_cast<int>((2.0f * a) * (2.0f * a));

@@ -58,7 +58,7 @@ Plane<Byte> blurred(const Plane<Byte>& plane, int radius) {
 }  // namespace
 
 SpotLimits fleckLimits(int width, int height) {
-    const float side = static_cast<float>(std::min(width, height));
+    const auto side = static_cast<float>(std::min(width, height));
     const float a = std::clamp(side * 0.001f, 1.0f, 3.0f), b = std::max(side * 0.028f, 1.0f);
     SpotLimits limits;
     limits.smallestArea = static_cast<int>((2.0f * a) * (2.0f * a));

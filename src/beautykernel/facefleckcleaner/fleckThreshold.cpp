@@ -39,7 +39,7 @@ int otsuBin(const Histogram& histogram) {
         sumBelow += std::int64_t{i} * histogram[static_cast<std::size_t>(i)];
         const int above = total - below;
         if (below == 0 || above == 0) continue;
-        const float n0 = static_cast<float>(below), n1 = static_cast<float>(above);
+        const auto n0 = static_cast<float>(below), n1 = static_cast<float>(above);
         const float apart = static_cast<float>(sumBelow) / n0 - static_cast<float>(sum - sumBelow) / n1;
         const float score = n0 * n1 * (apart * apart);
         if (score > bestScore) {

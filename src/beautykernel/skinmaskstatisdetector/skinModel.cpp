@@ -39,7 +39,7 @@ std::array<unsigned char, 256> lumaWeights(const LumaRange& range, bool fromFace
         at(i) = static_cast<unsigned char>(
             std::pow(ratio(i - range.edgeLow + 1, knee - range.edgeLow + 1), gamma) * 255.0f);
 
-    const float start = static_cast<float>(at(range.edgeLow + 1));
+    const auto start = static_cast<float>(at(range.edgeLow + 1));
     for (int i = range.edgeLow; i > 0; --i)
         at(i) = static_cast<unsigned char>(std::pow(ratio(i, range.edgeLow), 3.0f) * start);
     at(0) = 0;  // where the edge is 0 the ramp has no length

@@ -13,7 +13,9 @@ public:
     bool isLoaded() const { return !m_values.empty(); }
 
     /// Overlay of base a and blend b.
-    unsigned char operator()(int a, int b) const { return m_values[static_cast<std::size_t>(a * 256 + b)]; }
+    unsigned char operator()(int a, int b) const {
+        return m_values[static_cast<std::size_t>(a) * 256 + static_cast<std::size_t>(b)];
+    }
 
 private:
     std::vector<unsigned char> m_values;

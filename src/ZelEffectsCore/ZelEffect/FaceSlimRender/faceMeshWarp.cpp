@@ -79,7 +79,7 @@ float pulledSingle(float p, float towards, float factor, float strength, float w
     return p + kControlOffset - (p - towards) * factor * strength * weight;
 }
 float pulledDouble(float p, float towards, float factor, double strength, float weight) {
-    const double from = static_cast<double>(p);
+    const auto from = static_cast<double>(p);
     return static_cast<float>(from + 0.01 -
                               (from - static_cast<double>(towards)) * static_cast<double>(factor) * strength *
                                   static_cast<double>(weight));
