@@ -123,24 +123,24 @@ bool BokehScene::render(const Byte* source, Byte* target, int width, int height,
     flagFocusPoints(frame, inFocus);
     const Texture2D out = byteTexture(width, height, kOrderRgba, nullptr);
     if (!compose(m_shaders, {frame.soft, m_noise, frame.photograph, frame.radius, m_kernelTexture},
-                 kDispersion, frame.strength.scaleRatio, out) ||
-        !composeHair(m_shaders, out, frame.hair, frame.photograph))
+                 kDispersion, frame.strength.scaleRatio, out))
         return false;
-    return frame.photograph.read(0, 0, width, height, target);
+    // Without hair the blend would only copy the picture, which takes a sixth of a render in software.
+    if (!hasHair()) return out.read(0, 0, width, height, target);
+    return composeHair(m_shaders, out, frame.hair, frame.photograph) &&
+           frame.photograph.read(0, 0, width, height, target);
 }
 
 void BokehScene::prepareHair(Frame& frame) const {
+    if (!hasHair()) return;
     const int width = frame.strength.halfWidth, height = frame.strength.halfHeight;
     Plane<Byte> hair(width, height);
-    if (!m_constantRadius && !m_hairMask.isEmpty()) {
-        std::vector<Byte> guide(sampleCount(width, height, 4));
-        scalePlane(m_hairMask.data(), m_hairMask.width(), m_hairMask.height(), hair.data(), width, height,
-                   YuvFilter::bilinear);
-        scaleArgb(frame.source.data, frame.source.width, frame.source.height, guide.data(), width, height,
-                  YuvFilter::linear);
-        GuidedFilterPlane(hair.data(), guide.data(), width, height, kHairGuideRadius, kGuideEpsilon,
-                          kGuideScale);
-    }
+    std::vector<Byte> guide(sampleCount(width, height, 4));
+    scalePlane(m_hairMask.data(), m_hairMask.width(), m_hairMask.height(), hair.data(), width, height,
+               YuvFilter::bilinear);
+    scaleArgb(frame.source.data, frame.source.width, frame.source.height, guide.data(), width, height,
+              YuvFilter::linear);
+    GuidedFilterPlane(hair.data(), guide.data(), width, height, kHairGuideRadius, kGuideEpsilon, kGuideScale);
     frame.hair = byteTexture(width, height, kOrderRed, hair.data());
 }
 

@@ -65,6 +65,8 @@ public:
 private:
     struct Frame;
 
+    /// Whether any hair keeps the photograph.
+    bool hasHair() const { return !m_constantRadius && !m_hairMask.isEmpty(); }
     void prepareHair(Frame& frame) const;
     void prepareRadii(Frame& frame) const;
     bool convolve(Frame& frame);

@@ -101,6 +101,12 @@ TEST_F(DefocusPictures, HairKeepsThePhotograph) {
     EXPECT_LT(left(with, 30), 1.5);
     EXPECT_GT(left(with, 160), 15);
     EXPECT_GT(left(without, 30), 15);
+    Bytes bald(hair.size(), 0);
+    render.SetHairMaskData(bald.data(), kWidth, kHeight);
+    std::srand(3);
+    const Bytes none = scene.inPlace(render);
+    std::srand(3);
+    EXPECT_EQ(scene.inPlace(render, {60, true}), none) << "a mask without hair is no mask";
     render.SetHairMaskData(nullptr, 5, 5);
     EXPECT_GT(left(scene.inPlace(render, {60, true}), 30), 15);
 }
