@@ -104,6 +104,27 @@ void printTones(int faces) {
         }
 }
 
+/// How far the whole strength moves brightness from none of it, on skin and off the person. Levels and tone
+/// curve are the same in both.
+void printPlaces(int faces) {
+    std::printf("mean change of brightness by the strength: on skin, off the person\n");
+    for (int tone = 0; tone < static_cast<int>(kToneNames.size()); ++tone) {
+        std::array<double, 2> change{}, count{};
+        for (int i = 0; i < faces; ++i) {
+            const zel::Portrait portrait = portraitOf(700, 900, tone, kFirstSeed + static_cast<unsigned>(i));
+            const Bytes none = retouched(portrait, 0.0f), whole = retouched(portrait, 1.0f);
+            for (std::size_t k = 0; k < portrait.skin.samples.size(); ++k) {
+                const bool skin = portrait.skin.samples[k] == 255;
+                if (!skin && portrait.person.samples[k] != 0) continue;
+                change[skin ? 0 : 1] += std::fabs(luma(&whole[4 * k]) - luma(&none[4 * k]));
+                ++count[skin ? 0 : 1];
+            }
+        }
+        std::printf("%-9s %.1f %.1f\n", kToneNames[static_cast<std::size_t>(tone)], change[0] / count[0],
+                    change[1] / count[1]);
+    }
+}
+
 /// Mean colours of the cells that both pictures divide into alike, so that the pixel by which they differ in
 /// size does not count.
 std::vector<double> cells(const Bytes& rgba, int side) {
@@ -167,5 +188,6 @@ int main(int argc, char** argv) {
     std::filesystem::current_path(argv[1]);
     const int faces = argc > 2 ? std::max(std::atoi(argv[2]), 1) : 4;
     printTones(faces);
+    printPlaces(faces);
     printPaths(faces);
 }

@@ -3,6 +3,7 @@
 #include <filesystem>
 
 #include "benchPicture.h"
+#include "frame/faceTemplate.h"
 #include "frame/zel_effects.h"
 
 namespace {
@@ -31,14 +32,21 @@ void skin(unsigned char* image, int width, int height, ImageCoreFaceInfo*) {
     TableSkin::ImageProcessWithSkin(image, width, height, params, nullptr);
 }
 
-/// A face whose landmarks all lie in its middle: the time of the eye step is measured by its own row.
+/// The standard face, upright in the middle of the picture.
 struct OneFace {
     ImageCoreFaceInfo head{1, {0, 0}};
     ImageCoreFace face{};
     OneFace() {
         const float rect[] = {0.33f, 0.2f, 0.34f, 0.6f};
         std::memcpy(face.rect, rect, sizeof rect);
-        for (auto& point : face.points) point[0] = point[1] = 0.5f;
+        const auto& points = zellab::kTemplateLandmarks;
+        const zellab::Vector2f nose = points[64];
+        const float scale = 0.12f / (points[70].x - points[24].x);  // the pupils lie 0.12 of the width apart
+        for (std::size_t i = 0; i < points.size(); ++i) {
+            face.points[i][0] = 0.5f + (points[i].x - nose.x) * scale;
+            // The template stands in a picture of 9 to 16, this one in 4 to 3.
+            face.points[i][1] = 0.5f + (points[i].y - nose.y) * scale * (16.0f / 9.0f) * (4.0f / 3.0f);
+        }
     }
 };
 
