@@ -30,19 +30,7 @@ bool DepthEstimatorGL::Init(void* glContext) {
 
 bool DepthEstimatorGL::LoadModel(const char* path, bool) {
     logDepth("LoadModel gl +");
-    if (!m_net) {
-        logDepth("Not successfully initialized Tavio Net!");
-        return false;
-    }
-    if (!m_net->LoadFile(path, 0)) {
-        logDepth("Net Load File Failed: %s", path ? path : "(null)");
-        return false;
-    }
-    m_executor.reset(tavio::Executor::CreateExecutor(m_net.get(), nullptr));
-    if (!m_executor) {
-        logDepth("CreateExecutor Failed!");
-        return false;
-    }
+    if (!openNetwork(m_net, path, m_executor)) return false;
     logDepth("LoadModel gl -");
     return true;
 }

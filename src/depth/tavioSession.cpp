@@ -28,6 +28,20 @@ std::vector<Byte> bytesOf(const tavio::Tensor& output, std::size_t channels, std
 
 }  // namespace
 
+bool openNetwork(const NetOwner& net, const char* path, ExecutorOwner& executor) {
+    if (!net) {
+        logDepth("Not successfully initialized Tavio Net!");
+        return false;
+    }
+    if (!net->LoadFile(path, 0)) {
+        logDepth("Net Load File Failed: %s", path ? path : "(null)");
+        return false;
+    }
+    executor.reset(tavio::Executor::CreateExecutor(net.get(), nullptr));
+    if (!executor) logDepth("CreateExecutor Failed!");
+    return executor != nullptr;
+}
+
 bool DepthMaps::copyTo(Byte* outDepth, Byte* outSecond) const {
     if (!outDepth || !outSecond) {
         logDepth("GetOutputData Failed!");

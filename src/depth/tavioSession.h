@@ -19,6 +19,10 @@ struct ExecutorDeleter {
 using NetOwner = std::unique_ptr<tavio::Net, NetDeleter>;
 using ExecutorOwner = std::unique_ptr<tavio::Executor, ExecutorDeleter>;
 
+/// Loads the network file into `net` and makes its executor. False with the line about what failed; an
+/// executor made before then stays.
+bool openNetwork(const NetOwner& net, const char* path, ExecutorOwner& executor);
+
 /// Both maps of a run as bytes, of width * height samples each.
 struct DepthMaps {
     int width = 0, height = 0;

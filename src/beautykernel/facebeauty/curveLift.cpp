@@ -18,10 +18,7 @@ CurveLift largeLift(int brightness) {
 }
 
 CurveLift smallLift(int brightness) {
-    if (brightness < 61) return {156, 0};
-    if (brightness < 101) return {152, 0};
-    if (brightness < 141) return {150, 0};
-    return {brightness <= 200 ? 148 : 145, 0};
+    return {shadowLiftTarget(brightness), 0};
 }
 
 void liftShadows(ImageView image, PlaneView<const Byte> shadow, const CurveLift& lift) {

@@ -3,11 +3,9 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
-#include <cstdlib>
-#include <memory>
 
 #include "beautykernel/facefleckcleaner/fleckDetection.h"
-#include "zellab/imageproc/regionLabelling.h"
+#include "beautykernel/facefleckcleaner/regionSelection.h"
 
 namespace zellab {
 
@@ -53,32 +51,18 @@ SpotLimits sizeLimits(int width, int height, float sizeFactor) {
 
 FoundFlecks passingSpots(PlaneView<const Byte> spots, PlaneView<const Byte> skinMask,
                          const FineSpotLimits& limits) {
-    FoundFlecks found;
-    found.labels = Plane<int>(spots.width, spots.height);
-    RegionBox* boxes = nullptr;
-    const int count = LabelConnectedRuns(spots.data, found.labels.data(), spots.width, spots.height, &boxes);
-    const std::unique_ptr<RegionBox, void (*)(void*)> owner(boxes, std::free);
-    if (count < 1) return found;
-
-    const auto regions = static_cast<std::size_t>(count);
-    const std::vector<SpotPixels> pixels = countPixels(found.labels.view(), skinMask, regions);
-    const SpotLimits size = sizeLimits(spots.width, spots.height, limits.sizeFactor);
-    const auto sideFits = [&](int side) { return side >= 2 && side <= size.longestSide; };
-    std::vector<int> newLabel(regions + 1);
-    for (std::size_t i = 0; i < regions; ++i) {
-        const FleckRect box{boxes[i].top, boxes[i].bottom, boxes[i].left, boxes[i].right};
-        const SpotPixels& spot = pixels[i + 1];
-        if (spot.area < size.smallestArea || spot.area > size.largestArea || spot.outside * 2 > spot.inside ||
-            !sideFits(box.width()) || !sideFits(box.height()) ||
-            !isCompact(box.width(), box.height(), static_cast<int>(spot.area), limits.fillLimit,
-                       limits.longLimit))
-            continue;
-        found.boxes.push_back(box);
-        newLabel[i + 1] = static_cast<int>(found.boxes.size());
-    }
-    for (int *l = found.labels.data(), *end = l + found.labels.size(); l < end; ++l)
-        *l = newLabel[static_cast<std::size_t>(*l)];
-    return found;
+    return selectRegions(spots, [&](PlaneView<const int> labels, std::size_t regions) {
+        const SpotLimits size = sizeLimits(spots.width, spots.height, limits.sizeFactor);
+        return [&limits, size, pixels = countPixels(labels, skinMask, regions)](std::size_t label,
+                                                                                const FleckRect& box) {
+            const auto sideFits = [&](int side) { return side >= 2 && side <= size.longestSide; };
+            const SpotPixels& spot = pixels[label];
+            return spot.area >= size.smallestArea && spot.area <= size.largestArea &&
+                   spot.outside * 2 <= spot.inside && sideFits(box.width()) && sideFits(box.height()) &&
+                   isCompact(box.width(), box.height(), static_cast<int>(spot.area), limits.fillLimit,
+                             limits.longLimit);
+        };
+    });
 }
 
 }  // namespace zellab

@@ -3,13 +3,11 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
-#include <cstdlib>
-#include <memory>
 
 #include "beautykernel/facefleckcleaner/fleckTables.h"
 #include "beautykernel/facefleckcleaner/fleckThreshold.h"
+#include "beautykernel/facefleckcleaner/regionSelection.h"
 #include "zellab/imageproc/maskMorphology.h"
-#include "zellab/imageproc/regionLabelling.h"
 #include "zellab/imageproc/stackBlur.h"
 #include "zellab/imageproc/yCbCr.h"
 
@@ -94,32 +92,19 @@ Plane<Byte> darkSpots(ConstImageView crop, PlaneView<const Byte> skinMask) {
 }
 
 FoundFlecks shapedLikeFlecks(PlaneView<const Byte> spots) {
-    FoundFlecks found;
-    found.labels = Plane<int>(spots.width, spots.height);
-    RegionBox* boxes = nullptr;
-    const int count = LabelConnectedRuns(spots.data, found.labels.data(), spots.width, spots.height, &boxes);
-    const std::unique_ptr<RegionBox, void (*)(void*)> owner(boxes, std::free);
-    if (count < 1) return found;
-
-    const auto regions = static_cast<std::size_t>(count);
-    std::vector<int> area(regions + 1), newLabel(regions + 1);
-    int* const labels = found.labels.data();
-    for (std::size_t i = 0; i < found.labels.size(); ++i) ++area[static_cast<std::size_t>(labels[i])];
-
-    const SpotLimits limits = fleckLimits(spots.width, spots.height);
-    const auto sideFits = [&](int side) { return side >= 2 && side <= limits.longestSide; };
-    for (std::size_t i = 0; i < regions; ++i) {
-        const FleckRect box{boxes[i].top, boxes[i].bottom, boxes[i].left, boxes[i].right};
-        const int size = area[i + 1];
-        if (size < limits.smallestArea || size > limits.largestArea || !sideFits(box.width()) ||
-            !sideFits(box.height()) || !isCompact(box.width(), box.height(), size, kFillLimit, kLongLimit))
-            continue;
-        found.boxes.push_back(box);
-        newLabel[i + 1] = static_cast<int>(found.boxes.size());
-    }
-    for (std::size_t i = 0; i < found.labels.size(); ++i)
-        labels[i] = newLabel[static_cast<std::size_t>(labels[i])];
-    return found;
+    return selectRegions(spots, [&](PlaneView<const int> labels, std::size_t regions) {
+        std::vector<int> area(regions + 1);
+        for (int y = 0; y < labels.height; ++y)
+            for (int x = 0; x < labels.width; ++x) ++area[static_cast<std::size_t>(labels.row(y)[x])];
+        return
+            [area, limits = fleckLimits(spots.width, spots.height)](std::size_t label, const FleckRect& box) {
+                const auto sideFits = [&](int side) { return side >= 2 && side <= limits.longestSide; };
+                const int size = area[label];
+                return size >= limits.smallestArea && size <= limits.largestArea && sideFits(box.width()) &&
+                       sideFits(box.height()) &&
+                       isCompact(box.width(), box.height(), size, kFillLimit, kLongLimit);
+            };
+    });
 }
 
 void keepOnSkin(FoundFlecks& flecks, PlaneView<const Byte> skinMask) {

@@ -119,7 +119,8 @@ struct SmallCopy {
 };
 
 /// Pastes the spots and lifts the shadows: one walk through the full picture, row by row.
-void pasteAndLift(ImageView image, const SpotPaste* spots, Plane<Byte>& shadow, const ShadowLift& lift) {
+void pasteAndLift(ImageView image, const SpotPaste* spots, Plane<Byte>& shadow,
+                  const std::vector<Byte>& lift) {
     const BilinearRows weights({shadow.width(), shadow.height(), image.width, image.height}, shadow.data(),
                                1);
     parallelRows(image.height, [&](int begin, int end) {
@@ -128,7 +129,7 @@ void pasteAndLift(ImageView image, const SpotPaste* spots, Plane<Byte>& shadow, 
         for (int y = begin; y < end; ++y) {
             if (spots) spots->row(y, image.row(y), scratch);
             weights.scale(y, scratch.line, weight.data());
-            lift.row(image.row(y), weight.data(), image.width);
+            mapRowByWeight(image.row(y), weight.data(), image.width, lift);
         }
     });
 }
@@ -143,8 +144,7 @@ void runDirect(ImageView image, bool spots, const Levels& levels, const FaceData
     if (spots) repairSpots(image, skin.mask.view(), face, nullptr);
     ShadowPlanes shadows =
         shadowPlanes(overlayLightness(image, overlay, kDirect.lightness), skin.mask.view(), kShadowRadius);
-    const ShadowLift lift(skin.mean, levels.smooth);
-    for (int y = 0; y < image.height; ++y) lift.row(image.row(y), shadows.shadow.view().row(y), image.width);
+    mapByPlane(image, shadows.shadow.view(), shadowLiftTable(skin.mean, levels.smooth));
     const SmoothPlanes planes =
         smoothPlanes(image, skin.mask.view(), face, std::move(shadows.highPass), kDirect);
     mixSmooth(image, planes, overlay, levels.overlay);
@@ -167,7 +167,7 @@ void runScaled(ImageView image, bool spots, const Levels& levels, const FaceData
                       image.height);
     ShadowPlanes shadows = shadowPlanes(overlayLightness(before.view, overlay, kScaled.lightness),
                                         skin.mask.view(), kShadowRadius);
-    pasteAndLift(image, paste ? &*paste : nullptr, shadows.shadow, ShadowLift(skin.mean, levels.smooth));
+    pasteAndLift(image, paste ? &*paste : nullptr, shadows.shadow, shadowLiftTable(skin.mean, levels.smooth));
     const SmallCopy lifted(image, size);
     const SmoothPlanes planes =
         smoothPlanes(lifted.view, skin.mask.view(), face, std::move(shadows.highPass), kScaled);

@@ -33,15 +33,23 @@ ShadowPlanes shadowPlanes(const Plane<Byte>& lightness, PlaneView<const Byte> sk
     return planes;
 }
 
+int shadowLiftTarget(int skinBrightness) {
+    if (skinBrightness < 61) return 156;
+    if (skinBrightness < 101) return 152;
+    if (skinBrightness < 141) return 150;
+    return skinBrightness <= 200 ? 148 : 145;
+}
+
+void mapRowByWeight(Byte* pixels, const Byte* weight, int width, const std::vector<Byte>& table) {
+    for (int x = 0; x < width; ++x, pixels += 4) {
+        const Byte* row = table.data() + 256 * static_cast<std::size_t>(weight[x]);
+        for (int c = 0; c < 3; ++c) pixels[c] = row[pixels[c]];
+    }
+}
+
 void mapByPlane(ImageView image, PlaneView<const Byte> plane, const std::vector<Byte>& table) {
     parallelRows(image.height, [&](int begin, int end) {
-        for (int y = begin; y < end; ++y) {
-            Byte* p = image.row(y);
-            for (int x = 0; x < image.width; ++x, p += 4) {
-                const Byte* row = table.data() + 256 * static_cast<std::size_t>(plane.row(y)[x]);
-                for (int c = 0; c < 3; ++c) p[c] = row[p[c]];
-            }
-        }
+        for (int y = begin; y < end; ++y) mapRowByWeight(image.row(y), plane.row(y), image.width, table);
     });
 }
 

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <vector>
+
 #include "beautykernel/skintools/overlayTable.h"
 #include "zellab/imageproc/imageView.h"
 
@@ -20,7 +22,13 @@ struct ShadowPlanes {
 /// @param radius  of the blur that the high pass takes away, pixels
 ShadowPlanes shadowPlanes(const Plane<Byte>& lightness, PlaneView<const Byte> skinMask, int radius);
 
-/// Maps bytes 0 to 2 of every pixel through row plane(x, y) of `table`, 256 rows of 256 bytes.
+/// Brightness to which the middle of the curve that lifts shadows is raised, by the brightness of the skin.
+int shadowLiftTarget(int skinBrightness);
+
+/// Maps bytes 0 to 2 of a row of RGBA pixels through row weight[x] of `table`, 256 rows of 256 bytes.
+void mapRowByWeight(Byte* pixels, const Byte* weight, int width, const std::vector<Byte>& table);
+
+/// The same for a whole picture, with a weight a pixel.
 void mapByPlane(ImageView image, PlaneView<const Byte> plane, const std::vector<Byte>& table);
 
 }  // namespace zellab
