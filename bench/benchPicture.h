@@ -3,6 +3,8 @@
 #include <benchmark/benchmark.h>
 
 #include <cstdint>
+#include <cstring>
+#include <string>
 #include <vector>
 
 #include "frame/processorCount.h"
@@ -37,11 +39,56 @@ inline std::vector<unsigned char> benchRgba(Size size) {
     return pixels;
 }
 
+/// Bench pictures in skin's colours: less contrast, red above green above blue.
+inline std::vector<unsigned char> skinRgba(Size size) {
+    std::vector<unsigned char> rgba = benchRgba(size);
+    constexpr int kBase[4] = {160, 120, 100, 255};
+    for (std::size_t i = 0; i < rgba.size(); ++i)
+        rgba[i] = static_cast<unsigned char>(i % 4 == 3 ? 255 : kBase[i % 4] + rgba[i] / 4);
+    return rgba;
+}
+
 /// Counters of a row: pixels a second.
 inline void countPixels(benchmark::State& state, Size size) {
     state.counters["MP/s"] =
         benchmark::Counter(static_cast<double>(state.iterations()) * size.width * size.height / 1e6,
                            benchmark::Counter::kIsRate);
+}
+
+/// A plain copy of the picture: the floor under the rows on the same pixels.
+inline void copyPicture(benchmark::State& state, Size size, const std::vector<unsigned char>& source) {
+    auto target = source;
+    for (auto _ : state) {
+        std::memcpy(target.data(), source.data(), source.size());
+        benchmark::ClobberMemory();
+    }
+    countPixels(state, size);
+}
+
+/// Calls operation(pixels) on a picture that is made anew for each turn, outside the timing: effects would
+/// soon have burnt it.
+template <typename Operation>
+void runOnFreshPicture(benchmark::State& state, Size size, const std::vector<unsigned char>& source,
+                       const Operation& operation) {
+    auto image = source;
+    for (auto _ : state) {
+        state.PauseTiming();
+        image = source;
+        state.ResumeTiming();
+        operation(image.data());
+        benchmark::ClobberMemory();
+    }
+    countPixels(state, size);
+}
+
+/// A row in milliseconds of wall-clock time at both sizes, on each number of threads.
+template <typename Row>
+void addSizedRow(const std::string& name, const Row& row, const std::vector<std::int64_t>& threads) {
+    benchmark::RegisterBenchmark(name.c_str(), row)
+        ->ArgNames({"MP", "threads"})
+        ->ArgsProduct({{kMegapixels1, kMegapixels12}, threads})
+        ->Unit(benchmark::kMillisecond)
+        ->UseRealTime();
 }
 
 }  // namespace zelbench

@@ -1,19 +1,11 @@
 // The floor of every comparison: a plain copy of the picture on one thread.
-#include <cstring>
-
 #include "benchPicture.h"
 
 namespace {
 
 void BM_memcpy(benchmark::State& state) {
     const zelbench::Size size = zelbench::sizeOf(state.range(0));
-    const auto source = zelbench::benchRgba(size);
-    auto target = source;
-    for (auto _ : state) {
-        std::memcpy(target.data(), source.data(), source.size());
-        benchmark::ClobberMemory();
-    }
-    zelbench::countPixels(state, size);
+    zelbench::copyPicture(state, size, zelbench::benchRgba(size));
 }
 BENCHMARK(BM_memcpy)
     ->Name("memcpy")

@@ -35,6 +35,14 @@ Similarity Similarity::inverse() const {
     return back;
 }
 
+Landmarks landmarksInPixels(const Face& face, const Image& image) {
+    Landmarks points;
+    for (std::size_t i = 0; i < points.size(); ++i)
+        points[i] = {face.points[i].x * static_cast<float>(image.width),
+                     face.points[i].y * static_cast<float>(image.height)};
+    return points;
+}
+
 Landmarks moved(const Landmarks& points, const Similarity& by) {
     Landmarks result;
     for (std::size_t i = 0; i < kLandmarks; ++i) result[i] = by(points[i]);

@@ -3,6 +3,8 @@
 #include <array>
 #include <vector>
 
+#include "faces.h"
+#include "image.h"
 #include "zel_records.h"
 
 namespace zel {
@@ -20,6 +22,9 @@ struct Similarity {
     float scale() const;
     Similarity inverse() const;
 };
+
+/// The landmarks of a face in pixels of its picture.
+Landmarks landmarksInPixels(const Face& face, const Image& image);
 
 Landmarks moved(const Landmarks& points, const Similarity& by);
 

@@ -11,15 +11,6 @@ namespace {
 using ZelImageCore::TableSkin;
 using Operation = void (*)(unsigned char*, int, int, ImageCoreFaceInfo*);
 
-/// Bench pictures in skin's colours: less contrast, red above green above blue.
-std::vector<unsigned char> skinLike(zelbench::Size size) {
-    std::vector<unsigned char> rgba = zelbench::benchRgba(size);
-    constexpr int kBase[4] = {160, 120, 100, 255};
-    for (std::size_t i = 0; i < rgba.size(); ++i)
-        rgba[i] = static_cast<unsigned char>(i % 4 == 3 ? 255 : kBase[i % 4] + rgba[i] / 4);
-    return rgba;
-}
-
 void retouch(unsigned char* image, int width, int height, ImageCoreFaceInfo* faces) {
     TableSkin::ImageProcessWithQornSkinRetouch(image, width, height, 0.7f, faces, nullptr);
 }
@@ -53,45 +44,25 @@ struct OneFace {
 void effect(benchmark::State& state, Operation operation) {
     const zelbench::Size size = zelbench::sizeOf(state.range(0));
     const zellab::WorkerCount workers(static_cast<int>(state.range(1)));
-    const auto source = skinLike(size);
-    auto image = source;
     OneFace face;
     std::filesystem::current_path(ZEL_ASSETS);
-    for (auto _ : state) {
-        state.PauseTiming();
-        image = source;
-        state.ResumeTiming();
-        operation(image.data(), size.width, size.height, &face.head);
-        benchmark::ClobberMemory();
-    }
-    zelbench::countPixels(state, size);
+    zelbench::runOnFreshPicture(state, size, zelbench::skinRgba(size), [&](unsigned char* image) {
+        operation(image, size.width, size.height, &face.head);
+    });
 }
 
 void copy(benchmark::State& state) {
     const zelbench::Size size = zelbench::sizeOf(state.range(0));
-    const auto source = skinLike(size);
-    auto target = source;
-    for (auto _ : state) {
-        std::memcpy(target.data(), source.data(), source.size());
-        benchmark::ClobberMemory();
-    }
-    zelbench::countPixels(state, size);
-}
-
-template <typename Row>
-void addRow(const std::string& name, const Row& row, const std::vector<std::int64_t>& threads) {
-    benchmark::RegisterBenchmark(name.c_str(), row)
-        ->ArgNames({"MP", "threads"})
-        ->ArgsProduct({{zelbench::kMegapixels1, zelbench::kMegapixels12}, threads})
-        ->Unit(benchmark::kMillisecond)
-        ->UseRealTime();
+    zelbench::copyPicture(state, size, zelbench::skinRgba(size));
 }
 
 [[maybe_unused]] const bool kRegistered = [] {
-    addRow("skin/qorn_retouch", [](benchmark::State& state) { effect(state, retouch); }, {1, 2});
-    addRow("skin/qorn_whitening", [](benchmark::State& state) { effect(state, whitening); }, {1, 2});
-    addRow("skin/whole_picture", [](benchmark::State& state) { effect(state, skin); }, {1, 2});
-    addRow("skin/memcpy", copy, {1});
+    zelbench::addSizedRow("skin/qorn_retouch", [](benchmark::State& state) { effect(state, retouch); },
+                          {1, 2});
+    zelbench::addSizedRow("skin/qorn_whitening", [](benchmark::State& state) { effect(state, whitening); },
+                          {1, 2});
+    zelbench::addSizedRow("skin/whole_picture", [](benchmark::State& state) { effect(state, skin); }, {1, 2});
+    zelbench::addSizedRow("skin/memcpy", copy, {1});
     return true;
 }();
 

@@ -1,5 +1,4 @@
 // The skin smoother on a picture with one face, beside a plain copy of the picture.
-#include <cstring>
 #include <filesystem>
 
 #include "beautykernel/lazybeauty/lazybeauty.h"
@@ -14,15 +13,6 @@ zelbench::Size sizeFor(std::int64_t megapixels) {
     return megapixels >= kMegapixels48 ? zelbench::Size{8000, 6000} : zelbench::sizeOf(megapixels);
 }
 
-/// Bench pictures in skin's colours: less contrast, red above green above blue.
-std::vector<unsigned char> skinLike(zelbench::Size size) {
-    std::vector<unsigned char> rgba = zelbench::benchRgba(size);
-    constexpr int kBase[4] = {160, 120, 100, 255};
-    for (std::size_t i = 0; i < rgba.size(); ++i)
-        rgba[i] = static_cast<unsigned char>(i % 4 == 3 ? 255 : kBase[i % 4] + rgba[i] / 4);
-    return rgba;
-}
-
 zellab::FaceData oneFace(zelbench::Size size) {
     zellab::FaceData face;
     face.left = size.width / 3, face.right = size.width * 2 / 3;
@@ -33,29 +23,17 @@ zellab::FaceData oneFace(zelbench::Size size) {
 void lazyBeauty(benchmark::State& state) {
     const zelbench::Size size = sizeFor(state.range(0));
     const zellab::WorkerCount workers(static_cast<int>(state.range(1)));
-    const auto source = skinLike(size);
-    auto image = source;
     const zellab::FaceData face = oneFace(size);
     std::filesystem::current_path(ZEL_ASSETS);
-    for (auto _ : state) {
-        state.PauseTiming();
-        image = source;
-        state.ResumeTiming();
-        if (!zellab::CLazyBeauty().run(image.data(), size.width, size.height, true, true, 3, 3, 1, &face))
+    zelbench::runOnFreshPicture(state, size, zelbench::skinRgba(size), [&](unsigned char* image) {
+        if (!zellab::CLazyBeauty().run(image, size.width, size.height, true, true, 3, 3, 1, &face))
             state.SkipWithError("the assets are missing");
-    }
-    zelbench::countPixels(state, size);
+    });
 }
 
 void copy(benchmark::State& state) {
     const zelbench::Size size = sizeFor(state.range(0));
-    const auto source = skinLike(size);
-    auto target = source;
-    for (auto _ : state) {
-        std::memcpy(target.data(), source.data(), source.size());
-        benchmark::ClobberMemory();
-    }
-    zelbench::countPixels(state, size);
+    zelbench::copyPicture(state, size, zelbench::skinRgba(size));
 }
 
 BENCHMARK(lazyBeauty)

@@ -17,14 +17,6 @@ namespace {
 
 constexpr int kSizes[] = {160, 240, 360, 600, 900};  // pixels of the picture's height
 
-zel::Landmarks inPixels(const zel::Face& face, const zel::Image& image) {
-    zel::Landmarks points;
-    for (std::size_t i = 0; i < points.size(); ++i)
-        points[i] = {face.points[i].x * static_cast<float>(image.width),
-                     face.points[i].y * static_cast<float>(image.height)};
-    return points;
-}
-
 /// Landmarks that belong together, to see where a fit is weak.
 struct Group {
     const char* name;
@@ -59,11 +51,11 @@ int main(int argc, char** argv) {
         const unsigned seed = firstSeed + static_cast<unsigned>(i);
         const zel::Portrait portrait = zel::drawPortrait(zeltrain::variedPortrait(seed, size));
         const zel::FaceSet found = zel::findFaces(portrait.image, detector);
-        const auto truth = inPixels(portrait.faces.faces[0], portrait.image);
+        const auto truth = zel::landmarksInPixels(portrait.faces.faces[0], portrait.image);
         float best = 10, confidence = 0;
         zel::Landmarks bestPoints{};
         for (const zel::Face& face : found.faces) {
-            const auto points = inPixels(face, portrait.image);
+            const auto points = zel::landmarksInPixels(face, portrait.image);
             const float error = zel::landmarkError(points, truth);
             if (error < best) {
                 best = error;

@@ -13,14 +13,6 @@
 
 namespace {
 
-zel::Landmarks inPixels(const zel::Face& face, const zel::Image& image) {
-    zel::Landmarks points;
-    for (std::size_t i = 0; i < points.size(); ++i)
-        points[i] = {face.points[i].x * static_cast<float>(image.width),
-                     face.points[i].y * static_cast<float>(image.height)};
-    return points;
-}
-
 zel::FaceSet find(const zel::Image& image) {
     zel::FaceDetector detector(zel::detectorFolder());
     return zel::findFaces(image, detector);
@@ -44,8 +36,8 @@ TEST(LandmarkFit, FindsTheTrueLandmarksOfUnseenFaces) {
         const zel::FaceSet found = find(portrait.image);
         ASSERT_EQ(found.faces.size(), 1u) << i;
         EXPECT_GT(found.faces[0].confidence.value_or(0), 0.5f) << i;
-        const auto truth = inPixels(portrait.faces.faces[0], portrait.image);
-        const float error = zel::landmarkError(inPixels(found.faces[0], portrait.image), truth);
+        const auto truth = zel::landmarksInPixels(portrait.faces.faces[0], portrait.image);
+        const float error = zel::landmarkError(zel::landmarksInPixels(found.faces[0], portrait.image), truth);
         EXPECT_LT(error, 0.06f) << i;
         sum += error;
         // The rectangle is that of the same rule as the drawn one's.
@@ -66,7 +58,7 @@ TEST(LandmarkFit, MirroredPictureGivesMirroredLandmarks) {
         back[i] = {(1 - p.x) * static_cast<float>(portrait.image.width),
                    p.y * static_cast<float>(portrait.image.height)};
     }
-    EXPECT_LT(zel::landmarkError(back, inPixels(found.faces[0], portrait.image)), 0.03f);
+    EXPECT_LT(zel::landmarkError(back, zel::landmarksInPixels(found.faces[0], portrait.image)), 0.03f);
 }
 
 TEST(LandmarkFit, TwoFacesComeLargestFirst) {
@@ -83,7 +75,8 @@ TEST(LandmarkFit, TwoFacesComeLargestFirst) {
     put(large.image, small.image.width);
     const zel::FaceSet found = find(both);
     ASSERT_EQ(found.faces.size(), 2u);
-    const auto first = inPixels(found.faces[0], both), second = inPixels(found.faces[1], both);
+    const auto first = zel::landmarksInPixels(found.faces[0], both),
+               second = zel::landmarksInPixels(found.faces[1], both);
     EXPECT_GT(zel::pupilDistance(first), zel::pupilDistance(second));
     EXPECT_GT(first[64].x, static_cast<float>(small.image.width));
     EXPECT_LT(second[64].x, static_cast<float>(small.image.width));
