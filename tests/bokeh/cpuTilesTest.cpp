@@ -10,7 +10,7 @@
 #include "bokeh/weightPlane.h"
 #include "bokehCase.h"
 #include "reference/slowBokeh.h"
-#include "support/everyWorkerAndLevel.h"
+#include "support/everyMachine.h"
 
 namespace {
 
@@ -91,7 +91,7 @@ TEST_P(CpuTiles, MatchTheObviousLoopsBitForBit) {
         c.radius = zeltest::patchyRadius(p.width, p.height, p.largest, 5);
     if (p.spin) c.records = recordsOf(p.width, p.height);
     const Bytes expected = slowPicture(c);
-    zeltest::expectSameOnEveryWorkerCountAndLevel([&] { return chorePicture(c) == expected; });
+    zeltest::expectSameOnEveryMachine([&] { return chorePicture(c) == expected; });
     EXPECT_TRUE(chorePicture(c) == expected);
 }
 

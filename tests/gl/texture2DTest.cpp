@@ -4,7 +4,7 @@
 
 #include "gl/imageBuffer.h"
 #include "glSupport.h"
-#include "support/guardedBuffer.h"
+#include "support/guardedBytes.h"
 #include "support/randomImage.h"
 #include "support/streamCapture.h"
 
@@ -52,7 +52,7 @@ TEST_F(Texture2DTest, BytesComeBackAsTheyWent) {
             const std::size_t channels = order == kOrderRed ? 1 : order == kOrderRgb ? 3 : 4;
             const Bytes pixels = zeltest::randomBytes(channels * static_cast<std::size_t>(width) * 3, 7);
             const Texture2D texture(width, 3, order, kTypeByte, pixels.data());
-            zeltest::GuardedBuffer seen(pixels.size());
+            zeltest::GuardedBytes seen(pixels.size());
             ASSERT_TRUE(texture.read(0, 0, width, 3, seen.data()));
             ASSERT_EQ(Bytes(seen.data(), seen.data() + seen.size()), pixels) << order << ' ' << width;
             ASSERT_TRUE(seen.guardsIntact());

@@ -18,7 +18,7 @@ template <typename Check>
 void onEveryMachine(const Check& check) {
     using zellab::platform::SimdLevel;
     for (const SimdLevel level : {SimdLevel::baseline, SimdLevel::avx2})
-        for (const int workers : {1, 2, 3, 5}) {
+        for (const int workers : {1, 2, 3, 5, 8}) {
             SCOPED_TRACE(testing::Message()
                          << workers << " workers, instruction set " << static_cast<int>(level));
             const zellab::WorkerCount count(workers);
@@ -26,6 +26,18 @@ void onEveryMachine(const Check& check) {
             check();
             if (testing::Test::HasFailure()) return;
         }
+}
+
+/// Runs `operation` (which returns its result) on one worker at the baseline, then everywhere, and expects
+/// the same result each time.
+template <typename Operation>
+void expectSameOnEveryMachine(const Operation& operation) {
+    const auto expected = [&] {
+        const zellab::WorkerCount count(1);
+        const zellab::platform::SimdLimit limit(zellab::platform::SimdLevel::baseline);
+        return operation();
+    }();
+    onEveryMachine([&] { EXPECT_TRUE(operation() == expected); });
 }
 
 struct Size {

@@ -15,7 +15,9 @@ class GuardedBytes {
 public:
     enum class Against { pageBehind, pageBefore };
 
-    explicit GuardedBytes(std::size_t size, Against side = Against::pageBehind) : m_size(size) {
+    explicit GuardedBytes(std::size_t size, Against side = Against::pageBehind)
+        : GuardedBytes(size, kGuard, side) {}
+    GuardedBytes(std::size_t size, unsigned char fill, Against side = Against::pageBehind) : m_size(size) {
         const auto page = static_cast<std::size_t>(sysconf(_SC_PAGESIZE));
         m_room = (size + page - 1) / page * page;
         m_mapped = m_room + 2 * page;
@@ -25,6 +27,7 @@ public:
         m_begin = m_base + page;
         std::fill(m_begin, m_begin + m_room, kGuard);
         m_data = side == Against::pageBefore ? m_begin : m_begin + m_room - size;
+        std::fill_n(m_data, size, fill);
     }
     ~GuardedBytes() { munmap(m_base, m_mapped); }
     GuardedBytes(const GuardedBytes&) = delete;
@@ -32,11 +35,15 @@ public:
 
     unsigned char* data() { return m_data; }
     std::size_t size() const { return m_size; }
+    unsigned char operator[](std::size_t i) const { return m_data[i]; }
 
     bool guardsIntact() const {
         const auto isGuard = [](unsigned char b) { return b == kGuard; };
         return std::all_of(m_begin, m_data, isGuard) &&
                std::all_of(m_data + m_size, m_begin + m_room, isGuard);
+    }
+    bool allAre(unsigned char value) const {
+        return std::all_of(m_data, m_data + m_size, [=](unsigned char b) { return b == value; });
     }
 
 private:

@@ -7,7 +7,7 @@
 #include "beautykernel/blackeyecleaner/circleTables.h"
 #include "beautykernel/blackeyecleaner/underEyeShape.h"
 #include "frame/zel_effects.h"
-#include "support/guardedBuffer.h"
+#include "support/guardedBytes.h"
 #include "support/randomImage.h"
 #include "support/standardFace.h"
 #include "support/streamCapture.h"
@@ -103,7 +103,7 @@ TEST(UnderEyeShape, StaysInsideItsEndsAndTapers) {
 }
 
 TEST(UnderEyeShape, LeavesEverythingBesideThePlaneAlone) {
-    zeltest::GuardedBuffer buffer(20 * 10, 0);
+    zeltest::GuardedBytes buffer(20 * 10, 0);
     const zellab::PlaneView<zellab::Byte> plane(buffer.data(), 20, 10);
     zellab::drawUnderEyeShape(plane, {{-50, -20}, {90, 4}, {20, 30}, 200});
     zellab::drawUnderEyeShape(plane, {{-1e9f, 0}, {1e9f, 0}, {0, 1e9f}, 5});
@@ -222,7 +222,7 @@ TEST(DarkCircles, EyesAtTheBorderAndBrokenLandmarksAreHarmless) {
             remove(pixels, face, 1.0f, method);
         }
         for (const auto& [w, h] : {std::pair{1, 1}, {1, 40}, {40, 1}, {3, 3}}) {
-            zeltest::GuardedBuffer small(static_cast<std::size_t>(w * h) * 4, 50);
+            zeltest::GuardedBytes small(static_cast<std::size_t>(w * h) * 4, 50);
             zellab::CInterFacePoint points;
             points.SetFaceCount(1);
             points.AddFace(centredFace().data(), 0);

@@ -9,8 +9,8 @@
 #include "beautykernel/eyebright/eyeTables.h"
 #include "frame/zel_effects.h"
 #include "reference/slowEyeBright.h"
-#include "support/everyWorkerAndLevel.h"
-#include "support/guardedBuffer.h"
+#include "support/everyMachine.h"
+#include "support/guardedBytes.h"
 #include "support/randomImage.h"
 #include "support/standardFace.h"
 #include "support/streamCapture.h"
@@ -188,7 +188,7 @@ TEST(EyeBright, FacesPartlyOrWhollyOutsideAndTinyPictures) {
                 zeltest::Landmarks landmarks = zeltest::standardFace(x, y, size);
                 points.SetFaceCount(1);
                 points.AddFace(landmarks.data(), 0);
-                zeltest::GuardedBuffer buffer(static_cast<std::size_t>(width * height * 4));
+                zeltest::GuardedBytes buffer(static_cast<std::size_t>(width * height * 4));
                 const Bytes noise = zeltest::randomRgba(width, height, 5);
                 std::copy(noise.begin(), noise.end(), buffer.data());
                 TableSkin::ImageProcessWithAutoEyeBright(buffer.data(), width, height, &points, 0, 100, 0, 0,
@@ -237,7 +237,7 @@ TEST(EyeBright, ACutOutThatDoesNotFitIsLoggedAndMoved) {
 
 TEST(EyeBright, WorkersAndInstructionSetsChangeNothing) {
     EyesPicture eyes;
-    zeltest::expectSameOnEveryWorkerCountAndLevel([&] {
+    zeltest::expectSameOnEveryMachine([&] {
         Bytes out = eyes.rgba;
         brighten(out, &eyes.points, {100, 0, 0, 40, 70, 50, 40, 1.0f, 0.01f, 0.3f});
         return out;

@@ -4,7 +4,7 @@
 
 #include "frame/zel_effects.h"
 #include "reference/slowSkin.h"
-#include "support/guardedBuffer.h"
+#include "support/guardedBytes.h"
 #include "support/skinPicture.h"
 #include "support/standardFace.h"
 #include "support/streamCapture.h"
@@ -199,7 +199,7 @@ TEST(SkinOperations, BadInputIsContained) {
         for (auto& point : faces.record.faces[0].points) point[0] = kBad[odd.height % 5];
         faces.record.faces[0].rect[0] = NAN;
         for (const float bad : kBad) {
-            zeltest::GuardedBuffer rgba(count * 4), mask(count);
+            zeltest::GuardedBytes rgba(count * 4), mask(count);
             std::fill_n(nanParams, 4, bad);
             unsigned char* p = odd.width > 0 ? rgba.data() : nullptr;
             TableSkin::ImageProcessWithQornSkinRetouch(p, odd.width, odd.height, bad, faces.info(),

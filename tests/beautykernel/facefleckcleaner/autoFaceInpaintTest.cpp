@@ -11,7 +11,7 @@
 #include "frame/faceTemplate.h"
 #include "frame/zel_effects.h"
 #include "support/everyMachine.h"
-#include "support/guardedBuffer.h"
+#include "support/guardedBytes.h"
 
 namespace {
 
@@ -178,8 +178,8 @@ TEST(AutoFaceInpaint, BadInputIsContained) {
             for (const Vector2f shift :
                  {Vector2f{0, 0}, {-15, -30}, {30, 40}, {500, 0}, {nan, 0}, {huge, huge}})
                 for (const float scale : {1.0f, 0.0f, 0.4f, 30.0f}) {
-                    zeltest::GuardedBuffer pixels(static_cast<std::size_t>(w * h) * 4, 150);
-                    zeltest::GuardedBuffer plane(static_cast<std::size_t>(w * h), 1);
+                    zeltest::GuardedBytes pixels(static_cast<std::size_t>(w * h) * 4, 150);
+                    zeltest::GuardedBytes plane(static_cast<std::size_t>(w * h), 1);
                     std::array<Vector2f, 83> landmarks = kTemplateLandmarks;
                     for (Vector2f& p : landmarks)
                         p = {p.x * static_cast<float>(w) * scale + shift.x,

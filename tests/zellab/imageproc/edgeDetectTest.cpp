@@ -4,8 +4,8 @@
 
 #include <algorithm>
 
-#include "support/everyWorkerAndLevel.h"
-#include "support/guardedBuffer.h"
+#include "support/everyMachine.h"
+#include "support/guardedBytes.h"
 #include "support/randomImage.h"
 
 namespace {
@@ -73,7 +73,7 @@ TEST(EdgeDetectCanny, BadArgumentsAndOddShapes) {
     for (const auto& [width, height] :
          {std::pair{2, 2}, std::pair{2, 1000}, std::pair{1000, 2}, std::pair{3, 3}}) {
         const Bytes noise = zeltest::randomPlane(width, height, 3);
-        zeltest::GuardedBuffer out(noise.size());
+        zeltest::GuardedBytes out(noise.size());
         EXPECT_TRUE(EdgeDetectCanny(noise.data(), out.data(), width, height, width, 0, 1, 2, true));
         EXPECT_TRUE(out.guardsIntact());
     }
@@ -82,7 +82,7 @@ TEST(EdgeDetectCanny, BadArgumentsAndOddShapes) {
 TEST(EdgeDetectCanny, WorkersLevelsAndWorkingInPlaceChangeNothing) {
     const Bytes plane = smoothPlane(157, 301);
     for (bool automatic : {false, true}) {
-        zeltest::expectSameOnEveryWorkerCountAndLevel([&] { return edgesOf(plane, 157, 5, 10, automatic); });
+        zeltest::expectSameOnEveryMachine([&] { return edgesOf(plane, 157, 5, 10, automatic); });
         Bytes inPlace = plane;
         EdgeDetectCanny(inPlace.data(), inPlace.data(), 157, 301, 157, 0, 5, 10, automatic);
         EXPECT_EQ(inPlace, edgesOf(plane, 157, 5, 10, automatic));

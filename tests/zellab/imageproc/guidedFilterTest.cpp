@@ -7,8 +7,8 @@
 #include <limits>
 
 #include "reference/slowGuidedFilter.h"
-#include "support/everyWorkerAndLevel.h"
-#include "support/guardedBuffer.h"
+#include "support/everyMachine.h"
+#include "support/guardedBytes.h"
 #include "support/randomImage.h"
 #include "zellab/imageproc/guidedFilterColor.h"
 #include "zellab/imageproc/guidedFilterPlane.h"
@@ -125,8 +125,7 @@ TEST(GuidedFilterColor, WorkersAndInstructionSetsChangeNothing) {
                            Floats{90.0f, -1.0f, 1e30f}})
         for (int radius : {2, 20, 95})
             for (bool smooth : {false, true})
-                zeltest::expectSameOnEveryWorkerCountAndLevel(
-                    [&] { return filtered(picture, 83, f, radius, smooth); });
+                zeltest::expectSameOnEveryMachine([&] { return filtered(picture, 83, f, radius, smooth); });
 }
 
 TEST(GuidedFilterColor, BadArgumentsAndOddShapes) {
@@ -142,7 +141,7 @@ TEST(GuidedFilterColor, BadArgumentsAndOddShapes) {
     filter.Run(const_cast<unsigned char*>(noise.data()), 30, -20, 1.0f, 0.1f, 0.1f, 3, false);
     for (const auto& [width, height] : {std::pair{1, 1}, std::pair{1, 900}, std::pair{900, 1}})
         for (bool smooth : {false, true}) {
-            zeltest::GuardedBuffer rgba(static_cast<std::size_t>(width * height * 4));
+            zeltest::GuardedBytes rgba(static_cast<std::size_t>(width * height * 4));
             filter.Run(rgba.data(), width, height, 1.0f, 0.1f, 0.1f, 5, smooth);
             EXPECT_TRUE(rgba.guardsIntact());
         }
@@ -200,12 +199,12 @@ TEST(GuidedFilterPlane, MovesTheEdgeToTheGuidesAndMeansWhereTheGuideIsFlat) {
 
 TEST(GuidedFilterPlane, WorkersOddShapesAndBadArguments) {
     const Bytes noise = zeltest::patternRgba(130, 150, 8), plane = zeltest::randomPlane(130, 150, 9);
-    zeltest::expectSameOnEveryWorkerCountAndLevel([&] { return guided(plane, noise, 130, 2, 0.1f, 2.5f); });
+    zeltest::expectSameOnEveryMachine([&] { return guided(plane, noise, 130, 2, 0.1f, 2.5f); });
     for (const auto& [width, height] :
          {std::pair{1, 1}, std::pair{1, 900}, std::pair{900, 1}, std::pair{7, 3}})
         for (int radius : {-4, 0, 2, INT_MAX}) {
             const Bytes guide = zeltest::randomRgba(width, height, 2);
-            zeltest::GuardedBuffer buffer(static_cast<std::size_t>(width * height), 31);
+            zeltest::GuardedBytes buffer(static_cast<std::size_t>(width * height), 31);
             zellab::GuidedFilterPlane(buffer.data(), guide.data(), width, height, radius, 0.1f, 4.0f);
             EXPECT_TRUE(buffer.guardsIntact() && buffer.allAre(31));
             zellab::GuidedFilterPlane(buffer.data(), nullptr, width, height, radius, 0.1f, 4.0f);

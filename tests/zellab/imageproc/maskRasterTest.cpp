@@ -5,7 +5,7 @@
 #include <cmath>
 #include <limits>
 
-#include "support/guardedBuffer.h"
+#include "support/guardedBytes.h"
 #include "support/randomImage.h"
 
 namespace {
@@ -74,7 +74,7 @@ TEST(MaskRaster, LeavesOutWhatItCannotDraw) {
 }
 
 TEST(MaskRaster, StaysInsideWithCornersAndTexturesFarOutside) {
-    zeltest::GuardedBuffer target(7 * 5 * 4, 1);
+    zeltest::GuardedBytes target(7 * 5 * 4, 1);
     Bytes texture = zeltest::randomRgba(1, 1, 2);
     CZelMaskRaster raster;
     raster.SetTarget(target.data(), 7, 5);

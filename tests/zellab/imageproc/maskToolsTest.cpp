@@ -5,8 +5,8 @@
 #include <climits>
 #include <cstdlib>
 
-#include "support/everyWorkerAndLevel.h"
-#include "support/guardedBuffer.h"
+#include "support/everyMachine.h"
+#include "support/guardedBytes.h"
 #include "support/randomImage.h"
 #include "zellab/imageproc/floodFill.h"
 #include "zellab/imageproc/maskMorphology.h"
@@ -57,7 +57,7 @@ TEST(FloodFill, SeedsAreLimitedAndBadArgumentsIgnored) {
     ScanlineFloodFill(untouched.data(), 0, 3, 0, 0);
     ScanlineFloodFill(untouched.data(), 4, -3, 0, 0);
     EXPECT_EQ(untouched, empty);
-    zeltest::GuardedBuffer line(5000, 0);
+    zeltest::GuardedBytes line(5000, 0);
     ScanlineFloodFill(line.data(), 1, 5000, 0, 4999);
     EXPECT_TRUE(line.allAre(255) && line.guardsIntact());
 }
@@ -118,7 +118,7 @@ TEST(Morphology, BadArgumentsChangeNothingAndWorkersNeither) {
     ThinMask(nullptr, 133, 170);
     ThinMask(same.data(), 133, 0);
     EXPECT_EQ(same, mask);
-    zeltest::expectSameOnEveryWorkerCountAndLevel([&] {
+    zeltest::expectSameOnEveryMachine([&] {
         Bytes out = mask;
         BoxMorphology(out.data(), 133, 170, 2, true);
         MaxFilterVertical(out.data(), 133, 170, 5);

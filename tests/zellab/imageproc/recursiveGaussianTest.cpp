@@ -5,8 +5,8 @@
 #include <cmath>
 #include <limits>
 
-#include "support/everyWorkerAndLevel.h"
-#include "support/guardedBuffer.h"
+#include "support/everyMachine.h"
+#include "support/guardedBytes.h"
 #include "support/randomImage.h"
 
 namespace {
@@ -61,7 +61,7 @@ TEST(RecursiveGaussian, LimitsOfSigma) {
 // Five bytes a pixel: one is blurred, four and the rows' tail belong to somebody else.
 TEST(RecursiveGaussian, LeavesOtherBytesAndRefusesBadArguments) {
     constexpr int kWidth = 40, kHeight = 37, kRowBytes = kWidth * 5 + 3;
-    zeltest::GuardedBuffer buffer(kRowBytes * kHeight);
+    zeltest::GuardedBytes buffer(kRowBytes * kHeight);
     for (int y = 0; y < kHeight; ++y)
         for (int x = 0; x < kWidth; ++x)
             buffer.data()[y * kRowBytes + 5 * x] = static_cast<unsigned char>(x * y);

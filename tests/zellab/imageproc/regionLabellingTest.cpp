@@ -6,7 +6,7 @@
 #include <memory>
 #include <vector>
 
-#include "support/everyWorkerAndLevel.h"
+#include "support/everyMachine.h"
 #include "support/randomImage.h"
 
 namespace {

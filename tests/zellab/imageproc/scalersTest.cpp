@@ -4,8 +4,8 @@
 #include <cmath>
 #include <cstdlib>
 
-#include "support/everyWorkerAndLevel.h"
-#include "support/guardedBuffer.h"
+#include "support/everyMachine.h"
+#include "support/guardedBytes.h"
 #include "support/randomImage.h"
 #include "zellab/imageproc/imageResampler.h"
 #include "zellab/imageproc/imageView.h"
@@ -19,7 +19,7 @@ using zellab::ImageResampler;
 using zellab::sampleCount;
 using zellab::ScaleBilinearThreaded;
 using zeltest::Bytes;
-using zeltest::GuardedBuffer;
+using zeltest::GuardedBytes;
 
 constexpr int kQualities[] = {0, 1, 2, 3};
 
@@ -55,7 +55,7 @@ TEST(Scalers, AConstantStaysAndNothingBesideTheTargetIsWritten) {
                 SCOPED_TRACE(testing::Message() << from << " to " << to << ", channels " << channels);
                 const int sh = (from * 3) % 71, th = (to * 5) % 71;
                 const Bytes source(sampleCount(from, sh, channels), kValue);
-                GuardedBuffer bilinear(sampleCount(to, th, channels));
+                GuardedBytes bilinear(sampleCount(to, th, channels));
                 if (from == to && sh == th) continue;
                 ASSERT_TRUE(
                     ScaleBilinearThreaded(source.data(), from, sh, bilinear.data(), to, th, channels));
@@ -63,7 +63,7 @@ TEST(Scalers, AConstantStaysAndNothingBesideTheTargetIsWritten) {
                 for (std::size_t i = 0; i < bilinear.size(); ++i)
                     ASSERT_EQ(bilinear[i], channels == 4 && i % 4 == 3 ? 255 : kValue);
                 for (int quality : kQualities) {
-                    GuardedBuffer target(sampleCount(to, th, channels));
+                    GuardedBytes target(sampleCount(to, th, channels));
                     ASSERT_TRUE(ImageResampler().Resize(source.data(), from, sh, target.data(), to, th,
                                                         channels, quality));
                     ASSERT_TRUE(target.guardsIntact() && target.allAre(kValue)) << "quality " << quality;
@@ -83,7 +83,7 @@ TEST(Scalers, EqualSizesCopyAndBadArgumentsLeaveTheTarget) {
         int sw, sh, tw, th, channels;
     } bad[] = {{0, 5, 9, 5, 4},  {9, -5, 9, 5, 4}, {9, 5, 0, 5, 4},
                {9, 5, 9, -1, 4}, {9, 5, 3, 3, 0},  {9, 5, 3, 3, -4}};
-    GuardedBuffer guarded(source.size());
+    GuardedBytes guarded(source.size());
     for (const auto& b : bad) {
         EXPECT_FALSE(
             ScaleBilinearThreaded(source.data(), b.sw, b.sh, guarded.data(), b.tw, b.th, b.channels));
@@ -104,7 +104,7 @@ TEST(Scalers, LongThinPicturesStayInside) {
     } cases[] = {{5000, 1, 1, 5000}, {1, 5000, 5000, 1}, {5000, 1, 1, 1}, {1, 5000, 1, 2}, {1, 1, 50, 50}};
     for (const auto& c : cases)
         for (int channels : {1, 4}) {
-            GuardedBuffer target(sampleCount(c.tw, c.th, channels));
+            GuardedBytes target(sampleCount(c.tw, c.th, channels));
             EXPECT_TRUE(
                 ScaleBilinearThreaded(source.data(), c.sw, c.sh, target.data(), c.tw, c.th, channels));
             for (int quality : kQualities)
@@ -178,7 +178,7 @@ TEST(YuvScale, ChecksSizesAndStaysInside) {
     using zellab::YuvFilter;
     for (YuvFilter filter : {YuvFilter::none, YuvFilter::linear, YuvFilter::bilinear, YuvFilter::box}) {
         const Bytes source(sampleCount(37, 23, 4), 90);
-        GuardedBuffer target(sampleCount(11, 40, 4)), plane(sampleCount(50, 9));
+        GuardedBytes target(sampleCount(11, 40, 4)), plane(sampleCount(50, 9));
         EXPECT_TRUE(zellab::scaleArgb(source.data(), 37, 23, target.data(), 11, 40, filter));
         EXPECT_TRUE(zellab::scalePlane(source.data(), 37, 23, plane.data(), 50, 9, filter));
         EXPECT_TRUE(target.guardsIntact() && plane.guardsIntact());

@@ -152,14 +152,6 @@ TEST(ContrastBrightness, StepsOfTheSlidersAreRounded) {
     EXPECT_EQ(adjusted(70, std::nanf(""), std::nanf("")), 70);
 }
 
-TEST(ContrastBrightness, ContrastActsOnTheResultOfBrightness) {
-    Table bright, contrast;
-    zellab::BrightnessTable(75, bright.data());
-    zellab::ContrastTable(40, contrast.data());
-    for (int level : {3, 60, 128, 200, 254})
-        EXPECT_EQ(adjusted(level, 50, 40), contrast[bright[static_cast<std::size_t>(level)]]);
-}
-
 // A first x above 0 shifts the segments to the left, and what is too long ends with the table.
 TEST(SFCurve, OddPointsStayInsideTheTable) {
     std::vector<unsigned char> guarded(256 + 64, 0xa5);
