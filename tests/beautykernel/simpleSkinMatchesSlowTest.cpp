@@ -10,15 +10,6 @@ using ZelImageCore::TableSkin;
 using zeltest::Bytes;
 using zeltest::Size;
 
-template <typename Operation>
-void compareEverywhere(const Bytes& expected, const Bytes& picture, Size size, const Operation& operation) {
-    zeltest::onEveryMachine([&] {
-        Bytes actual = picture;
-        operation(actual.data(), size.width, size.height);
-        ASSERT_TRUE(zeltest::sameSamples(expected, actual, size.width * 4));
-    });
-}
-
 /// Noise meets every branch, a patterned picture the values between; one size is shared by workers.
 std::vector<std::pair<Size, Bytes>> pictures() {
     std::vector<std::pair<Size, Bytes>> all;
@@ -36,11 +27,12 @@ TEST(BrightAndMascaraMatchSlow, OnEveryLevel) {
                                                 << radius << ", level " << level);
                 Bytes expected = picture;
                 slow::highPassBrighten(expected, size.width, size.height, radius, level);
-                compareEverywhere(expected, picture, size, [&](unsigned char* p, int w, int h) {
-                    EXPECT_TRUE(TableSkin::ImageProcessWithBright(p, w, h, radius, level));
+                zeltest::compareEverywhere(expected, picture, size.width * 4, [&](Bytes& p) {
+                    EXPECT_TRUE(
+                        TableSkin::ImageProcessWithBright(p.data(), size.width, size.height, radius, level));
                 });
-                compareEverywhere(expected, picture, size, [&](unsigned char* p, int w, int h) {
-                    TableSkin::ImageProcessWithMascara(p, w, h, radius, level);
+                zeltest::compareEverywhere(expected, picture, size.width * 4, [&](Bytes& p) {
+                    TableSkin::ImageProcessWithMascara(p.data(), size.width, size.height, radius, level);
                 });
                 ASSERT_FALSE(HasFailure());
             }
@@ -52,8 +44,8 @@ TEST(NatureSmoothMatchesSlow, OnNoiseAndPattern) {
             SCOPED_TRACE(testing::Message() << size.width << " by " << size.height << ", radius " << radius);
             Bytes expected = picture;
             slow::natureSmooth(expected, size.width, size.height, radius);
-            compareEverywhere(expected, picture, size, [&](unsigned char* p, int w, int h) {
-                TableSkin::ImageProcessWithNatureSmooth(p, w, h, radius);
+            zeltest::compareEverywhere(expected, picture, size.width * 4, [&](Bytes& p) {
+                TableSkin::ImageProcessWithNatureSmooth(p.data(), size.width, size.height, radius);
             });
             ASSERT_FALSE(HasFailure());
         }

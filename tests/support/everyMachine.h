@@ -63,4 +63,15 @@ testing::AssertionResult sameSamples(const Samples& expected, const Samples& act
            << +*at.first << ", got " << +*at.second << "; " << differing << " differ";
 }
 
+/// Runs an operation in place on copies of `picture` everywhere and compares with `expected`.
+template <typename Operation>
+void compareEverywhere(const Bytes& expected, const Bytes& picture, int samplesPerRow,
+                       const Operation& operation) {
+    onEveryMachine([&] {
+        Bytes actual = picture;
+        operation(actual);
+        ASSERT_TRUE(sameSamples(expected, actual, samplesPerRow));
+    });
+}
+
 }  // namespace zeltest

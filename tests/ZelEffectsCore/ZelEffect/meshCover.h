@@ -1,9 +1,13 @@
 #pragma once
 
+#include <gtest/gtest.h>
+
+#include <algorithm>
 #include <cstdint>
 #include <span>
 
 #include "frame/zel_records.h"
+#include "support/randomImage.h"
 
 namespace zeltest {
 
@@ -22,6 +26,24 @@ inline int coverage(zellab::Vector2f p, const zellab::Vector2f* mesh,
         count += sides == 3 || sides == -3;
     }
     return count;
+}
+
+/// Expects that every pixel that differs between two pictures of `width` pixels across lies on the mesh: its
+/// own centre or a point of one on an edge. @return how many differ
+inline std::size_t changesOnTheMesh(const Bytes& before, const Bytes& after, int width,
+                                    const zellab::Vector2f* mesh, std::span<const std::uint16_t> triangles) {
+    std::size_t changed = 0;
+    for (std::size_t at = 0; at < before.size(); at += 4) {
+        if (std::equal(&after[at], &after[at] + 4, &before[at])) continue;
+        ++changed;
+        const int x = static_cast<int>(at / 4) % width, y = static_cast<int>(at / 4) / width;
+        int cover = 0;
+        for (float dx : {-0.6f, 0.0f, 0.6f})
+            for (float dy : {-0.6f, 0.0f, 0.6f})
+                cover += coverage({static_cast<float>(x) + dx, static_cast<float>(y) + dy}, mesh, triangles);
+        EXPECT_GT(cover, 0) << x << ',' << y;
+    }
+    return changed;
 }
 
 }  // namespace zeltest

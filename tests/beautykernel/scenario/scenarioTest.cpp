@@ -189,7 +189,6 @@ TEST(OtherScenarios, NullPointersAndTinyPicturesAreHarmless) {
     for (int type = 0; type <= 8; ++type) {
         ZelImageCore::CScenarioBeauty beauty;
         const auto scenario = static_cast<eScenarioType>(type);
-        beauty.Run(nullptr, kWidth, kHeight, scenario, 0.5f, lookup.data(), face.info());
         ran(scenario, 0.5f, nullptr, nullptr);
         for (const auto& [w, h] : {std::pair{1, 1}, {1, 50}, {50, 1}, {0, 5}, {5, -1}}) {
             Bytes pixels(static_cast<std::size_t>(std::max(w * h, 1)) * 4, 90);

@@ -15,16 +15,6 @@ using slow::Table;
 using zeltest::Bytes;
 using zeltest::Size;
 
-/// Runs an operation in place on copies of `picture` everywhere and compares with `expected`.
-template <typename Operation>
-void compareEverywhere(const Bytes& expected, const Bytes& picture, int width, const Operation& operation) {
-    zeltest::onEveryMachine([&] {
-        Bytes actual = picture;
-        operation(actual);
-        ASSERT_TRUE(zeltest::sameSamples(expected, actual, width * 4));
-    });
-}
-
 /// All byte values in every channel, with an alpha that no operation may touch.
 Bytes greyRamp() {
     Bytes ramp;
@@ -50,7 +40,7 @@ TEST(AutoLevelsMatchesSlow, OnDarkFlatAndWidePictures) {
             for (auto& b : picture) b = static_cast<unsigned char>(range.from + b * range.span / 256);
             Bytes expected = picture;
             slow::autoLevels(expected);
-            compareEverywhere(expected, picture, size.width, [&](Bytes& p) {
+            zeltest::compareEverywhere(expected, picture, size.width * 4, [&](Bytes& p) {
                 zellab::AutoLevels(p.data(), size.width, size.height, size.width * 4, 0, nullptr, nullptr);
             });
             ASSERT_FALSE(HasFailure());
@@ -112,8 +102,9 @@ TEST(ColorTemperatureBlendMatchesSlow, AtTheTellingEntriesAndBetween) {
         SCOPED_TRACE(testing::Message() << "strength " << strength);
         Bytes expected = ramp;
         slow::temperatureBlend(expected, strength, curves[strength > 0.5f]);
-        compareEverywhere(expected, ramp, 256,
-                          [&](Bytes& p) { zellab::ColorTemperatureBlend(p.data(), 256, 1, strength, 0); });
+        zeltest::compareEverywhere(expected, ramp, 256 * 4, [&](Bytes& p) {
+            zellab::ColorTemperatureBlend(p.data(), 256, 1, strength, 0);
+        });
     }
 }
 
@@ -123,8 +114,8 @@ TEST(ToneTableBlendMatchesSlow, OnEveryByteAndEitherSign) {
         SCOPED_TRACE(testing::Message() << "strength " << strength);
         Bytes expected = ramp;
         slow::toneTableBlend(expected, strength);
-        compareEverywhere(expected, ramp, 256,
-                          [&](Bytes& p) { zellab::ToneTableBlend(p.data(), 256, 1, strength); });
+        zeltest::compareEverywhere(expected, ramp, 256 * 4,
+                                   [&](Bytes& p) { zellab::ToneTableBlend(p.data(), 256, 1, strength); });
     }
 }
 
@@ -139,7 +130,7 @@ TEST(MixByAlphaMatchesSlow, OnEveryPairOfBytes) {
         SCOPED_TRACE(testing::Message() << "alpha " << alpha);
         Bytes expected = after;
         slow::mixByAlpha(expected, before, after, alpha);
-        compareEverywhere(expected, after, 256, [&](Bytes& result) {
+        zeltest::compareEverywhere(expected, after, 256 * 4, [&](Bytes& result) {
             zellab::MixByAlpha(result.data(), before.data(), result.data(), 256, 256, alpha);
         });
     }
@@ -148,7 +139,7 @@ TEST(MixByAlphaMatchesSlow, OnEveryPairOfBytes) {
                     b = zeltest::randomRgba(size.width, size.height, 34);
         Bytes expected(a.size(), 66);
         slow::mixByAlpha(expected, a, b, 0.61f);
-        compareEverywhere(expected, Bytes(a.size(), 66), size.width, [&](Bytes& result) {
+        zeltest::compareEverywhere(expected, Bytes(a.size(), 66), size.width * 4, [&](Bytes& result) {
             zellab::MixByAlpha(result.data(), a.data(), b.data(), size.width, size.height, 0.61f);
         });
     }
@@ -173,7 +164,7 @@ TEST(UnsharpMaskMatchesSlow, OnPicturesAndPlanes) {
                 Bytes expected = picture;
                 slow::unsharpMask(expected, size.width, size.height, size.width * channels, c.amount,
                                   c.radius, c.threshold);
-                compareEverywhere(expected, picture, size.width, [&](Bytes& p) {
+                zeltest::compareEverywhere(expected, picture, size.width * 4, [&](Bytes& p) {
                     EXPECT_TRUE(zellab::UnsharpMask(p.data(), size.width, size.height, size.width * channels,
                                                     c.amount, c.radius,
                                                     static_cast<unsigned char>(c.threshold), 0));
