@@ -18,7 +18,7 @@ set(CMAKE_CXX_FLAGS_RELWITHDEBINFO "-O2 -g")
 add_compile_options(-ffp-contract=off)
 # Log lines and assert texts name files from the source folder on, never a machine's path.
 # Of two that fit, g++ takes the one that it was given last.
-add_compile_options("-ffile-prefix-map=${CMAKE_SOURCE_DIR}/=" "-ffile-prefix-map=${CMAKE_SOURCE_DIR}/src/=")
+add_compile_options("-ffile-prefix-map=${PROJECT_SOURCE_DIR}/=" "-ffile-prefix-map=${PROJECT_SOURCE_DIR}/src/=")
 
 add_compile_options(-Wall -Wextra -Wshadow -Wnon-virtual-dtor -Woverloaded-virtual -Wcast-align)
 if(CMAKE_CXX_COMPILER_ID MATCHES "Clang")

@@ -2,7 +2,7 @@
 
 # The sources of one room of the library, listed by name.
 function(zelLibrarySources)
-  target_sources(zel_effects_objects PRIVATE ${ARGN})
+  target_sources(zel_core PRIVATE ${ARGN})
 endfunction()
 
 # Tests, benchmarks: every folder adds its files to the one program of its kind.
@@ -17,7 +17,7 @@ endfunction()
 # One libFuzzer program from NAME.cpp in the current folder.
 function(zelAddFuzzer name)
   add_executable(${name} ${name}.cpp)
-  target_link_libraries(${name} PRIVATE zel_effects_objects)
+  target_link_libraries(${name} PRIVATE zel_core)
   target_compile_options(${name} PRIVATE -fsanitize=fuzzer)
   target_link_options(${name} PRIVATE -fsanitize=fuzzer)
 endfunction()

@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "CrossPlateform/platform_win/stb_image_util/imageScramble.h"
-#include "frame/zel_effects.h"
+#include "zel_effects/zel_effects.h"
 #include "loadOptions.h"
 
 namespace {

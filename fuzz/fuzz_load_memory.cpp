@@ -2,7 +2,7 @@
 #include <cstdint>
 #include <vector>
 
-#include "frame/zel_effects.h"
+#include "zel_effects/zel_effects.h"
 #include "loadOptions.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* input, std::size_t size) {

@@ -2,7 +2,7 @@
 #include <cstdint>
 #include <cstdlib>
 
-#include "platform/tavio/onnxHead.h"
+#include "inference/onnxHead.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* input, std::size_t size) {
     const auto head = zellab::platform::readOnnxHead({input, size});

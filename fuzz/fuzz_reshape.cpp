@@ -4,7 +4,7 @@
 #include <cstring>
 #include <vector>
 
-#include "frame/zel_effects.h"
+#include "zel_effects/zel_effects.h"
 
 namespace {
 

@@ -6,8 +6,8 @@
 #include <string>
 #include <vector>
 
-#include "faces.h"
-#include "image.h"
+#include "portrait/faces.h"
+#include "portrait/image.h"
 
 /// What an effect of the `zel` command is: a name, its parameters, and a function that calls the library.
 

@@ -3,9 +3,9 @@
 #include <memory>
 #include <vector>
 
-#include "faces.h"
-#include "interFacePoint.h"
-#include "zel_records.h"
+#include "portrait/faces.h"
+#include "zel_effects/interFacePoint.h"
+#include "zel_effects/zel_records.h"
 
 /// Face data in the three forms that the library's calls take.
 

@@ -3,7 +3,7 @@
 #include <filesystem>
 #include <string>
 
-#include "faces.h"
+#include "portrait/faces.h"
 
 /// FACES.json: {"image": {"width": W, "height": H}, "faces": [{"rect": [x, y, w, h], "points": [[x, y] x
 /// 83]}]}, all numbers as fractions of the picture. A face may tell the "confidence" of its finder, 0 to 1.

@@ -8,8 +8,8 @@
 #include <string>
 
 #include "defocusTruth.h"
-#include "frame/zel_effects.h"
-#include "offscreenContext.h"
+#include "zel_effects/zel_effects.h"
+#include "zel_effects/offscreenContext.h"
 
 namespace {
 

@@ -3,12 +3,12 @@
 #include <array>
 #include <cmath>
 
-#include "background.h"
+#include "portrait/background.h"
 #include "bokeh/focusDecision.h"
 #include "bokeh/radiusMap.h"
-#include "develop.h"
-#include "sitter.h"
-#include "zellab/imageproc/parallelRows.h"
+#include "portrait/develop.h"
+#include "portrait/sitter.h"
+#include "zellab/imageproc/core/parallelRows.h"
 #include "zellab/imageproc/sfdsp/yuvScale.h"
 
 namespace zelmeasures {

@@ -2,7 +2,7 @@
 
 #include <vector>
 
-#include "portrait.h"
+#include "portrait/portrait.h"
 
 /// What a lens would make of a drawn portrait, worked out at full size from its two layers: the background
 /// blurred without the person, the person sharp before it.

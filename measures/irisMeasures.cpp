@@ -5,7 +5,7 @@
 #include <cstdio>
 #include <cstdlib>
 
-#include "frame/zel_effects.h"
+#include "zel_effects/zel_effects.h"
 #include "support/syntheticEyes.h"
 
 namespace {

@@ -13,7 +13,7 @@
 #include "beautykernel/skinmaskstatisdetector/skinModel.h"
 #include "faceRecords.h"
 #include "fleckMeasures.h"
-#include "zellab/imageproc/yCbCr.h"
+#include "zellab/imageproc/colour/yCbCr.h"
 
 namespace zelmeasure {
 

@@ -6,8 +6,8 @@
 #include <string>
 #include <vector>
 
-#include "portrait.h"
-#include "zel_effects.h"
+#include "portrait/portrait.h"
+#include "zel_effects/zel_effects.h"
 
 /// Synthetic portraits with one kind of defect each, and what a repair of them is judged by.
 

@@ -8,10 +8,10 @@
 
 #include "beautykernel/lazybeauty/lazybeauty.h"
 #include "beautykernel/skintools/skinMaskFromColor.h"
-#include "frame/faceData.h"
-#include "portrait.h"
+#include "facepoints/faceData.h"
+#include "portrait/portrait.h"
 #include "reference/slowLazyBeauty.h"
-#include "zellab/imageproc/maskMorphology.h"
+#include "zellab/imageproc/masks/maskMorphology.h"
 #include "zellab/imageproc/sfdsp/scaleBilinear.h"
 
 namespace {

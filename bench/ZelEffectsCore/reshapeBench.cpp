@@ -6,8 +6,8 @@
 #include "ZelEffectsCore/ZelEffect/FaceSlimRender/faceMeshWarp.h"
 #include "ZelEffectsCore/ZelEffect/liquify/liquify.h"
 #include "benchPicture.h"
-#include "frame/faceTemplate.h"
-#include "frame/zel_effects.h"
+#include "facepoints/faceTemplate.h"
+#include "zel_effects/zel_effects.h"
 
 namespace {
 

@@ -9,7 +9,7 @@
 #include "bokeh/weightPlane.h"
 #include "bokehBench.h"
 #include "frame/processorCount.h"
-#include "zellab/imageproc/parallelRows.h"
+#include "zellab/imageproc/core/parallelRows.h"
 
 namespace {
 

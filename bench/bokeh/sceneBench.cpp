@@ -4,11 +4,11 @@
 
 #include "bokeh/disparityMap.h"
 #include "bokehBench.h"
-#include "frame/zel_effects.h"
+#include "zel_effects/zel_effects.h"
 #include "gl/environment.h"
 #include "gl/texture2D.h"
 #include "gl/utils.h"
-#include "zellab/imageproc/guidedFilterPlane.h"
+#include "zellab/imageproc/edgeaware/guidedFilterPlane.h"
 #include "zellab/imageproc/sfdsp/yuvScale.h"
 
 namespace {

@@ -10,7 +10,7 @@
 #include "pictures/pngFile.h"
 #include "pictures/sheet.h"
 #include "pictures/writePicture.h"
-#include "portraitDepth.h"
+#include "depth/portraitDepth.h"
 #include "run/assets.h"
 #include "run/logCapture.h"
 #include "run/messages.h"

@@ -6,9 +6,9 @@
 #include "../pictures/readPicture.h"
 #include "effectLists.h"
 #include "effectParts.h"
-#include "offscreenContext.h"
-#include "portraitDepth.h"
-#include "zel_effects.h"
+#include "zel_effects/offscreenContext.h"
+#include "depth/portraitDepth.h"
+#include "zel_effects/zel_effects.h"
 
 namespace zel {
 

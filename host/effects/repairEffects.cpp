@@ -3,7 +3,7 @@
 
 #include "effectLists.h"
 #include "effectParts.h"
-#include "zel_effects.h"
+#include "zel_effects/zel_effects.h"
 
 namespace zel {
 

@@ -1,6 +1,6 @@
 #include "effectLists.h"
 #include "effectParts.h"
-#include "zel_effects.h"
+#include "zel_effects/zel_effects.h"
 
 namespace zel {
 

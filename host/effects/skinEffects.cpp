@@ -1,7 +1,7 @@
 #include "../cube/cubeFile.h"
 #include "effectLists.h"
 #include "effectParts.h"
-#include "zel_effects.h"
+#include "zel_effects/zel_effects.h"
 
 namespace zel {
 

@@ -3,8 +3,8 @@
 #include <string>
 
 #include "faceDetector.h"
-#include "faces.h"
-#include "image.h"
+#include "portrait/faces.h"
+#include "portrait/image.h"
 
 namespace zel {
 

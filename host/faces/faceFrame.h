@@ -3,9 +3,9 @@
 #include <array>
 #include <vector>
 
-#include "faces.h"
-#include "image.h"
-#include "zel_records.h"
+#include "portrait/faces.h"
+#include "portrait/image.h"
+#include "zel_effects/zel_records.h"
 
 namespace zel {
 

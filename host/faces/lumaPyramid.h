@@ -2,7 +2,7 @@
 
 #include <vector>
 
-#include "image.h"
+#include "portrait/image.h"
 
 namespace zel {
 

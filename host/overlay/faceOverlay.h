@@ -1,7 +1,7 @@
 #pragma once
 
-#include "faces.h"
-#include "image.h"
+#include "portrait/faces.h"
+#include "portrait/image.h"
 
 namespace zel {
 

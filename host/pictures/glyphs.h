@@ -2,7 +2,7 @@
 
 #include <string>
 
-#include "image.h"
+#include "portrait/image.h"
 
 namespace zel {
 

@@ -4,7 +4,7 @@
 #include <vector>
 
 #include "fileMeta.h"
-#include "image.h"
+#include "portrait/image.h"
 
 namespace zel {
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "image.h"
+#include "portrait/image.h"
 
 namespace zel {
 

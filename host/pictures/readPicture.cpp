@@ -15,7 +15,7 @@
 #include "jpegFile.h"
 #include "orientation.h"
 #include "pngFile.h"
-#include "zel_effects.h"
+#include "zel_effects/zel_effects.h"
 
 namespace zel {
 

@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "effect.h"
-#include "image.h"
+#include "portrait/image.h"
 
 namespace zel {
 

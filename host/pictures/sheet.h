@@ -3,7 +3,7 @@
 #include <string>
 #include <vector>
 
-#include "image.h"
+#include "portrait/image.h"
 
 namespace zel {
 

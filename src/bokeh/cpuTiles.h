@@ -7,7 +7,7 @@
 #include "bokeh/kernelStrip.h"
 #include "bokeh/lookParameters.h"
 #include "bokeh/tileGrid.h"
-#include "zellab/imageproc/imageView.h"
+#include "zellab/imageproc/core/imageView.h"
 
 namespace zellab::Bokeh {
 

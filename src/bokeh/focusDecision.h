@@ -4,7 +4,7 @@
 
 #include "bokeh/blurStrength.h"
 #include "bokeh/focusPoints.h"
-#include "zellab/imageproc/imageView.h"
+#include "zellab/imageproc/core/imageView.h"
 
 namespace zellab::Bokeh {
 

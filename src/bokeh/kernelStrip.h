@@ -1,6 +1,6 @@
 #pragma once
 
-#include "zellab/imageproc/imageView.h"
+#include "zellab/imageproc/core/imageView.h"
 
 /// The shape of a bokeh kernel image: six square frames side by side in one plane, the first for points of
 /// light at the picture's centre, the last for those at its corner.

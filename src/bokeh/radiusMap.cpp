@@ -4,7 +4,7 @@
 #include <cmath>
 
 #include "bokeh/sceneLog.h"
-#include "zellab/imageproc/pixelMath.h"
+#include "zellab/imageproc/core/pixelMath.h"
 
 namespace zellab::Bokeh {
 namespace {

@@ -2,7 +2,7 @@
 
 #include <cmath>
 
-#include "zellab/imageproc/parallelRows.h"
+#include "zellab/imageproc/core/parallelRows.h"
 
 namespace zellab::Bokeh {
 

@@ -5,7 +5,7 @@
 #include <limits>
 #include <vector>
 
-#include "zellab/imageproc/parallelRows.h"
+#include "zellab/imageproc/core/parallelRows.h"
 
 namespace zellab::Bokeh {
 

@@ -3,7 +3,7 @@
 #include <cstdint>
 
 #include "bokeh/lookParameters.h"
-#include "zellab/imageproc/imageView.h"
+#include "zellab/imageproc/core/imageView.h"
 
 namespace zellab::Bokeh {
 

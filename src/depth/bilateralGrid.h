@@ -5,7 +5,7 @@
 #include <cstdint>
 #include <vector>
 
-#include "zellab/imageproc/imageView.h"
+#include "zellab/imageproc/core/imageView.h"
 
 namespace zellab {
 

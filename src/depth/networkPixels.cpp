@@ -1,6 +1,6 @@
 #include "depth/networkPixels.h"
 
-#include "zellab/imageproc/pixelMath.h"
+#include "zellab/imageproc/core/pixelMath.h"
 
 namespace zellab {
 

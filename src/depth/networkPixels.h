@@ -2,7 +2,7 @@
 
 #include <cstddef>
 
-#include "zellab/imageproc/imageView.h"
+#include "zellab/imageproc/core/imageView.h"
 
 /// Pixels to the network's floats and back.
 

@@ -8,7 +8,7 @@
 #include "depth/depthLog.h"
 #include "depth/fastBilateralSolver.h"
 #include "depth/medianFilter.h"
-#include "zellab/imageproc/pixelMath.h"
+#include "zellab/imageproc/core/pixelMath.h"
 #include "zellab/imageproc/sfdsp/yuvScale.h"
 
 namespace zellab {

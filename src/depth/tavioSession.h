@@ -3,8 +3,8 @@
 #include <memory>
 #include <vector>
 
-#include "platform/tavio/tavio.h"
-#include "zellab/imageproc/imageView.h"
+#include "inference/tavio.h"
+#include "zellab/imageproc/core/imageView.h"
 
 /// What both estimators share: owners of the inference layer's objects, the input and the output maps.
 

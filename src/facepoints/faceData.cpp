@@ -1,4 +1,4 @@
-#include "frame/faceData.h"
+#include "facepoints/faceData.h"
 
 #include <algorithm>
 

@@ -2,8 +2,8 @@
 
 #include <array>
 
-#include "frame/interFacePoint.h"
-#include "frame/zel_records.h"
+#include "zel_effects/interFacePoint.h"
+#include "zel_effects/zel_records.h"
 
 namespace zellab {
 

@@ -1,4 +1,4 @@
-#include "frame/faceInterpolation.h"
+#include "facepoints/faceInterpolation.h"
 
 #include <algorithm>
 #include <array>
@@ -6,10 +6,10 @@
 #include <initializer_list>
 #include <vector>
 
-#include "ZelEffectsCore/ZelEffect/mesh_warp/curveTools.h"
-#include "ZelEffectsCore/ZelEffect/mesh_warp/pointDeform.h"
-#include "frame/faceTemplate.h"
-#include "zellab/imageproc/linearSolve.h"
+#include "zellab/geometry/curveTools.h"
+#include "zellab/geometry/pointDeform.h"
+#include "facepoints/faceTemplate.h"
+#include "zellab/geometry/linearSolve.h"
 
 namespace zellab {
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "zel_records.h"
+#include "zel_effects/zel_records.h"
 
 namespace zellab {
 

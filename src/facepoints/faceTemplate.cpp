@@ -1,4 +1,4 @@
-#include "frame/faceTemplate.h"
+#include "facepoints/faceTemplate.h"
 
 // Measured on an average front view; the shape of each feature was set by eye.
 

@@ -2,7 +2,7 @@
 
 #include <array>
 
-#include "zel_records.h"
+#include "zel_effects/zel_records.h"
 
 /// A standard face in the unit square of a tall picture (9 to 16): its 83 landmarks, and the extra points of
 /// the features that are fitted to a face through them. Only the place of extra points against the landmarks

@@ -1,9 +1,9 @@
-#include "frame/interFacePoint.h"
+#include "zel_effects/interFacePoint.h"
 
 #include <algorithm>
 #include <array>
 
-#include "frame/faceInterpolation.h"
+#include "facepoints/faceInterpolation.h"
 
 namespace zellab {
 

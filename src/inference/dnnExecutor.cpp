@@ -1,7 +1,7 @@
 #include <algorithm>
 
-#include "platform/tavio/dnnNet.h"
-#include "platform/tavio/smoothness.h"
+#include "inference/dnnNet.h"
+#include "inference/smoothness.h"
 
 namespace tavio {
 

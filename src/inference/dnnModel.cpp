@@ -1,4 +1,4 @@
-#include "platform/tavio/dnnModel.h"
+#include "inference/dnnModel.h"
 
 #include <mutex>
 #include <opencv2/core/utils/logger.hpp>

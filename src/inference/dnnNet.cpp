@@ -1,11 +1,11 @@
-#include "platform/tavio/dnnNet.h"
+#include "inference/dnnNet.h"
 
 #include <cstdio>
 #include <filesystem>
 #include <optional>
 
 #include "platform/fileProbe.h"
-#include "platform/tavio/onnxHead.h"
+#include "inference/onnxHead.h"
 
 namespace tavio {
 

@@ -3,8 +3,8 @@
 #include <array>
 #include <memory>
 
-#include "platform/tavio/dnnModel.h"
-#include "platform/tavio/tavio.h"
+#include "inference/dnnModel.h"
+#include "inference/tavio.h"
 
 namespace tavio {
 

@@ -1,10 +1,10 @@
-#include "platform/tavio/onnxHead.h"
+#include "inference/onnxHead.h"
 
 #include <algorithm>
 #include <limits>
 #include <set>
 
-#include "platform/tavio/wireReader.h"
+#include "inference/wireReader.h"
 
 namespace zellab::platform {
 

@@ -1,4 +1,4 @@
-#include "platform/tavio/smoothness.h"
+#include "inference/smoothness.h"
 
 #include <algorithm>
 #include <cstddef>

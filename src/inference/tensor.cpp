@@ -1,4 +1,4 @@
-#include "platform/tavio/tavio.h"
+#include "inference/tavio.h"
 
 namespace tavio {
 

@@ -1,4 +1,4 @@
-#include "platform/tavio/wireReader.h"
+#include "inference/wireReader.h"
 
 namespace zellab::platform {
 

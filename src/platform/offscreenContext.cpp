@@ -1,4 +1,4 @@
-#include "platform/offscreenContext.h"
+#include "zel_effects/offscreenContext.h"
 
 #include "platform/glPlatform.h"
 

@@ -6,10 +6,10 @@
 #include <cmath>
 #include <cstdlib>
 
-#include "offscreenContext.h"
+#include "zel_effects/offscreenContext.h"
 #include "support/randomImage.h"
 #include "support/streamCapture.h"
-#include "zel_effects.h"
+#include "zel_effects/zel_effects.h"
 
 namespace zeltest {
 

@@ -7,10 +7,10 @@
 #include <limits>
 #include <vector>
 
-#include "faceTemplate.h"
+#include "facepoints/faceTemplate.h"
 #include "support/guardedBytes.h"
 #include "support/randomImage.h"
-#include "zel_effects.h"
+#include "zel_effects/zel_effects.h"
 
 namespace zeltest {
 

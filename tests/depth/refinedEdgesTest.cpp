@@ -4,7 +4,7 @@
 #include <cmath>
 
 #include "depth/refineDepth.h"
-#include "platform/tavio/smoothness.h"
+#include "inference/smoothness.h"
 #include "portrait/portrait.h"
 #include "zellab/imageproc/sfdsp/yuvScale.h"
 

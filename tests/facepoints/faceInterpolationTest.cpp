@@ -1,4 +1,4 @@
-#include "frame/faceInterpolation.h"
+#include "facepoints/faceInterpolation.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "frame/interFacePoint.h"
+#include "zel_effects/interFacePoint.h"
 
 #include <gtest/gtest.h>
 

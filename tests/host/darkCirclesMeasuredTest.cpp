@@ -6,7 +6,7 @@
 #include "effectRegistry.h"
 #include "faceRecords.h"
 #include "portrait/portrait.h"
-#include "zel_effects.h"
+#include "zel_effects/zel_effects.h"
 
 namespace {
 

@@ -6,7 +6,7 @@
 #include "hostSupport.h"
 #include "pictures/readPicture.h"
 #include "pictures/writePicture.h"
-#include "portrait.h"
+#include "portrait/portrait.h"
 
 namespace {
 

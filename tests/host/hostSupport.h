@@ -9,7 +9,7 @@
 #include <iterator>
 #include <string>
 
-#include "image.h"
+#include "portrait/image.h"
 #include "support/randomImage.h"
 
 namespace zeltest {

@@ -7,7 +7,7 @@
 #include <memory>
 
 #include "depth/tavioSession.h"
-#include "platform/tavio/onnxHead.h"
+#include "inference/onnxHead.h"
 #include "support/scratchFolder.h"
 #include "support/streamCapture.h"
 #include "support/tinyOnnx.h"

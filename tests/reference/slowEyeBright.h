@@ -5,7 +5,7 @@
 #include <cmath>
 #include <vector>
 
-#include "zellab/imageproc/guidedFilterColor.h"
+#include "zellab/imageproc/edgeaware/guidedFilterColor.h"
 
 /// Eye brightening as it is told, one pixel after the other in picture coordinates, for irises that are
 /// given.

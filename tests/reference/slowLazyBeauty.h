@@ -5,10 +5,10 @@
 #include "beautykernel/skintools/overlayTable.h"
 #include "beautykernel/skintools/shadowTable.h"
 #include "beautykernel/skintools/spotRepair.h"
-#include "frame/faceData.h"
+#include "facepoints/faceData.h"
 #include "reference/slowEdges.h"
 #include "reference/slowScale.h"
-#include "zellab/imageproc/sfCurve.h"
+#include "zellab/imageproc/tone/sfCurve.h"
 
 /// The skin smoother, every stage written out on whole planes. Spot repair and feature painting have
 /// references of their own and are the library's here.

@@ -3,7 +3,7 @@
 #include <cmath>
 #include <numbers>
 
-#include "frame/zel_records.h"
+#include "zel_effects/zel_records.h"
 #include "reference/slowTone.h"
 
 /// The brush and the mesh warp, each cell and each pixel on its own.

@@ -8,7 +8,7 @@
 #include "reference/slowColour.h"
 #include "reference/slowLazyBeauty.h"
 #include "reference/slowSmooth.h"
-#include "zellab/imageproc/selectiveColor.h"
+#include "zellab/imageproc/colour/selectiveColor.h"
 
 /// The retouch and the whitening, every step written out on whole pictures.
 

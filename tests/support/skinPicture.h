@@ -2,7 +2,7 @@
 
 #include <cmath>
 
-#include "frame/faceData.h"
+#include "facepoints/faceData.h"
 #include "support/everyMachine.h"
 
 /// Pictures on which the skin pipelines find something to do.

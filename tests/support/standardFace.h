@@ -4,8 +4,8 @@
 #include <cmath>
 #include <random>
 
-#include "frame/faceTemplate.h"
-#include "frame/interFacePoint.h"
+#include "facepoints/faceTemplate.h"
+#include "zel_effects/interFacePoint.h"
 
 namespace zeltest {
 

@@ -6,8 +6,8 @@
 #include <random>
 
 #include "beautykernel/eyebright/eyeGeometry.h"
-#include "frame/interFacePoint.h"
-#include "portrait.h"
+#include "zel_effects/interFacePoint.h"
+#include "portrait/portrait.h"
 
 /// Synthetic eyes whose irises are known, for the test of the iris finder and for its measure.
 

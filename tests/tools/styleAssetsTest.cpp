@@ -7,7 +7,7 @@
 #include "beautykernel/skintools/overlayTable.h"
 #include "support/randomImage.h"
 #include "support/workingFolder.h"
-#include "zellab/imageproc/colorCube.h"
+#include "zellab/imageproc/colour/colorCube.h"
 #include "zellab/utils/zelFileUtils.h"
 
 namespace {

@@ -1,6 +1,6 @@
 #include "pattern.h"
 
-#include "noiseField.h"
+#include "portrait/noiseField.h"
 
 namespace zeldepth {
 

@@ -2,8 +2,8 @@
 
 #include <cstdint>
 
-#include "portraitMath.h"
-#include "randomSource.h"
+#include "portrait/portraitMath.h"
+#include "portrait/randomSource.h"
 
 /// Scenes with true depth that the depth network learns from: people and places of many kinds.
 

@@ -1,4 +1,4 @@
-#include "noiseField.h"
+#include "portrait/noiseField.h"
 #include "person.h"
 #include "solidMath.h"
 

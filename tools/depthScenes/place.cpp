@@ -1,6 +1,6 @@
 #include "place.h"
 
-#include "noiseField.h"
+#include "portrait/noiseField.h"
 #include "solidMath.h"
 
 namespace zeldepth {

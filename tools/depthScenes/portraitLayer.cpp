@@ -1,5 +1,5 @@
 #include "layer.h"
-#include "portrait.h"
+#include "portrait/portrait.h"
 
 namespace zeldepth {
 

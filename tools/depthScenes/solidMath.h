@@ -1,6 +1,6 @@
 #pragma once
 
-#include "portraitMath.h"
+#include "portrait/portraitMath.h"
 
 /// Distances from solids, as a marching ray needs them: above 0 outside, never far above the truth.
 

@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "zel_records.h"
+#include "zel_effects/zel_records.h"
 
 namespace zeltrain {
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "portrait.h"
+#include "portrait/portrait.h"
 
 namespace zeltrain {
 

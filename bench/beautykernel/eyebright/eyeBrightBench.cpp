@@ -5,9 +5,9 @@
 #include <cmath>
 
 #include "benchPicture.h"
-#include "frame/faceTemplate.h"
-#include "frame/interFacePoint.h"
-#include "frame/zel_effects.h"
+#include "facepoints/faceTemplate.h"
+#include "zel_effects/interFacePoint.h"
+#include "zel_effects/zel_effects.h"
 
 namespace {
 

@@ -3,8 +3,8 @@
 #include <filesystem>
 
 #include "benchPicture.h"
-#include "frame/faceTemplate.h"
-#include "frame/zel_effects.h"
+#include "facepoints/faceTemplate.h"
+#include "zel_effects/zel_effects.h"
 
 namespace {
 

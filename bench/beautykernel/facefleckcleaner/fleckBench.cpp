@@ -5,8 +5,8 @@
 
 #include "benchPicture.h"
 #include "faceRecords.h"
-#include "portrait.h"
-#include "zel_effects.h"
+#include "portrait/portrait.h"
+#include "zel_effects/zel_effects.h"
 
 namespace {
 

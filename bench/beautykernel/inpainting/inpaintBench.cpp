@@ -8,8 +8,8 @@
 #include <opencv2/photo.hpp>
 #include <opencv2/xphoto.hpp>
 
-#include "../../zellab/peerThreads.h"
-#include "frame/zel_effects.h"
+#include "peerThreads.h"
+#include "zel_effects/zel_effects.h"
 
 namespace {
 

@@ -7,7 +7,7 @@
 #include <opencv2/photo.hpp>
 #include <vector>
 
-#include "platform/zelfilteronline/zellabSharp.h"
+#include "zellab/zelfilteronline/zellabSharp.h"
 #include "zellab/imageproc/poisson/poissonEdit.h"
 
 namespace {

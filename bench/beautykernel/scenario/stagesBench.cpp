@@ -6,12 +6,12 @@
 
 #include "beautykernel/lazybeauty/lazybeauty.h"
 #include "faceRecords.h"
-#include "frame/faceData.h"
+#include "facepoints/faceData.h"
 #include "frame/processorCount.h"
-#include "portrait.h"
-#include "zel_effects.h"
-#include "zellab/imageproc/colorCube.h"
-#include "zellab/imageproc/mixByAlpha.h"
+#include "portrait/portrait.h"
+#include "zel_effects/zel_effects.h"
+#include "zellab/imageproc/colour/colorCube.h"
+#include "zellab/imageproc/core/mixByAlpha.h"
 
 namespace {
 

@@ -1,6 +1,6 @@
 // The simple skin operations beside a plain copy of the picture.
 #include "benchPicture.h"
-#include "frame/zel_effects.h"
+#include "zel_effects/zel_effects.h"
 
 namespace {
 

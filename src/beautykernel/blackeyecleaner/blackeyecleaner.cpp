@@ -8,10 +8,10 @@
 #include "beautykernel/blackeyecleaner/circleTables.h"
 #include "beautykernel/blackeyecleaner/eyeRegion.h"
 #include "beautykernel/blackeyecleaner/skinEvenness.h"
-#include "zellab/imageproc/maskMorphology.h"
-#include "zellab/imageproc/pixelMath.h"
+#include "zellab/imageproc/masks/maskMorphology.h"
+#include "zellab/imageproc/core/pixelMath.h"
 #include "zellab/imageproc/poisson/poissonEdit.h"
-#include "zellab/imageproc/stackBlur.h"
+#include "zellab/imageproc/blur/stackBlur.h"
 
 namespace zellab {
 

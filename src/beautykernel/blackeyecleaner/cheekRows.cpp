@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cstring>
 
-#include "zellab/imageproc/stackBlur.h"
+#include "zellab/imageproc/blur/stackBlur.h"
 
 namespace zellab {
 

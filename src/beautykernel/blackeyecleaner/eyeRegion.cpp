@@ -4,10 +4,10 @@
 #include <cmath>
 
 #include "beautykernel/blackeyecleaner/underEyeShape.h"
-#include "frame/interFacePoint.h"
+#include "zel_effects/interFacePoint.h"
 #include "frame/zel_log.h"
-#include "zellab/imageproc/polygonFill.h"
-#include "zellab/imageproc/stackBlur.h"
+#include "zellab/imageproc/shapes/polygonFill.h"
+#include "zellab/imageproc/blur/stackBlur.h"
 
 namespace zellab {
 

@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "beautykernel/blackeyecleaner/blackEyeCleaner.h"
-#include "zellab/imageproc/imageView.h"
+#include "zellab/imageproc/core/imageView.h"
 
 namespace zellab {
 

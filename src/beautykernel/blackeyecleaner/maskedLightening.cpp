@@ -3,9 +3,9 @@
 #include <algorithm>
 #include <cstring>
 
-#include "zellab/imageproc/imageView.h"
+#include "zellab/imageproc/core/imageView.h"
 #include "zellab/imageproc/poisson/markedBox.h"
-#include "zellab/imageproc/stackBlur.h"
+#include "zellab/imageproc/blur/stackBlur.h"
 
 namespace zellab {
 

@@ -4,7 +4,7 @@
 
 #include "beautykernel/blackeyecleaner/blackEyeCleaner.h"
 #include "beautykernel/blackeyecleaner/maskedLightening.h"
-#include "frame/zel_effects.h"
+#include "zel_effects/zel_effects.h"
 
 namespace ZelImageCore {
 

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "frame/zel_records.h"
-#include "zellab/imageproc/imageView.h"
+#include "zel_effects/zel_records.h"
+#include "zellab/imageproc/core/imageView.h"
 
 namespace zellab {
 

@@ -1,6 +1,6 @@
 #include "beautykernel/eyebright/eyeBright.h"
-#include "frame/interFacePoint.h"
-#include "frame/zel_effects.h"
+#include "zel_effects/interFacePoint.h"
+#include "zel_effects/zel_effects.h"
 
 namespace ZelImageCore {
 

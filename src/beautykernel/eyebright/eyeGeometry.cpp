@@ -4,7 +4,7 @@
 #include <cmath>
 
 #include "beautykernel/eyebright/irisFinder.h"
-#include "zellab/imageproc/floatToInt.h"
+#include "zellab/imageproc/core/floatToInt.h"
 
 namespace zellab {
 

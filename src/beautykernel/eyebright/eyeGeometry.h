@@ -2,8 +2,8 @@
 
 #include <array>
 
-#include "frame/zel_records.h"
-#include "zellab/imageproc/imageView.h"
+#include "zel_effects/zel_records.h"
+#include "zellab/imageproc/core/imageView.h"
 
 /// Where the eyes of a face lie: lids, boxes, irises. Everything is in pixels of the picture.
 

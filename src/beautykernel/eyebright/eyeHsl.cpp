@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
-#include "zellab/imageproc/pixelMath.h"
+#include "zellab/imageproc/core/pixelMath.h"
 
 namespace zellab {
 

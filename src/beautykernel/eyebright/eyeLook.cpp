@@ -5,8 +5,8 @@
 
 #include "beautykernel/eyebright/eyeHsl.h"
 #include "beautykernel/eyebright/eyeTables.h"
-#include "zellab/imageproc/guidedFilterColor.h"
-#include "zellab/imageproc/pixelMath.h"
+#include "zellab/imageproc/edgeaware/guidedFilterColor.h"
+#include "zellab/imageproc/core/pixelMath.h"
 
 namespace zellab {
 

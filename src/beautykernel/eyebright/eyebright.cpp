@@ -3,7 +3,7 @@
 
 #include "beautykernel/eyebright/eyeBright.h"
 #include "frame/zel_log.h"
-#include "zellab/imageproc/pixelMath.h"
+#include "zellab/imageproc/core/pixelMath.h"
 
 namespace zellab {
 

@@ -6,8 +6,8 @@
 #include <numbers>
 #include <vector>
 
-#include "zellab/imageproc/imageResampler.h"
-#include "zellab/imageproc/stackBlur.h"
+#include "zellab/imageproc/resample/imageResampler.h"
+#include "zellab/imageproc/blur/stackBlur.h"
 
 namespace zellab {
 

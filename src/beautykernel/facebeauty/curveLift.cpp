@@ -3,8 +3,8 @@
 #include <vector>
 
 #include "beautykernel/skintools/shadowPlane.h"
-#include "zellab/imageproc/pixelMath.h"
-#include "zellab/imageproc/sfCurve.h"
+#include "zellab/imageproc/core/pixelMath.h"
+#include "zellab/imageproc/tone/sfCurve.h"
 
 namespace zellab {
 

@@ -14,13 +14,13 @@
 #include "beautykernel/skintools/spotPaste.h"
 #include "frame/zel_log.h"
 #include "zellab/imageproc/domaintransform/domainTransform.h"
-#include "zellab/imageproc/imageResampler.h"
-#include "zellab/imageproc/levels.h"
-#include "zellab/imageproc/parallelRows.h"
-#include "zellab/imageproc/pixelMath.h"
-#include "zellab/imageproc/stackBlur.h"
-#include "zellab/imageproc/toneTables.h"
-#include "zellab/imageproc/unsharpMask.h"
+#include "zellab/imageproc/resample/imageResampler.h"
+#include "zellab/imageproc/tone/levels.h"
+#include "zellab/imageproc/core/parallelRows.h"
+#include "zellab/imageproc/core/pixelMath.h"
+#include "zellab/imageproc/blur/stackBlur.h"
+#include "zellab/imageproc/tone/toneTables.h"
+#include "zellab/imageproc/sharpen/unsharpMask.h"
 
 namespace zellab {
 

@@ -4,10 +4,10 @@
 
 #include "beautykernel/facebeauty/facebeauty.h"
 #include "beautykernel/skintools/skinOperation.h"
-#include "frame/zel_effects.h"
-#include "zellab/imageproc/combinePixels.h"
-#include "zellab/imageproc/levels.h"
-#include "zellab/imageproc/toneBlend.h"
+#include "zel_effects/zel_effects.h"
+#include "zellab/imageproc/core/combinePixels.h"
+#include "zellab/imageproc/tone/levels.h"
+#include "zellab/imageproc/tone/toneBlend.h"
 
 namespace zellab {
 

@@ -2,9 +2,9 @@
 
 #include <algorithm>
 
-#include "zellab/imageproc/parallelRows.h"
-#include "zellab/imageproc/pixelMath.h"
-#include "zellab/imageproc/selectiveColor.h"
+#include "zellab/imageproc/core/parallelRows.h"
+#include "zellab/imageproc/core/pixelMath.h"
+#include "zellab/imageproc/colour/selectiveColor.h"
 
 namespace zellab {
 

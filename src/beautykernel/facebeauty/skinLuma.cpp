@@ -7,13 +7,13 @@
 
 #include "platform/simdLevel.h"
 #include "zellab/imageproc/domaintransform/domainTransform.h"
-#include "zellab/imageproc/levels.h"
-#include "zellab/imageproc/parallelRows.h"
-#include "zellab/imageproc/pixelMath.h"
+#include "zellab/imageproc/tone/levels.h"
+#include "zellab/imageproc/core/parallelRows.h"
+#include "zellab/imageproc/core/pixelMath.h"
 #include "zellab/imageproc/sfdsp/yuvLuma.h"
-#include "zellab/imageproc/stackBlur.h"
-#include "zellab/imageproc/toneTables.h"
-#include "zellab/imageproc/unsharpStep.h"
+#include "zellab/imageproc/blur/stackBlur.h"
+#include "zellab/imageproc/tone/toneTables.h"
+#include "zellab/imageproc/sharpen/unsharpStep.h"
 
 namespace zellab {
 

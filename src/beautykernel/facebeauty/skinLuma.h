@@ -1,6 +1,6 @@
 #pragma once
 
-#include "zellab/imageproc/imageView.h"
+#include "zellab/imageproc/core/imageView.h"
 
 namespace zellab {
 

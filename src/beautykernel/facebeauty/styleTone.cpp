@@ -5,8 +5,8 @@
 #include <vector>
 
 #include "frame/zel_log.h"
-#include "zellab/imageproc/colorCube.h"
-#include "zellab/imageproc/mixByAlpha.h"
+#include "zellab/imageproc/colour/colorCube.h"
+#include "zellab/imageproc/core/mixByAlpha.h"
 #include "zellab/utils/zelFileUtils.h"
 
 namespace zellab {

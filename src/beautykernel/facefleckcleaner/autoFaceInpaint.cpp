@@ -3,10 +3,10 @@
 #include "beautykernel/facefleckcleaner/faceFleckCleaner.h"
 #include "beautykernel/facefleckcleaner/faceSkinMap.h"
 #include "beautykernel/facefleckcleaner/fineFleckCleaner.h"
-#include "frame/zel_effects.h"
-#include "zellab/imageproc/floatToInt.h"
-#include "zellab/imageproc/imageView.h"
-#include "zellab/imageproc/parallelRows.h"
+#include "zel_effects/zel_effects.h"
+#include "zellab/imageproc/core/floatToInt.h"
+#include "zellab/imageproc/core/imageView.h"
+#include "zellab/imageproc/core/parallelRows.h"
 
 namespace ZelImageCore {
 

@@ -5,9 +5,9 @@
 #include "beautykernel/facefleckcleaner/contrastStretch.h"
 #include "beautykernel/facefleckcleaner/faceCrop.h"
 #include "beautykernel/facefleckcleaner/fineSpotTest.h"
-#include "zellab/imageproc/maskMorphology.h"
+#include "zellab/imageproc/masks/maskMorphology.h"
 #include "zellab/imageproc/sfdsp/yuvScale.h"
-#include "zellab/imageproc/stackBlur.h"
+#include "zellab/imageproc/blur/stackBlur.h"
 
 namespace zellab {
 

@@ -2,7 +2,7 @@
 
 #include <array>
 
-#include "zellab/imageproc/pixelMath.h"
+#include "zellab/imageproc/core/pixelMath.h"
 
 namespace zellab {
 

@@ -4,7 +4,7 @@
 #include <cmath>
 #include <cstring>
 
-#include "zellab/imageproc/floatToInt.h"
+#include "zellab/imageproc/core/floatToInt.h"
 
 namespace zellab {
 

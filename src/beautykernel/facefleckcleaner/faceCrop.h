@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "beautykernel/skinmaskstatisdetector/skinFaceRecord.h"
-#include "zellab/imageproc/imageView.h"
+#include "zellab/imageproc/core/imageView.h"
 #include "zellab/imageproc/sfdsp/yuvScale.h"
 
 namespace zellab {

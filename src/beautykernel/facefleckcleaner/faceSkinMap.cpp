@@ -6,8 +6,8 @@
 #include "beautykernel/facefleckcleaner/faceCrop.h"
 #include "beautykernel/skinmaskstatisdetector/skinMaskManager.h"
 #include "beautykernel/skinmaskstatisdetector/skinMaskStatisDetector.h"
-#include "zellab/imageproc/parallelRows.h"
-#include "zellab/imageproc/yCbCr.h"
+#include "zellab/imageproc/core/parallelRows.h"
+#include "zellab/imageproc/colour/yCbCr.h"
 
 namespace zellab {
 

@@ -4,7 +4,7 @@
 #include <memory>
 
 #include "beautykernel/skinmaskstatisdetector/skinFaceRecord.h"
-#include "zellab/imageproc/imageView.h"
+#include "zellab/imageproc/core/imageView.h"
 
 namespace zellab {
 

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <array>
 
-#include "zellab/imageproc/polygonFill.h"
+#include "zellab/imageproc/shapes/polygonFill.h"
 
 namespace zellab {
 

@@ -8,7 +8,7 @@
 #include "beautykernel/facefleckcleaner/featureExclusion.h"
 #include "beautykernel/facefleckcleaner/fineSpotTest.h"
 #include "beautykernel/facefleckcleaner/fleckRepair.h"
-#include "zellab/imageproc/floatToInt.h"
+#include "zellab/imageproc/core/floatToInt.h"
 
 namespace zellab {
 

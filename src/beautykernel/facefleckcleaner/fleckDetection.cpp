@@ -7,9 +7,9 @@
 #include "beautykernel/facefleckcleaner/fleckTables.h"
 #include "beautykernel/facefleckcleaner/fleckThreshold.h"
 #include "beautykernel/facefleckcleaner/regionSelection.h"
-#include "zellab/imageproc/maskMorphology.h"
-#include "zellab/imageproc/stackBlur.h"
-#include "zellab/imageproc/yCbCr.h"
+#include "zellab/imageproc/masks/maskMorphology.h"
+#include "zellab/imageproc/blur/stackBlur.h"
+#include "zellab/imageproc/colour/yCbCr.h"
 
 namespace zellab {
 

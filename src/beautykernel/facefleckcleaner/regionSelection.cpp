@@ -3,7 +3,7 @@
 #include <cstdlib>
 #include <memory>
 
-#include "zellab/imageproc/regionLabelling.h"
+#include "zellab/imageproc/masks/regionLabelling.h"
 
 namespace zellab {
 

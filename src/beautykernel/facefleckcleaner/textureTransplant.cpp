@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <cstring>
 
-#include "zellab/imageproc/pixelMath.h"
-#include "zellab/imageproc/stackBlur.h"
+#include "zellab/imageproc/core/pixelMath.h"
+#include "zellab/imageproc/blur/stackBlur.h"
 
 namespace zellab {
 

@@ -1,6 +1,6 @@
 #include "beautykernel/inpainting/gradientInpainter.h"
 #include "beautykernel/inpainting/patchFillInpainter.h"
-#include "frame/zel_effects.h"
+#include "zel_effects/zel_effects.h"
 
 namespace ZelImageCore {
 

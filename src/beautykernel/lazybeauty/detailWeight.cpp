@@ -5,8 +5,8 @@
 #include <cstdint>
 
 #include "beautykernel/lazybeauty/detailCurve.h"
-#include "zellab/imageproc/recursiveGaussian.h"
-#include "zellab/imageproc/stackBlur.h"
+#include "zellab/imageproc/blur/recursiveGaussian.h"
+#include "zellab/imageproc/blur/stackBlur.h"
 
 namespace zellab {
 

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "frame/faceData.h"
-#include "zellab/imageproc/imageView.h"
+#include "facepoints/faceData.h"
+#include "zellab/imageproc/core/imageView.h"
 
 namespace zellab {
 

@@ -14,13 +14,13 @@
 #include "beautykernel/skintools/spotPaste.h"
 #include "frame/processorCount.h"
 #include "frame/zel_log.h"
-#include "zellab/imageproc/levels.h"
-#include "zellab/imageproc/parallelRows.h"
-#include "zellab/imageproc/recursiveGaussian.h"
+#include "zellab/imageproc/tone/levels.h"
+#include "zellab/imageproc/core/parallelRows.h"
+#include "zellab/imageproc/blur/recursiveGaussian.h"
 #include "zellab/imageproc/sfdsp/bilinearRows.h"
 #include "zellab/imageproc/sfdsp/scaleBilinear.h"
-#include "zellab/imageproc/stackBlur.h"
-#include "zellab/imageproc/unsharpMask.h"
+#include "zellab/imageproc/blur/stackBlur.h"
+#include "zellab/imageproc/sharpen/unsharpMask.h"
 
 namespace zellab {
 

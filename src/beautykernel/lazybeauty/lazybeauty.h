@@ -1,7 +1,7 @@
 #pragma once
 
 #include "beautykernel/skintools/overlayTable.h"
-#include "frame/faceData.h"
+#include "facepoints/faceData.h"
 
 namespace zellab {
 

@@ -3,7 +3,7 @@
 #include <algorithm>
 
 #include "beautykernel/skintools/shadowPlane.h"
-#include "zellab/imageproc/sfCurve.h"
+#include "zellab/imageproc/tone/sfCurve.h"
 
 namespace zellab {
 

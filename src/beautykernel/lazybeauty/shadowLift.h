@@ -3,7 +3,7 @@
 #include <vector>
 
 #include "beautykernel/skintools/skinMaskFromColor.h"
-#include "zellab/imageproc/imageView.h"
+#include "zellab/imageproc/core/imageView.h"
 
 namespace zellab {
 

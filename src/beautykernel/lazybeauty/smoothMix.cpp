@@ -7,7 +7,7 @@
 #include <cstdint>
 
 #include "platform/simdLevel.h"
-#include "zellab/imageproc/parallelRows.h"
+#include "zellab/imageproc/core/parallelRows.h"
 
 namespace zellab {
 

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "beautykernel/skintools/overlayTable.h"
-#include "zellab/imageproc/imageView.h"
+#include "zellab/imageproc/core/imageView.h"
 
 namespace zellab {
 

@@ -4,9 +4,9 @@
 #include <cstdint>
 #include <mutex>
 
-#include "zellab/imageproc/colourHistograms.h"
-#include "zellab/imageproc/parallelRows.h"
-#include "zellab/imageproc/toneTables.h"
+#include "zellab/imageproc/tone/colourHistograms.h"
+#include "zellab/imageproc/core/parallelRows.h"
+#include "zellab/imageproc/tone/toneTables.h"
 
 namespace zellab {
 

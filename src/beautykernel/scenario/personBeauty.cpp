@@ -3,9 +3,9 @@
 #include <cstring>
 
 #include "beautykernel/lazybeauty/lazybeauty.h"
-#include "frame/faceData.h"
-#include "frame/zel_effects.h"
-#include "zellab/imageproc/imageView.h"
+#include "facepoints/faceData.h"
+#include "zel_effects/zel_effects.h"
+#include "zellab/imageproc/core/imageView.h"
 
 namespace zellab {
 

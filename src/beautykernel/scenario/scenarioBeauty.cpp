@@ -3,12 +3,12 @@
 
 #include "beautykernel/scenario/defog.h"
 #include "beautykernel/scenario/personBeauty.h"
-#include "frame/zel_effects.h"
-#include "platform/zelfilteronline/zellabSharp.h"
-#include "zellab/imageproc/colorCube.h"
-#include "zellab/imageproc/imageView.h"
-#include "zellab/imageproc/mixByAlpha.h"
-#include "zellab/imageproc/unsharpMask.h"
+#include "zel_effects/zel_effects.h"
+#include "zellab/zelfilteronline/zellabSharp.h"
+#include "zellab/imageproc/colour/colorCube.h"
+#include "zellab/imageproc/core/imageView.h"
+#include "zellab/imageproc/core/mixByAlpha.h"
+#include "zellab/imageproc/sharpen/unsharpMask.h"
 
 namespace ZelImageCore {
 
@@ -31,6 +31,9 @@ void unsharp(unsigned char* image, int width, int height) {
 }
 
 }  // namespace
+
+CScenarioBeauty::CScenarioBeauty() {}
+CScenarioBeauty::~CScenarioBeauty() {}
 
 bool CScenarioBeauty::Run(unsigned char* image, int width, int height, eScenarioType type, float alpha,
                           unsigned char* lookup, ImageCoreFaceInfo* faceInfo) {

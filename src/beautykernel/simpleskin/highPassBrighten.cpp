@@ -4,10 +4,10 @@
 #include <array>
 #include <memory>
 
-#include "zellab/imageproc/imageView.h"
-#include "zellab/imageproc/pixelMath.h"
-#include "zellab/imageproc/stackBlur.h"
-#include "zellab/imageproc/stackBlurPasses.h"
+#include "zellab/imageproc/core/imageView.h"
+#include "zellab/imageproc/core/pixelMath.h"
+#include "zellab/imageproc/blur/stackBlur.h"
+#include "zellab/imageproc/blur/stackBlurPasses.h"
 
 namespace zellab {
 

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "platform/simdLevel.h"
-#include "zellab/imageproc/imageView.h"
+#include "zellab/imageproc/core/imageView.h"
 
 /// The mix of the natural smoothing, pixel by pixel, in two forms that give the same bytes.
 

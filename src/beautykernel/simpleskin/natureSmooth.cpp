@@ -4,9 +4,9 @@
 
 #include "beautykernel/simpleskin/natureMix.h"
 #include "beautykernel/simpleskin/natureTable.h"
-#include "zellab/imageproc/imageView.h"
-#include "zellab/imageproc/stackBlur.h"
-#include "zellab/imageproc/stackBlurPasses.h"
+#include "zellab/imageproc/core/imageView.h"
+#include "zellab/imageproc/blur/stackBlur.h"
+#include "zellab/imageproc/blur/stackBlurPasses.h"
 
 namespace zellab {
 

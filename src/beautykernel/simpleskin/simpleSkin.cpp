@@ -1,7 +1,7 @@
 // The exported simple skin operations.
 #include "beautykernel/simpleskin/highPassBrighten.h"
 #include "beautykernel/simpleskin/natureSmooth.h"
-#include "frame/zel_effects.h"
+#include "zel_effects/zel_effects.h"
 
 namespace ZelImageCore {
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "frame/interFacePoint.h"
+#include "zel_effects/interFacePoint.h"
 
 namespace zelbeauty {
 

@@ -4,10 +4,10 @@
 
 #include "beautykernel/skinmaskstatisdetector/skinMaskStatisDetector.h"
 #include "beautykernel/skintools/featureMaskPainter.h"
-#include "zellab/imageproc/imageResampler.h"
-#include "zellab/imageproc/imageView.h"
-#include "zellab/imageproc/stackBlur.h"
-#include "zellab/imageproc/yCbCr.h"
+#include "zellab/imageproc/resample/imageResampler.h"
+#include "zellab/imageproc/core/imageView.h"
+#include "zellab/imageproc/blur/stackBlur.h"
+#include "zellab/imageproc/colour/yCbCr.h"
 
 namespace zelbeauty {
 

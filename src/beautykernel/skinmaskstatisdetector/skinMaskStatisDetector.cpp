@@ -6,8 +6,8 @@
 
 #include "beautykernel/skinmaskstatisdetector/skinModel.h"
 #include "frame/zel_log.h"
-#include "zellab/imageproc/imageView.h"
-#include "zellab/imageproc/parallelRows.h"
+#include "zellab/imageproc/core/imageView.h"
+#include "zellab/imageproc/core/parallelRows.h"
 
 namespace zelbeauty {
 

@@ -4,7 +4,7 @@
 #include <cmath>
 
 #include "beautykernel/skinmaskstatisdetector/skinTables.h"
-#include "zellab/imageproc/stackBlur.h"
+#include "zellab/imageproc/blur/stackBlur.h"
 
 namespace zelbeauty {
 

@@ -3,8 +3,8 @@
 #include <initializer_list>
 #include <vector>
 
-#include "zellab/imageproc/convexHull.h"
-#include "zellab/imageproc/polygonFill.h"
+#include "zellab/imageproc/shapes/convexHull.h"
+#include "zellab/imageproc/shapes/polygonFill.h"
 
 namespace zellab {
 

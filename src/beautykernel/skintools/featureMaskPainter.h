@@ -1,6 +1,6 @@
 #pragma once
 
-#include "frame/zel_records.h"
+#include "zel_effects/zel_records.h"
 
 namespace zellab {
 

@@ -3,7 +3,7 @@
 #include <cstdlib>
 #include <memory>
 
-#include "zellab/imageproc/imageView.h"
+#include "zellab/imageproc/core/imageView.h"
 #include "zellab/utils/zelFileUtils.h"
 
 namespace zellab {

@@ -3,9 +3,9 @@
 #include <algorithm>
 #include <cstdint>
 
-#include "zellab/imageproc/parallelRows.h"
-#include "zellab/imageproc/pixelMath.h"
-#include "zellab/imageproc/stackBlur.h"
+#include "zellab/imageproc/core/parallelRows.h"
+#include "zellab/imageproc/core/pixelMath.h"
+#include "zellab/imageproc/blur/stackBlur.h"
 
 namespace zellab {
 

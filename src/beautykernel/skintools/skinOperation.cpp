@@ -2,11 +2,11 @@
 
 #include <algorithm>
 
-#include "frame/faceData.h"
-#include "frame/zel_effects.h"
-#include "zellab/imageproc/floatToInt.h"
-#include "zellab/imageproc/parallelRows.h"
-#include "zellab/imageproc/sfCurve.h"
+#include "facepoints/faceData.h"
+#include "zel_effects/zel_effects.h"
+#include "zellab/imageproc/core/floatToInt.h"
+#include "zellab/imageproc/core/parallelRows.h"
+#include "zellab/imageproc/tone/sfCurve.h"
 
 namespace zellab {
 

@@ -1,9 +1,9 @@
 #pragma once
 
-#include "frame/interFacePoint.h"
-#include "zellab/imageproc/imageView.h"
-#include "zellab/imageproc/pixelMath.h"
-#include "zellab/imageproc/toneTables.h"
+#include "zel_effects/interFacePoint.h"
+#include "zellab/imageproc/core/imageView.h"
+#include "zellab/imageproc/core/pixelMath.h"
+#include "zellab/imageproc/tone/toneTables.h"
 
 /// Steps that the exported skin operations share.
 

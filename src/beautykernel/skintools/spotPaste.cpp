@@ -3,8 +3,8 @@
 #include <algorithm>
 
 #include "beautykernel/skintools/spotRepair.h"
-#include "zellab/imageproc/parallelRows.h"
-#include "zellab/imageproc/stackBlur.h"
+#include "zellab/imageproc/core/parallelRows.h"
+#include "zellab/imageproc/blur/stackBlur.h"
 
 namespace zellab {
 

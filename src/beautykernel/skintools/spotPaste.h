@@ -3,8 +3,8 @@
 #include <optional>
 #include <vector>
 
-#include "frame/faceData.h"
-#include "zellab/imageproc/imageView.h"
+#include "facepoints/faceData.h"
+#include "zellab/imageproc/core/imageView.h"
 #include "zellab/imageproc/sfdsp/bilinearRows.h"
 
 namespace zellab {

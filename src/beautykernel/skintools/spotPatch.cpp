@@ -3,7 +3,7 @@
 #include <array>
 
 #include "beautykernel/skintools/spotTables.h"
-#include "zellab/imageproc/pixelMath.h"
+#include "zellab/imageproc/core/pixelMath.h"
 
 namespace zellab {
 

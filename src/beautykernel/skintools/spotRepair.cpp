@@ -7,8 +7,8 @@
 
 #include "beautykernel/skintools/spotPatch.h"
 #include "beautykernel/skintools/spotTables.h"
-#include "zellab/imageproc/imageView.h"
-#include "zellab/imageproc/stackBlur.h"
+#include "zellab/imageproc/core/imageView.h"
+#include "zellab/imageproc/blur/stackBlur.h"
 
 namespace zellab {
 

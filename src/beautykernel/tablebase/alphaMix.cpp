@@ -3,11 +3,11 @@
 #include <cmath>
 #include <cstdint>
 
-#include "frame/zel_effects.h"
-#include "zellab/imageproc/floatToInt.h"
-#include "zellab/imageproc/imageView.h"
-#include "zellab/imageproc/parallelRows.h"
-#include "zellab/imageproc/stackBlur.h"
+#include "zel_effects/zel_effects.h"
+#include "zellab/imageproc/core/floatToInt.h"
+#include "zellab/imageproc/core/imageView.h"
+#include "zellab/imageproc/core/parallelRows.h"
+#include "zellab/imageproc/blur/stackBlur.h"
 
 namespace zellab {
 

@@ -1,8 +1,8 @@
 // TableBase::ImageProcessWithColorMixing: brightness and contrast, saturation, logarithmic lift.
-#include "frame/zel_effects.h"
-#include "zellab/imageproc/colorAdjust.h"
-#include "zellab/imageproc/floatToInt.h"
-#include "zellab/imageproc/psContrastBrightness.h"
+#include "zel_effects/zel_effects.h"
+#include "zellab/imageproc/colour/colorAdjust.h"
+#include "zellab/imageproc/core/floatToInt.h"
+#include "zellab/imageproc/tone/psContrastBrightness.h"
 
 namespace ZelImageCore {
 

@@ -1,6 +1,6 @@
 // The exported blur: named after the curve that it looks like, and a stack blur all the same.
-#include "frame/zel_effects.h"
-#include "zellab/imageproc/stackBlur.h"
+#include "zel_effects/zel_effects.h"
+#include "zellab/imageproc/blur/stackBlur.h"
 
 namespace ZelImageCore {
 

@@ -3,9 +3,9 @@
 #include <cstdint>
 #include <cstring>
 
-#include "frame/zel_effects.h"
-#include "zellab/imageproc/imageView.h"
-#include "zellab/imageproc/parallelRows.h"
+#include "zel_effects/zel_effects.h"
+#include "zellab/imageproc/core/imageView.h"
+#include "zellab/imageproc/core/parallelRows.h"
 
 namespace zellab {
 

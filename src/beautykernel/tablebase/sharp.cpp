@@ -1,8 +1,8 @@
 // TableBase::ImageProcessWithSharp: unsharp mask against the caller's blurred copy.
 #include <cmath>
 
-#include "frame/zel_effects.h"
-#include "zellab/imageproc/unsharpMaskKernel.h"
+#include "zel_effects/zel_effects.h"
+#include "zellab/imageproc/sharpen/unsharpMaskKernel.h"
 
 namespace ZelImageCore {
 

@@ -4,9 +4,9 @@
 #include <vector>
 
 #include "beautykernel/skintools/skinOperation.h"
-#include "frame/zel_effects.h"
-#include "zellab/imageproc/levels.h"
-#include "zellab/imageproc/toneBlend.h"
+#include "zel_effects/zel_effects.h"
+#include "zellab/imageproc/tone/levels.h"
+#include "zellab/imageproc/tone/toneBlend.h"
 
 void ZelImageCore::TableSkin::ImageProcessWithQornSkinWhitening(unsigned char* image, int width, int height,
                                                                 float* params, ImageCoreFaceInfo* faceInfo,

@@ -6,12 +6,12 @@
 
 #include "beautykernel/skintools/skinMaskFromColor.h"
 #include "beautykernel/skintools/skinOperation.h"
-#include "frame/zel_effects.h"
-#include "zellab/imageproc/colorCube.h"
-#include "zellab/imageproc/floatToInt.h"
-#include "zellab/imageproc/parallelRows.h"
-#include "zellab/imageproc/surfaceBlur.h"
-#include "zellab/imageproc/toneBlend.h"
+#include "zel_effects/zel_effects.h"
+#include "zellab/imageproc/colour/colorCube.h"
+#include "zellab/imageproc/core/floatToInt.h"
+#include "zellab/imageproc/core/parallelRows.h"
+#include "zellab/imageproc/edgeaware/surfaceBlur.h"
+#include "zellab/imageproc/tone/toneBlend.h"
 
 namespace zellab {
 

@@ -1,6 +1,6 @@
 #include "beautykernel/wrinkle_cleaner/wrinkleMaskCleaner.h"
 #include "beautykernel/wrinkle_cleaner/wrinkleRegionCleaner.h"
-#include "frame/zel_effects.h"
+#include "zel_effects/zel_effects.h"
 
 namespace ZelImageCore {
 

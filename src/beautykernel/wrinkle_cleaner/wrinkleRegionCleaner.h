@@ -2,7 +2,7 @@
 
 #include <optional>
 
-#include "zellab/imageproc/imageView.h"
+#include "zellab/imageproc/core/imageView.h"
 #include "zellab/imageproc/poisson/markedBox.h"
 
 namespace zellab {

@@ -1,4 +1,4 @@
-#include "ZelEffectsCore/ZelEffect/mesh_warp/curveTools.h"
+#include "zellab/geometry/curveTools.h"
 
 #include <algorithm>
 #include <cmath>

@@ -1,4 +1,4 @@
-#include "zellab/imageproc/linearSolve.h"
+#include "zellab/geometry/linearSolve.h"
 
 #include <algorithm>
 #include <cmath>

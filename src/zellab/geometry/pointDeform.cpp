@@ -1,8 +1,8 @@
-#include "ZelEffectsCore/ZelEffect/mesh_warp/pointDeform.h"
+#include "zellab/geometry/pointDeform.h"
 
 #include <cmath>
 
-#include "frame/zel_records.h"
+#include "zel_effects/zel_records.h"
 
 namespace zellab {
 

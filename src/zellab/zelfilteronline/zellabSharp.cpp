@@ -1,15 +1,15 @@
-#include "platform/zelfilteronline/zellabSharp.h"
+#include "zellab/zelfilteronline/zellabSharp.h"
 
 #include <algorithm>
 #include <cstdint>
 #include <cstdlib>
 
 #include "platform/simdLevel.h"
-#include "zellab/imageproc/imageView.h"
-#include "zellab/imageproc/parallelRows.h"
-#include "zellab/imageproc/pixelMath.h"
-#include "zellab/imageproc/stackBlur.h"
-#include "zellab/imageproc/stackBlurPasses.h"
+#include "zellab/imageproc/core/imageView.h"
+#include "zellab/imageproc/core/parallelRows.h"
+#include "zellab/imageproc/core/pixelMath.h"
+#include "zellab/imageproc/blur/stackBlur.h"
+#include "zellab/imageproc/blur/stackBlurPasses.h"
 
 namespace zelfilteronline {
 

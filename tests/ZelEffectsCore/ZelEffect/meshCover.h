@@ -6,7 +6,7 @@
 #include <cstdint>
 #include <span>
 
-#include "frame/zel_records.h"
+#include "zel_effects/zel_records.h"
 #include "support/randomImage.h"
 
 namespace zeltest {

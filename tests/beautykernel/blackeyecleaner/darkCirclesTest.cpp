@@ -6,7 +6,7 @@
 
 #include "beautykernel/blackeyecleaner/circleTables.h"
 #include "beautykernel/blackeyecleaner/underEyeShape.h"
-#include "frame/zel_effects.h"
+#include "zel_effects/zel_effects.h"
 #include "support/guardedBytes.h"
 #include "support/randomImage.h"
 #include "support/standardFace.h"

@@ -7,7 +7,7 @@
 
 #include "beautykernel/eyebright/eyeHsl.h"
 #include "beautykernel/eyebright/eyeTables.h"
-#include "frame/zel_effects.h"
+#include "zel_effects/zel_effects.h"
 #include "reference/slowEyeBright.h"
 #include "support/everyMachine.h"
 #include "support/guardedBytes.h"

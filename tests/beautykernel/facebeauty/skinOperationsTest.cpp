@@ -2,15 +2,15 @@
 
 #include <cmath>
 
-#include "frame/zel_effects.h"
+#include "zel_effects/zel_effects.h"
 #include "reference/slowSkin.h"
 #include "support/guardedBytes.h"
 #include "support/skinPicture.h"
 #include "support/standardFace.h"
 #include "support/streamCapture.h"
 #include "support/workingFolder.h"
-#include "zellab/imageproc/levels.h"
-#include "zellab/imageproc/toneBlend.h"
+#include "zellab/imageproc/tone/levels.h"
+#include "zellab/imageproc/tone/toneBlend.h"
 
 namespace {
 

@@ -8,8 +8,8 @@
 #include "beautykernel/facefleckcleaner/blobFinder.h"
 #include "beautykernel/facefleckcleaner/faceCrop.h"
 #include "beautykernel/facefleckcleaner/faceFleckCleaner.h"
-#include "frame/faceTemplate.h"
-#include "frame/zel_effects.h"
+#include "facepoints/faceTemplate.h"
+#include "zel_effects/zel_effects.h"
 #include "support/everyMachine.h"
 #include "support/guardedBytes.h"
 

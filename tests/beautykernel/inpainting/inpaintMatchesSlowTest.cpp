@@ -8,7 +8,7 @@
 #include "beautykernel/inpainting/patchTables.h"
 #include "beautykernel/wrinkle_cleaner/neighbourDonor.h"
 #include "support/randomImage.h"
-#include "zellab/imageproc/edgeDetect.h"
+#include "zellab/imageproc/edges/edgeDetect.h"
 #include "zellab/imageproc/poisson/quietDonor.h"
 
 namespace {

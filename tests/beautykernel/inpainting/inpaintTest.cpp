@@ -13,7 +13,7 @@
 #include "beautykernel/inpainting/patchTables.h"
 #include "beautykernel/wrinkle_cleaner/wrinkleMaskCleaner.h"
 #include "beautykernel/wrinkle_cleaner/wrinkleRegionCleaner.h"
-#include "frame/zel_effects.h"
+#include "zel_effects/zel_effects.h"
 #include "support/randomImage.h"
 
 namespace {

@@ -5,7 +5,7 @@
 #include <limits>
 
 #include "frame/processorCount.h"
-#include "frame/zel_effects.h"
+#include "zel_effects/zel_effects.h"
 #include "support/randomImage.h"
 #include "support/standardFace.h"
 #include "support/workingFolder.h"

@@ -6,7 +6,7 @@
 #include "beautykernel/scenario/defog.h"
 #include "frame/processorCount.h"
 #include "platform/simdLevel.h"
-#include "platform/zelfilteronline/zellabSharp.h"
+#include "zellab/zelfilteronline/zellabSharp.h"
 #include "support/randomImage.h"
 
 namespace {

@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include "frame/zel_effects.h"
+#include "zel_effects/zel_effects.h"
 #include "reference/slowSimpleSkin.h"
 #include "support/everyMachine.h"
 

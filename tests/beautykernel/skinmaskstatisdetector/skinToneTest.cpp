@@ -4,9 +4,9 @@
 
 #include "beautykernel/skinmaskstatisdetector/skinMaskManager.h"
 #include "beautykernel/skinmaskstatisdetector/skinMaskStatisDetector.h"
-#include "frame/interFacePoint.h"
-#include "portrait.h"
-#include "zellab/imageproc/yCbCr.h"
+#include "zel_effects/interFacePoint.h"
+#include "portrait/portrait.h"
+#include "zellab/imageproc/colour/yCbCr.h"
 
 namespace {
 

@@ -8,8 +8,8 @@
 #include "beautykernel/skintools/spotRepair.h"
 #include "beautykernel/skintools/spotTables.h"
 #include "support/randomImage.h"
-#include "zellab/imageproc/convexHull.h"
-#include "zellab/imageproc/polygonFill.h"
+#include "zellab/imageproc/shapes/convexHull.h"
+#include "zellab/imageproc/shapes/polygonFill.h"
 
 namespace {
 

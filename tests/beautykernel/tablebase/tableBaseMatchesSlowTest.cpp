@@ -1,9 +1,9 @@
 #include <gtest/gtest.h>
 
-#include "frame/zel_effects.h"
+#include "zel_effects/zel_effects.h"
 #include "reference/slowTableBase.h"
 #include "support/everyMachine.h"
-#include "zellab/imageproc/psContrastBrightness.h"
+#include "zellab/imageproc/tone/psContrastBrightness.h"
 
 namespace {
 

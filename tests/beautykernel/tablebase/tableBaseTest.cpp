@@ -6,9 +6,9 @@
 #include <vector>
 
 #include "support/randomImage.h"
-#include "zel_effects.h"
-#include "zellab/imageproc/colorAdjust.h"
-#include "zellab/imageproc/stackBlur.h"
+#include "zel_effects/zel_effects.h"
+#include "zellab/imageproc/colour/colorAdjust.h"
+#include "zellab/imageproc/blur/stackBlur.h"
 
 namespace {
 

@@ -4,9 +4,9 @@
 #include <cmath>
 #include <random>
 
-#include "ZelEffectsCore/ZelEffect/mesh_warp/curveTools.h"
-#include "ZelEffectsCore/ZelEffect/mesh_warp/pointDeform.h"
-#include "zellab/imageproc/linearSolve.h"
+#include "zellab/geometry/curveTools.h"
+#include "zellab/geometry/pointDeform.h"
+#include "zellab/geometry/linearSolve.h"
 
 namespace {
 

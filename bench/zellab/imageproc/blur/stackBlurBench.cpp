@@ -1,7 +1,7 @@
 // The stack blur beside its peers. A pair of box blurs of size radius + 1 has the very same kernel, without
 // the truncation in between. The Gaussian has the window of 2 radius + 1 pixels and the deviation of the
 // triangle, whose variance is ((radius + 1)^2 - 1) / 6.
-#include "zellab/imageproc/stackBlur.h"
+#include "zellab/imageproc/blur/stackBlur.h"
 
 #include <cmath>
 #include <opencv2/imgproc.hpp>

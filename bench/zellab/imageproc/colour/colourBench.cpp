@@ -6,9 +6,9 @@
 #include <string>
 
 #include "benchPicture.h"
-#include "zellab/imageproc/colorCube.h"
-#include "zellab/imageproc/parallelRows.h"
-#include "zellab/imageproc/yCbCr.h"
+#include "zellab/imageproc/colour/colorCube.h"
+#include "zellab/imageproc/core/parallelRows.h"
+#include "zellab/imageproc/colour/yCbCr.h"
 
 namespace {
 

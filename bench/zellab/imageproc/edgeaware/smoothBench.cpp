@@ -4,9 +4,9 @@
 
 #include "peerThreads.h"
 #include "zellab/imageproc/domaintransform/domainTransform.h"
-#include "zellab/imageproc/guidedFilterColor.h"
-#include "zellab/imageproc/guidedFilterPlane.h"
-#include "zellab/imageproc/surfaceBlur.h"
+#include "zellab/imageproc/edgeaware/guidedFilterColor.h"
+#include "zellab/imageproc/edgeaware/guidedFilterPlane.h"
+#include "zellab/imageproc/edgeaware/surfaceBlur.h"
 
 namespace {
 

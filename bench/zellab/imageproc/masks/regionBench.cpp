@@ -5,10 +5,10 @@
 #include <opencv2/imgproc.hpp>
 
 #include "peerThreads.h"
-#include "zellab/imageproc/edgeDetect.h"
-#include "zellab/imageproc/floodFill.h"
-#include "zellab/imageproc/maskMorphology.h"
-#include "zellab/imageproc/regionLabelling.h"
+#include "zellab/imageproc/edges/edgeDetect.h"
+#include "zellab/imageproc/masks/floodFill.h"
+#include "zellab/imageproc/masks/maskMorphology.h"
+#include "zellab/imageproc/masks/regionLabelling.h"
 
 namespace {
 

@@ -2,8 +2,8 @@
 #include <opencv2/imgproc.hpp>
 
 #include "peerThreads.h"
-#include "zellab/imageproc/imageResampler.h"
-#include "zellab/imageproc/recursiveGaussian.h"
+#include "zellab/imageproc/resample/imageResampler.h"
+#include "zellab/imageproc/blur/recursiveGaussian.h"
 #include "zellab/imageproc/sfdsp/scaleBilinear.h"
 #include "zellab/imageproc/sfdsp/yuvScale.h"
 

@@ -6,7 +6,7 @@
 #include <cstring>
 
 #include "frame/zel_log.h"
-#include "zellab/imageproc/parallelRows.h"
+#include "zellab/imageproc/core/parallelRows.h"
 
 namespace zellab {
 

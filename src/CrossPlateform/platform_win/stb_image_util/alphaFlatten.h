@@ -1,7 +1,7 @@
 #pragma once
 
 #include "CrossPlateform/platform_win/stb_image_util/imageBuffer.h"
-#include "zellab/imageproc/imageView.h"
+#include "zellab/imageproc/core/imageView.h"
 
 namespace zellab {
 

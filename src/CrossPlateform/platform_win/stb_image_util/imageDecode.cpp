@@ -5,7 +5,7 @@
 
 #include "CrossPlateform/platform_win/stb_image_util/jpegTables.h"
 #include "platform/memoryInfo.h"
-#include "zellab/imageproc/imageView.h"
+#include "zellab/imageproc/core/imageView.h"
 
 namespace zellab {
 

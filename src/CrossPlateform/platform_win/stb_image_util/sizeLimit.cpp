@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "frame/zel_log.h"
-#include "zellab/imageproc/imageView.h"
+#include "zellab/imageproc/core/imageView.h"
 
 namespace zellab {
 

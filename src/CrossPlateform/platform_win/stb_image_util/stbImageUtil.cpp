@@ -4,7 +4,7 @@
 #include "CrossPlateform/platform_win/stb_image_util/imageFile.h"
 #include "CrossPlateform/platform_win/stb_image_util/imageScramble.h"
 #include "CrossPlateform/platform_win/stb_image_util/sizeLimit.h"
-#include "frame/zel_effects.h"
+#include "zel_effects/zel_effects.h"
 #include "frame/zel_log.h"
 
 namespace ZelImageCore {

@@ -2,7 +2,7 @@
 
 #include <cmath>
 
-#include "ZelEffectsCore/ZelEffect/mesh_warp/curveTools.h"
+#include "zellab/geometry/curveTools.h"
 #include "ZelEffectsCore/ZelEffect/mesh_warp/triangleWarp.h"
 
 namespace zellab {

@@ -4,8 +4,8 @@
 #include <cstdint>
 #include <span>
 
-#include "frame/zel_records.h"
-#include "zellab/imageproc/imageView.h"
+#include "zel_effects/zel_records.h"
+#include "zellab/imageproc/core/imageView.h"
 
 namespace zellab {
 

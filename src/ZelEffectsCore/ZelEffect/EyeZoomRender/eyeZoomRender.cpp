@@ -1,7 +1,7 @@
 #include "ZelEffectsCore/ZelEffect/EyeZoomRender/eyeMeshWarp.h"
 #include "ZelEffectsCore/ZelEffect/liquify/brushArguments.h"
 #include "ZelEffectsCore/ZelEffect/liquify/liquify.h"
-#include "frame/zel_effects.h"
+#include "zel_effects/zel_effects.h"
 #include "frame/zel_log.h"
 
 bool CEyeZoomRender::zoomEye(unsigned char* image, int width, int height, zellab::Vector2f center,

@@ -1,7 +1,7 @@
 #include "ZelEffectsCore/ZelEffect/FaceSlimRender/faceMeshWarp.h"
 
-#include "ZelEffectsCore/ZelEffect/mesh_warp/curveTools.h"
-#include "ZelEffectsCore/ZelEffect/mesh_warp/pointDeform.h"
+#include "zellab/geometry/curveTools.h"
+#include "zellab/geometry/pointDeform.h"
 #include "ZelEffectsCore/ZelEffect/mesh_warp/triangleWarp.h"
 
 namespace zellab {

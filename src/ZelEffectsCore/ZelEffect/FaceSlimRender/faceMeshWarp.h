@@ -5,8 +5,8 @@
 #include <span>
 #include <vector>
 
-#include "frame/zel_records.h"
-#include "zellab/imageproc/imageView.h"
+#include "zel_effects/zel_records.h"
+#include "zellab/imageproc/core/imageView.h"
 
 namespace zellab {
 

@@ -1,8 +1,8 @@
 #pragma once
 
 #include "bokeh/lookParameters.h"
-#include "frame/zel_effects.h"
-#include "zellab/imageproc/imageView.h"
+#include "zel_effects/zel_effects.h"
+#include "zellab/imageproc/core/imageView.h"
 
 namespace zellab {
 class DepthEngine;

@@ -6,11 +6,11 @@
 
 #include "ZelEffectsCore/ZelEffect/ZelDepthDefocusRender/defocusInternals.h"
 #include "bokeh/bokehScene.h"
-#include "frame/zel_effects.h"
+#include "zel_effects/zel_effects.h"
 #include "frame/zel_log.h"
 #include "gl/environment.h"
 #include "gl/utils.h"
-#include "zellab/imageproc/imageView.h"
+#include "zellab/imageproc/core/imageView.h"
 #include "zellab/imageproc/sfdsp/yuvScale.h"
 
 namespace DefocusCore {

@@ -6,9 +6,9 @@
 #include <cstdlib>
 #include <memory>
 
-#include "frame/zel_effects.h"
+#include "zel_effects/zel_effects.h"
 #include "frame/zel_log.h"
-#include "zellab/imageproc/imageView.h"
+#include "zellab/imageproc/core/imageView.h"
 
 namespace DefocusCore {
 namespace {

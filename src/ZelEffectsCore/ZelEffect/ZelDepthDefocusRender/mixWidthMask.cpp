@@ -2,13 +2,13 @@
 #include <cstddef>
 #include <vector>
 
-#include "frame/zel_effects.h"
+#include "zel_effects/zel_effects.h"
 #include "frame/zel_log.h"
-#include "zellab/imageproc/imageView.h"
-#include "zellab/imageproc/parallelRows.h"
-#include "zellab/imageproc/pixelMath.h"
+#include "zellab/imageproc/core/imageView.h"
+#include "zellab/imageproc/core/parallelRows.h"
+#include "zellab/imageproc/core/pixelMath.h"
 #include "zellab/imageproc/sfdsp/yuvScale.h"
-#include "zellab/imageproc/stackBlur.h"
+#include "zellab/imageproc/blur/stackBlur.h"
 
 namespace DefocusCore {
 namespace {

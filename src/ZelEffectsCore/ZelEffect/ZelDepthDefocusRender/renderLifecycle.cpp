@@ -8,9 +8,9 @@
 #include "depth/depthEngine.h"
 #include "depth/portraitDepth.h"
 #include "depth/refineDepth.h"
-#include "frame/zel_effects.h"
+#include "zel_effects/zel_effects.h"
 #include "frame/zel_log.h"
-#include "zellab/imageproc/imageView.h"
+#include "zellab/imageproc/core/imageView.h"
 
 namespace DefocusCore {
 

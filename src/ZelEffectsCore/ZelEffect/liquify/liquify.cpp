@@ -5,8 +5,8 @@
 #include <cstring>
 #include <numbers>
 
-#include "zellab/imageproc/cubicSample.h"
-#include "zellab/imageproc/parallelRows.h"
+#include "zellab/imageproc/resample/cubicSample.h"
+#include "zellab/imageproc/core/parallelRows.h"
 
 namespace zellab {
 

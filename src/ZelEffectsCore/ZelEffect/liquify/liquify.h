@@ -2,8 +2,8 @@
 
 #include <vector>
 
-#include "frame/zel_records.h"
-#include "zellab/imageproc/imageView.h"
+#include "zel_effects/zel_records.h"
+#include "zellab/imageproc/core/imageView.h"
 
 namespace zellab {
 

@@ -3,9 +3,9 @@
 #include <algorithm>
 #include <cstring>
 
-#include "zellab/imageproc/cubicSample.h"
-#include "zellab/imageproc/parallelRows.h"
-#include "zellab/imageproc/triangleRaster.h"
+#include "zellab/imageproc/resample/cubicSample.h"
+#include "zellab/imageproc/core/parallelRows.h"
+#include "zellab/imageproc/shapes/triangleRaster.h"
 
 namespace zellab {
 

@@ -4,9 +4,9 @@
 #include <cstdint>
 #include <vector>
 
-#include "frame/zel_records.h"
-#include "zellab/imageproc/imageView.h"
-#include "zellab/imageproc/linearSolve.h"
+#include "zel_effects/zel_records.h"
+#include "zellab/imageproc/core/imageView.h"
+#include "zellab/geometry/linearSolve.h"
 
 namespace zellab {
 

@@ -1,4 +1,4 @@
-#include "zellab/imageproc/recursiveGaussian.h"
+#include "zellab/imageproc/blur/recursiveGaussian.h"
 
 #include <algorithm>
 #include <cmath>
@@ -7,9 +7,9 @@
 
 #include "frame/processorCount.h"
 #include "platform/simdLevel.h"
-#include "zellab/imageproc/imageView.h"
-#include "zellab/imageproc/parallelRows.h"
-#include "zellab/imageproc/pixelMath.h"
+#include "zellab/imageproc/core/imageView.h"
+#include "zellab/imageproc/core/parallelRows.h"
+#include "zellab/imageproc/core/pixelMath.h"
 
 namespace zellab {
 

@@ -3,10 +3,10 @@
 #include <algorithm>
 #include <cstring>
 
-#include "zellab/imageproc/slotRing.h"
-#include "zellab/imageproc/stackBlurLanes.h"
-#include "zellab/imageproc/stackBlurPasses.h"
-#include "zellab/imageproc/tileTranspose.h"
+#include "zellab/imageproc/blur/slotRing.h"
+#include "zellab/imageproc/blur/stackBlurLanes.h"
+#include "zellab/imageproc/blur/stackBlurPasses.h"
+#include "zellab/imageproc/core/tileTranspose.h"
 
 namespace zellab {
 

@@ -1,11 +1,11 @@
-#include "zellab/imageproc/stackBlur.h"
+#include "zellab/imageproc/blur/stackBlur.h"
 
 #include <algorithm>
 #include <cstring>
 
 #include "frame/processorCount.h"
-#include "zellab/imageproc/imageView.h"
-#include "zellab/imageproc/stackBlurPasses.h"
+#include "zellab/imageproc/core/imageView.h"
+#include "zellab/imageproc/blur/stackBlurPasses.h"
 
 namespace zellab {
 

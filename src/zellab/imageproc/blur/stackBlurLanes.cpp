@@ -1,4 +1,4 @@
-#include "zellab/imageproc/stackBlurLanes.h"
+#include "zellab/imageproc/blur/stackBlurLanes.h"
 
 #include <cmath>
 #include <cstdint>

@@ -4,7 +4,7 @@
 #include <vector>
 
 #include "platform/simdLevel.h"
-#include "zellab/imageproc/imageView.h"
+#include "zellab/imageproc/core/imageView.h"
 
 namespace zellab {
 

@@ -2,7 +2,7 @@
 
 #include <cstdint>
 
-#include "zellab/imageproc/stackBlurLanes.h"
+#include "zellab/imageproc/blur/stackBlurLanes.h"
 
 namespace zellab {
 

@@ -1,4 +1,4 @@
-#include "zellab/imageproc/stackBlurPasses.h"
+#include "zellab/imageproc/blur/stackBlurPasses.h"
 
 #include <algorithm>
 #include <cstdint>
@@ -7,10 +7,10 @@
 #include <vector>
 
 #include "platform/simdLevel.h"
-#include "zellab/imageproc/parallelRows.h"
-#include "zellab/imageproc/rowTile.h"
-#include "zellab/imageproc/slotRing.h"
-#include "zellab/imageproc/stackBlurLanes.h"
+#include "zellab/imageproc/core/parallelRows.h"
+#include "zellab/imageproc/blur/rowTile.h"
+#include "zellab/imageproc/blur/slotRing.h"
+#include "zellab/imageproc/blur/stackBlurLanes.h"
 
 namespace zellab {
 

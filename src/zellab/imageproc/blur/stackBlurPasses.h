@@ -3,7 +3,7 @@
 #include <cstddef>
 #include <functional>
 
-#include "zellab/imageproc/imageView.h"
+#include "zellab/imageproc/core/imageView.h"
 
 namespace zellab {
 

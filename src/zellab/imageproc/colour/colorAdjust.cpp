@@ -1,13 +1,13 @@
-#include "zellab/imageproc/colorAdjust.h"
+#include "zellab/imageproc/colour/colorAdjust.h"
 
 #include <algorithm>
 #include <cmath>
 
 #include "platform/simdLevel.h"
-#include "zellab/imageproc/parallelRows.h"
-#include "zellab/imageproc/pixelMath.h"
-#include "zellab/imageproc/saturationRow.h"
-#include "zellab/imageproc/toneTables.h"
+#include "zellab/imageproc/core/parallelRows.h"
+#include "zellab/imageproc/core/pixelMath.h"
+#include "zellab/imageproc/colour/saturationRow.h"
+#include "zellab/imageproc/tone/toneTables.h"
 
 namespace zellab {
 

@@ -1,11 +1,11 @@
-#include "zellab/imageproc/colorCube.h"
+#include "zellab/imageproc/colour/colorCube.h"
 
 #include <algorithm>
 
 #include "platform/simdLevel.h"
-#include "zellab/imageproc/colorCubeCells.h"
-#include "zellab/imageproc/parallelRows.h"
-#include "zellab/imageproc/pixelMath.h"
+#include "zellab/imageproc/colour/colorCubeCells.h"
+#include "zellab/imageproc/core/parallelRows.h"
+#include "zellab/imageproc/core/pixelMath.h"
 
 namespace zellab {
 

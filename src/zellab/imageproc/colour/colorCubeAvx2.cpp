@@ -1,7 +1,7 @@
 #include <immintrin.h>
 
 #include "platform/simdLevel.h"
-#include "zellab/imageproc/colorCubeCells.h"
+#include "zellab/imageproc/colour/colorCubeCells.h"
 
 namespace zellab {
 

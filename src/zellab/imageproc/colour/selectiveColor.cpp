@@ -1,4 +1,4 @@
-#include "zellab/imageproc/selectiveColor.h"
+#include "zellab/imageproc/colour/selectiveColor.h"
 
 #include <algorithm>
 #include <cstdint>

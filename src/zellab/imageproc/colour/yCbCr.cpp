@@ -1,12 +1,12 @@
-#include "zellab/imageproc/yCbCr.h"
+#include "zellab/imageproc/colour/yCbCr.h"
 
 #include <algorithm>
 
 #include "frame/processorCount.h"
 #include "platform/simdLevel.h"
-#include "zellab/imageproc/parallelRows.h"
-#include "zellab/imageproc/pixelMath.h"
-#include "zellab/imageproc/yCbCrRows.h"
+#include "zellab/imageproc/core/parallelRows.h"
+#include "zellab/imageproc/core/pixelMath.h"
+#include "zellab/imageproc/colour/yCbCrRows.h"
 
 namespace zellab {
 

@@ -1,5 +1,5 @@
-#include "zellab/imageproc/rgbaPlanesAvx2.h"
-#include "zellab/imageproc/yCbCrRows.h"
+#include "zellab/imageproc/core/rgbaPlanesAvx2.h"
+#include "zellab/imageproc/colour/yCbCrRows.h"
 
 namespace zellab {
 

@@ -2,7 +2,7 @@
 
 #include <cstddef>
 
-#include "zellab/imageproc/imageView.h"
+#include "zellab/imageproc/core/imageView.h"
 
 /// The arithmetic of the conversions and their AVX2 loops.
 

@@ -5,8 +5,8 @@
 #include <cstring>
 
 #include "platform/simdLevel.h"
-#include "zellab/imageproc/imageView.h"
-#include "zellab/imageproc/parallelRows.h"
+#include "zellab/imageproc/core/imageView.h"
+#include "zellab/imageproc/core/parallelRows.h"
 
 /// Two pictures combined byte by byte. The operation is a small value with an always-inlined
 /// `Byte operator()(int first, int second) const`; its loop is compiled for the baseline and for AVX2 from

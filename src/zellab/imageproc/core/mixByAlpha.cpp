@@ -1,6 +1,6 @@
-#include "zellab/imageproc/mixByAlpha.h"
+#include "zellab/imageproc/core/mixByAlpha.h"
 
-#include "zellab/imageproc/combinePixels.h"
+#include "zellab/imageproc/core/combinePixels.h"
 
 namespace zellab {
 

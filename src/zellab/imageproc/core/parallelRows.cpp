@@ -1,4 +1,4 @@
-#include "zellab/imageproc/parallelRows.h"
+#include "zellab/imageproc/core/parallelRows.h"
 
 #include <atomic>
 #include <exception>

@@ -3,7 +3,7 @@
 #include <immintrin.h>
 
 #include "platform/simdLevel.h"
-#include "zellab/imageproc/imageView.h"
+#include "zellab/imageproc/core/imageView.h"
 
 /// RGBA pixels in AVX2 registers. Include only from files that hold AVX2 kernels.
 

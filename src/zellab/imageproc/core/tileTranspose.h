@@ -4,7 +4,7 @@
 
 #include <cstddef>
 
-#include "zellab/imageproc/imageView.h"
+#include "zellab/imageproc/core/imageView.h"
 
 /// Small transpositions for kernels that treat a row like a column. SSE2 is part of the x86-64 baseline.
 

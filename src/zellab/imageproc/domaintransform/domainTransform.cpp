@@ -12,8 +12,8 @@
 
 #include "frame/processorCount.h"
 #include "platform/simdLevel.h"
-#include "zellab/imageproc/imageView.h"
-#include "zellab/imageproc/parallelRows.h"
+#include "zellab/imageproc/core/imageView.h"
+#include "zellab/imageproc/core/parallelRows.h"
 
 namespace zellab {
 

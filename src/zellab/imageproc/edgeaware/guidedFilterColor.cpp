@@ -1,4 +1,4 @@
-#include "zellab/imageproc/guidedFilterColor.h"
+#include "zellab/imageproc/edgeaware/guidedFilterColor.h"
 
 #include <algorithm>
 #include <cmath>
@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "platform/simdLevel.h"
-#include "zellab/imageproc/parallelRows.h"
+#include "zellab/imageproc/core/parallelRows.h"
 
 namespace zellab {
 

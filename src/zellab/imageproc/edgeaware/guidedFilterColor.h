@@ -2,7 +2,7 @@
 
 #include <array>
 
-#include "zellab/imageproc/guidedFilterRows.h"
+#include "zellab/imageproc/edgeaware/guidedFilterRows.h"
 
 namespace zellab {
 

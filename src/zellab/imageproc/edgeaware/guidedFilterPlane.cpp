@@ -1,4 +1,4 @@
-#include "zellab/imageproc/guidedFilterPlane.h"
+#include "zellab/imageproc/edgeaware/guidedFilterPlane.h"
 
 #include <algorithm>
 #include <array>
@@ -6,9 +6,9 @@
 #include <cstdint>
 #include <vector>
 
-#include "zellab/imageproc/imageView.h"
-#include "zellab/imageproc/parallelRows.h"
-#include "zellab/imageproc/pixelMath.h"
+#include "zellab/imageproc/core/imageView.h"
+#include "zellab/imageproc/core/parallelRows.h"
+#include "zellab/imageproc/core/pixelMath.h"
 
 namespace zellab {
 

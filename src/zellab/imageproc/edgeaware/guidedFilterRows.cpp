@@ -1,11 +1,11 @@
-#include "zellab/imageproc/guidedFilterRows.h"
+#include "zellab/imageproc/edgeaware/guidedFilterRows.h"
 
 #include <algorithm>
 #include <cmath>
 #include <limits>
 #include <numbers>
 
-#include "zellab/imageproc/pixelMath.h"
+#include "zellab/imageproc/core/pixelMath.h"
 
 namespace zellab {
 

@@ -3,7 +3,7 @@
 #include <array>
 #include <cstddef>
 
-#include "zellab/imageproc/imageView.h"
+#include "zellab/imageproc/core/imageView.h"
 
 /// The colour guided filter's arithmetic on rows: from the windows' moments to models, from models to bytes.
 

@@ -3,7 +3,7 @@
 #include <limits>
 
 #include "platform/simdLevel.h"
-#include "zellab/imageproc/guidedFilterRows.h"
+#include "zellab/imageproc/edgeaware/guidedFilterRows.h"
 
 /// Eight windows at a time: the steps of guidedFilterRows.cpp in the same order, so with the same bits.
 

@@ -1,4 +1,4 @@
-#include "zellab/imageproc/surfaceBlur.h"
+#include "zellab/imageproc/edgeaware/surfaceBlur.h"
 
 #include <immintrin.h>
 
@@ -11,8 +11,8 @@
 #include <vector>
 
 #include "platform/simdLevel.h"
-#include "zellab/imageproc/imageView.h"
-#include "zellab/imageproc/parallelRows.h"
+#include "zellab/imageproc/core/imageView.h"
+#include "zellab/imageproc/core/parallelRows.h"
 
 namespace zellab {
 

@@ -1,4 +1,4 @@
-#include "zellab/imageproc/edgeDetect.h"
+#include "zellab/imageproc/edges/edgeDetect.h"
 
 #include <emmintrin.h>
 
@@ -10,9 +10,9 @@
 #include <utility>
 #include <vector>
 
-#include "zellab/imageproc/edgeThinning.h"
-#include "zellab/imageproc/imageView.h"
-#include "zellab/imageproc/parallelRows.h"
+#include "zellab/imageproc/edges/edgeThinning.h"
+#include "zellab/imageproc/core/imageView.h"
+#include "zellab/imageproc/core/parallelRows.h"
 
 namespace zellab {
 

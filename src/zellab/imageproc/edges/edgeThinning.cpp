@@ -1,4 +1,4 @@
-#include "zellab/imageproc/edgeThinning.h"
+#include "zellab/imageproc/edges/edgeThinning.h"
 
 #include <immintrin.h>
 

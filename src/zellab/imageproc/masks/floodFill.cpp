@@ -1,4 +1,4 @@
-#include "zellab/imageproc/floodFill.h"
+#include "zellab/imageproc/masks/floodFill.h"
 
 #include <emmintrin.h>
 
@@ -7,7 +7,7 @@
 #include <cstring>
 #include <vector>
 
-#include "zellab/imageproc/imageView.h"
+#include "zellab/imageproc/core/imageView.h"
 
 namespace zellab {
 

@@ -1,4 +1,4 @@
-#include "zellab/imageproc/maskMorphology.h"
+#include "zellab/imageproc/masks/maskMorphology.h"
 
 #include <emmintrin.h>
 
@@ -7,8 +7,8 @@
 #include <vector>
 
 #include "frame/processorCount.h"
-#include "zellab/imageproc/imageView.h"
-#include "zellab/imageproc/parallelRows.h"
+#include "zellab/imageproc/core/imageView.h"
+#include "zellab/imageproc/core/parallelRows.h"
 
 namespace zellab {
 

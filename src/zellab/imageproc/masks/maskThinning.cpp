@@ -2,8 +2,8 @@
 #include <limits>
 #include <vector>
 
-#include "zellab/imageproc/imageView.h"
-#include "zellab/imageproc/maskMorphology.h"
+#include "zellab/imageproc/core/imageView.h"
+#include "zellab/imageproc/masks/maskMorphology.h"
 
 namespace zellab {
 

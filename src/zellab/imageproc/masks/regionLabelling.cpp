@@ -1,4 +1,4 @@
-#include "zellab/imageproc/regionLabelling.h"
+#include "zellab/imageproc/masks/regionLabelling.h"
 
 #include <emmintrin.h>
 
@@ -10,8 +10,8 @@
 #include <numeric>
 #include <vector>
 
-#include "zellab/imageproc/imageView.h"
-#include "zellab/imageproc/parallelRows.h"
+#include "zellab/imageproc/core/imageView.h"
+#include "zellab/imageproc/core/parallelRows.h"
 
 namespace zellab {
 

@@ -1,9 +1,9 @@
 #pragma once
 
 #include "frame/processorCount.h"
-#include "zellab/imageproc/imageView.h"
-#include "zellab/imageproc/parallelRows.h"
-#include "zellab/imageproc/pixelMath.h"
+#include "zellab/imageproc/core/imageView.h"
+#include "zellab/imageproc/core/parallelRows.h"
+#include "zellab/imageproc/core/pixelMath.h"
 #include "zellab/imageproc/poisson/sineSolver.h"
 
 namespace zellab {

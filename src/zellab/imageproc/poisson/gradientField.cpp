@@ -1,6 +1,6 @@
 #include "zellab/imageproc/poisson/gradientField.h"
 
-#include "zellab/imageproc/parallelRows.h"
+#include "zellab/imageproc/core/parallelRows.h"
 
 namespace zellab {
 

@@ -3,7 +3,7 @@
 #include <array>
 #include <cstdint>
 
-#include "zellab/imageproc/imageView.h"
+#include "zellab/imageproc/core/imageView.h"
 
 namespace zellab {
 

@@ -2,7 +2,7 @@
 
 #include <functional>
 
-#include "zellab/imageproc/imageView.h"
+#include "zellab/imageproc/core/imageView.h"
 #include "zellab/imageproc/poisson/gradientField.h"
 #include "zellab/imageproc/poisson/holeBlocks.h"
 #include "zellab/imageproc/poisson/markedBox.h"

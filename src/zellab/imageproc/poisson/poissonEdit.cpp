@@ -4,11 +4,11 @@
 #include <cstdio>
 #include <cstring>
 
-#include "zellab/imageproc/imageView.h"
-#include "zellab/imageproc/pixelMath.h"
+#include "zellab/imageproc/core/imageView.h"
+#include "zellab/imageproc/core/pixelMath.h"
 #include "zellab/imageproc/poisson/boxSolve.h"
 #include "zellab/imageproc/poisson/markedBox.h"
-#include "zellab/imageproc/stackBlur.h"
+#include "zellab/imageproc/blur/stackBlur.h"
 
 namespace zellab {
 

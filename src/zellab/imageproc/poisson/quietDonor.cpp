@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "zellab/imageproc/edgeDetect.h"
+#include "zellab/imageproc/edges/edgeDetect.h"
 #include "zellab/imageproc/poisson/roughness.h"
 
 namespace zellab {

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cstring>
 
-#include "zellab/imageproc/cubicSampleLanes.h"
+#include "zellab/imageproc/resample/cubicSampleLanes.h"
 
 namespace zellab {
 

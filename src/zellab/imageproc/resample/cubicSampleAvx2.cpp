@@ -2,7 +2,7 @@
 
 #include <cstring>
 
-#include "zellab/imageproc/cubicSampleLanes.h"
+#include "zellab/imageproc/resample/cubicSampleLanes.h"
 
 namespace zellab::cubic {
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "zellab/imageproc/cubicSample.h"
+#include "zellab/imageproc/resample/cubicSample.h"
 
 /// The two forms of sampleCubicRun; both give the same bytes.
 

@@ -1,11 +1,11 @@
-#include "zellab/imageproc/imageResampler.h"
+#include "zellab/imageproc/resample/imageResampler.h"
 
 #include <algorithm>
 #include <cstring>
 
 #include "frame/processorCount.h"
-#include "zellab/imageproc/parallelRows.h"
-#include "zellab/imageproc/resampleKernels.h"
+#include "zellab/imageproc/core/parallelRows.h"
+#include "zellab/imageproc/resample/resampleKernels.h"
 
 namespace zellab {
 

@@ -1,11 +1,11 @@
-#include "zellab/imageproc/resampleKernels.h"
+#include "zellab/imageproc/resample/resampleKernels.h"
 
 #include <immintrin.h>
 
 #include <cstring>
 
-#include "zellab/imageproc/pixelMath.h"
-#include "zellab/imageproc/resampleShuffles.h"
+#include "zellab/imageproc/core/pixelMath.h"
+#include "zellab/imageproc/resample/resampleShuffles.h"
 
 namespace zellab {
 

@@ -3,8 +3,8 @@
 #include <cstddef>
 
 #include "platform/simdLevel.h"
-#include "zellab/imageproc/imageView.h"
-#include "zellab/imageproc/resamplePhases.h"
+#include "zellab/imageproc/core/imageView.h"
+#include "zellab/imageproc/resample/resamplePhases.h"
 
 namespace zellab {
 

@@ -1,4 +1,4 @@
-#include "zellab/imageproc/resamplePhases.h"
+#include "zellab/imageproc/resample/resamplePhases.h"
 
 #include <algorithm>
 #include <array>

@@ -1,4 +1,4 @@
-#include "zellab/imageproc/resampleShuffles.h"
+#include "zellab/imageproc/resample/resampleShuffles.h"
 
 #include <immintrin.h>
 

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "zellab/imageproc/imageView.h"
-#include "zellab/imageproc/resamplePhases.h"
+#include "zellab/imageproc/core/imageView.h"
+#include "zellab/imageproc/resample/resamplePhases.h"
 
 /// Row filters that read a block of outputs by one load and one shuffle: for pictures that grow, or shrink to
 /// no less than about half. They need AVX2.

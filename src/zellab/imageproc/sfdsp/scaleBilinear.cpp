@@ -2,7 +2,7 @@
 
 #include <cstring>
 
-#include "zellab/imageproc/parallelRows.h"
+#include "zellab/imageproc/core/parallelRows.h"
 #include "zellab/imageproc/sfdsp/bilinearRows.h"
 
 namespace zellab {

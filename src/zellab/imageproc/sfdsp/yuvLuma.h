@@ -1,6 +1,6 @@
 #pragma once
 
-#include "zellab/imageproc/imageView.h"
+#include "zellab/imageproc/core/imageView.h"
 
 /// The Y of BT.601 limited-range YUV, bit for bit as the YUV library computes it. That library takes blue in
 /// byte 0 and is handed the pixels as they stand, so blue's weight falls on red, and red's on blue.

@@ -1,4 +1,4 @@
-#include "zellab/imageproc/convexHull.h"
+#include "zellab/imageproc/shapes/convexHull.h"
 
 #include <algorithm>
 #include <cmath>

@@ -1,12 +1,12 @@
-#include "zellab/imageproc/maskRaster.h"
+#include "zellab/imageproc/shapes/maskRaster.h"
 
 #include <algorithm>
 #include <cmath>
 
-#include "zellab/imageproc/imageView.h"
-#include "zellab/imageproc/linearSolve.h"
-#include "zellab/imageproc/parallelRows.h"
-#include "zellab/imageproc/triangleRaster.h"
+#include "zellab/imageproc/core/imageView.h"
+#include "zellab/geometry/linearSolve.h"
+#include "zellab/imageproc/core/parallelRows.h"
+#include "zellab/imageproc/shapes/triangleRaster.h"
 
 namespace zellab {
 

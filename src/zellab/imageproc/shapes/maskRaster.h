@@ -2,7 +2,7 @@
 
 #include <memory>
 
-#include "frame/zel_records.h"
+#include "zel_effects/zel_records.h"
 
 namespace zellab {
 

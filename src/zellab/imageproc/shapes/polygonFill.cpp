@@ -1,9 +1,9 @@
-#include "zellab/imageproc/polygonFill.h"
+#include "zellab/imageproc/shapes/polygonFill.h"
 
 #include <algorithm>
 #include <cmath>
 
-#include "zellab/imageproc/imageView.h"
+#include "zellab/imageproc/core/imageView.h"
 
 namespace zellab {
 

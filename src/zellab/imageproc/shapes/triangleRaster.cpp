@@ -1,4 +1,4 @@
-#include "zellab/imageproc/triangleRaster.h"
+#include "zellab/imageproc/shapes/triangleRaster.h"
 
 #include <algorithm>
 #include <cmath>

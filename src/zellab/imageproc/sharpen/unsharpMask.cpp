@@ -1,11 +1,11 @@
-#include "zellab/imageproc/unsharpMask.h"
+#include "zellab/imageproc/sharpen/unsharpMask.h"
 
 #include <cstddef>
 
-#include "zellab/imageproc/combinePixels.h"
-#include "zellab/imageproc/stackBlur.h"
-#include "zellab/imageproc/stackBlurPasses.h"
-#include "zellab/imageproc/unsharpStep.h"
+#include "zellab/imageproc/core/combinePixels.h"
+#include "zellab/imageproc/blur/stackBlur.h"
+#include "zellab/imageproc/blur/stackBlurPasses.h"
+#include "zellab/imageproc/sharpen/unsharpStep.h"
 
 namespace zellab {
 

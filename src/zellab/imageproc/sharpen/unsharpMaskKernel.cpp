@@ -1,10 +1,10 @@
-#include "zellab/imageproc/unsharpMaskKernel.h"
+#include "zellab/imageproc/sharpen/unsharpMaskKernel.h"
 
 #include <cmath>
 #include <cstdint>
 
-#include "zellab/imageproc/combinePixels.h"
-#include "zellab/imageproc/pixelMath.h"
+#include "zellab/imageproc/core/combinePixels.h"
+#include "zellab/imageproc/core/pixelMath.h"
 
 namespace zellab {
 

@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <cstdlib>
 
-#include "zellab/imageproc/imageView.h"
-#include "zellab/imageproc/pixelMath.h"
+#include "zellab/imageproc/core/imageView.h"
+#include "zellab/imageproc/core/pixelMath.h"
 
 /// The pieces of UnsharpMask, for callers that hold a blurred copy already.
 

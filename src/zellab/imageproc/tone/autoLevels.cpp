@@ -5,10 +5,10 @@
 #include <mutex>
 #include <optional>
 
-#include "zellab/imageproc/colourHistograms.h"
-#include "zellab/imageproc/levels.h"
-#include "zellab/imageproc/parallelRows.h"
-#include "zellab/imageproc/toneTables.h"
+#include "zellab/imageproc/tone/colourHistograms.h"
+#include "zellab/imageproc/tone/levels.h"
+#include "zellab/imageproc/core/parallelRows.h"
+#include "zellab/imageproc/tone/toneTables.h"
 
 namespace zellab {
 

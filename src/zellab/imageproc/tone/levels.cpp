@@ -1,10 +1,10 @@
-#include "zellab/imageproc/levels.h"
+#include "zellab/imageproc/tone/levels.h"
 
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
 
-#include "zellab/imageproc/toneTables.h"
+#include "zellab/imageproc/tone/toneTables.h"
 
 namespace zellab {
 

@@ -1,11 +1,11 @@
-#include "zellab/imageproc/psContrastBrightness.h"
+#include "zellab/imageproc/tone/psContrastBrightness.h"
 
 #include <algorithm>
 #include <array>
 #include <cmath>
 
-#include "zellab/imageproc/imageView.h"
-#include "zellab/imageproc/toneTables.h"
+#include "zellab/imageproc/core/imageView.h"
+#include "zellab/imageproc/tone/toneTables.h"
 
 namespace zellab {
 

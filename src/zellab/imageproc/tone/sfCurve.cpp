@@ -1,11 +1,11 @@
-#include "zellab/imageproc/sfCurve.h"
+#include "zellab/imageproc/tone/sfCurve.h"
 
 #include <algorithm>
 #include <cstdint>
 #include <new>
 #include <vector>
 
-#include "zellab/imageproc/pixelMath.h"
+#include "zellab/imageproc/core/pixelMath.h"
 
 namespace zellab {
 

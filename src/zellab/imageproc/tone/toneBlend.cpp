@@ -1,10 +1,10 @@
-#include "zellab/imageproc/toneBlend.h"
+#include "zellab/imageproc/tone/toneBlend.h"
 
 #include <algorithm>
 #include <cmath>
 
-#include "zellab/imageproc/pixelMath.h"
-#include "zellab/imageproc/toneTables.h"
+#include "zellab/imageproc/core/pixelMath.h"
+#include "zellab/imageproc/tone/toneTables.h"
 
 namespace zellab {
 

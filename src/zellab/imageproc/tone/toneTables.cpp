@@ -1,8 +1,8 @@
-#include "zellab/imageproc/toneTables.h"
+#include "zellab/imageproc/tone/toneTables.h"
 
 #include "platform/simdLevel.h"
-#include "zellab/imageproc/parallelRows.h"
-#include "zellab/imageproc/toneTablesAvx2.h"
+#include "zellab/imageproc/core/parallelRows.h"
+#include "zellab/imageproc/tone/toneTablesAvx2.h"
 
 namespace zellab {
 

@@ -2,7 +2,7 @@
 
 #include <array>
 
-#include "zellab/imageproc/imageView.h"
+#include "zellab/imageproc/core/imageView.h"
 
 /// Point operations: pixels mapped through tables of 256 bytes. Bytes 0 to 2 change, alpha stays.
 

@@ -1,6 +1,6 @@
-#include "zellab/imageproc/toneTablesAvx2.h"
+#include "zellab/imageproc/tone/toneTablesAvx2.h"
 
-#include "zellab/imageproc/rgbaPlanesAvx2.h"
+#include "zellab/imageproc/core/rgbaPlanesAvx2.h"
 
 namespace zellab {
 

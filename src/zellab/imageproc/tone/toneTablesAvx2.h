@@ -1,6 +1,6 @@
 #pragma once
 
-#include "zellab/imageproc/toneTables.h"
+#include "zellab/imageproc/tone/toneTables.h"
 
 namespace zellab {
 

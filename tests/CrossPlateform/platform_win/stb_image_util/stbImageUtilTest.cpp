@@ -9,7 +9,7 @@
 #include <thread>
 
 #include "CrossPlateform/platform_win/stb_image_util/imageScramble.h"
-#include "frame/zel_effects.h"
+#include "zel_effects/zel_effects.h"
 #include "support/scratchFolder.h"
 #include "support/streamCapture.h"
 #include "support/tinyImages.h"

@@ -5,7 +5,7 @@
 
 #include "../meshCover.h"
 #include "ZelEffectsCore/ZelEffect/EyeZoomRender/eyeMeshWarp.h"
-#include "frame/zel_effects.h"
+#include "zel_effects/zel_effects.h"
 #include "support/randomImage.h"
 #include "support/standardFace.h"
 

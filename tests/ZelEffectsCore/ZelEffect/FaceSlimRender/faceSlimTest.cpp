@@ -6,7 +6,7 @@
 #include "../meshCover.h"
 #include "ZelEffectsCore/ZelEffect/FaceSlimRender/faceMeshWarp.h"
 #include "frame/processorCount.h"
-#include "frame/zel_effects.h"
+#include "zel_effects/zel_effects.h"
 #include "support/randomImage.h"
 #include "support/standardFace.h"
 

@@ -2,11 +2,11 @@
 
 #include <random>
 
-#include "ZelEffectsCore/ZelEffect/mesh_warp/pointDeform.h"
+#include "zellab/geometry/pointDeform.h"
 #include "ZelEffectsCore/ZelEffect/mesh_warp/triangleWarp.h"
 #include "reference/slowMeshWarp.h"
 #include "support/everyMachine.h"
-#include "zellab/imageproc/linearSolve.h"
+#include "zellab/geometry/linearSolve.h"
 
 namespace {
 

@@ -8,8 +8,8 @@
 
 #include "frame/processorCount.h"
 #include "support/randomImage.h"
-#include "zellab/imageproc/cubicConvolution.h"
-#include "zellab/imageproc/triangleRaster.h"
+#include "zellab/imageproc/resample/cubicConvolution.h"
+#include "zellab/imageproc/shapes/triangleRaster.h"
 
 namespace {
 

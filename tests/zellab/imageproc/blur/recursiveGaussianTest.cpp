@@ -1,4 +1,4 @@
-#include "zellab/imageproc/recursiveGaussian.h"
+#include "zellab/imageproc/blur/recursiveGaussian.h"
 
 #include <gtest/gtest.h>
 

@@ -2,7 +2,7 @@
 
 #include "reference/slowStackBlur.h"
 #include "support/everyMachine.h"
-#include "zellab/imageproc/stackBlur.h"
+#include "zellab/imageproc/blur/stackBlur.h"
 
 namespace {
 

@@ -1,4 +1,4 @@
-#include "zellab/imageproc/stackBlur.h"
+#include "zellab/imageproc/blur/stackBlur.h"
 
 #include <gtest/gtest.h>
 
@@ -10,10 +10,10 @@
 #include <thread>
 
 #include "frame/processorCount.h"
-#include "frame/zel_effects.h"
+#include "zel_effects/zel_effects.h"
 #include "platform/simdLevel.h"
 #include "support/randomImage.h"
-#include "zellab/imageproc/stackBlurLanes.h"
+#include "zellab/imageproc/blur/stackBlurLanes.h"
 
 namespace {
 

@@ -5,8 +5,8 @@
 
 #include "platform/simdLevel.h"
 #include "support/randomImage.h"
-#include "zellab/imageproc/colorCube.h"
-#include "zellab/imageproc/yCbCr.h"
+#include "zellab/imageproc/colour/colorCube.h"
+#include "zellab/imageproc/colour/yCbCr.h"
 
 namespace {
 

@@ -2,9 +2,9 @@
 
 #include "reference/slowColour.h"
 #include "support/everyMachine.h"
-#include "zellab/imageproc/colorAdjust.h"
-#include "zellab/imageproc/colorCube.h"
-#include "zellab/imageproc/yCbCr.h"
+#include "zellab/imageproc/colour/colorAdjust.h"
+#include "zellab/imageproc/colour/colorCube.h"
+#include "zellab/imageproc/colour/yCbCr.h"
 
 namespace {
 

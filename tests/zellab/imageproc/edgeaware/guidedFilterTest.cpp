@@ -10,8 +10,8 @@
 #include "support/everyMachine.h"
 #include "support/guardedBytes.h"
 #include "support/randomImage.h"
-#include "zellab/imageproc/guidedFilterColor.h"
-#include "zellab/imageproc/guidedFilterPlane.h"
+#include "zellab/imageproc/edgeaware/guidedFilterColor.h"
+#include "zellab/imageproc/edgeaware/guidedFilterPlane.h"
 
 namespace {
 

@@ -3,7 +3,7 @@
 #include "reference/slowSmooth.h"
 #include "support/everyMachine.h"
 #include "zellab/imageproc/domaintransform/domainTransform.h"
-#include "zellab/imageproc/surfaceBlur.h"
+#include "zellab/imageproc/edgeaware/surfaceBlur.h"
 
 namespace {
 

@@ -1,4 +1,4 @@
-#include "zellab/imageproc/surfaceBlur.h"
+#include "zellab/imageproc/edgeaware/surfaceBlur.h"
 
 #include <gtest/gtest.h>
 

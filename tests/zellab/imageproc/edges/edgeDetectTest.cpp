@@ -1,4 +1,4 @@
-#include "zellab/imageproc/edgeDetect.h"
+#include "zellab/imageproc/edges/edgeDetect.h"
 
 #include <gtest/gtest.h>
 

@@ -2,8 +2,8 @@
 
 #include "reference/slowEdges.h"
 #include "support/everyMachine.h"
-#include "zellab/imageproc/edgeDetect.h"
-#include "zellab/imageproc/recursiveGaussian.h"
+#include "zellab/imageproc/edges/edgeDetect.h"
+#include "zellab/imageproc/blur/recursiveGaussian.h"
 
 namespace {
 

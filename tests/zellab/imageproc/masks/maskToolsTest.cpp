@@ -8,9 +8,9 @@
 #include "support/everyMachine.h"
 #include "support/guardedBytes.h"
 #include "support/randomImage.h"
-#include "zellab/imageproc/floodFill.h"
-#include "zellab/imageproc/maskMorphology.h"
-#include "zellab/imageproc/regionLabelling.h"
+#include "zellab/imageproc/masks/floodFill.h"
+#include "zellab/imageproc/masks/maskMorphology.h"
+#include "zellab/imageproc/masks/regionLabelling.h"
 
 namespace {
 

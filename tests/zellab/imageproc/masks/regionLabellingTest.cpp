@@ -1,4 +1,4 @@
-#include "zellab/imageproc/regionLabelling.h"
+#include "zellab/imageproc/masks/regionLabelling.h"
 
 #include <gtest/gtest.h>
 

@@ -5,9 +5,9 @@
 
 #include "reference/slowRegions.h"
 #include "support/everyMachine.h"
-#include "zellab/imageproc/floodFill.h"
-#include "zellab/imageproc/maskMorphology.h"
-#include "zellab/imageproc/regionLabelling.h"
+#include "zellab/imageproc/masks/floodFill.h"
+#include "zellab/imageproc/masks/maskMorphology.h"
+#include "zellab/imageproc/masks/regionLabelling.h"
 
 namespace {
 

@@ -11,7 +11,7 @@
 #include "zellab/imageproc/poisson/gradientRepair.h"
 #include "zellab/imageproc/poisson/poissonEdit.h"
 #include "zellab/imageproc/poisson/sineSolver.h"
-#include "zellab/imageproc/stackBlur.h"
+#include "zellab/imageproc/blur/stackBlur.h"
 
 namespace {
 

@@ -1,4 +1,4 @@
-#include "zellab/imageproc/cubicSample.h"
+#include "zellab/imageproc/resample/cubicSample.h"
 
 #include <gtest/gtest.h>
 
@@ -7,7 +7,7 @@
 #include <random>
 
 #include "support/randomImage.h"
-#include "zellab/imageproc/cubicConvolution.h"
+#include "zellab/imageproc/resample/cubicConvolution.h"
 
 namespace {
 

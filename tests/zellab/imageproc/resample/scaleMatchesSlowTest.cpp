@@ -4,7 +4,7 @@
 
 #include "reference/slowScale.h"
 #include "support/everyMachine.h"
-#include "zellab/imageproc/imageResampler.h"
+#include "zellab/imageproc/resample/imageResampler.h"
 #include "zellab/imageproc/sfdsp/scaleBilinear.h"
 
 namespace {

@@ -7,9 +7,9 @@
 #include "support/everyMachine.h"
 #include "support/guardedBytes.h"
 #include "support/randomImage.h"
-#include "zellab/imageproc/imageResampler.h"
-#include "zellab/imageproc/imageView.h"
-#include "zellab/imageproc/resamplePhases.h"
+#include "zellab/imageproc/resample/imageResampler.h"
+#include "zellab/imageproc/core/imageView.h"
+#include "zellab/imageproc/resample/resamplePhases.h"
 #include "zellab/imageproc/sfdsp/scaleBilinear.h"
 #include "zellab/imageproc/sfdsp/yuvScale.h"
 

@@ -1,4 +1,4 @@
-#include "zellab/imageproc/maskRaster.h"
+#include "zellab/imageproc/shapes/maskRaster.h"
 
 #include <gtest/gtest.h>
 

@@ -4,10 +4,10 @@
 
 #include "reference/slowTone.h"
 #include "support/everyMachine.h"
-#include "zellab/imageproc/levels.h"
-#include "zellab/imageproc/psContrastBrightness.h"
-#include "zellab/imageproc/selectiveColor.h"
-#include "zellab/imageproc/sfCurve.h"
+#include "zellab/imageproc/tone/levels.h"
+#include "zellab/imageproc/tone/psContrastBrightness.h"
+#include "zellab/imageproc/colour/selectiveColor.h"
+#include "zellab/imageproc/tone/sfCurve.h"
 
 namespace {
 

@@ -7,9 +7,9 @@
 #include <limits>
 #include <vector>
 
-#include "zellab/imageproc/levels.h"
-#include "zellab/imageproc/psContrastBrightness.h"
-#include "zellab/imageproc/sfCurve.h"
+#include "zellab/imageproc/tone/levels.h"
+#include "zellab/imageproc/tone/psContrastBrightness.h"
+#include "zellab/imageproc/tone/sfCurve.h"
 
 namespace {
 

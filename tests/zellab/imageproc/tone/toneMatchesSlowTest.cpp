@@ -4,10 +4,10 @@
 
 #include "reference/slowTone.h"
 #include "support/everyMachine.h"
-#include "zellab/imageproc/levels.h"
-#include "zellab/imageproc/mixByAlpha.h"
-#include "zellab/imageproc/toneBlend.h"
-#include "zellab/imageproc/unsharpMask.h"
+#include "zellab/imageproc/tone/levels.h"
+#include "zellab/imageproc/core/mixByAlpha.h"
+#include "zellab/imageproc/tone/toneBlend.h"
+#include "zellab/imageproc/sharpen/unsharpMask.h"
 
 namespace {
 

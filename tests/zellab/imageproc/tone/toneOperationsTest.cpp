@@ -8,14 +8,14 @@
 
 #include "platform/simdLevel.h"
 #include "support/randomImage.h"
-#include "zellab/imageproc/colorAdjust.h"
-#include "zellab/imageproc/levels.h"
-#include "zellab/imageproc/mixByAlpha.h"
-#include "zellab/imageproc/selectiveColor.h"
-#include "zellab/imageproc/toneBlend.h"
-#include "zellab/imageproc/toneTables.h"
-#include "zellab/imageproc/unsharpMask.h"
-#include "zellab/imageproc/unsharpMaskKernel.h"
+#include "zellab/imageproc/colour/colorAdjust.h"
+#include "zellab/imageproc/tone/levels.h"
+#include "zellab/imageproc/core/mixByAlpha.h"
+#include "zellab/imageproc/colour/selectiveColor.h"
+#include "zellab/imageproc/tone/toneBlend.h"
+#include "zellab/imageproc/tone/toneTables.h"
+#include "zellab/imageproc/sharpen/unsharpMask.h"
+#include "zellab/imageproc/sharpen/unsharpMaskKernel.h"
 
 namespace {
 

@@ -1,5 +1,5 @@
-// The members of the exported classes that do nothing: classes without data have nothing to assign.
-#include "frame/zel_effects.h"
+// The exported assignments: classes without data have nothing to assign.
+#include "zel_effects/zel_effects.h"
 
 namespace ZelImageCore {
 
@@ -21,9 +21,6 @@ StbImageUtil& StbImageUtil::operator=(const StbImageUtil&) {
 StbImageUtil& StbImageUtil::operator=(StbImageUtil&&) {
     return *this;
 }
-
-CScenarioBeauty::CScenarioBeauty() {}
-CScenarioBeauty::~CScenarioBeauty() {}
 CScenarioBeauty& CScenarioBeauty::operator=(const CScenarioBeauty&) {
     return *this;
 }
