@@ -3,11 +3,12 @@
 #include <array>
 #include <cmath>
 
-#include "portrait/background.h"
 #include "bokeh/focusDecision.h"
 #include "bokeh/radiusMap.h"
+#include "portrait/background.h"
 #include "portrait/develop.h"
 #include "portrait/sitter.h"
+#include "zellab/imageproc/core/ownedImage.h"
 #include "zellab/imageproc/core/parallelRows.h"
 #include "zellab/imageproc/sfdsp/yuvScale.h"
 

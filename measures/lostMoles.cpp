@@ -14,6 +14,7 @@
 #include "faceRecords.h"
 #include "fleckMeasures.h"
 #include "zellab/imageproc/colour/yCbCr.h"
+#include "zellab/imageproc/core/ownedImage.h"
 
 namespace zelmeasure {
 

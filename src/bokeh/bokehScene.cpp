@@ -10,6 +10,7 @@
 #include "bokeh/sceneLog.h"
 #include "bokeh/spinIndex.h"
 #include "gl/glApi.h"
+#include "zellab/imageproc/core/ownedImage.h"
 #include "zellab/imageproc/edgeaware/guidedFilterPlane.h"
 #include "zellab/imageproc/sfdsp/yuvScale.h"
 

@@ -7,6 +7,7 @@
 #include "bokeh/weightPlane.h"
 #include "frame/processorCount.h"
 #include "platform/simdLevel.h"
+#include "zellab/imageproc/core/ownedImage.h"
 
 namespace zellab::Bokeh {
 

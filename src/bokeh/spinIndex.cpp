@@ -2,6 +2,7 @@
 
 #include <cmath>
 
+#include "zellab/imageproc/core/ownedImage.h"
 #include "zellab/imageproc/core/parallelRows.h"
 
 namespace zellab::Bokeh {

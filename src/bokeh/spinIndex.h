@@ -1,6 +1,7 @@
 #pragma once
 
 #include "bokeh/kernelStrip.h"
+#include "zellab/imageproc/core/ownedImage.h"
 
 namespace zellab::Bokeh {
 

@@ -5,6 +5,7 @@
 #include <limits>
 #include <vector>
 
+#include "zellab/imageproc/core/ownedImage.h"
 #include "zellab/imageproc/core/parallelRows.h"
 
 namespace zellab::Bokeh {

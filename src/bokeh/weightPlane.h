@@ -4,6 +4,7 @@
 
 #include "bokeh/lookParameters.h"
 #include "zellab/imageproc/core/imageView.h"
+#include "zellab/imageproc/core/ownedImage.h"
 
 namespace zellab::Bokeh {
 

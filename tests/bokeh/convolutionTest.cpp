@@ -3,6 +3,7 @@
 #include "bokeh/passes.h"
 #include "bokeh/spinIndex.h"
 #include "glScene.h"
+#include "zellab/imageproc/core/ownedImage.h"
 
 namespace {
 

@@ -11,6 +11,7 @@
 #include "bokehCase.h"
 #include "reference/slowBokeh.h"
 #include "support/everyMachine.h"
+#include "zellab/imageproc/core/ownedImage.h"
 
 namespace {
 

@@ -10,6 +10,7 @@
 #include "bokeh/focusDecision.h"
 #include "bokeh/focusPoints.h"
 #include "bokeh/radiusMap.h"
+#include "zellab/imageproc/core/ownedImage.h"
 
 namespace zellab::Bokeh {
 namespace {

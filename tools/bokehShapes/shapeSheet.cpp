@@ -9,6 +9,7 @@
 #include "bokeh/cpuTiles.h"
 #include "bokeh/spinIndex.h"
 #include "shapes.h"
+#include "zellab/imageproc/core/ownedImage.h"
 
 namespace {
 

@@ -8,10 +8,12 @@
 #include "beautykernel/blackeyecleaner/circleTables.h"
 #include "beautykernel/blackeyecleaner/eyeRegion.h"
 #include "beautykernel/blackeyecleaner/skinEvenness.h"
-#include "zellab/imageproc/masks/maskMorphology.h"
-#include "zellab/imageproc/core/pixelMath.h"
-#include "zellab/imageproc/poisson/poissonEdit.h"
 #include "zellab/imageproc/blur/stackBlur.h"
+#include "zellab/imageproc/core/luma.h"
+#include "zellab/imageproc/core/ownedImage.h"
+#include "zellab/imageproc/core/pixelMath.h"
+#include "zellab/imageproc/masks/maskMorphology.h"
+#include "zellab/imageproc/poisson/poissonEdit.h"
 
 namespace zellab {
 
@@ -22,15 +24,11 @@ constexpr Byte kUntouched = 255;        // plane value of a pixel that keeps its
 constexpr Byte kNearlyUntouched = 220;  // of one that is darker than skin: lashes, lids
 constexpr int kMargin = 10;             // the plane is lowered by this before it weighs
 
-int luma(const Byte* p) {
-    return (306 * p[0] + 601 * p[1] + 117 * p[2]) >> 10;
-}
-
-Plane<Byte> lumaOf(ConstImageView image) {
+Plane<Byte> lumaPlane(ConstImageView image) {
     Plane<Byte> plane(image.width, image.height);
     for (int y = 0; y < image.height; ++y)
         for (int x = 0; x < image.width; ++x)
-            plane.view().row(y)[x] = static_cast<Byte>(luma(image.at(x, y)));
+            plane.view().row(y)[x] = static_cast<Byte>(lumaOf(image.at(x, y)));
     return plane;
 }
 
@@ -69,7 +67,7 @@ int skinThreshold(ConstImageView face) {
                   face.height - 2 * inset(face.height));
     std::array<std::int64_t, 256> histogram{};
     for (int y = 0; y < middle.height; ++y)
-        for (int x = 0; x < middle.width; ++x) ++histogram[static_cast<std::size_t>(luma(middle.at(x, y)))];
+        for (int x = 0; x < middle.width; ++x) ++histogram[static_cast<std::size_t>(lumaOf(middle.at(x, y)))];
     const float wanted = kDarkest * static_cast<float>(sampleCount(middle.width, middle.height));
     std::int64_t sum = 0;
     int value = 0;
@@ -82,7 +80,7 @@ int skinThreshold(ConstImageView face) {
 /// keep theirs.
 Plane<Byte> keepPlane(ConstImageView crop, const Plane<Byte>& crescents, int threshold, int faceWidth,
                       const DarkCircleMethod& method) {
-    const Plane<Byte> brightness = lumaOf(crop);
+    const Plane<Byte> brightness = lumaPlane(crop);
     Plane<Byte> keep(crop.width, crop.height);
     std::copy_n(brightness.data(), keep.size(), keep.data());
     StackBlurGray(keep.data(), crop.width, crop.height, faceWidth / 200 + 22);
@@ -136,9 +134,9 @@ void mixTowardsCheek(ImageView crop, const CheekRows& cheeks, const Plane<Byte>&
             const Byte* cheek = cheeks.colour(x);
             Byte* p = crop.at(x, y);
             const Byte* around = method.keepsTexture ? broad.at(x, y) : p;
-            if (value == kUntouched || weight == 0 || std::max(luma(p), luma(around)) >= luma(cheek))
+            if (value == kUntouched || weight == 0 || std::max(lumaOf(p), lumaOf(around)) >= lumaOf(cheek))
                 continue;
-            if (method.keepsTexture && luma(p) < threshold) continue;  // lashes
+            if (method.keepsTexture && lumaOf(p) < threshold) continue;  // lashes
             const int kept = std::max(value - kMargin, 0);
             for (int c = 0; c < 3; ++c)
                 p[c] = clampToByte(
@@ -153,7 +151,7 @@ void mixTowardsCheek(ImageView crop, const CheekRows& cheeks, const Plane<Byte>&
 int lashThreshold(const CheekRows& cheeks, int columns) {
     constexpr float kLashShare = 0.55f;
     std::int64_t sum = 0;
-    for (int x = 0; x < columns; ++x) sum += luma(cheeks.colour(x));
+    for (int x = 0; x < columns; ++x) sum += lumaOf(cheeks.colour(x));
     return static_cast<int>(kLashShare * static_cast<float>(sum) / static_cast<float>(columns));
 }
 

@@ -4,10 +4,11 @@
 #include <cmath>
 
 #include "beautykernel/blackeyecleaner/underEyeShape.h"
-#include "zel_effects/interFacePoint.h"
 #include "frame/zel_log.h"
-#include "zellab/imageproc/shapes/polygonFill.h"
+#include "zel_effects/interFacePoint.h"
 #include "zellab/imageproc/blur/stackBlur.h"
+#include "zellab/imageproc/core/ownedImage.h"
+#include "zellab/imageproc/shapes/polygonFill.h"
 
 namespace zellab {
 

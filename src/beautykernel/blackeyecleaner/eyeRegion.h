@@ -6,6 +6,7 @@
 
 #include "beautykernel/blackeyecleaner/blackEyeCleaner.h"
 #include "zellab/imageproc/core/imageView.h"
+#include "zellab/imageproc/core/ownedImage.h"
 
 namespace zellab {
 

@@ -3,25 +3,15 @@
 #include <algorithm>
 #include <cstring>
 
-#include "zellab/imageproc/core/imageView.h"
-#include "zellab/imageproc/poisson/markedBox.h"
 #include "zellab/imageproc/blur/stackBlur.h"
+#include "zellab/imageproc/core/imageView.h"
+#include "zellab/imageproc/core/luma.h"
+#include "zellab/imageproc/core/ownedImage.h"
+#include "zellab/imageproc/poisson/markedBox.h"
 
 namespace zellab {
 
 namespace {
-
-int luma(const Byte* p) {
-    return (306 * p[0] + 601 * p[1] + 117 * p[2]) >> 10;
-}
-
-std::vector<Byte> copyOf(ConstImageView image) {
-    std::vector<Byte> copy(sampleCount(image.width, image.height, 4));
-    for (int y = 0; y < image.height; ++y)
-        std::memcpy(&copy[sampleCount(image.width, y, 4)], image.row(y),
-                    static_cast<std::size_t>(image.width) * 4);
-    return copy;
-}
 
 /// Moves darker pixels to the smooth picture by the weight.
 void lighten(ImageView area, ConstImageView smooth, PlaneView<const Byte> weight) {
@@ -30,14 +20,14 @@ void lighten(ImageView area, ConstImageView smooth, PlaneView<const Byte> weight
             Byte* p = area.at(x, y);
             const Byte* s = smooth.at(x, y);
             const int w = weight.row(y)[x];
-            if (w == 0 || luma(p) >= luma(s)) continue;
+            if (w == 0 || lumaOf(p) >= lumaOf(s)) continue;
             for (int c = 0; c < 3; ++c) p[c] = static_cast<Byte>((s[c] * w + p[c] * (255 - w) + 127) / 255);
         }
 }
 
 /// Lightens a box by a weight of its size, against itself smoothed.
 void lightenArea(ImageView area, const Plane<Byte>& weight, int radius) {
-    std::vector<Byte> smooth = copyOf(area);
+    RgbaImage smooth = copyOf(area);
     for (int pass = 0; pass < 2; ++pass) StackBlurRGBA(smooth.data(), area.width, area.height, radius);
     lighten(area, {smooth.data(), area.width, area.height}, weight.view());
 }

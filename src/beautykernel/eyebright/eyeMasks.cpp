@@ -1,4 +1,5 @@
 #include "beautykernel/eyebright/eyeMasks.h"
+#include "zellab/imageproc/core/ownedImage.h"
 
 #include <algorithm>
 #include <cmath>

@@ -3,6 +3,7 @@
 #include <vector>
 
 #include "beautykernel/eyebright/eyeGeometry.h"
+#include "zellab/imageproc/core/ownedImage.h"
 
 namespace zellab {
 

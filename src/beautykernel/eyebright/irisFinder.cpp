@@ -6,8 +6,9 @@
 #include <numbers>
 #include <vector>
 
-#include "zellab/imageproc/resample/imageResampler.h"
 #include "zellab/imageproc/blur/stackBlur.h"
+#include "zellab/imageproc/core/ownedImage.h"
+#include "zellab/imageproc/resample/imageResampler.h"
 
 namespace zellab {
 

@@ -13,14 +13,15 @@
 #include "beautykernel/skintools/skinMaskFromColor.h"
 #include "beautykernel/skintools/spotPaste.h"
 #include "frame/zel_log.h"
-#include "zellab/imageproc/domaintransform/domainTransform.h"
-#include "zellab/imageproc/resample/imageResampler.h"
-#include "zellab/imageproc/tone/levels.h"
+#include "zellab/imageproc/blur/stackBlur.h"
+#include "zellab/imageproc/core/ownedImage.h"
 #include "zellab/imageproc/core/parallelRows.h"
 #include "zellab/imageproc/core/pixelMath.h"
-#include "zellab/imageproc/blur/stackBlur.h"
-#include "zellab/imageproc/tone/toneTables.h"
+#include "zellab/imageproc/domaintransform/domainTransform.h"
+#include "zellab/imageproc/resample/imageResampler.h"
 #include "zellab/imageproc/sharpen/unsharpMask.h"
+#include "zellab/imageproc/tone/levels.h"
+#include "zellab/imageproc/tone/toneTables.h"
 
 namespace zellab {
 

@@ -6,14 +6,15 @@
 #include <cstring>
 
 #include "platform/simdLevel.h"
-#include "zellab/imageproc/domaintransform/domainTransform.h"
-#include "zellab/imageproc/tone/levels.h"
+#include "zellab/imageproc/blur/stackBlur.h"
+#include "zellab/imageproc/core/ownedImage.h"
 #include "zellab/imageproc/core/parallelRows.h"
 #include "zellab/imageproc/core/pixelMath.h"
+#include "zellab/imageproc/domaintransform/domainTransform.h"
 #include "zellab/imageproc/sfdsp/yuvLuma.h"
-#include "zellab/imageproc/blur/stackBlur.h"
-#include "zellab/imageproc/tone/toneTables.h"
 #include "zellab/imageproc/sharpen/unsharpStep.h"
+#include "zellab/imageproc/tone/levels.h"
+#include "zellab/imageproc/tone/toneTables.h"
 
 namespace zellab {
 

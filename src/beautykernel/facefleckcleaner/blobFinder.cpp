@@ -5,9 +5,10 @@
 #include "beautykernel/facefleckcleaner/contrastStretch.h"
 #include "beautykernel/facefleckcleaner/faceCrop.h"
 #include "beautykernel/facefleckcleaner/fineSpotTest.h"
+#include "zellab/imageproc/blur/stackBlur.h"
+#include "zellab/imageproc/core/ownedImage.h"
 #include "zellab/imageproc/masks/maskMorphology.h"
 #include "zellab/imageproc/sfdsp/yuvScale.h"
-#include "zellab/imageproc/blur/stackBlur.h"
 
 namespace zellab {
 
@@ -19,12 +20,6 @@ constexpr int kSmallFillLimit = 500, kLongLimit = 720;  // in 1/256
 /// Rounds of thinning after the merge. One takes off what the widening put on; to the end, thinning would
 /// leave lines, of which none has a spot's area.
 constexpr int kCleaningRounds = 1;
-
-Plane<Byte> copyOf(PlaneView<const Byte> plane) {
-    Plane<Byte> copy(plane.width, plane.height);
-    for (int y = 0; y < plane.height; ++y) std::copy_n(plane.row(y), plane.width, copy.view().row(y));
-    return copy;
-}
 
 Plane<Byte> scaled(PlaneView<const Byte> plane, WorkingSize size, YuvFilter filter) {
     return scaledBox(plane, {0, 0, plane.width, plane.height}, size.width, size.height, filter);

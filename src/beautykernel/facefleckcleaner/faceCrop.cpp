@@ -5,6 +5,7 @@
 #include <cstring>
 
 #include "zellab/imageproc/core/floatToInt.h"
+#include "zellab/imageproc/core/ownedImage.h"
 
 namespace zellab {
 

@@ -6,6 +6,7 @@
 
 #include "beautykernel/skinmaskstatisdetector/skinFaceRecord.h"
 #include "zellab/imageproc/core/imageView.h"
+#include "zellab/imageproc/core/ownedImage.h"
 #include "zellab/imageproc/sfdsp/yuvScale.h"
 
 namespace zellab {

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 
+#include "zellab/imageproc/core/ownedImage.h"
 #include "zellab/imageproc/shapes/polygonFill.h"
 
 namespace zellab {

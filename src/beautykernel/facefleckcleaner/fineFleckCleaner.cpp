@@ -9,6 +9,7 @@
 #include "beautykernel/facefleckcleaner/fineSpotTest.h"
 #include "beautykernel/facefleckcleaner/fleckRepair.h"
 #include "zellab/imageproc/core/floatToInt.h"
+#include "zellab/imageproc/core/ownedImage.h"
 
 namespace zellab {
 

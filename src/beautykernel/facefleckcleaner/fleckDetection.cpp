@@ -7,9 +7,10 @@
 #include "beautykernel/facefleckcleaner/fleckTables.h"
 #include "beautykernel/facefleckcleaner/fleckThreshold.h"
 #include "beautykernel/facefleckcleaner/regionSelection.h"
-#include "zellab/imageproc/masks/maskMorphology.h"
 #include "zellab/imageproc/blur/stackBlur.h"
 #include "zellab/imageproc/colour/yCbCr.h"
+#include "zellab/imageproc/core/ownedImage.h"
+#include "zellab/imageproc/masks/maskMorphology.h"
 
 namespace zellab {
 

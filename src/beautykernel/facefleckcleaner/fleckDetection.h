@@ -3,6 +3,7 @@
 #include <vector>
 
 #include "beautykernel/facefleckcleaner/fleckTypes.h"
+#include "zellab/imageproc/core/ownedImage.h"
 
 namespace zellab {
 

@@ -1,4 +1,5 @@
 #include "beautykernel/facefleckcleaner/fleckFill.h"
+#include "zellab/imageproc/core/ownedImage.h"
 
 #include <algorithm>
 #include <array>

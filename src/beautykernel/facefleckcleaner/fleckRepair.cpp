@@ -5,6 +5,7 @@
 #include "beautykernel/facefleckcleaner/donorDirection.h"
 #include "beautykernel/facefleckcleaner/fleckFill.h"
 #include "beautykernel/facefleckcleaner/textureTransplant.h"
+#include "zellab/imageproc/core/ownedImage.h"
 #include "zellab/imageproc/core/parallelRows.h"
 
 namespace zellab {

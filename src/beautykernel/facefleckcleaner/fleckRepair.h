@@ -4,6 +4,7 @@
 
 #include "beautykernel/facefleckcleaner/faceCrop.h"
 #include "beautykernel/facefleckcleaner/fleckTypes.h"
+#include "zellab/imageproc/core/ownedImage.h"
 
 namespace zellab {
 

@@ -3,6 +3,7 @@
 #include <vector>
 
 #include "zellab/imageproc/core/imageView.h"
+#include "zellab/imageproc/core/ownedImage.h"
 
 namespace zellab {
 

@@ -3,6 +3,7 @@
 #include <cstdlib>
 #include <memory>
 
+#include "zellab/imageproc/core/ownedImage.h"
 #include "zellab/imageproc/masks/regionLabelling.h"
 
 namespace zellab {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "beautykernel/facefleckcleaner/fleckTypes.h"
+#include "zellab/imageproc/core/ownedImage.h"
 
 namespace zellab {
 

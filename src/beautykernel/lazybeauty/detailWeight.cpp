@@ -7,6 +7,7 @@
 #include "beautykernel/lazybeauty/detailCurve.h"
 #include "zellab/imageproc/blur/recursiveGaussian.h"
 #include "zellab/imageproc/blur/stackBlur.h"
+#include "zellab/imageproc/core/ownedImage.h"
 
 namespace zellab {
 
@@ -21,12 +22,6 @@ constexpr Byte kBandCurve[] = {0, 26, 52, 78, 103, 127, 151, 172, 193, 211, 228,
 template <std::size_t N>
 Byte opened(const Byte (&curve)[N], int value) {
     return value < static_cast<int>(N) ? curve[value] : Byte{255};
-}
-
-Plane<Byte> copyOf(PlaneView<const Byte> plane) {
-    Plane<Byte> copy(plane.width, plane.height);
-    std::copy_n(plane.data, copy.size(), copy.data());
-    return copy;
 }
 
 Plane<Byte> blurredCopy(PlaneView<const Byte> plane, int radius) {

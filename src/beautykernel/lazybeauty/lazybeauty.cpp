@@ -14,13 +14,15 @@
 #include "beautykernel/skintools/spotPaste.h"
 #include "frame/processorCount.h"
 #include "frame/zel_log.h"
-#include "zellab/imageproc/tone/levels.h"
-#include "zellab/imageproc/core/parallelRows.h"
 #include "zellab/imageproc/blur/recursiveGaussian.h"
+#include "zellab/imageproc/blur/stackBlur.h"
+#include "zellab/imageproc/core/luma.h"
+#include "zellab/imageproc/core/ownedImage.h"
+#include "zellab/imageproc/core/parallelRows.h"
 #include "zellab/imageproc/sfdsp/bilinearRows.h"
 #include "zellab/imageproc/sfdsp/scaleBilinear.h"
-#include "zellab/imageproc/blur/stackBlur.h"
 #include "zellab/imageproc/sharpen/unsharpMask.h"
+#include "zellab/imageproc/tone/levels.h"
 
 namespace zellab {
 
@@ -64,8 +66,7 @@ Plane<Byte> greyOf(ConstImageView image) {
     for (int y = 0; y < image.height; ++y) {
         const Byte* p = image.row(y);
         Byte* row = grey.view().row(y);
-        for (int x = 0; x < image.width; ++x, p += 4)
-            row[x] = static_cast<Byte>((306 * p[0] + 601 * p[1] + 117 * p[2]) >> 10);
+        for (int x = 0; x < image.width; ++x, p += 4) row[x] = lumaOf(p);
     }
     return grey;
 }

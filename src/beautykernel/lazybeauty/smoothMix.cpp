@@ -7,6 +7,7 @@
 #include <cstdint>
 
 #include "platform/simdLevel.h"
+#include "zellab/imageproc/core/ownedImage.h"
 #include "zellab/imageproc/core/parallelRows.h"
 
 namespace zellab {

@@ -6,6 +6,7 @@
 #include "beautykernel/skintools/featureMaskPainter.h"
 #include "zellab/imageproc/resample/imageResampler.h"
 #include "zellab/imageproc/core/imageView.h"
+#include "zellab/imageproc/core/ownedImage.h"
 #include "zellab/imageproc/blur/stackBlur.h"
 #include "zellab/imageproc/colour/yCbCr.h"
 

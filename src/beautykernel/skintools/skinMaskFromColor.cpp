@@ -3,9 +3,10 @@
 #include <algorithm>
 #include <cstdint>
 
+#include "zellab/imageproc/blur/stackBlur.h"
+#include "zellab/imageproc/core/ownedImage.h"
 #include "zellab/imageproc/core/parallelRows.h"
 #include "zellab/imageproc/core/pixelMath.h"
-#include "zellab/imageproc/blur/stackBlur.h"
 
 namespace zellab {
 

@@ -2,6 +2,7 @@
 
 #include "facepoints/faceData.h"
 #include "zellab/imageproc/core/imageView.h"
+#include "zellab/imageproc/core/ownedImage.h"
 
 namespace zellab {
 

@@ -5,6 +5,7 @@
 
 #include "facepoints/faceData.h"
 #include "zellab/imageproc/core/imageView.h"
+#include "zellab/imageproc/core/ownedImage.h"
 #include "zellab/imageproc/sfdsp/bilinearRows.h"
 
 namespace zellab {

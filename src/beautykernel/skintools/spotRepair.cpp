@@ -8,6 +8,7 @@
 #include "beautykernel/skintools/spotPatch.h"
 #include "beautykernel/skintools/spotTables.h"
 #include "zellab/imageproc/core/imageView.h"
+#include "zellab/imageproc/core/ownedImage.h"
 #include "zellab/imageproc/blur/stackBlur.h"
 
 namespace zellab {

@@ -9,6 +9,7 @@
 #include "zel_effects/zel_effects.h"
 #include "zellab/imageproc/colour/colorCube.h"
 #include "zellab/imageproc/core/floatToInt.h"
+#include "zellab/imageproc/core/ownedImage.h"
 #include "zellab/imageproc/core/parallelRows.h"
 #include "zellab/imageproc/edgeaware/surfaceBlur.h"
 #include "zellab/imageproc/tone/toneBlend.h"

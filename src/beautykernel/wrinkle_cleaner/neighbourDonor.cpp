@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "zellab/imageproc/core/ownedImage.h"
 #include "zellab/imageproc/edges/edgeDetect.h"
 #include "zellab/imageproc/poisson/roughness.h"
 

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstdio>
 
+#include "zellab/imageproc/core/ownedImage.h"
 #include "zellab/imageproc/poisson/gradientRepair.h"
 #include "zellab/imageproc/poisson/quietDonor.h"
 #include "zellab/imageproc/sfdsp/yuvScale.h"

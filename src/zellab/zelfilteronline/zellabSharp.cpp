@@ -5,11 +5,13 @@
 #include <cstdlib>
 
 #include "platform/simdLevel.h"
-#include "zellab/imageproc/core/imageView.h"
-#include "zellab/imageproc/core/parallelRows.h"
-#include "zellab/imageproc/core/pixelMath.h"
 #include "zellab/imageproc/blur/stackBlur.h"
 #include "zellab/imageproc/blur/stackBlurPasses.h"
+#include "zellab/imageproc/core/imageView.h"
+#include "zellab/imageproc/core/luma.h"
+#include "zellab/imageproc/core/ownedImage.h"
+#include "zellab/imageproc/core/parallelRows.h"
+#include "zellab/imageproc/core/pixelMath.h"
 
 namespace zelfilteronline {
 
@@ -149,8 +151,7 @@ template <int kFrom, int kFull>
 }
 
 [[gnu::always_inline]] inline void lumaRow(const Byte* pixels, int width, Byte* out) {
-    for (int x = 0; x < width; ++x, pixels += 4)
-        out[x] = static_cast<Byte>((306 * pixels[0] + 601 * pixels[1] + 117 * pixels[2]) >> 10);
+    for (int x = 0; x < width; ++x, pixels += 4) out[x] = zellab::lumaOf(pixels);
 }
 
 void sharpenRowBaseline(Byte* pixels, int width, const Rows& luma, const Rows& broad, const Gains& gains) {

@@ -6,11 +6,12 @@
 
 #include "beautykernel/blackeyecleaner/circleTables.h"
 #include "beautykernel/blackeyecleaner/underEyeShape.h"
-#include "zel_effects/zel_effects.h"
 #include "support/guardedBytes.h"
 #include "support/randomImage.h"
 #include "support/standardFace.h"
 #include "support/streamCapture.h"
+#include "zel_effects/zel_effects.h"
+#include "zellab/imageproc/core/ownedImage.h"
 
 namespace {
 

@@ -7,13 +7,14 @@
 
 #include "beautykernel/eyebright/eyeHsl.h"
 #include "beautykernel/eyebright/eyeTables.h"
-#include "zel_effects/zel_effects.h"
 #include "reference/slowEyeBright.h"
 #include "support/everyMachine.h"
 #include "support/guardedBytes.h"
 #include "support/randomImage.h"
 #include "support/standardFace.h"
 #include "support/streamCapture.h"
+#include "zel_effects/zel_effects.h"
+#include "zellab/imageproc/core/ownedImage.h"
 
 namespace {
 

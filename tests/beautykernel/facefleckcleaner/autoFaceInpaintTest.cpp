@@ -9,9 +9,10 @@
 #include "beautykernel/facefleckcleaner/faceCrop.h"
 #include "beautykernel/facefleckcleaner/faceFleckCleaner.h"
 #include "facepoints/faceTemplate.h"
-#include "zel_effects/zel_effects.h"
 #include "support/everyMachine.h"
 #include "support/guardedBytes.h"
+#include "zel_effects/zel_effects.h"
+#include "zellab/imageproc/core/ownedImage.h"
 
 namespace {
 

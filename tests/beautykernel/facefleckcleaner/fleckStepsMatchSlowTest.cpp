@@ -10,6 +10,7 @@
 #include "beautykernel/facefleckcleaner/fleckThreshold.h"
 #include "beautykernel/facefleckcleaner/textureTransplant.h"
 #include "support/randomImage.h"
+#include "zellab/imageproc/core/ownedImage.h"
 
 namespace {
 

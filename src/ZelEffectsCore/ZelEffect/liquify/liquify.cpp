@@ -5,8 +5,9 @@
 #include <cstring>
 #include <numbers>
 
-#include "zellab/imageproc/resample/cubicSample.h"
+#include "zellab/imageproc/core/ownedImage.h"
 #include "zellab/imageproc/core/parallelRows.h"
+#include "zellab/imageproc/resample/cubicSample.h"
 
 namespace zellab {
 

@@ -4,6 +4,7 @@
 
 #include "zel_effects/zel_records.h"
 #include "zellab/imageproc/core/imageView.h"
+#include "zellab/imageproc/core/ownedImage.h"
 
 namespace zellab {
 

@@ -3,9 +3,8 @@
 #include <cassert>
 #include <cstddef>
 #include <cstdint>
-#include <vector>
 
-/// Windows on pixel buffers. Origin is the top left, x runs right, y runs down, everywhere in the library.
+/// Windows on pixel buffers; what owns pixels stands in ownedImage.h. Origin is the top left, x runs right, y runs down, everywhere in the library.
 
 namespace zellab {
 
@@ -72,29 +71,5 @@ constexpr std::size_t sampleCount(int width, int height, int channels = 1) {
                                          static_cast<std::size_t>(channels)
                                    : 0;
 }
-
-/// A plane that owns its samples, zero-filled at first; moves, never copies by accident.
-template <typename T>
-class Plane {
-public:
-    Plane() = default;
-    Plane(int width, int height) : m_samples(sampleCount(width, height)), m_width(width), m_height(height) {}
-    Plane(Plane&&) noexcept = default;
-    Plane& operator=(Plane&&) noexcept = default;
-    Plane(const Plane&) = delete;
-    Plane& operator=(const Plane&) = delete;
-
-    int width() const { return m_width; }
-    int height() const { return m_height; }
-    std::size_t size() const { return m_samples.size(); }
-    T* data() { return m_samples.data(); }
-    const T* data() const { return m_samples.data(); }
-    PlaneView<T> view() { return {m_samples.data(), m_width, m_height}; }
-    PlaneView<const T> view() const { return {m_samples.data(), m_width, m_height}; }
-
-private:
-    std::vector<T> m_samples;
-    int m_width = 0, m_height = 0;
-};
 
 }  // namespace zellab

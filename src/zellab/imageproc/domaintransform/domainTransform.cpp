@@ -13,6 +13,7 @@
 #include "frame/processorCount.h"
 #include "platform/simdLevel.h"
 #include "zellab/imageproc/core/imageView.h"
+#include "zellab/imageproc/core/ownedImage.h"
 #include "zellab/imageproc/core/parallelRows.h"
 
 namespace zellab {

@@ -3,6 +3,8 @@
 #include <array>
 #include <cstdint>
 
+#include <vector>
+
 #include "zellab/imageproc/core/imageView.h"
 
 namespace zellab {

@@ -5,6 +5,7 @@
 #include <cmath>
 #include <cstring>
 
+#include "zellab/imageproc/core/ownedImage.h"
 #include "zellab/imageproc/poisson/boxSolve.h"
 
 namespace zellab {

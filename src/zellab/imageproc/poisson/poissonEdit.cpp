@@ -4,11 +4,13 @@
 #include <cstdio>
 #include <cstring>
 
+#include "zellab/imageproc/blur/stackBlur.h"
 #include "zellab/imageproc/core/imageView.h"
+#include "zellab/imageproc/core/luma.h"
+#include "zellab/imageproc/core/ownedImage.h"
 #include "zellab/imageproc/core/pixelMath.h"
 #include "zellab/imageproc/poisson/boxSolve.h"
 #include "zellab/imageproc/poisson/markedBox.h"
-#include "zellab/imageproc/blur/stackBlur.h"
 
 namespace zellab {
 
@@ -21,10 +23,6 @@ constexpr int kLumaLead = 10;         // the source may be this much darker and 
 constexpr int kSeamRadius = 5;        // blur of the blend mask, pixels
 constexpr int kColours = 3;
 
-int luma(const Byte* p) {
-    return (306 * p[0] + 601 * p[1] + 117 * p[2]) >> 10;
-}
-
 /// Takes the paint into the private copy: in place and in reading order, so that the fallback spreads pixels
 /// that were repainted before.
 void repaint(ImageView patch, PlaneView<const Byte> patchMask, ConstImageView imageBelow) {
@@ -33,7 +31,7 @@ void repaint(ImageView patch, PlaneView<const Byte> patchMask, ConstImageView im
             if (patchMask.row(y)[x] <= kMarkedAbove) continue;
             Byte* p = patch.at(x, y);
             const Byte* source = imageBelow.at(x, y);
-            if (luma(source) + kLumaLead > luma(p)) {
+            if (lumaOf(source) + kLumaLead > lumaOf(p)) {
                 std::copy_n(source, kColours, p);
             } else if (x >= 3 && x + 2 < patch.width && y >= 3) {
                 const Byte* above = patch.at(x, y - 1);

@@ -1,4 +1,5 @@
 #include "zellab/imageproc/poisson/roughness.h"
+#include "zellab/imageproc/core/ownedImage.h"
 
 #include <algorithm>
 #include <cstdint>

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "zellab/imageproc/core/imageView.h"
+#include "zellab/imageproc/core/ownedImage.h"
 #include "zellab/imageproc/poisson/holeBlocks.h"
 
 namespace zellab {

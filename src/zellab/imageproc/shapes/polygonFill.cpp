@@ -4,6 +4,7 @@
 #include <cmath>
 
 #include "zellab/imageproc/core/imageView.h"
+#include "zellab/imageproc/core/ownedImage.h"
 
 namespace zellab {
 
