@@ -37,7 +37,7 @@ std::vector<Byte> smoothCopy(ConstImageView image, int radius) {
     const ImageView view(copy.data(), image.width, image.height);
     for (int y = 0; y < image.height; ++y)
         std::memcpy(view.row(y), image.row(y), static_cast<std::size_t>(image.width) * 4);
-    StackBlurRGBA(copy.data(), image.width, image.height, radius);
+    StackBlurRGBA({copy.data(), image.width, image.height}, radius);
     return copy;
 }
 
@@ -83,7 +83,7 @@ Plane<Byte> keepPlane(ConstImageView crop, const Plane<Byte>& crescents, int thr
     const Plane<Byte> brightness = lumaPlane(crop);
     Plane<Byte> keep(crop.width, crop.height);
     std::copy_n(brightness.data(), keep.size(), keep.data());
-    StackBlurGray(keep.data(), crop.width, crop.height, faceWidth / 200 + 22);
+    StackBlurGray(keep.view(), faceWidth / 200 + 22);
     for (std::size_t i = 0; i < keep.size(); ++i) {
         const int l = brightness.data()[i];
         Byte value = kPatchWeight[clampToByte(l - keep.data()[i] + 128)];
@@ -94,8 +94,7 @@ Plane<Byte> keepPlane(ConstImageView crop, const Plane<Byte>& crescents, int thr
         }
         keep.data()[i] = circleCoreCurve()[value];
     }
-    StackBlurGray(keep.data(), crop.width, crop.height,
-                  std::max(method.keepMin, faceWidth / method.keepDivisor + method.keepExtra));
+    StackBlurGray(keep.view(), std::max(method.keepMin, faceWidth / method.keepDivisor + method.keepExtra));
     return keep;
 }
 

@@ -173,7 +173,7 @@ UnderEyeMasks drawUnderEyeMasks(const EyeRegion& region, const DarkCircleRun& ru
             masks.repair.data()[i] = masks.region.data()[i];
         }
     }
-    StackBlurGray(masks.soft.data(), w, h,
+    StackBlurGray(masks.soft.view(),
                   std::max(method.softMin, run.rectWidth / method.softDivisor + method.softExtra));
     cutEyes(masks.soft, region);  // crescents and blur reach over the lid, and irises are no skin
     return masks;

@@ -170,7 +170,7 @@ Iris findIris(ConstImageView cutOut, const IrisSeed& seed) {
     if (!ImageResampler().Resize(red.data(), cutOut.width, cutOut.height, work.data(), width, kWorkHeight, 1,
                                  kCubic))
         return {};
-    StackBlurGray(work.data(), width, kWorkHeight, kBlurRadius);
+    StackBlurGray(work.view(), kBlurRadius);
     const Candidate best = Search(work.view(), scaled, lightLevel(work)).run();
     if (best.contrast < kLeastContrast) return {};
     return {static_cast<float>(best.x) / scale, static_cast<float>(best.y) / scale,

@@ -44,7 +44,7 @@ Plane<Byte> resized(PlaneView<const Byte> plane, int width, int height) {
 Plane<Byte> enlargedMask(PlaneView<const Byte> small, PlaneView<const Byte> userMask, ConstImageView image) {
     Plane<Byte> mask = resized(userMask.valid() ? userMask : small, small.width, small.height);
     const int side = std::min(small.width, small.height);
-    StackBlurGray(mask.data(), small.width, small.height, side < 200 ? 12 : side < 500 ? 20 : 30);
+    StackBlurGray(mask.view(), side < 200 ? 12 : side < 500 ? 20 : 30);
     return resized(mask.view(), image.width, image.height);
 }
 
@@ -143,8 +143,7 @@ bool CFaceBeauty::Run8kelxx(ImageView image, const FaceData* face, const FaceBea
     ShadowPlanes shadows = shadowPlanes(lightness, skin.mask.view(), kShadowRadius);
     liftShadows(image, shadows.shadow.view(), smallLift(skin.mean.brightness()));
     smoothAlongEdges(image, skin.mask.view());
-    StackBlurGray(shadows.highPass.data(), image.width, image.height,
-                  std::min(image.width, image.height) > 599 ? 12 : 8);
+    StackBlurGray(shadows.highPass.view(), std::min(image.width, image.height) > 599 ? 12 : 8);
     RevertDetail(image, shadows.highPass.view(), skin.mask.view(), kDetailAmount);
     UnsharpMask(image.data, image.width, image.height, image.width * 4, kUnsharpPercent, kUnsharpRadius, 0,
                 0);

@@ -112,7 +112,7 @@ void smoothSkinLuma(ImageView image, PlaneView<const Byte> skin, const LumaSmoot
     Plane<Byte> luma(width, height), blurred(width, height);
     readYuvLuma(image, luma.view());
     std::copy_n(luma.data(), luma.size(), blurred.data());
-    CStackBlur::StackBlurEx(blurred.data(), width, height, width, kSmoothRadius);
+    StackBlurGray(blurred.view(), kSmoothRadius);
     {
         const Plane<Byte> levelled = levelledMask(skin, smoothing.levels);
         changeLuma(luma.view(), blurred.view(), levelled.size() > 0 ? levelled.view() : skin,
@@ -122,7 +122,7 @@ void smoothSkinLuma(ImageView image, PlaneView<const Byte> skin, const LumaSmoot
         DomainTransformPlane(luma.data(), width, height, width, kEdgeSigmaSpace, kEdgeSigmaRange,
                              kEdgeIterations, true);
     std::copy_n(luma.data(), luma.size(), blurred.data());
-    StackBlurGray(blurred.data(), width, height, unsharpBlurRadius(kUnsharpRadius));
+    StackBlurGray(blurred.view(), unsharpBlurRadius(kUnsharpRadius));
     changeLuma(luma.view(), blurred.view(), skin, SharpenSkin());
     replaceYuvLuma(image, luma.view());
 }

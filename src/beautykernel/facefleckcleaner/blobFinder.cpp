@@ -48,9 +48,9 @@ Plane<Byte> DarkBlobs(PlaneView<const Byte> plane, BlobRadii radii) {
     const int w = plane.width, h = plane.height;
     Plane<Byte> near = copyOf(plane);
     stretchContrast(near.view());
-    CStackBlur::StackBlurEx(near.data(), w, h, w, radii.small);
+    StackBlurGray(near.view(), radii.small);
     Plane<Byte> far = copyOf(near.view());
-    CStackBlur::StackBlurEx(far.data(), w, h, w, radii.large);
+    StackBlurGray(far.view(), radii.large);
     Plane<Byte> blobs(w, h);
     std::transform(near.data(), near.data() + near.size(), far.data(), blobs.data(),
                    [](Byte n, Byte f) { return f - n > kLeastDepth ? Byte{255} : Byte{0}; });

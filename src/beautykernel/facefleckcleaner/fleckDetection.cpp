@@ -50,7 +50,7 @@ Plane<Byte> rednessPlane(ConstImageView crop) {
 Plane<Byte> blurred(const Plane<Byte>& plane, int radius) {
     Plane<Byte> copy(plane.width(), plane.height());
     std::copy_n(plane.data(), plane.size(), copy.data());
-    CStackBlur::StackBlurEx(copy.data(), copy.width(), copy.height(), copy.width(), radius);
+    StackBlurGray(copy.view(), radius);
     return copy;
 }
 

@@ -89,7 +89,7 @@ SmoothPlanes smoothPlanes(ConstImageView work, PlaneView<const Byte> mask, const
         },
         [&] {
             planes.highPass = std::move(highPass);
-            StackBlurGray(planes.highPass.data(), w, h, kOverlayRadius);
+            StackBlurGray(planes.highPass.view(), kOverlayRadius);
         }};
     // The planes are small: workers gain more from a step each than from a share of every loop.
     runTasks(static_cast<int>(std::size(steps)), ProcessorCount(), [&](int i) {

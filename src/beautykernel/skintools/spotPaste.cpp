@@ -3,8 +3,8 @@
 #include <algorithm>
 
 #include "beautykernel/skintools/spotRepair.h"
-#include "zellab/imageproc/core/parallelRows.h"
 #include "zellab/imageproc/blur/stackBlur.h"
+#include "zellab/imageproc/core/parallelRows.h"
 
 namespace zellab {
 
@@ -30,7 +30,7 @@ void repairSpots(ImageView image, PlaneView<const Byte> mask, const FaceData* fa
 SpotPaste::SpotPaste(ImageView small, PlaneView<const Byte> mask, const FaceData* face, int width, int height)
     : m_width(width), m_spots(small.width, small.height) {
     repairSpots(small, mask, face, m_spots.data());
-    StackBlurGray(m_spots.data(), small.width, small.height, kSpotBlurRadius);
+    StackBlurGray(m_spots.view(), kSpotBlurRadius);
 
     bool any = false;
     for (int y = 0; y < small.height; ++y) {

@@ -2,13 +2,13 @@
 #include <cstddef>
 #include <vector>
 
-#include "zel_effects/zel_effects.h"
 #include "frame/zel_log.h"
+#include "zel_effects/zel_effects.h"
+#include "zellab/imageproc/blur/stackBlur.h"
 #include "zellab/imageproc/core/imageView.h"
 #include "zellab/imageproc/core/parallelRows.h"
 #include "zellab/imageproc/core/pixelMath.h"
 #include "zellab/imageproc/sfdsp/yuvScale.h"
-#include "zellab/imageproc/blur/stackBlur.h"
 
 namespace DefocusCore {
 namespace {
@@ -54,7 +54,7 @@ bool ZelDepthDefocusRender::MixWidthMask(unsigned char* top, unsigned char* base
         }
         mask = scaled.data();
     }
-    if (blurRadius > 0) zellab::MaskStackBlur(mask, width, height, blurRadius);
+    if (blurRadius > 0) zellab::MaskStackBlur({mask, width, height}, blurRadius);
     const ConstImageView above(top, width, height), cover(mask, width, height);
     const ImageView below(base, width, height);
     zellab::parallelRows(height,

@@ -107,7 +107,7 @@ bool PoissonEdit(unsigned char* rgba, int width, int height, const unsigned char
     std::replace_if(
         patchMask.data(), patchMask.data() + patchMask.size(), [](Byte m) { return m > kMarkedAbove; },
         weight);
-    StackBlurGray(patchMask.data(), w, h, kSeamRadius);
+    StackBlurGray(patchMask.view(), kSeamRadius);
     blend(area, patch, patchMask.view());
     return true;
 }

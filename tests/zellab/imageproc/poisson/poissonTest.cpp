@@ -8,10 +8,10 @@
 
 #include "frame/processorCount.h"
 #include "support/randomImage.h"
+#include "zellab/imageproc/blur/stackBlur.h"
 #include "zellab/imageproc/poisson/gradientRepair.h"
 #include "zellab/imageproc/poisson/poissonEdit.h"
 #include "zellab/imageproc/poisson/sineSolver.h"
-#include "zellab/imageproc/blur/stackBlur.h"
 
 namespace {
 
@@ -154,7 +154,7 @@ Bytes slowPoissonEdit(const Bytes& image, int width, int height, const Bytes& ma
     }
     for (Byte& b : m)
         if (b == 255) b = static_cast<Byte>(strength * 255.0f);
-    StackBlurGray(m.data(), w, h, 5);
+    StackBlurGray({m.data(), w, h}, 5);
     Bytes result = image;
     for (int y = 0; y < h; ++y)
         for (int x = 0; x < w; ++x)
