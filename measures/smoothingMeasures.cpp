@@ -89,8 +89,8 @@ struct SkinSeen {
         zellab::ScaleBilinearThreaded(found.mask.data(), kSmallWidth, kSmallHeight, mask.data(), kWidth,
                                       kHeight, 1);
         wide = mask;
-        zellab::MaxFilterHorizontal(wide.data(), kWidth, kHeight, kReach);
-        zellab::MaxFilterVertical(wide.data(), kWidth, kHeight, kReach);
+        zellab::MaxFilterHorizontal({wide.data(), kWidth, kHeight}, kReach);
+        zellab::MaxFilterVertical({wide.data(), kWidth, kHeight}, kReach);
     }
 };
 

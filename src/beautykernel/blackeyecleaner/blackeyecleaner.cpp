@@ -47,8 +47,8 @@ void repairSeamlessly(ImageView image, const EyeRegion& region, const Plane<Byte
     const PixelRect& crop = region.crop;
     Plane<Byte> wide(crop.width, crop.height), whole(image.width, image.height);
     std::copy_n(crescents.data(), wide.size(), wide.data());
-    MaxFilterHorizontal(wide.data(), crop.width, crop.height, kWidening);
-    MaxFilterVertical(wide.data(), crop.width, crop.height, kWidening);
+    MaxFilterHorizontal(wide.view(), kWidening);
+    MaxFilterVertical(wide.view(), kWidening);
     cutEyes(wide, region);
     for (int y = 0; y < crop.height; ++y)
         std::memcpy(whole.view().row(crop.y + y) + crop.x, wide.view().row(y),

@@ -40,7 +40,7 @@ void retouchSkin(ImageView image, float strength, const ImageCoreFaceInfo* faceI
     CFaceBeauty().Run(work.data(), image.width, image.height, nullptr, 0, 0, faceCount, &face, &params);
     combinePixels(image, image, {work.data(), image.width, image.height}, MixWeights(strength));
     mapPixels(image, brightnessCurve(kCurveHeight).data());
-    ColorTemperatureBlend(image.data, image.width, image.height, kNeutralTemperature, 0);
+    ColorTemperatureBlend(image, kNeutralTemperature, 0);
 }
 
 }  // namespace

@@ -85,9 +85,7 @@ class FeaturePlane {
 public:
     explicit FeaturePlane(const FaceCrop& crop) : m_plane(crop.width, crop.height) {}
 
-    void fill(const Polygon& polygon, Byte value) {
-        FillPolygonMask(m_plane.data(), m_plane.width(), m_plane.height(), polygon, value);
-    }
+    void fill(const Polygon& polygon, Byte value) { FillPolygonMask(m_plane.view(), polygon, value); }
     void fillFeatures(const Points& p, bool widened, Byte value) {
         fill(polygonOf(p, kFirstEye, widened), value);
         fill(polygonOf(p, kSecondEye, widened), value);

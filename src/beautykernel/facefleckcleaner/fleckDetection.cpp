@@ -88,7 +88,7 @@ Plane<Byte> darkSpots(ConstImageView crop, PlaneView<const Byte> skinMask) {
     const int threshold = darkThreshold(histogram);
     std::transform(spots.data(), spots.data() + spots.size(), spots.data(),
                    [threshold](Byte v) { return v > threshold ? Byte{0} : Byte{255}; });
-    MaxFilterBrute(spots.data(), crop.width, crop.height, crop.width, kWidening);
+    MaxFilterBrute(spots.view(), kWidening);
     return spots;
 }
 

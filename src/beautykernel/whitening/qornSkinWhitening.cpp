@@ -27,6 +27,6 @@ void ZelImageCore::TableSkin::ImageProcessWithQornSkinWhitening(unsigned char* i
         brightenEyes(picture, points);
     }
     mapPixels(picture, brightnessCurve(brightnessHeight(level)).data());
-    ColorTemperatureBlend(image, width, height, temperature, 0);
+    ColorTemperatureBlend({image, width, height}, temperature, 0);
     if (mask) mixByMask(picture, {before.data(), width, height}, {mask, width, height});
 }

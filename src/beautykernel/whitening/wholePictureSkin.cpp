@@ -78,9 +78,9 @@ void TableSkin::ImageProcessWithSkin(unsigned char* image, int width, int height
     if (radius > 0)
         smoothAndBrighten(picture, radius, MixWeights(mix), brightnessCurve(brightnessHeight(level)));
     if (tone < 0.0f)
-        ToneTableBlend(image, width, height, -tone);
+        ToneTableBlend(picture, -tone);
     else
-        ToneTableBlendWarm(image, width, height, tone);
+        ToneTableBlendWarm(picture, tone);
 }
 
 void TableSkin::ImageProcessWithSkinColor(unsigned char* image, int width, int height, float strength,
@@ -97,8 +97,8 @@ void TableSkin::ImageProcessWithSkinColor(unsigned char* image, int width, int h
     std::vector<Byte> cube(neutralTable, neutralTable + sampleCount(kCubeSide, kCubeSide, 4));
     mapPixels({cube.data(), kCubeSide, kCubeSide},
               brightnessCurve(truncateToInt(level * kStep + kBase)).data());
-    ColorTemperatureBlend(cube.data(), kCubeSide, kCubeSide, strength, 0);
-    ApplyColorCube(image, cube.data(), width, height);
+    ColorTemperatureBlend({cube.data(), kCubeSide, kCubeSide}, strength, 0);
+    ApplyColorCube(picture, cube.data());
 }
 
 }  // namespace ZelImageCore

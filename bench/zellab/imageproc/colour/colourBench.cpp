@@ -7,8 +7,8 @@
 
 #include "benchPicture.h"
 #include "zellab/imageproc/colour/colorCube.h"
-#include "zellab/imageproc/core/parallelRows.h"
 #include "zellab/imageproc/colour/yCbCr.h"
+#include "zellab/imageproc/core/parallelRows.h"
 
 namespace {
 
@@ -81,7 +81,7 @@ void grayLibyuv(Job& job) {
 }
 
 void cube(Job& job) {
-    zellab::ApplyColorCube(job.pixels.data(), job.cube.data(), job.size.width, job.size.height);
+    zellab::ApplyColorCube({job.pixels.data(), job.size.width, job.size.height}, job.cube.data());
 }
 
 /// One pixel of the plain lookup: eight corners, three directions, in floating point.

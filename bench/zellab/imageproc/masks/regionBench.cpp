@@ -83,7 +83,7 @@ void BM_fill(benchmark::State& state, bool opencv) {
             cv::Mat image = matOf(mask, size, 1);
             cv::floodFill(image, cv::Point(0, 0), cv::Scalar(255));
         } else {
-            zellab::ScanlineFloodFill(mask.data(), size.width, size.height, 0, 0);
+            zellab::ScanlineFloodFill({mask.data(), size.width, size.height}, 0, 0);
         }
     });
 }
@@ -96,7 +96,7 @@ void BM_dilate(benchmark::State& state, int radius, bool opencv) {
             cv::Mat image = matOf(mask, size, 1);
             cv::dilate(image, image, window);
         } else {
-            zellab::BoxMorphology(mask.data(), size.width, size.height, radius, true);
+            zellab::BoxMorphology({mask.data(), size.width, size.height}, radius, true);
         }
     });
 }
@@ -104,8 +104,9 @@ void BM_dilate(benchmark::State& state, int radius, bool opencv) {
 /// No peer in the small packages: it stands beside the memcpy row.
 void BM_thin(benchmark::State& state) {
     const Size size = sizeOf(state.range(0));
-    run(state, discMask(size), true,
-        [&](auto& mask) { zellab::ThinMask(mask.data(), size.width, size.height); });
+    run(state, discMask(size), true, [&](auto& mask) {
+        zellab::ThinMask({mask.data(), size.width, size.height});
+    });
 }
 
 int registerAll() {

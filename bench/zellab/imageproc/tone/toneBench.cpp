@@ -9,13 +9,13 @@
 #include "benchPicture.h"
 #include "zel_effects/zel_effects.h"
 #include "zellab/imageproc/colour/colorAdjust.h"
-#include "zellab/imageproc/tone/levels.h"
 #include "zellab/imageproc/core/mixByAlpha.h"
+#include "zellab/imageproc/sharpen/unsharpMask.h"
+#include "zellab/imageproc/sharpen/unsharpMaskKernel.h"
+#include "zellab/imageproc/tone/levels.h"
 #include "zellab/imageproc/tone/psContrastBrightness.h"
 #include "zellab/imageproc/tone/toneBlend.h"
 #include "zellab/imageproc/tone/toneTables.h"
-#include "zellab/imageproc/sharpen/unsharpMask.h"
-#include "zellab/imageproc/sharpen/unsharpMaskKernel.h"
 
 namespace {
 
@@ -86,7 +86,7 @@ void contrastBrightness(Job& job) {
 }
 
 void temperature(Job& job) {
-    zellab::ColorTemperatureBlend(job.pixels.data(), job.size.width, job.size.height, 0.6f, 0);
+    zellab::ColorTemperatureBlend({job.pixels.data(), job.size.width, job.size.height}, 0.6f, 0);
 }
 
 void autoLevels(Job& job) {
@@ -95,8 +95,9 @@ void autoLevels(Job& job) {
 }
 
 void mix(Job& job) {
-    zellab::MixByAlpha(job.pixels.data(), job.other.data(), job.pixels.data(), job.size.width,
-                       job.size.height, 0.3f);
+    zellab::MixByAlpha({job.pixels.data(), job.size.width, job.size.height},
+                       {job.other.data(), job.size.width, job.size.height},
+                       {job.pixels.data(), job.size.width, job.size.height}, 0.3f);
 }
 
 void mixOpenCv(Job& job) {
@@ -125,7 +126,7 @@ void unsharpMask(Job& job) {
 }
 
 void saturation(Job& job) {
-    zellab::SaturationAdjust(job.pixels.data(), job.size.width, job.size.height, 20);
+    zellab::SaturationAdjust({job.pixels.data(), job.size.width, job.size.height}, 20);
 }
 
 void saturationOpenCv(Job& job) {

@@ -94,8 +94,8 @@ TEST(ColorCubeMatchesSlow, OnRandomCubesOfBothSizes) {
             Bytes expected = picture;
             slow::colorCube(expected, cube, steps);
             zeltest::compareEverywhere(expected, picture, size.width * 4, [&](Bytes& actual) {
-                (steps == 16 ? zellab::ApplyColorCube : zellab::ApplyColorCube64)(actual.data(), cube.data(),
-                                                                                  size.width, size.height);
+                (steps == 16 ? zellab::ApplyColorCube : zellab::ApplyColorCube64)(
+                    {actual.data(), size.width, size.height}, cube.data());
             });
         };
         compare(grey, {256, 1});
@@ -113,7 +113,7 @@ TEST(ColorAdjustMatchesSlow, OnEveryPercentageAndLift) {
         slowForm(expected, amount);
         zeltest::onEveryMachine([&] {
             Bytes actual = picture;
-            engine(actual.data(), size.width, size.height, amount);
+            engine({actual.data(), size.width, size.height}, amount);
             ASSERT_TRUE(zeltest::sameSamples(expected, actual, size.width * 4)) << "amount " << amount;
         });
     };

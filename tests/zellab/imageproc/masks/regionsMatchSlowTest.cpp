@@ -32,7 +32,7 @@ TEST(FloodFillMatchesSlow, OnWindingRegions) {
                                                 << "% set, seed " << x << ", " << y);
                 Bytes expected = mask, actual = mask;
                 slow::floodFill(expected, size.width, size.height, x, y);
-                zellab::ScanlineFloodFill(actual.data(), size.width, size.height, x, y);
+                zellab::ScanlineFloodFill({actual.data(), size.width, size.height}, x, y);
                 ASSERT_TRUE(zeltest::sameSamples(expected, actual, size.width));
             }
 }
@@ -52,7 +52,7 @@ TEST(BoxMorphologyMatchesSlow, OnSmallAndLargePlanes) {
                     Bytes expected = plane;
                     slow::boxMorphology(expected, size.width, size.height, radius, dilate);
                     zeltest::compareEverywhere(expected, plane, size.width, [&](Bytes& actual) {
-                        zellab::BoxMorphology(actual.data(), size.width, size.height, radius, dilate);
+                        zellab::BoxMorphology({actual.data(), size.width, size.height}, radius, dilate);
                     });
                     ASSERT_FALSE(HasFailure());
                 }
@@ -69,10 +69,10 @@ TEST(MaxFiltersMatchSlow, OnEveryWindow) {
             slow::maxFilter(down, size.width, size.height, 1, {0, 0}, {radius, radius});
             zeltest::onEveryMachine([&] {
                 Bytes actual = plane;
-                zellab::MaxFilterHorizontal(actual.data(), size.width, size.height, radius);
+                zellab::MaxFilterHorizontal({actual.data(), size.width, size.height}, radius);
                 ASSERT_TRUE(zeltest::sameSamples(across, actual, size.width)) << "horizontal";
                 actual = plane;
-                zellab::MaxFilterVertical(actual.data(), size.width, size.height, radius);
+                zellab::MaxFilterVertical({actual.data(), size.width, size.height}, radius);
                 ASSERT_TRUE(zeltest::sameSamples(down, actual, size.width)) << "vertical";
             });
             const int window = radius + 1, before = window / 2, after = window - window / 2 - 1;
@@ -82,8 +82,10 @@ TEST(MaxFiltersMatchSlow, OnEveryWindow) {
                 Bytes expected = pixels, actual = pixels;
                 slow::maxFilter(expected, size.width, size.height, channels, {before, after},
                                 {before, after});
-                EXPECT_TRUE(zellab::MaxFilterBrute(actual.data(), size.width, size.height,
-                                                   size.width * channels, window));
+                if (channels == 1)
+                    zellab::MaxFilterBrute(zellab::PlaneView(actual.data(), size.width, size.height), window);
+                else
+                    zellab::MaxFilterBrute(zellab::ImageView(actual.data(), size.width, size.height), window);
                 ASSERT_TRUE(zeltest::sameSamples(expected, actual, size.width * channels)) << "brute";
             }
         }

@@ -4,10 +4,10 @@
 
 #include "reference/slowTone.h"
 #include "support/everyMachine.h"
-#include "zellab/imageproc/tone/levels.h"
 #include "zellab/imageproc/core/mixByAlpha.h"
-#include "zellab/imageproc/tone/toneBlend.h"
 #include "zellab/imageproc/sharpen/unsharpMask.h"
+#include "zellab/imageproc/tone/levels.h"
+#include "zellab/imageproc/tone/toneBlend.h"
 
 namespace {
 
@@ -86,7 +86,7 @@ TEST(ColorTemperatureBlendMatchesSlow, AtTheTellingEntriesAndBetween) {
     std::array<Table, 3> curves[2];
     for (const float end : {0.0f, 1.0f}) {
         Bytes ramp = greyRamp();
-        zellab::ColorTemperatureBlend(ramp.data(), 256, 1, end, 0);
+        zellab::ColorTemperatureBlend({ramp.data(), 256, 1}, end, 0);
         for (std::size_t i = 0; i < 1024; ++i)
             if (i % 4 != 3) curves[end > 0.5f][i % 4][i / 4] = ramp[i];
     }
@@ -103,7 +103,7 @@ TEST(ColorTemperatureBlendMatchesSlow, AtTheTellingEntriesAndBetween) {
         Bytes expected = ramp;
         slow::temperatureBlend(expected, strength, curves[strength > 0.5f]);
         zeltest::compareEverywhere(expected, ramp, 256 * 4, [&](Bytes& p) {
-            zellab::ColorTemperatureBlend(p.data(), 256, 1, strength, 0);
+            zellab::ColorTemperatureBlend({p.data(), 256, 1}, strength, 0);
         });
     }
 }
@@ -114,8 +114,9 @@ TEST(ToneTableBlendMatchesSlow, OnEveryByteAndEitherSign) {
         SCOPED_TRACE(testing::Message() << "strength " << strength);
         Bytes expected = ramp;
         slow::toneTableBlend(expected, strength);
-        zeltest::compareEverywhere(expected, ramp, 256 * 4,
-                                   [&](Bytes& p) { zellab::ToneTableBlend(p.data(), 256, 1, strength); });
+        zeltest::compareEverywhere(expected, ramp, 256 * 4, [&](Bytes& p) {
+            zellab::ToneTableBlend({p.data(), 256, 1}, strength);
+        });
     }
 }
 
@@ -131,7 +132,8 @@ TEST(MixByAlphaMatchesSlow, OnEveryPairOfBytes) {
         Bytes expected = after;
         slow::mixByAlpha(expected, before, after, alpha);
         zeltest::compareEverywhere(expected, after, 256 * 4, [&](Bytes& result) {
-            zellab::MixByAlpha(result.data(), before.data(), result.data(), 256, 256, alpha);
+            zellab::MixByAlpha({result.data(), 256, 256}, {before.data(), 256, 256},
+                               {result.data(), 256, 256}, alpha);
         });
     }
     for (const Size size : zeltest::kAwkwardSizes) {
@@ -140,7 +142,8 @@ TEST(MixByAlphaMatchesSlow, OnEveryPairOfBytes) {
         Bytes expected(a.size(), 66);
         slow::mixByAlpha(expected, a, b, 0.61f);
         zeltest::compareEverywhere(expected, Bytes(a.size(), 66), size.width * 4, [&](Bytes& result) {
-            zellab::MixByAlpha(result.data(), a.data(), b.data(), size.width, size.height, 0.61f);
+            zellab::MixByAlpha({result.data(), size.width, size.height}, {a.data(), size.width, size.height},
+                               {b.data(), size.width, size.height}, 0.61f);
         });
     }
 }

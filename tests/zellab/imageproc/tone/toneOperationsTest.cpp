@@ -9,13 +9,13 @@
 #include "platform/simdLevel.h"
 #include "support/randomImage.h"
 #include "zellab/imageproc/colour/colorAdjust.h"
-#include "zellab/imageproc/tone/levels.h"
-#include "zellab/imageproc/core/mixByAlpha.h"
 #include "zellab/imageproc/colour/selectiveColor.h"
-#include "zellab/imageproc/tone/toneBlend.h"
-#include "zellab/imageproc/tone/toneTables.h"
+#include "zellab/imageproc/core/mixByAlpha.h"
 #include "zellab/imageproc/sharpen/unsharpMask.h"
 #include "zellab/imageproc/sharpen/unsharpMaskKernel.h"
+#include "zellab/imageproc/tone/levels.h"
+#include "zellab/imageproc/tone/toneBlend.h"
+#include "zellab/imageproc/tone/toneTables.h"
 
 namespace {
 
@@ -93,16 +93,28 @@ INSTANTIATE_TEST_SUITE_P(
                     if (view.valid())
                         zellab::mapPixels(view, {tables.data(), tables.data() + 256, tables.data() + 512});
                 }},
-        InPlace{"saturation", [](unsigned char* p, int w, int h) { zellab::SaturationAdjust(p, w, h, 65); }},
+        InPlace{"saturation",
+                [](unsigned char* p, int w, int h) {
+                    zellab::SaturationAdjust({p, w, h}, 65);
+                }},
         InPlace{"saturationFar",
-                [](unsigned char* p, int w, int h) { zellab::SaturationAdjust(p, w, h, -2000000000); }},
-        InPlace{"lift", [](unsigned char* p, int w, int h) { zellab::LogBrightnessAdjust(p, w, h, -17); }},
+                [](unsigned char* p, int w, int h) {
+                    zellab::SaturationAdjust({p, w, h}, -2000000000);
+                }},
+        InPlace{"lift",
+                [](unsigned char* p, int w, int h) {
+                    zellab::LogBrightnessAdjust({p, w, h}, -17);
+                }},
         InPlace{"temperature",
-                [](unsigned char* p, int w, int h) { zellab::ColorTemperatureBlend(p, w, h, 0.9f, 0); }},
+                [](unsigned char* p, int w, int h) {
+                    zellab::ColorTemperatureBlend({p, w, h}, 0.9f, 0);
+                }},
         InPlace{"autoLevels", [](unsigned char* p, int w,
                                  int h) { zellab::AutoLevels(p, w, h, 4 * w, 0, nullptr, nullptr); }},
-        InPlace{"mixByAlpha", [](unsigned char* p, int w,
-                                 int h) { zellab::MixByAlpha(p, otherPicture().data(), p, w, h, 0.37f); }},
+        InPlace{"mixByAlpha",
+                [](unsigned char* p, int w, int h) {
+                    zellab::MixByAlpha({p, w, h}, {otherPicture().data(), w, h}, {p, w, h}, 0.37f);
+                }},
         InPlace{"unsharpMask",
                 [](unsigned char* p, int w, int h) { zellab::UnsharpMask(p, w, h, 4 * w, 170, 2, 9, 0); }},
         InPlace{"unsharpKernel",
@@ -116,19 +128,19 @@ TEST(MixByAlpha, EndsAreExactAndNaNChangesNothing) {
     for (const auto& [alpha, expected] : std::vector<std::pair<float, const Bytes*>>{
              {0.0f, &before}, {-3.0f, &before}, {kNaN, &before}, {1.0f, &after}, {kInfinity, &after}}) {
         Bytes result(before.size(), 88);
-        zellab::MixByAlpha(result.data(), before.data(), after.data(), 50, 60, alpha);
+        zellab::MixByAlpha({result.data(), 50, 60}, {before.data(), 50, 60}, {after.data(), 50, 60}, alpha);
         for (std::size_t i = 0; i < result.size(); ++i)
             ASSERT_EQ(result[i], i % 4 == 3 ? 88 : (*expected)[i]) << alpha;
     }
     Bytes untouched(16, 7);
-    zellab::MixByAlpha(untouched.data(), nullptr, after.data(), 2, 2, 1);
-    zellab::MixByAlpha(untouched.data(), before.data(), nullptr, 2, 2, 1);
+    zellab::MixByAlpha({untouched.data(), 2, 2}, {nullptr, 2, 2}, {after.data(), 2, 2}, 1);
+    zellab::MixByAlpha({untouched.data(), 2, 2}, {before.data(), 2, 2}, {nullptr, 2, 2}, 1);
     EXPECT_EQ(untouched, Bytes(16, 7));
 }
 
 TEST(LogBrightnessAdjust, FollowsTheLogarithm) {
     const auto lifted = [](int level, int lift) {
-        return ofGrey(level, [=](unsigned char* p) { zellab::LogBrightnessAdjust(p, 1, 1, lift); })[0];
+        return ofGrey(level, [=](unsigned char* p) { zellab::LogBrightnessAdjust({p, 1, 1}, lift); })[0];
     };
     EXPECT_EQ(lifted(0, 25), 0);
     EXPECT_EQ(lifted(255, 25), 255);
@@ -143,23 +155,26 @@ TEST(ColorTemperatureBlend, CurvesRiseAndNeutralTouchesNothing) {
         for (float strength : {-1.0f, 0.3f, 1.0f}) {
             std::array<int, 3> before{-1, -1, -1};
             for (int level = 0; level < 256; ++level) {
-                const auto now = ofGrey(
-                    level, [&](unsigned char* p) { zellab::ColorTemperatureBlend(p, 1, 1, strength, flag); });
+                const auto now = ofGrey(level, [&](unsigned char* p) {
+                    zellab::ColorTemperatureBlend({p, 1, 1}, strength, flag);
+                });
                 for (std::size_t c = 0; c < 3; ++c) ASSERT_GE(now[c], before[c]) << level << ' ' << strength;
                 before = now;
             }
         }
     for (float strength : {0.5f, kNaN})
         for (int level : {0, 1, 99, 255})
-            EXPECT_EQ(
-                ofGrey(level, [&](unsigned char* p) { zellab::ColorTemperatureBlend(p, 1, 1, strength, 0); }),
-                (std::array<int, 3>{level, level, level}));
+            EXPECT_EQ(ofGrey(level,
+                             [&](unsigned char* p) {
+                                 zellab::ColorTemperatureBlend({p, 1, 1}, strength, 0);
+                             }),
+                      (std::array<int, 3>{level, level, level}));
 }
 
 TEST(ToneTableBlend, KneesAndTheirMirror) {
-    const auto cool = [](float s) { return [s](unsigned char* p) { zellab::ToneTableBlend(p, 1, 1, s); }; };
+    const auto cool = [](float s) { return [s](unsigned char* p) { zellab::ToneTableBlend({p, 1, 1}, s); }; };
     const auto warm = [](float s) {
-        return [s](unsigned char* p) { zellab::ToneTableBlendWarm(p, 1, 1, s); };
+        return [s](unsigned char* p) { zellab::ToneTableBlendWarm({p, 1, 1}, s); };
     };
     EXPECT_EQ(ofGrey(128, cool(1)), (std::array<int, 3>{103, 138, 153}));
     EXPECT_EQ(ofGrey(128, warm(1)), (std::array<int, 3>{153, 138, 103}));
