@@ -52,10 +52,8 @@ Plane<Byte> enlargedMask(PlaneView<const Byte> small, PlaneView<const Byte> user
 void smoothAlongEdges(ImageView image, PlaneView<const Byte> skin) {
     constexpr float kSigmaSpace = 16.0f, kSigmaRange = 50.0f;
     constexpr int kIterations = 3;
-    std::vector<Byte> pixels(image.data, image.data + sampleCount(image.width, image.height, 4));
-    const ConstImageView smooth(pixels.data(), image.width, image.height);
-    DomainTransformRGBA(pixels.data(), image.width, image.height, image.width * 4, kSigmaSpace, kSigmaRange,
-                        kIterations, true);
+    RgbaImage smooth = copyOf(image);
+    DomainTransformRGBA(smooth.view(), kSigmaSpace, kSigmaRange, kIterations, true);
     parallelRows(image.height, [&](int begin, int end) {
         for (int y = begin; y < end; ++y) {
             Byte* p = image.row(y);
@@ -77,7 +75,7 @@ bool CFaceBeauty::Run(unsigned char* image, int width, int height, const unsigne
     const ImageView picture(image, width, height);
     if (!picture.valid() || !params) return false;
     for (int i = 0; faces && i < faceCount; ++i) limitFaceBox(faces[i], width, height);
-    if (params->autoLevels) AutoLevels(image, width, height, width * 4, 0, nullptr, nullptr);
+    if (params->autoLevels) AutoLevels(picture);
     const FaceData* face = faces && faceCount > 0 ? faces : nullptr;
     if (width <= kSmallSide && height <= kSmallSide) return Run8kelxx(picture, face, *params);
 
@@ -145,8 +143,7 @@ bool CFaceBeauty::Run8kelxx(ImageView image, const FaceData* face, const FaceBea
     smoothAlongEdges(image, skin.mask.view());
     StackBlurGray(shadows.highPass.view(), std::min(image.width, image.height) > 599 ? 12 : 8);
     RevertDetail(image, shadows.highPass.view(), skin.mask.view(), kDetailAmount);
-    UnsharpMask(image.data, image.width, image.height, image.width * 4, kUnsharpPercent, kUnsharpRadius, 0,
-                0);
+    UnsharpMask(image, kUnsharpPercent, kUnsharpRadius, 0);
     if (params.alternateFinish) {
         skinColorCorrect(image, skin.mask.view(), skin.mean);
         mapPixels(image, kFinishTable.data());

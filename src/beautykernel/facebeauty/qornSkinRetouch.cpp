@@ -27,7 +27,7 @@ void retouchSkin(ImageView image, float strength, const ImageCoreFaceInfo* faceI
     constexpr float kNeutralTemperature = 0.5f;
     CInterFacePoint points;
     addLimitedFaces(points, faceInfo, image.width, image.height);
-    AutoLevels(image.data, image.width, image.height, image.width * 4, 0, nullptr, nullptr);
+    AutoLevels(image);
     brightenEyes(image, points);
 
     std::vector<Byte> work(image.data, image.data + sampleCount(image.width, image.height, 4));

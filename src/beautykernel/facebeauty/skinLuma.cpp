@@ -119,8 +119,7 @@ void smoothSkinLuma(ImageView image, PlaneView<const Byte> skin, const LumaSmoot
                    Smooth(smoothing.strength));
     }
     if (smoothing.edgeFilter)
-        DomainTransformPlane(luma.data(), width, height, width, kEdgeSigmaSpace, kEdgeSigmaRange,
-                             kEdgeIterations, true);
+        DomainTransformPlane(luma.view(), kEdgeSigmaSpace, kEdgeSigmaRange, kEdgeIterations, true);
     std::copy_n(luma.data(), luma.size(), blurred.data());
     StackBlurGray(blurred.view(), unsharpBlurRadius(kUnsharpRadius));
     changeLuma(luma.view(), blurred.view(), skin, SharpenSkin());

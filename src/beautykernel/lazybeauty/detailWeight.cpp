@@ -31,7 +31,7 @@ Plane<Byte> blurredCopy(PlaneView<const Byte> plane, int radius) {
 }
 
 void gaussian(Plane<Byte>& plane, float sigma) {
-    RecursiveGaussianBlur(plane.data(), plane.width(), plane.height(), plane.width(), sigma, sigma, 0);
+    RecursiveGaussianBlur(plane.view(), sigma, sigma);
 }
 
 /// Maximum less minimum of each pixel and its neighbours to the left, above and above left: the window lies

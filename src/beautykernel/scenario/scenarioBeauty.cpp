@@ -27,7 +27,7 @@ void unsharp(unsigned char* image, int width, int height) {
     constexpr int kPercent = 100;
     constexpr float kRadius = 2.0f;
     constexpr unsigned char kThreshold = 7;
-    zellab::UnsharpMask(image, width, height, width * 4, kPercent, kRadius, kThreshold, 1);
+    zellab::UnsharpMask(zellab::ImageView(image, width, height), kPercent, kRadius, kThreshold);
 }
 
 }  // namespace

@@ -39,9 +39,8 @@ SpotPaste::SpotPaste(ImageView small, PlaneView<const Byte> mask, const FaceData
         any = any || m_rowHasSpots.back();
     }
     if (!any) return;
-    const BilinearSizes sizes{small.width, small.height, width, height};
-    m_where.emplace(sizes, m_spots.data(), 1);
-    m_repaired.emplace(sizes, small.data, 4);
+    m_where.emplace(m_spots.view(), width, height);
+    m_repaired.emplace(small, width, height);
 }
 
 void SpotPaste::row(int y, Byte* pixels, Scratch& scratch) const {

@@ -42,8 +42,7 @@ void smoothAndBrighten(ImageView image, int radius, const MixWeights& weights, c
     const Plane<Byte> mask = reddishPixels(image);
     const std::vector<Byte> pixels(image.data, image.data + sampleCount(image.width, image.height, 4));
     const ConstImageView before(pixels.data(), image.width, image.height);
-    SurfaceBlurFilter().Run(image.data, image.width, image.height, image.width * 4, radius, kSurfaceThreshold,
-                            mask.data());
+    SurfaceBlurFilter().Run(image, radius, kSurfaceThreshold, mask.view());
     parallelRows(image.height, [&](int begin, int end) {
         for (int y = begin; y < end; ++y) {
             Byte* p = image.row(y);

@@ -55,8 +55,8 @@ void BM_canny(benchmark::State& state, bool opencv) {
             cv::Mat out = matOf(edges, size, 1);
             cv::Canny(matOf(plane, size, 1), out, 40, 80, 3, true);
         } else {
-            zellab::EdgeDetectCanny(plane.data(), edges.data(), size.width, size.height, size.width, 0, 5, 10,
-                                    false);
+            zellab::EdgeDetectCanny({plane.data(), size.width, size.height},
+                                    {edges.data(), size.width, size.height}, 5, 10, false);
         }
     });
 }

@@ -2,8 +2,8 @@
 #include <opencv2/imgproc.hpp>
 
 #include "peerThreads.h"
-#include "zellab/imageproc/resample/imageResampler.h"
 #include "zellab/imageproc/blur/recursiveGaussian.h"
+#include "zellab/imageproc/resample/imageResampler.h"
 #include "zellab/imageproc/sfdsp/scaleBilinear.h"
 #include "zellab/imageproc/sfdsp/yuvScale.h"
 
@@ -46,8 +46,13 @@ void BM_resampler(benchmark::State& state, int quality, bool enlarge, int channe
 
 void BM_bilinear(benchmark::State& state, bool enlarge, int channels) {
     runScale(state, enlarge, channels, [=](auto& source, Size from, auto& target, Size to) {
-        zellab::ScaleBilinearThreaded(source.data(), from.width, from.height, target.data(), to.width,
-                                      to.height, channels);
+        if (channels == 4)
+            zellab::ScaleBilinearThreaded(zellab::ConstImageView(source.data(), from.width, from.height),
+                                          zellab::ImageView(target.data(), to.width, to.height));
+        else
+            zellab::ScaleBilinearThreaded(
+                zellab::PlaneView<const unsigned char>(source.data(), from.width, from.height),
+                zellab::PlaneView<unsigned char>(target.data(), to.width, to.height));
     });
 }
 
@@ -70,8 +75,12 @@ void BM_recursiveGaussian(benchmark::State& state, float sigma, int channels) {
     const Size size = sizeOf(state.range(0));
     std::vector<unsigned char> pixels = channels == 4 ? benchRgba(size) : benchPlane(size);
     for (auto _ : state) {
-        zellab::RecursiveGaussianBlur(pixels.data(), size.width, size.height, size.width * channels, sigma,
-                                      sigma, 0);
+        if (channels == 4)
+            zellab::RecursiveGaussianBlur(zellab::ImageView(pixels.data(), size.width, size.height), sigma,
+                                          sigma);
+        else
+            zellab::RecursiveGaussianBlur(
+                zellab::PlaneView<unsigned char>(pixels.data(), size.width, size.height), sigma, sigma);
         benchmark::ClobberMemory();
     }
     countPixels(state, size);

@@ -90,8 +90,7 @@ void temperature(Job& job) {
 }
 
 void autoLevels(Job& job) {
-    zellab::AutoLevels(job.pixels.data(), job.size.width, job.size.height, 4 * job.size.width, 0, nullptr,
-                       nullptr);
+    zellab::AutoLevels(zellab::ImageView(job.pixels.data(), job.size.width, job.size.height));
 }
 
 void mix(Job& job) {
@@ -122,7 +121,7 @@ void sharpenOpenCv(Job& job) {
 }
 
 void unsharpMask(Job& job) {
-    zellab::UnsharpMask(job.pixels.data(), job.size.width, job.size.height, 4 * job.size.width, 50, 4, 0, 0);
+    zellab::UnsharpMask(zellab::ImageView(job.pixels.data(), job.size.width, job.size.height), 50, 4, 0);
 }
 
 void saturation(Job& job) {

@@ -179,7 +179,7 @@ private:
 
 class Blur {
 public:
-    Blur(const ImageView& image, int radius, int threshold, const Byte* mask)
+    Blur(const ImageView& image, int radius, int threshold, PlaneView<const Byte> mask)
         : m_image(image),
           m_mask(mask),
           m_disc(radius),
@@ -263,12 +263,12 @@ private:
 
     template <typename Kernel>
     [[gnu::always_inline]] void blurPixel(int x, int y, const Histograms& histograms) {
-        if (m_mask && m_mask[std::ptrdiff_t{y} * m_image.width + x] == 0) return;
+        if (m_mask.valid() && m_mask.row(y)[x] == 0) return;
         histograms.means<Kernel>(padded(x, y), m_weights, m_image.at(x, y));
     }
 
     ImageView m_image;
-    const Byte* m_mask;
+    PlaneView<const Byte> m_mask;
     Disc m_disc;
     Weights m_weights;
     std::ptrdiff_t m_stride;
@@ -277,10 +277,8 @@ private:
 
 }  // namespace
 
-bool SurfaceBlurFilter::Run(unsigned char* rgba, int width, int height, int rowBytes, int radius,
-                            int threshold, const unsigned char* mask) {
-    if (!rgba || width <= 0 || height <= 0 || radius < 1 || rowBytes / 4 < width) return false;
-    const ImageView image(rgba, width, height, rowBytes);
+bool SurfaceBlurFilter::Run(ImageView image, int radius, int threshold, PlaneView<const Byte> mask) {
+    if (!image.valid() || radius < 1) return false;
     Blur(image, std::min(radius, kMostRadius), std::clamp(threshold, 1, kMostThreshold), mask).run();
     return true;
 }

@@ -126,14 +126,4 @@ TEST(YCbCr, GreyHasNeutralChromaAndColoursComeBack) {
     EXPECT_EQ(b, 255);
 }
 
-TEST(ColourPlanes, NullAndEmptyTouchNothing) {
-    unsigned char pixel[4] = {1, 2, 3, 4}, out[3] = {9, 9, 9};
-    zellab::RGBAToYCbCrPlanes(nullptr, out, out + 1, out + 2, 1);
-    zellab::RGBAToYCbCrPlanes(pixel, out, nullptr, out + 2, 1);
-    zellab::RGBAToYCbCrPlanes(pixel, out, out + 1, out + 2, 0);
-    zellab::RGBAToGray(pixel, nullptr, 1);
-    zellab::RGBAToGray(pixel, out, -4);
-    EXPECT_EQ(out[0] & out[1] & out[2], 9);
-}
-
 }  // namespace

@@ -62,8 +62,13 @@ void compareScalers(bool enlarging, const SlowForm& slowForm, const Engine& engi
 TEST(ScaleBilinearMatchesSlow, BothWays) {
     compareScalers(false, slow::scaleBilinear,
                    [](const unsigned char* source, Size from, unsigned char* target, Size to, int channels) {
-                       return zellab::ScaleBilinearThreaded(source, from.width, from.height, target, to.width,
-                                                            to.height, channels);
+                       if (channels == 4)
+                           return zellab::ScaleBilinearThreaded(
+                               zellab::ConstImageView(source, from.width, from.height),
+                               zellab::ImageView(target, to.width, to.height));
+                       return zellab::ScaleBilinearThreaded(
+                           zellab::PlaneView<const unsigned char>(source, from.width, from.height),
+                           zellab::PlaneView<unsigned char>(target, to.width, to.height));
                    });
 }
 

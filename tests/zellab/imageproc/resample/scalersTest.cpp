@@ -7,8 +7,8 @@
 #include "support/everyMachine.h"
 #include "support/guardedBytes.h"
 #include "support/randomImage.h"
-#include "zellab/imageproc/resample/imageResampler.h"
 #include "zellab/imageproc/core/imageView.h"
+#include "zellab/imageproc/resample/imageResampler.h"
 #include "zellab/imageproc/resample/resamplePhases.h"
 #include "zellab/imageproc/sfdsp/scaleBilinear.h"
 #include "zellab/imageproc/sfdsp/yuvScale.h"
@@ -17,11 +17,19 @@ namespace {
 
 using zellab::ImageResampler;
 using zellab::sampleCount;
-using zellab::ScaleBilinearThreaded;
 using zeltest::Bytes;
 using zeltest::GuardedBytes;
 
 constexpr int kQualities[] = {0, 1, 2, 3};
+
+bool scaleBilinear(const unsigned char* source, int sw, int sh, unsigned char* target, int tw, int th,
+                   int channels) {
+    if (channels == 4)
+        return zellab::ScaleBilinearThreaded(zellab::ConstImageView(source, sw, sh),
+                                             zellab::ImageView(target, tw, th));
+    return zellab::ScaleBilinearThreaded(zellab::PlaneView<const unsigned char>(source, sw, sh),
+                                         zellab::PlaneView<unsigned char>(target, tw, th));
+}
 
 Bytes resize(const Bytes& source, int sw, int sh, int tw, int th, int channels, int quality) {
     Bytes target(sampleCount(tw, th, channels));
@@ -57,8 +65,7 @@ TEST(Scalers, AConstantStaysAndNothingBesideTheTargetIsWritten) {
                 const Bytes source(sampleCount(from, sh, channels), kValue);
                 GuardedBytes bilinear(sampleCount(to, th, channels));
                 if (from == to && sh == th) continue;
-                ASSERT_TRUE(
-                    ScaleBilinearThreaded(source.data(), from, sh, bilinear.data(), to, th, channels));
+                ASSERT_TRUE(scaleBilinear(source.data(), from, sh, bilinear.data(), to, th, channels));
                 ASSERT_TRUE(bilinear.guardsIntact());
                 for (std::size_t i = 0; i < bilinear.size(); ++i)
                     ASSERT_EQ(bilinear[i], channels == 4 && i % 4 == 3 ? 255 : kValue);
@@ -74,7 +81,7 @@ TEST(Scalers, AConstantStaysAndNothingBesideTheTargetIsWritten) {
 TEST(Scalers, EqualSizesCopyAndBadArgumentsLeaveTheTarget) {
     const Bytes source = zeltest::randomRgba(9, 5, 1);
     Bytes target(source.size());
-    EXPECT_FALSE(ScaleBilinearThreaded(source.data(), 9, 5, target.data(), 9, 5, 4));
+    EXPECT_FALSE(scaleBilinear(source.data(), 9, 5, target.data(), 9, 5, 4));
     EXPECT_EQ(target, source);
     EXPECT_EQ(resize(source, 9, 5, 9, 5, 4, 0), source);
 
@@ -85,12 +92,11 @@ TEST(Scalers, EqualSizesCopyAndBadArgumentsLeaveTheTarget) {
                {9, 5, 9, -1, 4}, {9, 5, 3, 3, 0},  {9, 5, 3, 3, -4}};
     GuardedBytes guarded(source.size());
     for (const auto& b : bad) {
-        EXPECT_FALSE(
-            ScaleBilinearThreaded(source.data(), b.sw, b.sh, guarded.data(), b.tw, b.th, b.channels));
+        EXPECT_FALSE(scaleBilinear(source.data(), b.sw, b.sh, guarded.data(), b.tw, b.th, b.channels));
         EXPECT_FALSE(resampler.Resize(source.data(), b.sw, b.sh, guarded.data(), b.tw, b.th, b.channels, 3));
     }
-    EXPECT_FALSE(ScaleBilinearThreaded(nullptr, 9, 5, guarded.data(), 3, 3, 4));
-    EXPECT_FALSE(ScaleBilinearThreaded(source.data(), 9, 5, nullptr, 3, 3, 4));
+    EXPECT_FALSE(scaleBilinear(nullptr, 9, 5, guarded.data(), 3, 3, 4));
+    EXPECT_FALSE(scaleBilinear(source.data(), 9, 5, nullptr, 3, 3, 4));
     EXPECT_FALSE(resampler.Resize(nullptr, 9, 5, guarded.data(), 3, 3, 4, 0));
     EXPECT_FALSE(resampler.Resize(source.data(), 9, 5, nullptr, 3, 3, 4, 0));
     EXPECT_FALSE(resampler.Resize(source.data(), 9, 5, guarded.data(), 3, 3, 3, 0));
@@ -105,8 +111,7 @@ TEST(Scalers, LongThinPicturesStayInside) {
     for (const auto& c : cases)
         for (int channels : {1, 4}) {
             GuardedBytes target(sampleCount(c.tw, c.th, channels));
-            EXPECT_TRUE(
-                ScaleBilinearThreaded(source.data(), c.sw, c.sh, target.data(), c.tw, c.th, channels));
+            EXPECT_TRUE(scaleBilinear(source.data(), c.sw, c.sh, target.data(), c.tw, c.th, channels));
             for (int quality : kQualities)
                 EXPECT_TRUE(ImageResampler().Resize(source.data(), c.sw, c.sh, target.data(), c.tw, c.th,
                                                     channels, quality));

@@ -4,6 +4,7 @@
 
 #include "reference/slowTone.h"
 #include "support/everyMachine.h"
+#include "support/views.h"
 #include "zellab/imageproc/core/mixByAlpha.h"
 #include "zellab/imageproc/sharpen/unsharpMask.h"
 #include "zellab/imageproc/tone/levels.h"
@@ -41,7 +42,7 @@ TEST(AutoLevelsMatchesSlow, OnDarkFlatAndWidePictures) {
             Bytes expected = picture;
             slow::autoLevels(expected);
             zeltest::compareEverywhere(expected, picture, size.width * 4, [&](Bytes& p) {
-                zellab::AutoLevels(p.data(), size.width, size.height, size.width * 4, 0, nullptr, nullptr);
+                zellab::AutoLevels(zellab::ImageView(p.data(), size.width, size.height));
             });
             ASSERT_FALSE(HasFailure());
         }
@@ -59,7 +60,7 @@ TEST(AutoLevelsMatchesSlow, OnOneColourPicturesAroundTheLift) {
             }
             Bytes expected = picture;
             slow::autoLevels(expected);
-            zellab::AutoLevels(picture.data(), 4, 3, 16, 0, nullptr, nullptr);
+            zellab::AutoLevels(zellab::ImageView(picture.data(), 4, 3));
             ASSERT_TRUE(zeltest::sameSamples(expected, picture, 16))
                 << "channel " << channel << ", " << value;
         }
@@ -168,9 +169,10 @@ TEST(UnsharpMaskMatchesSlow, OnPicturesAndPlanes) {
                 slow::unsharpMask(expected, size.width, size.height, size.width * channels, c.amount,
                                   c.radius, c.threshold);
                 zeltest::compareEverywhere(expected, picture, size.width * 4, [&](Bytes& p) {
-                    EXPECT_TRUE(zellab::UnsharpMask(p.data(), size.width, size.height, size.width * channels,
-                                                    c.amount, c.radius,
-                                                    static_cast<unsigned char>(c.threshold), 0));
+                    zeltest::withView(p.data(), size.width, size.height, channels, [&](auto view) {
+                        EXPECT_TRUE(zellab::UnsharpMask(view, c.amount, c.radius,
+                                                        static_cast<unsigned char>(c.threshold)));
+                    });
                 });
                 ASSERT_FALSE(HasFailure());
             }

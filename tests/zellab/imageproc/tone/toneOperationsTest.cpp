@@ -109,14 +109,14 @@ INSTANTIATE_TEST_SUITE_P(
                 [](unsigned char* p, int w, int h) {
                     zellab::ColorTemperatureBlend({p, w, h}, 0.9f, 0);
                 }},
-        InPlace{"autoLevels", [](unsigned char* p, int w,
-                                 int h) { zellab::AutoLevels(p, w, h, 4 * w, 0, nullptr, nullptr); }},
+        InPlace{"autoLevels",
+                [](unsigned char* p, int w, int h) { zellab::AutoLevels(zellab::ImageView(p, w, h)); }},
         InPlace{"mixByAlpha",
                 [](unsigned char* p, int w, int h) {
                     zellab::MixByAlpha({p, w, h}, {otherPicture().data(), w, h}, {p, w, h}, 0.37f);
                 }},
-        InPlace{"unsharpMask",
-                [](unsigned char* p, int w, int h) { zellab::UnsharpMask(p, w, h, 4 * w, 170, 2, 9, 0); }},
+        InPlace{"unsharpMask", [](unsigned char* p, int w,
+                                  int h) { zellab::UnsharpMask(zellab::ImageView(p, w, h), 170, 2, 9); }},
         InPlace{"unsharpKernel",
                 [](unsigned char* p, int w, int h) {
                     zellab::UnsharpMaskKernel(w, h, w * 4, 1.1f, 1.7f).Run(p, otherPicture().data());
@@ -191,16 +191,15 @@ TEST(ToneTableBlend, KneesAndTheirMirror) {
 TEST(UnsharpMask, FlatPicturesAndAHighThresholdStay) {
     Bytes flat = filled(30, 40, {10, 120, 250, 3});
     const Bytes flatBefore = flat;
-    EXPECT_TRUE(zellab::UnsharpMask(flat.data(), 30, 40, 120, 500, 4, 0, 0));
+    EXPECT_TRUE(zellab::UnsharpMask(zellab::ImageView(flat.data(), 30, 40), 500, 4, 0));
     EXPECT_EQ(flat, flatBefore);
 
     Bytes noisy = zeltest::randomRgba(30, 40, 6);
     const Bytes noisyBefore = noisy;
-    EXPECT_TRUE(zellab::UnsharpMask(noisy.data(), 30, 40, 120, 20, 4, 255, 0));
+    EXPECT_TRUE(zellab::UnsharpMask(zellab::ImageView(noisy.data(), 30, 40), 20, 4, 255));
     EXPECT_EQ(noisy, noisyBefore);
-    EXPECT_TRUE(zellab::UnsharpMask(noisy.data(), 30, 40, 120, -4, kNaN, 0, 0));
-    EXPECT_FALSE(zellab::UnsharpMask(nullptr, 30, 40, 120, 20, 4, 0, 0));
-    EXPECT_FALSE(zellab::UnsharpMask(noisy.data(), 0, 40, 0, 20, 4, 0, 0));
+    EXPECT_TRUE(zellab::UnsharpMask(zellab::ImageView(noisy.data(), 30, 40), -4, kNaN, 0));
+    EXPECT_FALSE(zellab::UnsharpMask(zellab::ImageView(), 20, 4, 0));
 }
 
 TEST(UnsharpMaskKernel, FixedPointFormAgreesAndKeepsOtherChannels) {
@@ -220,7 +219,7 @@ TEST(AutoLevels, PlaneMaskAndRegion) {
     for (std::size_t i = 0; i < 256; ++i)
         full[i] = i < 8 ? 0 : i >= 248 ? 255 : static_cast<unsigned char>(i);
     const Bytes fullBefore = full;
-    zellab::AutoLevels(full.data(), 16, 16, 16, 0, nullptr, nullptr);
+    zellab::AutoLevels(zellab::PlaneView<unsigned char>(full.data(), 16, 16));
     EXPECT_EQ(full, fullBefore) << "a plane that spans everything stays";
 
     // Where the mask is below 255 pixels do not count, and they move by its share.
@@ -228,13 +227,13 @@ TEST(AutoLevels, PlaneMaskAndRegion) {
     Bytes mask(100, 255);
     mask[0] = 0, mask[1] = 51;
     picture[0] = 255;
-    zellab::AutoLevels(picture.data(), 10, 10, 40, 0, nullptr, mask.data());
+    zellab::AutoLevels(zellab::ImageView(picture.data(), 10, 10), nullptr, {mask.data(), 10, 10});
     EXPECT_EQ(picture[0], 255);
     EXPECT_EQ(picture[1], 130);
     EXPECT_EQ(picture[4], 130 + (127 - 130) * 51 / 255);
     EXPECT_EQ(picture[8], 127);
     const Bytes before = picture, nothing(100, 254);
-    zellab::AutoLevels(picture.data(), 10, 10, 40, 0, nullptr, nothing.data());
+    zellab::AutoLevels(zellab::ImageView(picture.data(), 10, 10), nullptr, {nothing.data(), 10, 10});
     EXPECT_EQ(picture, before) << "no pixel counts";
 
     // Dark left half, light right half: the mean of the region decides the lift.
@@ -244,9 +243,9 @@ TEST(AutoLevels, PlaneMaskAndRegion) {
         halves.insert(halves.end(), {v, v, static_cast<unsigned char>(i % 2 ? v : 80), 0});
     }
     Bytes dark = halves, light = halves;
-    const int left[4] = {-5, 19, 0, 9}, right[4] = {0, 1000, 10, 1000};
-    zellab::AutoLevels(dark.data(), 20, 20, 80, 1, left, nullptr);
-    zellab::AutoLevels(light.data(), 20, 20, 80, 1, right, nullptr);
+    const zellab::LevelsRegion left{-5, 19, 0, 9}, right{0, 1000, 10, 1000};
+    zellab::AutoLevels(zellab::ImageView(dark.data(), 20, 20), &left);
+    zellab::AutoLevels(zellab::ImageView(light.data(), 20, 20), &right);
     EXPECT_GT(dark[2], light[2]);
     EXPECT_EQ(dark[0], light[0]) << "black stays black";
 }
