@@ -53,7 +53,7 @@ void repairSeamlessly(ImageView image, const EyeRegion& region, const Plane<Byte
     for (int y = 0; y < crop.height; ++y)
         std::memcpy(whole.view().row(crop.y + y) + crop.x, wide.view().row(y),
                     static_cast<std::size_t>(crop.width));
-    PoissonEdit(image.data, image.width, image.height, whole.data(), strength);
+    PoissonEdit(image, {whole.data(), image.width, image.height}, strength);
 }
 
 /// Brightness below which a pixel of the face is no skin: the darkest 9 percent of its middle, and 20 levels

@@ -33,10 +33,9 @@ constexpr int kShadowRadius = 16;
 constexpr char kSourceFile[] = "beautykernel/facebeauty/facebeauty.cpp";
 
 Plane<Byte> resized(PlaneView<const Byte> plane, int width, int height) {
-    constexpr int kOneChannel = 1, kBetweenTwoSamples = 0;
+    constexpr int kBetweenTwoSamples = 0;
     Plane<Byte> result(width, height);
-    ImageResampler().Resize(plane.data, plane.width, plane.height, result.data(), width, height, kOneChannel,
-                            kBetweenTwoSamples);
+    ImageResampler().Resize(plane, result.view(), kBetweenTwoSamples);
     return result;
 }
 
@@ -102,7 +101,7 @@ bool CFaceBeauty::Run8kelyy(ImageView image, PlaneView<const Byte> userMask, con
     }
     std::vector<Byte> pixels(sampleCount(smallWidth, smallHeight, 4));
     const ImageView small(pixels.data(), smallWidth, smallHeight);
-    ImageResampler().Resize(image.data, image.width, image.height, small.data, smallWidth, smallHeight, 4, 0);
+    ImageResampler().Resize(image, small, 0);
     const SkinColourMask skin = skinMaskFromColor(small, face ? 1 : 0, face, kMaskRadii);
     if (params.repairSpots) SpotPaste(small, skin.mask.view(), face, image.width, image.height).apply(image);
 

@@ -20,7 +20,7 @@ constexpr float kFullStrength = 0x1.ffffdep-1f;
 
 void sharpen(unsigned char* image, int width, int height) {
     constexpr float kFine = 0.6f, kStructure = 0.6f;
-    zelfilteronline::CZellabSharp().Run(image, width, height, kFine, kStructure, true);
+    zelfilteronline::CZellabSharp().Run({image, width, height}, kFine, kStructure, true);
 }
 
 void unsharp(unsigned char* image, int width, int height) {

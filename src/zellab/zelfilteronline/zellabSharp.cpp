@@ -170,16 +170,15 @@ ZEL_TARGET_AVX2 void lumaRowAvx2(const Byte* pixels, int width, Byte* out) {
 
 }  // namespace
 
-void CZellabSharp::Run(unsigned char* image, int width, int height, float fine, float structure,
-                       bool protectFlat) {
-    const zellab::ImageView picture(image, width, height);
-    if (!picture.valid()) return;
+void CZellabSharp::Run(zellab::ImageView image, float fine, float structure, bool protectFlat) {
+    if (!image.valid()) return;
+    const int width = image.width, height = image.height;
     const bool wide = zellab::platform::simdLevel() == zellab::platform::SimdLevel::avx2;
 
     PaddedPlane luma(width, height), broad(width, height);
     zellab::parallelRows(height, [&](int begin, int end) {
         for (int y = begin; y < end; ++y) {
-            (wide ? lumaRowAvx2 : lumaRowBaseline)(picture.row(y), width, luma.row(y));
+            (wide ? lumaRowAvx2 : lumaRowBaseline)(image.row(y), width, luma.row(y));
             luma.pad(y);
         }
     });
@@ -193,7 +192,7 @@ void CZellabSharp::Run(unsigned char* image, int width, int height, float fine, 
     const Gains gains{gainOf(fine, kFineGain), gainOf(structure, kStructureGain), protectFlat};
     zellab::parallelRows(height, [&](int begin, int end) {
         for (int y = begin; y < end; ++y)
-            (wide ? sharpenRowAvx2 : sharpenRowBaseline)(picture.row(y), width, Rows(luma, y), Rows(broad, y),
+            (wide ? sharpenRowAvx2 : sharpenRowBaseline)(image.row(y), width, Rows(luma, y), Rows(broad, y),
                                                          gains);
     });
 }

@@ -73,7 +73,7 @@ constexpr float kGuidedEpsilon = 0.01f;
 void BM_guidedFilter(benchmark::State& state, int radius) {
     const zellab::GuidedFilterColor filter;
     run(state, 4, [&](auto& pixels, Size size) {
-        filter.Run(pixels.data(), size.width, size.height, 1.0f, kGuidedEpsilon, 0.0f, radius, false);
+        filter.Run({pixels.data(), size.width, size.height}, 1.0f, kGuidedEpsilon, 0.0f, radius, false);
     });
 }
 
@@ -91,7 +91,8 @@ void BM_opencvGuidedFilter(benchmark::State& state, int radius) {
 void BM_guidedPlane(benchmark::State& state) {
     const std::vector<unsigned char> guide = benchRgba(sizeOf(state.range(0)));
     run(state, 1, [&](auto& plane, Size size) {
-        zellab::GuidedFilterPlane(plane.data(), guide.data(), size.width, size.height, 2, 0.1f, 4.0f);
+        zellab::GuidedFilterPlane({plane.data(), size.width, size.height},
+                                  {guide.data(), size.width, size.height}, 2, 0.1f, 4.0f);
     });
 }
 

@@ -69,9 +69,8 @@ void BM_label(benchmark::State& state, bool opencv) {
             cv::Mat out(size.height, size.width, CV_32S, labels.data()), boxes, centroids;
             cv::connectedComponentsWithStats(matOf(mask, size, 1), out, boxes, centroids);
         } else {
-            zellab::RegionBox* boxes = nullptr;
-            zellab::LabelConnectedRuns(mask.data(), labels.data(), size.width, size.height, &boxes);
-            std::free(boxes);
+            zellab::LabelConnectedRuns({mask.data(), size.width, size.height},
+                                       {labels.data(), size.width, size.height});
         }
     });
 }

@@ -39,8 +39,13 @@ void runScale(benchmark::State& state, bool enlarge, int channels, const Scale& 
 
 void BM_resampler(benchmark::State& state, int quality, bool enlarge, int channels) {
     runScale(state, enlarge, channels, [=](auto& source, Size from, auto& target, Size to) {
-        zellab::ImageResampler().Resize(source.data(), from.width, from.height, target.data(), to.width,
-                                        to.height, channels, quality);
+        if (channels == 4)
+            zellab::ImageResampler().Resize(zellab::ConstImageView(source.data(), from.width, from.height),
+                                            zellab::ImageView(target.data(), to.width, to.height), quality);
+        else
+            zellab::ImageResampler().Resize(
+                zellab::PlaneView<const unsigned char>(source.data(), from.width, from.height),
+                zellab::PlaneView<unsigned char>(target.data(), to.width, to.height), quality);
     });
 }
 
@@ -65,8 +70,12 @@ void BM_opencv(benchmark::State& state, int interpolation, bool enlarge, int cha
 
 void BM_yuv(benchmark::State& state, zellab::YuvFilter filter, bool enlarge, int channels) {
     runScale(state, enlarge, channels, [=](auto& source, Size from, auto& target, Size to) {
-        (channels == 4 ? zellab::scaleArgb : zellab::scalePlane)(source.data(), from.width, from.height,
-                                                                 target.data(), to.width, to.height, filter);
+        if (channels == 4)
+            zellab::scaleArgb({source.data(), from.width, from.height}, {target.data(), to.width, to.height},
+                              filter);
+        else
+            zellab::scalePlane({source.data(), from.width, from.height}, {target.data(), to.width, to.height},
+                               filter);
     });
 }
 

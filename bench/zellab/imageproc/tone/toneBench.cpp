@@ -82,7 +82,7 @@ void mapOpenCv(Job& job) {
 }
 
 void contrastBrightness(Job& job) {
-    zellab::PSContrastBrightness().Run(job.pixels.data(), job.size.width, job.size.height, 20, -20);
+    zellab::PSContrastBrightness().Run({job.pixels.data(), job.size.width, job.size.height}, 20, -20);
 }
 
 void temperature(Job& job) {
@@ -111,8 +111,9 @@ void mixLibyuv(Job& job) {
 }
 
 void sharpen(Job& job) {
-    zellab::UnsharpMaskKernel(job.size.width, job.size.height, 4 * job.size.width, 1.1f, 0.8f)
-        .Run(job.pixels.data(), job.other.data());
+    zellab::UnsharpMaskKernel(1.1f, 0.8f)
+        .Run({job.pixels.data(), job.size.width, job.size.height},
+             {job.other.data(), job.size.width, job.size.height});
 }
 
 void sharpenOpenCv(Job& job) {

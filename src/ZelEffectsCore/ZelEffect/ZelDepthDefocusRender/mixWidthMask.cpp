@@ -47,7 +47,7 @@ bool ZelDepthDefocusRender::MixWidthMask(unsigned char* top, unsigned char* base
     std::vector<Byte> scaled;
     if (maskWidth != width || maskHeight != height) {
         scaled.resize(zellab::sampleCount(width, height, 4));
-        if (!zellab::scaleArgb(mask, maskWidth, maskHeight, scaled.data(), width, height,
+        if (!zellab::scaleArgb({mask, maskWidth, maskHeight}, {scaled.data(), width, height},
                                zellab::YuvFilter::bilinear)) {
             ZEL_LOG_ERROR("parameter is invalid");  // a side beyond the scaler's reach
             return false;

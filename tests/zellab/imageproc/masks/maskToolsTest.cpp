@@ -126,13 +126,10 @@ TEST(Morphology, BadArgumentsChangeNothingAndWorkersNeither) {
     });
 }
 
-int regionCount(const Bytes& mask, int width) {
+std::size_t regionCount(const Bytes& mask, int width) {
     std::vector<int> labels(mask.size());
-    RegionBox* boxes = nullptr;
     const int height = static_cast<int>(mask.size()) / width;
-    const int count = LabelConnectedRuns(mask.data(), labels.data(), width, height, &boxes);
-    std::free(boxes);
-    return count;
+    return zellab::LabelConnectedRuns({mask.data(), width, height}, {labels.data(), width, height}).size();
 }
 
 // Blobs of all shapes: thinning may neither break a region, nor join two, nor lose one.

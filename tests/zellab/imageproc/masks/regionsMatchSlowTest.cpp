@@ -98,23 +98,15 @@ TEST(LabelConnectedRunsMatchesSlow, OnEveryDensity) {
             const Bytes plane = sparsePlane(size, percent, 127, 128, 99);
             const slow::Labels expected = slow::labelRegions(plane, size.width, size.height);
             std::vector<int> labels(plane.size(), -5);
-            zellab::RegionBox* boxes = nullptr;
-            const int count =
-                zellab::LabelConnectedRuns(plane.data(), labels.data(), size.width, size.height, &boxes);
-            if (expected.boxes.empty()) {
-                EXPECT_EQ(count, -1);
-                continue;  // what labels hold then is not told
-            }
-            ASSERT_EQ(count, static_cast<int>(expected.boxes.size()));
+            const std::vector<zellab::RegionBox> boxes = zellab::LabelConnectedRuns(
+                {plane.data(), size.width, size.height}, {labels.data(), size.width, size.height});
+            ASSERT_EQ(boxes.size(), expected.boxes.size());
+            if (boxes.empty()) continue;  // what labels hold then is not told
             EXPECT_TRUE(zeltest::sameSamples(expected.labels, labels, size.width));
-            ASSERT_NE(boxes, nullptr);
-            static_assert(sizeof(zellab::RegionBox) == 4 * sizeof(int));
-            for (int i = 0; i < count; ++i) {
-                std::array<int, 4> box;
-                std::memcpy(box.data(), &boxes[i], sizeof box);
-                EXPECT_EQ(expected.boxes[static_cast<std::size_t>(i)], box) << "region " << i;
+            for (std::size_t i = 0; i < boxes.size(); ++i) {
+                const std::array box{boxes[i].top, boxes[i].bottom, boxes[i].left, boxes[i].right};
+                EXPECT_EQ(expected.boxes[i], box) << "region " << i;
             }
-            std::free(boxes);
         }
 }
 

@@ -119,7 +119,7 @@ INSTANTIATE_TEST_SUITE_P(
                                   int h) { zellab::UnsharpMask(zellab::ImageView(p, w, h), 170, 2, 9); }},
         InPlace{"unsharpKernel",
                 [](unsigned char* p, int w, int h) {
-                    zellab::UnsharpMaskKernel(w, h, w * 4, 1.1f, 1.7f).Run(p, otherPicture().data());
+                    zellab::UnsharpMaskKernel(1.1f, 1.7f).Run({p, w, h}, {otherPicture().data(), w, h});
                 }}),
     [](const auto& operation) { return operation.param.name; });
 
@@ -204,11 +204,11 @@ TEST(UnsharpMask, FlatPicturesAndAHighThresholdStay) {
 
 TEST(UnsharpMaskKernel, FixedPointFormAgreesAndKeepsOtherChannels) {
     const Bytes before = zeltest::randomRgba(37, 21, 1), blurred = zeltest::randomRgba(37, 21, 2);
-    const zellab::UnsharpMaskKernel kernel(37, 21, 148, 1.1f, 0.5f);  // a half is exact in both forms
+    const zellab::UnsharpMaskKernel kernel(1.1f, 0.5f);  // a half is exact in both forms
     EXPECT_EQ(kernel.Weights().size(), 7u);
     Bytes all = before, some = before;
-    kernel.Run(all.data(), blurred.data());
-    kernel.Run(some.data(), blurred.data(), 5);
+    kernel.Run({all.data(), 37, 21}, {blurred.data(), 37, 21});
+    kernel.Run({some.data(), 37, 21}, {blurred.data(), 37, 21}, 5);
     for (std::size_t i = 0; i < before.size(); ++i)
         ASSERT_EQ(some[i], i % 4 == 0 || i % 4 == 2 ? all[i] : before[i]) << i;
 }
