@@ -73,7 +73,7 @@ template <typename Op>
 }
 
 template <typename Op>
-void changeRowBaseline(Byte* luma, const Byte* blurred, const Byte* skin, int width, const Op& op) {
+void changeRowPlain(Byte* luma, const Byte* blurred, const Byte* skin, int width, const Op& op) {
     changeRow(luma, blurred, skin, width, op);
 }
 
@@ -86,8 +86,7 @@ ZEL_TARGET_AVX2 void changeRowAvx2(Byte* luma, const Byte* blurred, const Byte* 
 template <typename Op>
 void changeLuma(PlaneView<Byte> luma, PlaneView<const Byte> blurred, PlaneView<const Byte> skin,
                 const Op& op) {
-    const bool wide = platform::simdLevel() == platform::SimdLevel::avx2;
-    const auto row = wide ? changeRowAvx2<Op> : changeRowBaseline<Op>;
+    const auto row = platform::pick(platform::simdLevel(), changeRowPlain<Op>, changeRowAvx2<Op>);
     parallelRows(luma.height, [&](int begin, int end) {
         for (int y = begin; y < end; ++y) row(luma.row(y), blurred.row(y), skin.row(y), luma.width, op);
     });

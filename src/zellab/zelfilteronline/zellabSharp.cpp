@@ -154,14 +154,14 @@ template <int kFrom, int kFull>
     for (int x = 0; x < width; ++x, pixels += 4) out[x] = zellab::lumaOf(pixels);
 }
 
-void sharpenRowBaseline(Byte* pixels, int width, const Rows& luma, const Rows& broad, const Gains& gains) {
+void sharpenRowPlain(Byte* pixels, int width, const Rows& luma, const Rows& broad, const Gains& gains) {
     sharpenRow(pixels, width, luma, broad, gains);
 }
 ZEL_TARGET_AVX2 void sharpenRowAvx2(Byte* pixels, int width, const Rows& luma, const Rows& broad,
                                     const Gains& gains) {
     sharpenRow(pixels, width, luma, broad, gains);
 }
-void lumaRowBaseline(const Byte* pixels, int width, Byte* out) {
+void lumaRowPlain(const Byte* pixels, int width, Byte* out) {
     lumaRow(pixels, width, out);
 }
 ZEL_TARGET_AVX2 void lumaRowAvx2(const Byte* pixels, int width, Byte* out) {
@@ -173,12 +173,14 @@ ZEL_TARGET_AVX2 void lumaRowAvx2(const Byte* pixels, int width, Byte* out) {
 void CZellabSharp::Run(zellab::ImageView image, float fine, float structure, bool protectFlat) {
     if (!image.valid()) return;
     const int width = image.width, height = image.height;
-    const bool wide = zellab::platform::simdLevel() == zellab::platform::SimdLevel::avx2;
+    const zellab::platform::SimdLevel level = zellab::platform::simdLevel();
+    const auto lumaOfRow = zellab::platform::pick(level, lumaRowPlain, lumaRowAvx2);
+    const auto sharpen = zellab::platform::pick(level, sharpenRowPlain, sharpenRowAvx2);
 
     PaddedPlane luma(width, height), broad(width, height);
     zellab::parallelRows(height, [&](int begin, int end) {
         for (int y = begin; y < end; ++y) {
-            (wide ? lumaRowAvx2 : lumaRowBaseline)(image.row(y), width, luma.row(y));
+            lumaOfRow(image.row(y), width, luma.row(y));
             luma.pad(y);
         }
     });
@@ -191,9 +193,7 @@ void CZellabSharp::Run(zellab::ImageView image, float fine, float structure, boo
 
     const Gains gains{gainOf(fine, kFineGain), gainOf(structure, kStructureGain), protectFlat};
     zellab::parallelRows(height, [&](int begin, int end) {
-        for (int y = begin; y < end; ++y)
-            (wide ? sharpenRowAvx2 : sharpenRowBaseline)(image.row(y), width, Rows(luma, y), Rows(broad, y),
-                                                         gains);
+        for (int y = begin; y < end; ++y) sharpen(image.row(y), width, Rows(luma, y), Rows(broad, y), gains);
     });
 }
 

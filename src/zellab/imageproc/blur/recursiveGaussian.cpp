@@ -87,7 +87,7 @@ struct Lines {
     }
 }
 
-void blurLinesBaseline(const Lines& lines, const Coefficients& c, float* forward) {
+void blurLinesPlain(const Lines& lines, const Coefficients& c, float* forward) {
     blurLines(lines, c, forward);
 }
 ZEL_TARGET_AVX2 void blurLinesAvx2(const Lines& lines, const Coefficients& c, float* forward) {
@@ -119,7 +119,7 @@ public:
         : m_picture(picture),
           m_coefficients(std::min(sigma, kLargestSigma)),
           m_alongRows(alongRows),
-          m_blur(platform::simdLevel() == platform::SimdLevel::avx2 ? blurLinesAvx2 : blurLinesBaseline) {
+          m_blur(platform::pick(platform::simdLevel(), blurLinesPlain, blurLinesAvx2)) {
         m_pixelsAtOnce = static_cast<std::ptrdiff_t>(kLanes) / lanesOfPixel();
     }
 

@@ -132,7 +132,7 @@ template <typename Step>
 }
 
 template <int kChannels>
-void filterLinesBaseline(const Lines& lines, const Decay& decay) {
+void filterLinesPlain(const Lines& lines, const Decay& decay) {
     walkLines(lines, [&](const Byte* from, Byte* to, const std::uint16_t* difference) {
         follow<kChannels>(from, to, difference, 0, lines.lanes, decay);
     });
@@ -163,8 +163,8 @@ public:
           m_width(width),
           m_height(height),
           m_workers(threaded ? ProcessorCount() : 1),
-          m_filter(platform::simdLevel() == platform::SimdLevel::avx2 ? filterLinesAvx2<kChannels>
-                                                                      : filterLinesBaseline<kChannels>),
+          m_filter(
+              platform::pick(platform::simdLevel(), filterLinesPlain<kChannels>, filterLinesAvx2<kChannels>)),
           m_left(sampleCount(width, height)),
           m_above(sampleCount(width, height)) {
         parallelRows(height, m_workers, [&](int begin, int end) {

@@ -75,7 +75,7 @@ struct Sums {
 };
 
 /// How the sums over a stretch of each channel's counts are taken; both forms give the same numbers.
-struct NarrowSums {
+struct PlainSums {
     static Sums of(const std::array<const std::int16_t*, 3>& counts, const Weights& weights) {
         Sums sums;
         for (std::size_t c = 0; c < 3; ++c) {
@@ -100,7 +100,7 @@ private:
     }
 };
 
-struct WideSums {
+struct Avx2Sums {
     ZEL_TARGET_AVX2 static Sums of(const std::array<const std::int16_t*, 3>& counts, const Weights& weights) {
         __m256i weight[3], moment[3];
         for (std::size_t c = 0; c < 3; ++c) weight[c] = moment[c] = _mm256_setzero_si256();
@@ -192,13 +192,8 @@ public:
     }
 
     void run() {
-        const bool wide = platform::simdLevel() == platform::SimdLevel::avx2;
-        parallelRows(m_image.height, [&](int begin, int end) {
-            if (wide)
-                sweepWide(begin, end);
-            else
-                sweep<NarrowSums>(begin, end);
-        });
+        const auto sweepBand = platform::pick(platform::simdLevel(), &Blur::sweepPlain, &Blur::sweepAvx2);
+        parallelRows(m_image.height, [&](int begin, int end) { (this->*sweepBand)(begin, end); });
     }
 
 private:
@@ -247,7 +242,8 @@ private:
         }
     }
 
-    ZEL_TARGET_AVX2 void sweepWide(int begin, int end) { sweep<WideSums>(begin, end); }
+    void sweepPlain(int begin, int end) { sweep<PlainSums>(begin, end); }
+    ZEL_TARGET_AVX2 void sweepAvx2(int begin, int end) { sweep<Avx2Sums>(begin, end); }
 
     /// What leaves and enters the disc when it moves by `step` bytes, as pairs of offsets from its centre;
     /// `across` is the step of the other axis.
