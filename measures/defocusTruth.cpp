@@ -26,8 +26,7 @@ std::array<int, 256> radiiOf(const LayeredPortrait& layers, int blurLevel) {
     map.set({layers.disparity.data(), width, height});
     BlurStrength strength = computeBlurStrength(width, height, 1.0f, blurLevel, true);
     zellab::Plane<Byte> small(strength.smallWidth, strength.smallHeight);
-    zellab::scalePlane(map.view().data, width, height, small.data(), small.width(), small.height(),
-                       zellab::YuvFilter::box);
+    zellab::scalePlane(map.view(), small.view(), zellab::YuvFilter::box);
     const FaceBox face = faceBoxOf(layers.portrait);
     const FocusPoint point{face.centreY(), face.centreX()};
     const FocusBand band = decideFocus(small.view(), {point}, point, strength);

@@ -36,7 +36,11 @@ struct SkinPlanes {
     explicit SkinPlanes(zel::Image image) {
         const std::size_t count = image.rgba.size() / 4;
         y.resize(count), cb.resize(count), cr.resize(count);
-        zellab::RGBAToYCbCrPlanes(image.rgba.data(), y.data(), cb.data(), cr.data(), static_cast<int>(count));
+        const auto planeOf = [&](std::vector<Byte>& plane) {
+            return zellab::PlaneView<Byte>(plane.data(), image.width, image.height);
+        };
+        zellab::RGBAToYCbCrPlanes({image.rgba.data(), image.width, image.height}, planeOf(y), planeOf(cb),
+                                  planeOf(cr));
     }
 };
 

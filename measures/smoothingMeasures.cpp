@@ -81,16 +81,17 @@ struct SkinSeen {
         for (int* side : {&small.left, &small.right, &small.top, &small.bottom})
             *side = *side * kSmallWidth / kWidth;
         std::vector<unsigned char> copy(zellab::sampleCount(kSmallWidth, kSmallHeight, 4));
-        zellab::ScaleBilinearThreaded(rgba.data(), kWidth, kHeight, copy.data(), kSmallWidth, kSmallHeight,
-                                      4);
+        zellab::ScaleBilinearThreaded(zellab::ConstImageView(rgba.data(), kWidth, kHeight),
+                                      zellab::ImageView(copy.data(), kSmallWidth, kSmallHeight));
         const zellab::SkinColourMask found = zellab::skinMaskFromColor(
             zellab::ConstImageView(copy.data(), kSmallWidth, kSmallHeight), 1, &small, {4, 6, 8});
         mask.resize(zellab::sampleCount(kWidth, kHeight));
-        zellab::ScaleBilinearThreaded(found.mask.data(), kSmallWidth, kSmallHeight, mask.data(), kWidth,
-                                      kHeight, 1);
+        zellab::ScaleBilinearThreaded(
+            zellab::PlaneView<const unsigned char>(found.mask.data(), kSmallWidth, kSmallHeight),
+            zellab::PlaneView<unsigned char>(mask.data(), kWidth, kHeight));
         wide = mask;
-        zellab::MaxFilterHorizontal(wide.data(), kWidth, kHeight, kReach);
-        zellab::MaxFilterVertical(wide.data(), kWidth, kHeight, kReach);
+        zellab::MaxFilterHorizontal({wide.data(), kWidth, kHeight}, kReach);
+        zellab::MaxFilterVertical({wide.data(), kWidth, kHeight}, kReach);
     }
 };
 

@@ -104,7 +104,7 @@ void stroke(benchmark::State& state, int mode, int length) {
     const zellab::WorkerCount workers(static_cast<int>(state.range(1)));
     auto pixels = zelbench::benchRgba(size);
     zellab::CLiquify brush;
-    brush.setImage(pixels.data(), size.width, size.height);
+    brush.setImage({pixels.data(), size.width, size.height});
     brush.setRadius(kBrush);
     brush.setStrength(60);
     const int x = size.width / 2, y = size.height / 2;

@@ -4,10 +4,10 @@
 
 #include "bokeh/disparityMap.h"
 #include "bokehBench.h"
-#include "zel_effects/zel_effects.h"
 #include "gl/environment.h"
 #include "gl/texture2D.h"
 #include "gl/utils.h"
+#include "zel_effects/zel_effects.h"
 #include "zellab/imageproc/edgeaware/guidedFilterPlane.h"
 #include "zellab/imageproc/sfdsp/yuvScale.h"
 
@@ -78,9 +78,9 @@ void disparity(benchmark::State& state) {
     for (auto _ : state) {
         DisparityMap map;
         map.set({depth.data(), size.width, size.height});
-        zellab::scalePlane(map.view().data, size.width, size.height, plane.data(), small.width, small.height,
-                           zellab::YuvFilter::box);
-        zellab::GuidedFilterPlane(plane.data(), guide.data(), small.width, small.height, 1, 0.1f, 4.0f);
+        zellab::scalePlane(map.view(), {plane.data(), small.width, small.height}, zellab::YuvFilter::box);
+        zellab::GuidedFilterPlane({plane.data(), small.width, small.height},
+                                  {guide.data(), small.width, small.height}, 1, 0.1f, 4.0f);
         benchmark::ClobberMemory();
     }
 }

@@ -28,16 +28,16 @@ struct Scene {
         zel::PortraitParams params;
         params.width = params.height = 2 * kDepthSide;
         const zel::Portrait portrait = zel::drawPortrait(params);
-        zellab::scaleArgb(portrait.image.rgba.data(), params.width, params.height, guide.data(), kDepthSide,
-                          kDepthSide, zellab::YuvFilter::box);
+        zellab::scaleArgb({portrait.image.rgba.data(), params.width, params.height},
+                          {guide.data(), kDepthSide, kDepthSide}, zellab::YuvFilter::box);
         Bytes fine(portrait.depth.size());
         for (std::size_t i = 0; i < fine.size(); ++i)
             fine[i] = static_cast<unsigned char>(portrait.depth[i] * 255.0f);
         constexpr int kCoarse = kDepthSide / 8;
         Bytes coarse(kCoarse * kCoarse);
-        zellab::scalePlane(fine.data(), params.width, params.height, coarse.data(), kCoarse, kCoarse,
+        zellab::scalePlane({fine.data(), params.width, params.height}, {coarse.data(), kCoarse, kCoarse},
                            zellab::YuvFilter::box);
-        zellab::scalePlane(coarse.data(), kCoarse, kCoarse, depth.data(), kDepthSide, kDepthSide,
+        zellab::scalePlane({coarse.data(), kCoarse, kCoarse}, {depth.data(), kDepthSide, kDepthSide},
                            zellab::YuvFilter::bilinear);
         for (std::size_t i = 0; i < depth.size(); ++i) {
             const std::size_t other = i + 8 < depth.size() ? i + 8 : i;

@@ -90,9 +90,7 @@ void BokehScene::setKernel(PlaneView<const Byte> plane) {
     const bool strip = m_bokehType == kStripBokeh;
     const int width = strip ? kStripWidth : kFreeKernelSide, height = strip ? kStripHeight : kFreeKernelSide;
     ImageBuffer kernel(width, height, 1, nullptr);
-    if (!plane.valid() ||
-        !scalePlane(plane.data, plane.width, plane.height, kernel.data(), width, height, YuvFilter::bilinear))
-        return;
+    if (!plane.valid() || !scalePlane(plane, {kernel.data(), width, height}, YuvFilter::bilinear)) return;
     m_kernelTexture = byteTexture(width, height, kOrderRed, kernel.data());
     if (strip) m_kernelImage = kernel;
 }
@@ -137,11 +135,11 @@ void BokehScene::prepareHair(Frame& frame) const {
     const int width = frame.strength.halfWidth, height = frame.strength.halfHeight;
     Plane<Byte> hair(width, height);
     std::vector<Byte> guide(sampleCount(width, height, 4));
-    scalePlane(m_hairMask.data(), m_hairMask.width(), m_hairMask.height(), hair.data(), width, height,
+    scalePlane({m_hairMask.data(), m_hairMask.width(), m_hairMask.height()}, hair.view(),
                YuvFilter::bilinear);
-    scaleArgb(frame.source.data, frame.source.width, frame.source.height, guide.data(), width, height,
-              YuvFilter::linear);
-    GuidedFilterPlane(hair.data(), guide.data(), width, height, kHairGuideRadius, kGuideEpsilon, kGuideScale);
+    scaleArgb(frame.source, {guide.data(), width, height}, YuvFilter::linear);
+    GuidedFilterPlane(hair.view(), {guide.data(), width, height}, kHairGuideRadius, kGuideEpsilon,
+                      kGuideScale);
     frame.hair = byteTexture(width, height, kOrderRed, hair.data());
 }
 
@@ -154,9 +152,9 @@ void BokehScene::prepareRadii(Frame& frame) const {
     } else {
         if (!m_disparity.isEmpty()) {
             const bool shrinks = width < m_disparity.width() || height < m_disparity.height();
-            scalePlane(m_disparity.view().data, m_disparity.width(), m_disparity.height(),
-                       frame.disparity.data(), width, height, shrinks ? YuvFilter::box : YuvFilter::linear);
-            GuidedFilterPlane(frame.disparity.data(), frame.smallPixels.data(), width, height,
+            scalePlane(m_disparity.view(), frame.disparity.view(),
+                       shrinks ? YuvFilter::box : YuvFilter::linear);
+            GuidedFilterPlane(frame.disparity.view(), {frame.smallPixels.data(), width, height},
                               kDisparityGuideRadius, kGuideEpsilon, kGuideScale);
         }
         const FocusBand band = decideFocus(frame.disparity.view(), m_focusPoints, m_focus, frame.strength);

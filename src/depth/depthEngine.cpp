@@ -10,8 +10,7 @@ namespace {
 constexpr int kChannels = 4;
 
 bool mapToPlane(const std::vector<Byte>& map, const DepthMaps& maps, PlaneView<Byte> plane) {
-    return scalePlane(map.data(), maps.width, maps.height, plane.data, plane.width, plane.height,
-                      YuvFilter::bilinear);
+    return scalePlane({map.data(), maps.width, maps.height}, plane, YuvFilter::bilinear);
 }
 
 }  // namespace

@@ -19,7 +19,8 @@ PortraitDepthPlanes estimatePortraitDepth(DepthEngine& engine, const Byte* rgba,
     PortraitDepthPlanes planes{false, std::vector<Byte>(samples), std::vector<Byte>(samples),
                                std::vector<Byte>(samples)};
     std::vector<Byte> small(4 * samples);
-    if (!scaleArgb(rgba, width, height, small.data(), kDepthSide, kDepthSide, YuvFilter::box)) return planes;
+    if (!scaleArgb({rgba, width, height}, {small.data(), kDepthSide, kDepthSide}, YuvFilter::box))
+        return planes;
     planes.estimated = engine.runToPlanes({small.data(), kDepthSide, kDepthSide},
                                           {planes.raw.data(), kDepthSide, kDepthSide},
                                           {planes.confidence.data(), kDepthSide, kDepthSide});
@@ -34,7 +35,7 @@ std::vector<Byte> scaleDepthPlane(const std::vector<Byte>& plane, int fromWidth,
                                   int height) {
     std::vector<Byte> scaled(sampleCount(width, height));
     if (plane.size() < sampleCount(fromWidth, fromHeight) ||
-        !scalePlane(plane.data(), fromWidth, fromHeight, scaled.data(), width, height, YuvFilter::box))
+        !scalePlane({plane.data(), fromWidth, fromHeight}, {scaled.data(), width, height}, YuvFilter::box))
         return {};
     return scaled;
 }

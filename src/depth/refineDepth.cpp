@@ -34,8 +34,10 @@ struct Size {
 Bytes scaled(const Byte* source, int channels, Size from, Size to) {
     if ((channels != 1 && channels != 4) || !source) return {};
     Bytes target(sampleCount(to.width, to.height, channels));
-    const bool done = (channels == 4 ? scaleArgb : scalePlane)(source, from.width, from.height, target.data(),
-                                                               to.width, to.height, YuvFilter::box);
+    const bool done = channels == 4 ? scaleArgb({source, from.width, from.height},
+                                                {target.data(), to.width, to.height}, YuvFilter::box)
+                                    : scalePlane({source, from.width, from.height},
+                                                 {target.data(), to.width, to.height}, YuvFilter::box);
     return done ? target : Bytes();
 }
 

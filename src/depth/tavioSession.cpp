@@ -61,7 +61,7 @@ std::vector<float> networkInput(const Byte* image, int channels, int height, int
     if (usable && !sameSize) {
         scaled.resize(4 * pixels);
         usable = channels == 4 &&
-                 scaleArgb(image, width, height, scaled.data(), shape.w, shape.h, YuvFilter::none);
+                 scaleArgb({image, width, height}, {scaled.data(), shape.w, shape.h}, YuvFilter::none);
         image = scaled.data();
     }
     if (!usable) {

@@ -6,27 +6,16 @@
 #include <initializer_list>
 #include <vector>
 
-#include "zellab/geometry/curveTools.h"
-#include "zellab/geometry/pointDeform.h"
 #include "facepoints/faceTemplate.h"
+#include "zellab/geometry/curveTools.h"
 #include "zellab/geometry/linearSolve.h"
+#include "zellab/geometry/pointDeform.h"
+#include "zellab/geometry/vector2.h"
 
 namespace zellab {
 
 namespace {
 
-Vector2f operator+(Vector2f a, Vector2f b) {
-    return {a.x + b.x, a.y + b.y};
-}
-Vector2f operator-(Vector2f a, Vector2f b) {
-    return {a.x - b.x, a.y - b.y};
-}
-Vector2f operator*(Vector2f a, float f) {
-    return {a.x * f, a.y * f};
-}
-Vector2f mix(Vector2f a, Vector2f b, float share) {
-    return a + (b - a) * share;
-}
 Vector2f middle(Vector2f a, Vector2f b) {
     return mix(a, b, 0.5f);
 }

@@ -9,6 +9,12 @@ enum class SimdLevel { baseline, avx2 };
 /// call, on the caller's thread, and hands the answer to its workers; both forms give the same bytes.
 SimdLevel simdLevel();
 
+/// The form of a kernel that runs at a level: a kernel `x` that has both is written as xPlain and xAvx2.
+template <typename Kernel>
+constexpr Kernel pick(SimdLevel level, Kernel plain, Kernel avx2) {
+    return level == SimdLevel::avx2 ? avx2 : plain;
+}
+
 /// While alive, calls on this thread use at most this level. For tests that hold both forms equal.
 class SimdLimit {
 public:

@@ -17,7 +17,7 @@ constexpr std::size_t kSamples = std::size_t{kDepthSide} * kDepthSide;
 
 Bytes planeOf(const Bytes& from, int fromSide, int side, zellab::YuvFilter filter) {
     Bytes to(static_cast<std::size_t>(side) * static_cast<std::size_t>(side));
-    EXPECT_TRUE(zellab::scalePlane(from.data(), fromSide, fromSide, to.data(), side, side, filter));
+    EXPECT_TRUE(zellab::scalePlane({from.data(), fromSide, fromSide}, {to.data(), side, side}, filter));
     return to;
 }
 
@@ -52,8 +52,8 @@ TEST(RefinedEdges, ErrorIsHalvedOverDrawnPortraits) {
         params.seed = seed;
         const zel::Portrait portrait = zel::drawPortrait(params);
         Bytes image(4 * kSamples), full(portrait.depth.size()), refined(kSamples), sure(kSamples);
-        zellab::scaleArgb(portrait.image.rgba.data(), kPictureSide, kPictureSide, image.data(), kDepthSide,
-                          kDepthSide, zellab::YuvFilter::box);
+        zellab::scaleArgb({portrait.image.rgba.data(), kPictureSide, kPictureSide},
+                          {image.data(), kDepthSide, kDepthSide}, zellab::YuvFilter::box);
         for (std::size_t i = 0; i < full.size(); ++i)
             full[i] = static_cast<unsigned char>(portrait.depth[i] * 255);
         const Bytes truth = planeOf(full, kPictureSide, kDepthSide, zellab::YuvFilter::box);

@@ -212,7 +212,7 @@ inline void changeEye(SlowEye& eye, const EyeSettings& s, const unsigned char* t
     for (bool smoothing : {false, true}) {
         if (smoothing) {
             filtered = eye.rgba;
-            zellab::GuidedFilterColor().Run(filtered.data(), eye.width, eye.height, s.exponent, s.scale,
+            zellab::GuidedFilterColor().Run({filtered.data(), eye.width, eye.height}, s.exponent, s.scale,
                                             s.factor, 5, false);
         }
         pixels([&](std::size_t i, unsigned char* p) {

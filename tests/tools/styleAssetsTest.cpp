@@ -54,7 +54,7 @@ TEST(StyleAssets, LooksAreGentle) {
         ASSERT_FALSE(cube.empty());
         int moved = 0;
         Bytes before = zeltest::randomRgba(64, 64, 5), after = before;
-        zellab::ApplyColorCube(after.data(), cube.data(), 64, 64);
+        zellab::ApplyColorCube({after.data(), 64, 64}, cube.data());
         for (std::size_t i = 0; i < before.size(); ++i)
             moved = std::max(moved, std::abs(before[i] - after[i]));
         EXPECT_LE(moved, farthest);
@@ -62,7 +62,7 @@ TEST(StyleAssets, LooksAreGentle) {
 
         Bytes greys(256 * 4);
         for (std::size_t i = 0; i < greys.size(); ++i) greys[i] = static_cast<unsigned char>(i / 4);
-        zellab::ApplyColorCube(greys.data(), cube.data(), 256, 1);
+        zellab::ApplyColorCube({greys.data(), 256, 1}, cube.data());
         for (std::size_t c = 0; c < 3; ++c) {
             EXPECT_LE(greys[c], black);
             EXPECT_GE(greys[255 * 4 + c], 254);
@@ -78,7 +78,7 @@ TEST(StyleAssets, LooksKeepTheOrderOfTheChannels) {
         const Bytes cube = lookup(name);
         ASSERT_FALSE(cube.empty());
         Bytes colours = {230, 40, 120, 9, 40, 120, 230, 8, 120, 230, 40, 7};
-        zellab::ApplyColorCube(colours.data(), cube.data(), 3, 1);
+        zellab::ApplyColorCube({colours.data(), 3, 1}, cube.data());
         EXPECT_TRUE(colours[0] > colours[2] && colours[2] > colours[1]) << name;
         EXPECT_TRUE(colours[6] > colours[5] && colours[5] > colours[4]) << name;
         EXPECT_TRUE(colours[9] > colours[8] && colours[8] > colours[10]) << name;

@@ -7,8 +7,8 @@
 #include <opencv2/photo.hpp>
 #include <vector>
 
-#include "zellab/zelfilteronline/zellabSharp.h"
 #include "zellab/imageproc/poisson/poissonEdit.h"
+#include "zellab/zelfilteronline/zellabSharp.h"
 
 namespace {
 
@@ -38,7 +38,7 @@ void poissonEdit(benchmark::State& state) {
     for (int y = 40; y < 40 + side; ++y)
         std::fill_n(&mask[static_cast<std::size_t>(y) * static_cast<std::size_t>(size) + 40], side,
                     static_cast<unsigned char>(255));
-    for (auto _ : state) zellab::PoissonEdit(rgba.data(), size, size, mask.data(), 1.0f);
+    for (auto _ : state) zellab::PoissonEdit({rgba.data(), size, size}, {mask.data(), size, size}, 1.0f);
 }
 BENCHMARK(poissonEdit)->Name("poisson_solve/zel")->Apply(sides);
 
@@ -88,7 +88,7 @@ void sharpener(benchmark::State& state) {
     const int width = static_cast<int>(std::sqrt(static_cast<double>(state.range(0)) * 1e6 * 4 / 3));
     const int height = width * 3 / 4;
     std::vector<unsigned char> rgba = picture(width, height);
-    for (auto _ : state) zelfilteronline::CZellabSharp().Run(rgba.data(), width, height, 0.6f, 0.6f, true);
+    for (auto _ : state) zelfilteronline::CZellabSharp().Run({rgba.data(), width, height}, 0.6f, 0.6f, true);
 }
 BENCHMARK(sharpener)->Name("sharpener/zel")->Arg(1)->Arg(12)->Unit(benchmark::kMillisecond)->UseRealTime();
 

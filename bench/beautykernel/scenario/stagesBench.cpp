@@ -73,10 +73,11 @@ void skin(Scene& s, unsigned char* image) {
     zellab::CLazyBeauty().run(image, kWidth, kHeight, true, true, 3, 3, 1, &face);
 }
 void look(Scene& s, unsigned char* image) {
-    zellab::ApplyColorCube(image, s.lookup.data(), kWidth, kHeight);
+    zellab::ApplyColorCube({image, kWidth, kHeight}, s.lookup.data());
 }
 void mix(Scene& s, unsigned char* image) {
-    zellab::MixByAlpha(image, s.portrait.image.rgba.data(), image, kWidth, kHeight, kAlpha);
+    zellab::MixByAlpha({image, kWidth, kHeight}, {s.portrait.image.rgba.data(), kWidth, kHeight},
+                       {image, kWidth, kHeight}, kAlpha);
 }
 void whole(Scene& s, unsigned char* image) {
     ZelImageCore::CScenarioBeauty().Run(image, kWidth, kHeight, ZelImageCore::eScenario2, kAlpha,

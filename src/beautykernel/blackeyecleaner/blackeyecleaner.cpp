@@ -37,7 +37,7 @@ std::vector<Byte> smoothCopy(ConstImageView image, int radius) {
     const ImageView view(copy.data(), image.width, image.height);
     for (int y = 0; y < image.height; ++y)
         std::memcpy(view.row(y), image.row(y), static_cast<std::size_t>(image.width) * 4);
-    StackBlurRGBA(copy.data(), image.width, image.height, radius);
+    StackBlurRGBA({copy.data(), image.width, image.height}, radius);
     return copy;
 }
 
@@ -47,13 +47,13 @@ void repairSeamlessly(ImageView image, const EyeRegion& region, const Plane<Byte
     const PixelRect& crop = region.crop;
     Plane<Byte> wide(crop.width, crop.height), whole(image.width, image.height);
     std::copy_n(crescents.data(), wide.size(), wide.data());
-    MaxFilterHorizontal(wide.data(), crop.width, crop.height, kWidening);
-    MaxFilterVertical(wide.data(), crop.width, crop.height, kWidening);
+    MaxFilterHorizontal(wide.view(), kWidening);
+    MaxFilterVertical(wide.view(), kWidening);
     cutEyes(wide, region);
     for (int y = 0; y < crop.height; ++y)
         std::memcpy(whole.view().row(crop.y + y) + crop.x, wide.view().row(y),
                     static_cast<std::size_t>(crop.width));
-    PoissonEdit(image.data, image.width, image.height, whole.data(), strength);
+    PoissonEdit(image, {whole.data(), image.width, image.height}, strength);
 }
 
 /// Brightness below which a pixel of the face is no skin: the darkest 9 percent of its middle, and 20 levels
@@ -83,7 +83,7 @@ Plane<Byte> keepPlane(ConstImageView crop, const Plane<Byte>& crescents, int thr
     const Plane<Byte> brightness = lumaPlane(crop);
     Plane<Byte> keep(crop.width, crop.height);
     std::copy_n(brightness.data(), keep.size(), keep.data());
-    StackBlurGray(keep.data(), crop.width, crop.height, faceWidth / 200 + 22);
+    StackBlurGray(keep.view(), faceWidth / 200 + 22);
     for (std::size_t i = 0; i < keep.size(); ++i) {
         const int l = brightness.data()[i];
         Byte value = kPatchWeight[clampToByte(l - keep.data()[i] + 128)];
@@ -94,8 +94,7 @@ Plane<Byte> keepPlane(ConstImageView crop, const Plane<Byte>& crescents, int thr
         }
         keep.data()[i] = circleCoreCurve()[value];
     }
-    StackBlurGray(keep.data(), crop.width, crop.height,
-                  std::max(method.keepMin, faceWidth / method.keepDivisor + method.keepExtra));
+    StackBlurGray(keep.view(), std::max(method.keepMin, faceWidth / method.keepDivisor + method.keepExtra));
     return keep;
 }
 

@@ -37,7 +37,7 @@ CheekRows::CheekRows(ConstImageView image, const EyeRegion& region)
     const ImageView view(band.data(), width, bottom - top);
     for (int y = top; y < bottom; ++y)
         std::memcpy(view.row(y - top), image.at(region.crop.x, y), static_cast<std::size_t>(width) * 4);
-    StackBlurRGBA(band.data(), width, bottom - top, radius);
+    StackBlurRGBA({band.data(), width, bottom - top}, radius);
 
     const float between = (region.inCrop(region.points[5]).x + region.inCrop(region.points[10]).x) / 2.0f;
     for (int x = 0; x < width; ++x) {

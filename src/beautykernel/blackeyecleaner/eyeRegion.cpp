@@ -136,7 +136,7 @@ void cutEyes(Plane<Byte>& plane, const EyeRegion& region) {
         outline.reserve(kOutlinePoints);
         for (int i = 0; i < kOutlinePoints; ++i)
             outline.push_back(region.inCrop({x + (points[i].x - x) * kRim, y + (points[i].y - y) * kRim}));
-        FillPolygonMask(plane.data(), plane.width(), plane.height(), outline, 0);
+        FillPolygonMask(plane.view(), outline, 0);
 
         constexpr int kCorner = 5, kSides = 16;
         constexpr float kIris = 0.21f, kTurn = 6.2831853f;  // radius, as a share of the eye's width
@@ -148,7 +148,7 @@ void cutEyes(Plane<Byte>& plane, const EyeRegion& region) {
             iris.push_back(
                 region.inCrop({pupil.x + radius * std::cos(turn), pupil.y + radius * std::sin(turn)}));
         }
-        FillPolygonMask(plane.data(), plane.width(), plane.height(), iris, 0);
+        FillPolygonMask(plane.view(), iris, 0);
     }
 }
 
@@ -173,7 +173,7 @@ UnderEyeMasks drawUnderEyeMasks(const EyeRegion& region, const DarkCircleRun& ru
             masks.repair.data()[i] = masks.region.data()[i];
         }
     }
-    StackBlurGray(masks.soft.data(), w, h,
+    StackBlurGray(masks.soft.view(),
                   std::max(method.softMin, run.rectWidth / method.softDivisor + method.softExtra));
     cutEyes(masks.soft, region);  // crescents and blur reach over the lid, and irises are no skin
     return masks;

@@ -28,7 +28,7 @@ void lighten(ImageView area, ConstImageView smooth, PlaneView<const Byte> weight
 /// Lightens a box by a weight of its size, against itself smoothed.
 void lightenArea(ImageView area, const Plane<Byte>& weight, int radius) {
     RgbaImage smooth = copyOf(area);
-    for (int pass = 0; pass < 2; ++pass) StackBlurRGBA(smooth.data(), area.width, area.height, radius);
+    for (int pass = 0; pass < 2; ++pass) StackBlurRGBA(smooth.view(), radius);
     lighten(area, {smooth.data(), area.width, area.height}, weight.view());
 }
 
@@ -47,7 +47,7 @@ void lightenUnderMask(unsigned char* image, int width, int height, const unsigne
     for (int y = 0; y < weight.height(); ++y)
         std::memcpy(weight.view().row(y), marks.row(ys.begin + y) + xs.begin,
                     static_cast<std::size_t>(weight.width()));
-    StackBlurGray(weight.data(), weight.width(), weight.height(), std::max(reach / 16, 2));
+    StackBlurGray(weight.view(), std::max(reach / 16, 2));
     lightenArea(picture.crop(xs.begin, ys.begin, xs.length(), ys.length()), weight, reach / 4);
 }
 

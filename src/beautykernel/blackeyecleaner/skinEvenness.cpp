@@ -49,8 +49,7 @@ float cheekEdges(ConstImageView image, Vector2f outer, Vector2f inner, float bel
     const float side = std::abs(inner.x - outer.x);
     const Plane<Byte> patch = lumaPatch(image, outer.x, inner.x, below, side / 2.0f);
     Plane<Byte> edges(patch.width(), patch.height());
-    EdgeDetectCanny(patch.data(), edges.data(), patch.width(), patch.height(), patch.width(), 0, kEdgeLow,
-                    kEdgeHigh, false);
+    EdgeDetectCanny(patch.view(), edges.view(), kEdgeLow, kEdgeHigh, false);
     return share(edges, [](Byte e) { return e > 254; });
 }
 

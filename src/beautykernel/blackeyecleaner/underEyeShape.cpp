@@ -4,15 +4,13 @@
 #include <cmath>
 #include <vector>
 
+#include "zellab/geometry/vector2.h"
+
 namespace zellab {
 
 namespace {
 
 constexpr int kSegmentSamples = 20;
-
-Vector2f mix(Vector2f a, Vector2f b, float t) {
-    return {a.x + (b.x - a.x) * t, a.y + (b.y - a.y) * t};
-}
 
 void appendBezier(std::vector<Vector2f>& contour, Vector2f a, Vector2f b, Vector2f c, Vector2f d) {
     for (int i = 0; i < kSegmentSamples; ++i) {

@@ -5,8 +5,8 @@
 
 #include "beautykernel/eyebright/eyeHsl.h"
 #include "beautykernel/eyebright/eyeTables.h"
-#include "zellab/imageproc/edgeaware/guidedFilterColor.h"
 #include "zellab/imageproc/core/pixelMath.h"
+#include "zellab/imageproc/edgeaware/guidedFilterColor.h"
 
 namespace zellab {
 
@@ -125,7 +125,7 @@ void contrastIris(EyeCut& eye) {
 
 void smoothEye(EyeCut& eye, const EyeTuning& tuning) {
     std::vector<Byte> filtered = eye.rgba;
-    GuidedFilterColor().Run(filtered.data(), eye.box.width, eye.box.height, tuning.filterRadius,
+    GuidedFilterColor().Run({filtered.data(), eye.box.width, eye.box.height}, tuning.filterRadius,
                             tuning.filterEps, tuning.filterScale, kFilterRadius, false);
     const ConstImageView smooth(filtered.data(), eye.box.width, eye.box.height);
     forIris(eye, [&](Byte* pixel, int x, int y, float weight) {

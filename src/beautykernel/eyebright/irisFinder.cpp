@@ -167,10 +167,8 @@ Iris findIris(ConstImageView cutOut, const IrisSeed& seed) {
     const Plane<Byte> red = redPlane(cutOut);
     Plane<Byte> work(width, kWorkHeight);
     constexpr int kCubic = 3;
-    if (!ImageResampler().Resize(red.data(), cutOut.width, cutOut.height, work.data(), width, kWorkHeight, 1,
-                                 kCubic))
-        return {};
-    StackBlurGray(work.data(), width, kWorkHeight, kBlurRadius);
+    if (!ImageResampler().Resize(red.view(), work.view(), kCubic)) return {};
+    StackBlurGray(work.view(), kBlurRadius);
     const Candidate best = Search(work.view(), scaled, lightLevel(work)).run();
     if (best.contrast < kLeastContrast) return {};
     return {static_cast<float>(best.x) / scale, static_cast<float>(best.y) / scale,

@@ -33,10 +33,9 @@ constexpr int kShadowRadius = 16;
 constexpr char kSourceFile[] = "beautykernel/facebeauty/facebeauty.cpp";
 
 Plane<Byte> resized(PlaneView<const Byte> plane, int width, int height) {
-    constexpr int kOneChannel = 1, kBetweenTwoSamples = 0;
+    constexpr int kBetweenTwoSamples = 0;
     Plane<Byte> result(width, height);
-    ImageResampler().Resize(plane.data, plane.width, plane.height, result.data(), width, height, kOneChannel,
-                            kBetweenTwoSamples);
+    ImageResampler().Resize(plane, result.view(), kBetweenTwoSamples);
     return result;
 }
 
@@ -44,7 +43,7 @@ Plane<Byte> resized(PlaneView<const Byte> plane, int width, int height) {
 Plane<Byte> enlargedMask(PlaneView<const Byte> small, PlaneView<const Byte> userMask, ConstImageView image) {
     Plane<Byte> mask = resized(userMask.valid() ? userMask : small, small.width, small.height);
     const int side = std::min(small.width, small.height);
-    StackBlurGray(mask.data(), small.width, small.height, side < 200 ? 12 : side < 500 ? 20 : 30);
+    StackBlurGray(mask.view(), side < 200 ? 12 : side < 500 ? 20 : 30);
     return resized(mask.view(), image.width, image.height);
 }
 
@@ -52,10 +51,8 @@ Plane<Byte> enlargedMask(PlaneView<const Byte> small, PlaneView<const Byte> user
 void smoothAlongEdges(ImageView image, PlaneView<const Byte> skin) {
     constexpr float kSigmaSpace = 16.0f, kSigmaRange = 50.0f;
     constexpr int kIterations = 3;
-    std::vector<Byte> pixels(image.data, image.data + sampleCount(image.width, image.height, 4));
-    const ConstImageView smooth(pixels.data(), image.width, image.height);
-    DomainTransformRGBA(pixels.data(), image.width, image.height, image.width * 4, kSigmaSpace, kSigmaRange,
-                        kIterations, true);
+    RgbaImage smooth = copyOf(image);
+    DomainTransformRGBA(smooth.view(), kSigmaSpace, kSigmaRange, kIterations, true);
     parallelRows(image.height, [&](int begin, int end) {
         for (int y = begin; y < end; ++y) {
             Byte* p = image.row(y);
@@ -77,7 +74,7 @@ bool CFaceBeauty::Run(unsigned char* image, int width, int height, const unsigne
     const ImageView picture(image, width, height);
     if (!picture.valid() || !params) return false;
     for (int i = 0; faces && i < faceCount; ++i) limitFaceBox(faces[i], width, height);
-    if (params->autoLevels) AutoLevels(image, width, height, width * 4, 0, nullptr, nullptr);
+    if (params->autoLevels) AutoLevels(picture);
     const FaceData* face = faces && faceCount > 0 ? faces : nullptr;
     if (width <= kSmallSide && height <= kSmallSide) return Run8kelxx(picture, face, *params);
 
@@ -104,7 +101,7 @@ bool CFaceBeauty::Run8kelyy(ImageView image, PlaneView<const Byte> userMask, con
     }
     std::vector<Byte> pixels(sampleCount(smallWidth, smallHeight, 4));
     const ImageView small(pixels.data(), smallWidth, smallHeight);
-    ImageResampler().Resize(image.data, image.width, image.height, small.data, smallWidth, smallHeight, 4, 0);
+    ImageResampler().Resize(image, small, 0);
     const SkinColourMask skin = skinMaskFromColor(small, face ? 1 : 0, face, kMaskRadii);
     if (params.repairSpots) SpotPaste(small, skin.mask.view(), face, image.width, image.height).apply(image);
 
@@ -143,11 +140,9 @@ bool CFaceBeauty::Run8kelxx(ImageView image, const FaceData* face, const FaceBea
     ShadowPlanes shadows = shadowPlanes(lightness, skin.mask.view(), kShadowRadius);
     liftShadows(image, shadows.shadow.view(), smallLift(skin.mean.brightness()));
     smoothAlongEdges(image, skin.mask.view());
-    StackBlurGray(shadows.highPass.data(), image.width, image.height,
-                  std::min(image.width, image.height) > 599 ? 12 : 8);
+    StackBlurGray(shadows.highPass.view(), std::min(image.width, image.height) > 599 ? 12 : 8);
     RevertDetail(image, shadows.highPass.view(), skin.mask.view(), kDetailAmount);
-    UnsharpMask(image.data, image.width, image.height, image.width * 4, kUnsharpPercent, kUnsharpRadius, 0,
-                0);
+    UnsharpMask(image, kUnsharpPercent, kUnsharpRadius, 0);
     if (params.alternateFinish) {
         skinColorCorrect(image, skin.mask.view(), skin.mean);
         mapPixels(image, kFinishTable.data());

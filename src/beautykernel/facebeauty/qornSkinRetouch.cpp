@@ -27,7 +27,7 @@ void retouchSkin(ImageView image, float strength, const ImageCoreFaceInfo* faceI
     constexpr float kNeutralTemperature = 0.5f;
     CInterFacePoint points;
     addLimitedFaces(points, faceInfo, image.width, image.height);
-    AutoLevels(image.data, image.width, image.height, image.width * 4, 0, nullptr, nullptr);
+    AutoLevels(image);
     brightenEyes(image, points);
 
     std::vector<Byte> work(image.data, image.data + sampleCount(image.width, image.height, 4));
@@ -40,7 +40,7 @@ void retouchSkin(ImageView image, float strength, const ImageCoreFaceInfo* faceI
     CFaceBeauty().Run(work.data(), image.width, image.height, nullptr, 0, 0, faceCount, &face, &params);
     combinePixels(image, image, {work.data(), image.width, image.height}, MixWeights(strength));
     mapPixels(image, brightnessCurve(kCurveHeight).data());
-    ColorTemperatureBlend(image.data, image.width, image.height, kNeutralTemperature, 0);
+    ColorTemperatureBlend(image, kNeutralTemperature, 0);
 }
 
 }  // namespace

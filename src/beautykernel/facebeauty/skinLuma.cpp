@@ -73,7 +73,7 @@ template <typename Op>
 }
 
 template <typename Op>
-void changeRowBaseline(Byte* luma, const Byte* blurred, const Byte* skin, int width, const Op& op) {
+void changeRowPlain(Byte* luma, const Byte* blurred, const Byte* skin, int width, const Op& op) {
     changeRow(luma, blurred, skin, width, op);
 }
 
@@ -86,8 +86,7 @@ ZEL_TARGET_AVX2 void changeRowAvx2(Byte* luma, const Byte* blurred, const Byte* 
 template <typename Op>
 void changeLuma(PlaneView<Byte> luma, PlaneView<const Byte> blurred, PlaneView<const Byte> skin,
                 const Op& op) {
-    const bool wide = platform::simdLevel() == platform::SimdLevel::avx2;
-    const auto row = wide ? changeRowAvx2<Op> : changeRowBaseline<Op>;
+    const auto row = platform::pick(platform::simdLevel(), changeRowPlain<Op>, changeRowAvx2<Op>);
     parallelRows(luma.height, [&](int begin, int end) {
         for (int y = begin; y < end; ++y) row(luma.row(y), blurred.row(y), skin.row(y), luma.width, op);
     });
@@ -112,17 +111,16 @@ void smoothSkinLuma(ImageView image, PlaneView<const Byte> skin, const LumaSmoot
     Plane<Byte> luma(width, height), blurred(width, height);
     readYuvLuma(image, luma.view());
     std::copy_n(luma.data(), luma.size(), blurred.data());
-    CStackBlur::StackBlurEx(blurred.data(), width, height, width, kSmoothRadius);
+    StackBlurGray(blurred.view(), kSmoothRadius);
     {
         const Plane<Byte> levelled = levelledMask(skin, smoothing.levels);
         changeLuma(luma.view(), blurred.view(), levelled.size() > 0 ? levelled.view() : skin,
                    Smooth(smoothing.strength));
     }
     if (smoothing.edgeFilter)
-        DomainTransformPlane(luma.data(), width, height, width, kEdgeSigmaSpace, kEdgeSigmaRange,
-                             kEdgeIterations, true);
+        DomainTransformPlane(luma.view(), kEdgeSigmaSpace, kEdgeSigmaRange, kEdgeIterations, true);
     std::copy_n(luma.data(), luma.size(), blurred.data());
-    StackBlurGray(blurred.data(), width, height, unsharpBlurRadius(kUnsharpRadius));
+    StackBlurGray(blurred.view(), unsharpBlurRadius(kUnsharpRadius));
     changeLuma(luma.view(), blurred.view(), skin, SharpenSkin());
     replaceYuvLuma(image, luma.view());
 }

@@ -2,11 +2,11 @@
 
 #include <cstdlib>
 #include <memory>
-#include <vector>
 
 #include "frame/zel_log.h"
 #include "zellab/imageproc/colour/colorCube.h"
 #include "zellab/imageproc/core/mixByAlpha.h"
+#include "zellab/imageproc/core/ownedImage.h"
 #include "zellab/utils/zelFileUtils.h"
 
 namespace zellab {
@@ -33,12 +33,12 @@ void applyPortraitLook(ImageView image, float strength) {
         return;
     }
     if (strength > kWholeFrom) {
-        ApplyColorCube(image.data, cube.get(), image.width, image.height);
+        ApplyColorCube(image, cube.get());
         return;
     }
-    const std::vector<Byte> before(image.data, image.data + sampleCount(image.width, image.height, 4));
-    ApplyColorCube(image.data, cube.get(), image.width, image.height);
-    MixByAlpha(image.data, before.data(), image.data, image.width, image.height, strength);
+    const RgbaImage before = copyOf(image);
+    ApplyColorCube(image, cube.get());
+    MixByAlpha(image, before.view(), image, strength);
 }
 
 }  // namespace
@@ -50,7 +50,7 @@ void applyStyleTone(ImageView image, const StyleTone& tone) {
         return;
     }
     const Texels cube = loadCube(tone.airy ? "style/base/tone4.bin" : "style/base/tone3_1.bin");
-    ApplyColorCube(image.data, cube.get(), image.width, image.height);  // nothing without a table
+    ApplyColorCube(image, cube.get());  // nothing without a table
 }
 
 }  // namespace zellab

@@ -48,13 +48,13 @@ Plane<Byte> DarkBlobs(PlaneView<const Byte> plane, BlobRadii radii) {
     const int w = plane.width, h = plane.height;
     Plane<Byte> near = copyOf(plane);
     stretchContrast(near.view());
-    CStackBlur::StackBlurEx(near.data(), w, h, w, radii.small);
+    StackBlurGray(near.view(), radii.small);
     Plane<Byte> far = copyOf(near.view());
-    CStackBlur::StackBlurEx(far.data(), w, h, w, radii.large);
+    StackBlurGray(far.view(), radii.large);
     Plane<Byte> blobs(w, h);
     std::transform(near.data(), near.data() + near.size(), far.data(), blobs.data(),
                    [](Byte n, Byte f) { return f - n > kLeastDepth ? Byte{255} : Byte{0}; });
-    BoxMorphology(blobs.data(), w, h, 1, true);
+    BoxMorphology(blobs.view(), 1, true);
     return blobs;
 }
 
@@ -71,7 +71,7 @@ Plane<Byte> findBlobs(PlaneView<const Byte> plane, PlaneView<const Byte> skinMas
                 blob = 255;
             }
         }
-    thinMaskRounds(blobs.data(), plane.width, plane.height, kCleaningRounds);
+    thinMaskRounds(blobs.view(), kCleaningRounds);
     return blobs;
 }
 

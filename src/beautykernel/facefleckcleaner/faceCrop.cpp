@@ -71,7 +71,7 @@ Plane<Byte> scaledBox(PlaneView<const Byte> plane, const FaceBox& box, int width
     const auto from = plane.crop(box.left, box.top, box.width, box.height);
     Plane<Byte> cut(box.width, box.height), scaled(width, height);
     for (int y = 0; y < box.height; ++y) std::copy_n(from.row(y), box.width, cut.view().row(y));
-    scalePlane(cut.data(), box.width, box.height, scaled.data(), width, height, filter);
+    scalePlane({cut.data(), box.width, box.height}, {scaled.data(), width, height}, filter);
     return scaled;
 }
 
@@ -91,7 +91,7 @@ std::optional<FaceCrop> cutFace(ConstImageView image, PlaneView<const Byte> skin
     for (int y = 0; y < box.height; ++y)
         std::memcpy(cutView.row(y), from.row(y), static_cast<std::size_t>(cutView.stride));
     crop.pixels.resize(sampleCount(width, height, 4));
-    scaleArgb(cut.data(), box.width, box.height, crop.pixels.data(), width, height, filter);
+    scaleArgb({cut.data(), box.width, box.height}, {crop.pixels.data(), width, height}, filter);
     crop.mask = scaledBox(skinMask, box, width, height, filter);
     clearBorder(crop.mask.view());
     for (std::size_t i = 0; i < crop.points.size(); ++i)

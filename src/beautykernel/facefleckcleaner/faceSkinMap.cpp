@@ -6,8 +6,8 @@
 #include "beautykernel/facefleckcleaner/faceCrop.h"
 #include "beautykernel/skinmaskstatisdetector/skinMaskManager.h"
 #include "beautykernel/skinmaskstatisdetector/skinMaskStatisDetector.h"
-#include "zellab/imageproc/core/parallelRows.h"
 #include "zellab/imageproc/colour/yCbCr.h"
+#include "zellab/imageproc/core/parallelRows.h"
 
 namespace zellab {
 
@@ -43,13 +43,13 @@ FaceSkinMap::FaceSkinMap(ImageView image, const SkinFaceRecord& face, bool onlyF
     m_map = makePlane(pixels);
     const LazyPlane luma = makePlane(pixels), blue = makePlane(pixels), red = makePlane(pixels);
     const PixelBox area = onlyFace ? areaOf(face, width, height) : PixelBox{{0, width}, {0, height}};
-    parallelRows(area.y.length(), [&](int begin, int end) {
-        for (int y = area.y.begin + begin; y < area.y.begin + end; ++y) {
-            const std::size_t first = sampleCount(width, y) + static_cast<std::size_t>(area.x.begin);
-            RGBAToYCbCrPlanes(image.at(area.x.begin, y), luma.get() + first, blue.get() + first,
-                              red.get() + first, area.x.length());
-        }
-    });
+    const auto inArea = [&](const auto& view) {
+        return view.crop(area.x.begin, area.y.begin, area.x.length(), area.y.length());
+    };
+    const auto planeOf = [&](const LazyPlane& plane) {
+        return inArea(PlaneView<Byte>(plane.get(), width, height));
+    };
+    RGBAToYCbCrPlanes(inArea(image), planeOf(luma), planeOf(blue), planeOf(red));
     SkinMaskStatisDetector::DetectWithin(area, luma.get(), blue.get(), red.get(), width, height, m_map.get(),
                                          face);
     SkinMaskManager::PaintParts(m_map.get(), width, height, face, kAllParts);

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 
+#include "zellab/geometry/vector2.h"
 #include "zellab/imageproc/core/ownedImage.h"
 #include "zellab/imageproc/shapes/polygonFill.h"
 
@@ -37,10 +38,6 @@ constexpr int kFirstBrow[] = {20, 21, 22, 23, 24, 25, 29, 28, 27, 26, 20};
 constexpr int kSecondBrow[] = {30, 31, 32, 33, 34, 35, 39, 38, 37, 36, 30};
 constexpr int kOutline[] = {80, 81,  82,  83,  84,  89,  90,  91,  92,  93, 94, 95, 96, 97, 98,
                             99, 100, 101, 102, 103, 104, 105, 106, 107, 88, 87, 86, 85, 80};
-
-Vector2f mix(Vector2f a, Vector2f b, float t) {
-    return {a.x + (b.x - a.x) * t, a.y + (b.y - a.y) * t};
-}
 
 /// @param widened  false keeps the inner points
 template <std::size_t N>
@@ -85,9 +82,7 @@ class FeaturePlane {
 public:
     explicit FeaturePlane(const FaceCrop& crop) : m_plane(crop.width, crop.height) {}
 
-    void fill(const Polygon& polygon, Byte value) {
-        FillPolygonMask(m_plane.data(), m_plane.width(), m_plane.height(), polygon, value);
-    }
+    void fill(const Polygon& polygon, Byte value) { FillPolygonMask(m_plane.view(), polygon, value); }
     void fillFeatures(const Points& p, bool widened, Byte value) {
         fill(polygonOf(p, kFirstEye, widened), value);
         fill(polygonOf(p, kSecondEye, widened), value);

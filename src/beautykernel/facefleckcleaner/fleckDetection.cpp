@@ -50,7 +50,7 @@ Plane<Byte> rednessPlane(ConstImageView crop) {
 Plane<Byte> blurred(const Plane<Byte>& plane, int radius) {
     Plane<Byte> copy(plane.width(), plane.height());
     std::copy_n(plane.data(), plane.size(), copy.data());
-    CStackBlur::StackBlurEx(copy.data(), copy.width(), copy.height(), copy.width(), radius);
+    StackBlurGray(copy.view(), radius);
     return copy;
 }
 
@@ -88,7 +88,7 @@ Plane<Byte> darkSpots(ConstImageView crop, PlaneView<const Byte> skinMask) {
     const int threshold = darkThreshold(histogram);
     std::transform(spots.data(), spots.data() + spots.size(), spots.data(),
                    [threshold](Byte v) { return v > threshold ? Byte{0} : Byte{255}; });
-    MaxFilterBrute(spots.data(), crop.width, crop.height, crop.width, kWidening);
+    MaxFilterBrute(spots.view(), kWidening);
     return spots;
 }
 

@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <cstring>
 
-#include "zellab/imageproc/core/pixelMath.h"
 #include "zellab/imageproc/blur/stackBlur.h"
+#include "zellab/imageproc/core/pixelMath.h"
 
 namespace zellab {
 
@@ -21,9 +21,7 @@ public:
         for (int y = 0; y < height; ++y)
             std::memcpy(row(y), from.row(y), static_cast<std::size_t>(width) * 4);
     }
-    void blur(int radius) {
-        CStackBlur::StackBlurEx(m_pixels.data(), m_width, m_height, m_width * 4, radius);
-    }
+    void blur(int radius) { StackBlurRGBA({m_pixels.data(), m_width, m_height}, radius); }
     Byte* row(int y) { return ImageView(m_pixels.data(), m_width, m_height).row(y); }
 
 private:

@@ -26,12 +26,12 @@ Byte opened(const Byte (&curve)[N], int value) {
 
 Plane<Byte> blurredCopy(PlaneView<const Byte> plane, int radius) {
     Plane<Byte> copy = copyOf(plane);
-    StackBlurGray(copy.data(), plane.width, plane.height, radius);
+    StackBlurGray(copy.view(), radius);
     return copy;
 }
 
 void gaussian(Plane<Byte>& plane, float sigma) {
-    RecursiveGaussianBlur(plane.data(), plane.width(), plane.height(), plane.width(), sigma, sigma, 0);
+    RecursiveGaussianBlur(plane.view(), sigma, sigma);
 }
 
 /// Maximum less minimum of each pixel and its neighbours to the left, above and above left: the window lies
@@ -66,14 +66,14 @@ Plane<Byte> detailWeight(PlaneView<const Byte> grey, PlaneView<const Byte> skinM
                          int bias) {
     const int width = grey.width, height = grey.height, side = std::min(width, height);
     Plane<Byte> detail = localRange(grey);
-    StackBlurGray(detail.data(), width, height, std::min(side / 80, 12));
+    StackBlurGray(detail.view(), std::min(side / 80, 12));
     const Plane<Byte> coarse = blurredCopy(grey, 12), fine = blurredCopy(grey, 5);
     for (std::size_t i = 0; i < detail.size(); ++i) {
         const int range = opened(kRangeCurve, detail.data()[i]);
         const int band = opened(kBandCurve, std::max(coarse.data()[i] - fine.data()[i], 0));
         detail.data()[i] = static_cast<Byte>((band >= 128 ? range + 180 : range) >> 1);
     }
-    StackBlurGray(detail.data(), width, height, side < kLargeSide ? 6 : 10);
+    StackBlurGray(detail.view(), side < kLargeSide ? 6 : 10);
     for (std::size_t i = 0; i < detail.size(); ++i) {
         int value = kDetailCurve[detail.data()[i]];
         if (value < 200) value = (value - skinMask.data[i] + 255) >> 1;

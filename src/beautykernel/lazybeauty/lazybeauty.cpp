@@ -81,15 +81,15 @@ SmoothPlanes smoothPlanes(ConstImageView work, PlaneView<const Byte> mask, const
         [&] { planes.weight = detailWeight(grey.view(), mask, face, path.detailBias); },
         [&] {
             planes.blurred.assign(work.data, work.data + sampleCount(w, h, 4));
-            RecursiveGaussianBlur(planes.blurred.data(), w, h, w * 4, kSmoothSigma, kSmoothSigma, 0);
+            RecursiveGaussianBlur(ImageView(planes.blurred.data(), w, h), kSmoothSigma, kSmoothSigma);
         },
         [&] {
             planes.edges = equalisedEdges(grey.view());
-            RecursiveGaussianBlur(planes.edges.data(), w, h, w, path.edgeSigma, path.edgeSigma, 0);
+            RecursiveGaussianBlur(planes.edges.view(), path.edgeSigma, path.edgeSigma);
         },
         [&] {
             planes.highPass = std::move(highPass);
-            StackBlurGray(planes.highPass.data(), w, h, kOverlayRadius);
+            StackBlurGray(planes.highPass.view(), kOverlayRadius);
         }};
     // The planes are small: workers gain more from a step each than from a share of every loop.
     runTasks(static_cast<int>(std::size(steps)), ProcessorCount(), [&](int i) {
@@ -114,16 +114,14 @@ struct SmallCopy {
     ImageView view;
     SmallCopy(ConstImageView image, const WorkSize& size)
         : pixels(sampleCount(size.width, size.height, 4)), view(pixels.data(), size.width, size.height) {
-        ScaleBilinearThreaded(image.data, image.width, image.height, pixels.data(), size.width, size.height,
-                              4);
+        ScaleBilinearThreaded(image, ImageView(pixels.data(), size.width, size.height));
     }
 };
 
 /// Pastes the spots and lifts the shadows: one walk through the full picture, row by row.
 void pasteAndLift(ImageView image, const SpotPaste* spots, Plane<Byte>& shadow,
                   const std::vector<Byte>& lift) {
-    const BilinearRows weights({shadow.width(), shadow.height(), image.width, image.height}, shadow.data(),
-                               1);
+    const BilinearRows weights(shadow.view(), image.width, image.height);
     parallelRows(image.height, [&](int begin, int end) {
         SpotPaste::Scratch scratch;
         std::vector<Byte> weight(sampleCount(image.width, 1));
@@ -186,7 +184,7 @@ bool CLazyBeauty::run(unsigned char* image, int width, int height, bool autoLeve
     }
     const ImageView picture(image, width, height);
     if (!picture.valid()) return false;
-    if (autoLevels) AutoLevels(image, width, height, width * 4, 0, nullptr, nullptr);
+    if (autoLevels) AutoLevels(picture);
     const FaceData* face = faces && faceCount > 0 ? faces : nullptr;
     const Levels levels{smoothLevel, overlayLevel};
     const bool direct = width <= kDirectWidth && height <= kDirectHeight;
@@ -195,8 +193,7 @@ bool CLazyBeauty::run(unsigned char* image, int width, int height, bool autoLeve
     } else {
         runScaled(picture, repairSpots, levels, face, m_overlay);
     }
-    UnsharpMask(image, width, height, width * 4, (direct ? kDirect : kScaled).unsharpPercent, kUnsharpRadius,
-                0, 0);
+    UnsharpMask(picture, (direct ? kDirect : kScaled).unsharpPercent, kUnsharpRadius, 0);
     return true;
 }
 

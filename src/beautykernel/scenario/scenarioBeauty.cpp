@@ -4,11 +4,11 @@
 #include "beautykernel/scenario/defog.h"
 #include "beautykernel/scenario/personBeauty.h"
 #include "zel_effects/zel_effects.h"
-#include "zellab/zelfilteronline/zellabSharp.h"
 #include "zellab/imageproc/colour/colorCube.h"
 #include "zellab/imageproc/core/imageView.h"
 #include "zellab/imageproc/core/mixByAlpha.h"
 #include "zellab/imageproc/sharpen/unsharpMask.h"
+#include "zellab/zelfilteronline/zellabSharp.h"
 
 namespace ZelImageCore {
 
@@ -20,14 +20,14 @@ constexpr float kFullStrength = 0x1.ffffdep-1f;
 
 void sharpen(unsigned char* image, int width, int height) {
     constexpr float kFine = 0.6f, kStructure = 0.6f;
-    zelfilteronline::CZellabSharp().Run(image, width, height, kFine, kStructure, true);
+    zelfilteronline::CZellabSharp().Run({image, width, height}, kFine, kStructure, true);
 }
 
 void unsharp(unsigned char* image, int width, int height) {
     constexpr int kPercent = 100;
     constexpr float kRadius = 2.0f;
     constexpr unsigned char kThreshold = 7;
-    zellab::UnsharpMask(image, width, height, width * 4, kPercent, kRadius, kThreshold, 1);
+    zellab::UnsharpMask(zellab::ImageView(image, width, height), kPercent, kRadius, kThreshold);
 }
 
 }  // namespace
@@ -39,7 +39,8 @@ bool CScenarioBeauty::Run(unsigned char* image, int width, int height, eScenario
                           unsigned char* lookup, ImageCoreFaceInfo* faceInfo) {
     alpha = alpha > 1.0f ? 1.0f : alpha > 0.0f ? alpha : 0.0f;  // NaN becomes 0
     if (alpha == 0.0f && type != eScenario2) return false;
-    if (!image || width < 1 || height < 1) return false;
+    const zellab::ImageView picture(image, width, height);
+    if (!picture.valid()) return false;
 
     std::unique_ptr<unsigned char[]> blendSource;
     if (alpha < kFullStrength) {
@@ -53,17 +54,17 @@ bool CScenarioBeauty::Run(unsigned char* image, int width, int height, eScenario
         case eScenario1:
         case eScenario3:
         case eScenario4:
-            zellab::ApplyColorCube(image, lookup, width, height);
+            zellab::ApplyColorCube(picture, lookup);
             sharpen(image, width, height);
             break;
         case eScenario2:
             // At full strength there is no blend source, and without one the filter does nothing.
             PersonBeautyFilter(image, width, height, faceInfo, blendSource.get());
-            zellab::ApplyColorCube(image, lookup, width, height);
+            zellab::ApplyColorCube(picture, lookup);
             break;
         case eScenario5:
         case eScenario7:
-            zellab::ApplyColorCube(image, lookup, width, height);
+            zellab::ApplyColorCube(picture, lookup);
             unsharp(image, width, height);
             break;
         case eScenario6:
@@ -72,7 +73,7 @@ bool CScenarioBeauty::Run(unsigned char* image, int width, int height, eScenario
         default:
             break;
     }
-    if (blendSource) zellab::MixByAlpha(image, blendSource.get(), image, width, height, alpha);
+    if (blendSource) zellab::MixByAlpha(picture, {blendSource.get(), width, height}, picture, alpha);
     return true;
 }
 

@@ -20,7 +20,7 @@ void mixPlain(Byte* pixels, const Byte* toned, const Byte* blurredGreen, int cou
 void mixAvx2(Byte* pixels, const Byte* toned, const Byte* blurredGreen, int count);
 
 inline NatureMix natureMix(platform::SimdLevel level) {
-    return level >= platform::SimdLevel::avx2 ? mixAvx2 : mixPlain;
+    return platform::pick(level, mixPlain, mixAvx2);
 }
 
 }  // namespace zellab

@@ -4,11 +4,11 @@
 
 #include "beautykernel/skinmaskstatisdetector/skinMaskStatisDetector.h"
 #include "beautykernel/skintools/featureMaskPainter.h"
-#include "zellab/imageproc/resample/imageResampler.h"
-#include "zellab/imageproc/core/imageView.h"
-#include "zellab/imageproc/core/ownedImage.h"
 #include "zellab/imageproc/blur/stackBlur.h"
 #include "zellab/imageproc/colour/yCbCr.h"
+#include "zellab/imageproc/core/imageView.h"
+#include "zellab/imageproc/core/ownedImage.h"
+#include "zellab/imageproc/resample/imageResampler.h"
 
 namespace zelbeauty {
 
@@ -34,18 +34,19 @@ Size blurSize(int width, int height) {
 
 /// Blurs a map, through a copy of at most 800 pixels where the map is larger.
 void blurMap(unsigned char* map, int width, int height) {
+    const zellab::PlaneView<unsigned char> whole(map, width, height);
     const Size work = blurSize(width, height);
     const int radius = std::max(std::min(work.width, work.height) / kBlurShare, 1);
     if (width - work.width < kSameSize && height - work.height < kSameSize) {
-        zellab::StackBlurGray(map, width, height, radius);
+        zellab::StackBlurGray(whole, radius);
         return;
     }
     // A very long picture has a copy of no height: it keeps one row.
     zellab::Plane<unsigned char> small(std::max(work.width, 1), std::max(work.height, 1));
-    zellab::ImageResampler resampler;
-    resampler.Resize(map, width, height, small.data(), small.width(), small.height(), 1, kShrinkQuality);
-    zellab::StackBlurGray(small.data(), small.width(), small.height(), radius);
-    resampler.Resize(small.data(), small.width(), small.height(), map, width, height, 1, kEnlargeQuality);
+    const zellab::ImageResampler resampler;
+    resampler.Resize(whole, small.view(), kShrinkQuality);
+    zellab::StackBlurGray(small.view(), radius);
+    resampler.Resize(small.view(), whole, kEnlargeQuality);
 }
 
 }  // namespace

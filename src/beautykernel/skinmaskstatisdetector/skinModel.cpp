@@ -64,7 +64,7 @@ std::vector<unsigned char> chromaMap(int cb, int cr, bool altTable) {
                 table[static_cast<std::size_t>(row - firstCr)][static_cast<std::size_t>(column - firstCb)];
     for (int row = limit(cr - 24); row <= limit(cr + 24); ++row)
         for (int column = limit(cb - 15); column <= limit(cb + 24); ++column) box[index(row, column)] = 255;
-    zellab::StackBlurGray(box.data(), kSide, kSide, kBoxBlurRadius);
+    zellab::StackBlurGray({box.data(), kSide, kSide}, kBoxBlurRadius);
     for (std::size_t i = 0; i < map.size(); ++i)
         map[i] = static_cast<unsigned char>((kSkinBoxCurve[box[i]] * map[i]) >> 8);
     return map;

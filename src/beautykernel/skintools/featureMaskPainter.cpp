@@ -26,7 +26,7 @@ bool CFeatureMaskPainter::Paint(unsigned char* mask, int width, int height, cons
                                 int value) {
     if (!mask || !points || flags == 0) return false;
     const auto fill = [&](const std::vector<Vector2f>& region) {
-        FillPolygonMask(mask, width, height, convexHull(region), static_cast<unsigned char>(value));
+        FillPolygonMask({mask, width, height}, convexHull(region), static_cast<unsigned char>(value));
     };
     if (flags & kBrows) {
         fill(pointRun(points, 20, 29));

@@ -26,7 +26,7 @@ ShadowPlanes shadowPlanes(const Plane<Byte>& lightness, PlaneView<const Byte> sk
     ShadowPlanes planes{Plane<Byte>(width, height), Plane<Byte>(width, height)};
     Byte* highPass = planes.highPass.data();
     std::copy_n(lightness.data(), lightness.size(), highPass);
-    StackBlurGray(highPass, width, height, radius);
+    StackBlurGray(planes.highPass.view(), radius);
     for (std::size_t i = 0; i < lightness.size(); ++i) {
         highPass[i] = clampToByte(lightness.data()[i] - highPass[i] + 128);
         planes.shadow.data()[i] = static_cast<Byte>(kShadowWeight[highPass[i]] * skinMask.data[i] / 255);

@@ -89,10 +89,7 @@ SkinColourMask skinMaskFromColor(ConstImageView image, int faceCount, const Face
         }
     });
     const int side = std::min(image.width, image.height);
-    StackBlurGray(result.mask.data(), image.width, image.height,
-                  side < 200   ? radii.small
-                  : side < 500 ? radii.middle
-                               : radii.large);
+    StackBlurGray(result.mask.view(), side < 200 ? radii.small : side < 500 ? radii.middle : radii.large);
     return result;
 }
 

@@ -3,8 +3,8 @@
 #include <algorithm>
 
 #include "beautykernel/skintools/spotRepair.h"
-#include "zellab/imageproc/core/parallelRows.h"
 #include "zellab/imageproc/blur/stackBlur.h"
+#include "zellab/imageproc/core/parallelRows.h"
 
 namespace zellab {
 
@@ -30,7 +30,7 @@ void repairSpots(ImageView image, PlaneView<const Byte> mask, const FaceData* fa
 SpotPaste::SpotPaste(ImageView small, PlaneView<const Byte> mask, const FaceData* face, int width, int height)
     : m_width(width), m_spots(small.width, small.height) {
     repairSpots(small, mask, face, m_spots.data());
-    StackBlurGray(m_spots.data(), small.width, small.height, kSpotBlurRadius);
+    StackBlurGray(m_spots.view(), kSpotBlurRadius);
 
     bool any = false;
     for (int y = 0; y < small.height; ++y) {
@@ -39,9 +39,8 @@ SpotPaste::SpotPaste(ImageView small, PlaneView<const Byte> mask, const FaceData
         any = any || m_rowHasSpots.back();
     }
     if (!any) return;
-    const BilinearSizes sizes{small.width, small.height, width, height};
-    m_where.emplace(sizes, m_spots.data(), 1);
-    m_repaired.emplace(sizes, small.data, 4);
+    m_where.emplace(m_spots.view(), width, height);
+    m_repaired.emplace(small, width, height);
 }
 
 void SpotPaste::row(int y, Byte* pixels, Scratch& scratch) const {

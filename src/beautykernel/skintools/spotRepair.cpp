@@ -7,9 +7,9 @@
 
 #include "beautykernel/skintools/spotPatch.h"
 #include "beautykernel/skintools/spotTables.h"
+#include "zellab/imageproc/blur/stackBlur.h"
 #include "zellab/imageproc/core/imageView.h"
 #include "zellab/imageproc/core/ownedImage.h"
-#include "zellab/imageproc/blur/stackBlur.h"
 
 namespace zellab {
 
@@ -139,7 +139,7 @@ Plane<Byte> forbiddenCells(PlaneView<const Byte> grey, const Byte* skinMask, con
         e = e >= threshold || skinMask[i] <= kSkinAbove ? 255 : 0;
     }
     eraseSpecks(edges.view());
-    StackBlurGray(edges.data(), edges.width(), edges.height(), kEdgeBlurRadius);
+    StackBlurGray(edges.view(), kEdgeBlurRadius);
     for (std::size_t i = 0; i < edges.size(); ++i)
         edges.data()[i] = edges.data()[i] < kEdgeBlurLimit ? 0 : 255;
     return edges;

@@ -4,10 +4,10 @@
 #include <cstdint>
 
 #include "zel_effects/zel_effects.h"
+#include "zellab/imageproc/blur/stackBlur.h"
 #include "zellab/imageproc/core/floatToInt.h"
 #include "zellab/imageproc/core/imageView.h"
 #include "zellab/imageproc/core/parallelRows.h"
-#include "zellab/imageproc/blur/stackBlur.h"
 
 namespace zellab {
 
@@ -70,7 +70,7 @@ void TableBase::ImageProcessWithAlphaMix(unsigned char* image, int width, int he
                            truncateToInt(params[3])};
     if (region.width < 1 || region.height < 1) return;
     const auto strength = static_cast<float>(static_cast<double>(params[5]) / 255.0);
-    MaskStackBlur(mask, region.width, region.height, std::max(truncateToInt(params[4]), 0));
+    MaskStackBlur({mask, region.width, region.height}, std::max(truncateToInt(params[4]), 0));
     // A region that overhangs the picture is mixed where both are; nothing outside either is touched.
     mixRegion(target, from, {mask, region.width, region.height}, region, strength);
 }

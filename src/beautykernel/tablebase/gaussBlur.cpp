@@ -5,7 +5,7 @@
 namespace ZelImageCore {
 
 void TableBase::ImageProcessWithGaussBlur(unsigned char* image, int width, int height, int radius) {
-    zellab::StackBlurRGBA(image, width, height, radius);
+    zellab::StackBlurRGBA({image, width, height}, radius);
 }
 
 }  // namespace ZelImageCore

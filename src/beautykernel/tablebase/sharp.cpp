@@ -15,8 +15,7 @@ void TableBase::ImageProcessWithSharp(unsigned char* image, int width, int heigh
     if (!blurred || !*blurred) return;
     const float gain = amount > 0.0f ? amount * kPositiveGain : amount;
     if (!std::isfinite(gain)) return;
-    const zellab::UnsharpMaskKernel kernel(width, height, std::ptrdiff_t{4} * width, kSigma, gain);
-    kernel.Run(image, *blurred);
+    zellab::UnsharpMaskKernel(kSigma, gain).Run({image, width, height}, {*blurred, width, height});
 }
 
 }  // namespace ZelImageCore

@@ -23,10 +23,10 @@ void ZelImageCore::TableSkin::ImageProcessWithQornSkinWhitening(unsigned char* i
     } else {
         CInterFacePoint points;
         addLimitedFaces(points, faceInfo, width, height);
-        AutoLevels(image, width, height, width * 4, 0, nullptr, nullptr);
+        AutoLevels(picture);
         brightenEyes(picture, points);
     }
     mapPixels(picture, brightnessCurve(brightnessHeight(level)).data());
-    ColorTemperatureBlend(image, width, height, temperature, 0);
+    ColorTemperatureBlend(picture, temperature, 0);
     if (mask) mixByMask(picture, {before.data(), width, height}, {mask, width, height});
 }

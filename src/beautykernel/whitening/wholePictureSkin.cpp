@@ -42,8 +42,7 @@ void smoothAndBrighten(ImageView image, int radius, const MixWeights& weights, c
     const Plane<Byte> mask = reddishPixels(image);
     const std::vector<Byte> pixels(image.data, image.data + sampleCount(image.width, image.height, 4));
     const ConstImageView before(pixels.data(), image.width, image.height);
-    SurfaceBlurFilter().Run(image.data, image.width, image.height, image.width * 4, radius, kSurfaceThreshold,
-                            mask.data());
+    SurfaceBlurFilter().Run(image, radius, kSurfaceThreshold, mask.view());
     parallelRows(image.height, [&](int begin, int end) {
         for (int y = begin; y < end; ++y) {
             Byte* p = image.row(y);
@@ -78,9 +77,9 @@ void TableSkin::ImageProcessWithSkin(unsigned char* image, int width, int height
     if (radius > 0)
         smoothAndBrighten(picture, radius, MixWeights(mix), brightnessCurve(brightnessHeight(level)));
     if (tone < 0.0f)
-        ToneTableBlend(image, width, height, -tone);
+        ToneTableBlend(picture, -tone);
     else
-        ToneTableBlendWarm(image, width, height, tone);
+        ToneTableBlendWarm(picture, tone);
 }
 
 void TableSkin::ImageProcessWithSkinColor(unsigned char* image, int width, int height, float strength,
@@ -97,8 +96,8 @@ void TableSkin::ImageProcessWithSkinColor(unsigned char* image, int width, int h
     std::vector<Byte> cube(neutralTable, neutralTable + sampleCount(kCubeSide, kCubeSide, 4));
     mapPixels({cube.data(), kCubeSide, kCubeSide},
               brightnessCurve(truncateToInt(level * kStep + kBase)).data());
-    ColorTemperatureBlend(cube.data(), kCubeSide, kCubeSide, strength, 0);
-    ApplyColorCube(image, cube.data(), width, height);
+    ColorTemperatureBlend({cube.data(), kCubeSide, kCubeSide}, strength, 0);
+    ApplyColorCube(picture, cube.data());
 }
 
 }  // namespace ZelImageCore

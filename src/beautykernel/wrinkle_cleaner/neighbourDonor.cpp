@@ -43,8 +43,7 @@ void exchange(int blockSize, ConstImageView crop, PlaneView<const Byte> mask, Gr
     const BlockGrid grid(crop.width, crop.height, blockSize);
     Plane<Byte> roughness = greenPlane(crop);
     Plane<Byte> edges(crop.width, crop.height);
-    EdgeDetectCanny(roughness.data(), edges.data(), crop.width, crop.height, crop.width, 0, kEdgeLow,
-                    kEdgeHigh, false);
+    EdgeDetectCanny(roughness.view(), edges.view(), kEdgeLow, kEdgeHigh, false);
     makeRoughness(roughness.view());
     for (int y = 0; y < crop.height; ++y)
         for (int x = 0; x < crop.width; ++x) {

@@ -38,7 +38,7 @@ bool WrinkleRegionCleaner::Prepare(const unsigned char* mask, int width, int hei
     const int workWidth = static_cast<int>(static_cast<float>(width) * scale);
     const int workHeight = static_cast<int>(static_cast<float>(height) * scale);
     Plane<Byte> work(workWidth, workHeight);
-    if (!scalePlane(mask, width, height, work.data(), workWidth, workHeight, YuvFilter::linear)) return false;
+    if (!scalePlane({mask, width, height}, work.view(), YuvFilter::linear)) return false;
     const PixelBox box = markedBox(work.view(), 0);
     if (box.x.length() < 2 || box.y.length() < 2) return false;
     m_region = box;

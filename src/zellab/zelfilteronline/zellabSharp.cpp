@@ -154,14 +154,14 @@ template <int kFrom, int kFull>
     for (int x = 0; x < width; ++x, pixels += 4) out[x] = zellab::lumaOf(pixels);
 }
 
-void sharpenRowBaseline(Byte* pixels, int width, const Rows& luma, const Rows& broad, const Gains& gains) {
+void sharpenRowPlain(Byte* pixels, int width, const Rows& luma, const Rows& broad, const Gains& gains) {
     sharpenRow(pixels, width, luma, broad, gains);
 }
 ZEL_TARGET_AVX2 void sharpenRowAvx2(Byte* pixels, int width, const Rows& luma, const Rows& broad,
                                     const Gains& gains) {
     sharpenRow(pixels, width, luma, broad, gains);
 }
-void lumaRowBaseline(const Byte* pixels, int width, Byte* out) {
+void lumaRowPlain(const Byte* pixels, int width, Byte* out) {
     lumaRow(pixels, width, out);
 }
 ZEL_TARGET_AVX2 void lumaRowAvx2(const Byte* pixels, int width, Byte* out) {
@@ -170,16 +170,17 @@ ZEL_TARGET_AVX2 void lumaRowAvx2(const Byte* pixels, int width, Byte* out) {
 
 }  // namespace
 
-void CZellabSharp::Run(unsigned char* image, int width, int height, float fine, float structure,
-                       bool protectFlat) {
-    const zellab::ImageView picture(image, width, height);
-    if (!picture.valid()) return;
-    const bool wide = zellab::platform::simdLevel() == zellab::platform::SimdLevel::avx2;
+void CZellabSharp::Run(zellab::ImageView image, float fine, float structure, bool protectFlat) {
+    if (!image.valid()) return;
+    const int width = image.width, height = image.height;
+    const zellab::platform::SimdLevel level = zellab::platform::simdLevel();
+    const auto lumaOfRow = zellab::platform::pick(level, lumaRowPlain, lumaRowAvx2);
+    const auto sharpen = zellab::platform::pick(level, sharpenRowPlain, sharpenRowAvx2);
 
     PaddedPlane luma(width, height), broad(width, height);
     zellab::parallelRows(height, [&](int begin, int end) {
         for (int y = begin; y < end; ++y) {
-            (wide ? lumaRowAvx2 : lumaRowBaseline)(picture.row(y), width, luma.row(y));
+            lumaOfRow(image.row(y), width, luma.row(y));
             luma.pad(y);
         }
     });
@@ -192,9 +193,7 @@ void CZellabSharp::Run(unsigned char* image, int width, int height, float fine, 
 
     const Gains gains{gainOf(fine, kFineGain), gainOf(structure, kStructureGain), protectFlat};
     zellab::parallelRows(height, [&](int begin, int end) {
-        for (int y = begin; y < end; ++y)
-            (wide ? sharpenRowAvx2 : sharpenRowBaseline)(picture.row(y), width, Rows(luma, y), Rows(broad, y),
-                                                         gains);
+        for (int y = begin; y < end; ++y) sharpen(image.row(y), width, Rows(luma, y), Rows(broad, y), gains);
     });
 }
 

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "zellab/imageproc/core/imageView.h"
+
 namespace zelfilteronline {
 
 /// Edge-aware sharpener: makes lashes, hair, cloth and outlines crisper without rims of light, and leaves
@@ -18,9 +20,8 @@ public:
     /// @param fine       0..1, gain of the finest detail (lashes, single hairs); limited, NaN acts as 0
     /// @param structure  0..1, gain of detail of a few pixels (brows, folds, cloth); limited, NaN acts as 0
     /// @param protectFlat  true leaves flat areas alone up to usual sensor noise; false sharpens them as well
-    /// Nothing happens for a null picture or a side below 1. The bytes do not depend on the number of
-    /// workers.
-    void Run(unsigned char* image, int width, int height, float fine, float structure, bool protectFlat);
+    /// The bytes do not depend on the number of workers.
+    void Run(zellab::ImageView image, float fine, float structure, bool protectFlat);
 };
 
 }  // namespace zelfilteronline

@@ -2,13 +2,13 @@
 
 #include <cmath>
 
-#include "zel_effects/zel_effects.h"
 #include "reference/slowSkin.h"
 #include "support/guardedBytes.h"
 #include "support/skinPicture.h"
 #include "support/standardFace.h"
 #include "support/streamCapture.h"
 #include "support/workingFolder.h"
+#include "zel_effects/zel_effects.h"
 #include "zellab/imageproc/tone/levels.h"
 #include "zellab/imageproc/tone/toneBlend.h"
 
@@ -119,7 +119,7 @@ TEST(QornWhiteningMatchesSlow, FromThePictureAndFromAPreparedOne) {
         for (const float temperature : {0.5f, 0.8f, -1.0f}) {
             const auto finished = [&](const Bytes& start) {
                 Bytes rgba = curved(start, static_cast<int>(level) * 5 + 137);
-                zellab::ColorTemperatureBlend(rgba.data(), size.width, size.height, temperature, 0);
+                zellab::ColorTemperatureBlend({rgba.data(), size.width, size.height}, temperature, 0);
                 return rgba;
             };
             Bytes levelled = picture;
@@ -142,7 +142,7 @@ TEST(SkinMatchesSlow, AndWithoutARadiusOnlyTheToneRuns) {
         Bytes expected = picture;
         slow::skin(expected, size.width, size.height, radius, mix, level, [&, strength = tone](Bytes& rgba) {
             const auto step = strength < 0 ? zellab::ToneTableBlend : zellab::ToneTableBlendWarm;
-            step(rgba.data(), size.width, size.height, std::fabs(strength));
+            step({rgba.data(), size.width, size.height}, std::fabs(strength));
         });
         EXPECT_TRUE(zeltest::sameSamples(expected, skinned(picture, size, {radius, mix, level, tone}), 244));
     }
@@ -166,7 +166,7 @@ TEST(SkinColor, TintsThroughTheTableAndRefusesShortOnes) {
     };
     for (const float level : {0.0f, 2.6f}) {
         Bytes table = curved(neutral, static_cast<int>(level * 4 + 137)), expected = picture;
-        zellab::ColorTemperatureBlend(table.data(), 64, 64, 0.7f, 0);
+        zellab::ColorTemperatureBlend({table.data(), 64, 64}, 0.7f, 0);
         slow::colorCube(expected, table, 16);
         EXPECT_EQ(tinted(0.7f, level, 64, 64), expected);
     }

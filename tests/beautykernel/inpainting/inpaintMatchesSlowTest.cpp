@@ -164,7 +164,7 @@ struct SlowExchange {
     void findRoughness(int low, int high) {
         Bytes green(mask.size()), found(mask.size());
         for (std::size_t i = 0; i < green.size(); ++i) green[i] = rgba[4 * i + 1];
-        EdgeDetectCanny(green.data(), found.data(), w, h, w, 0, low, high, false);
+        EdgeDetectCanny({green.data(), w, h}, {found.data(), w, h}, low, high, false);
         edges.assign(found.begin(), found.end());
         for (int y = 0; y < h; ++y)
             for (int x = 0; x < w; ++x) {

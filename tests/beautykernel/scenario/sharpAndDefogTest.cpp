@@ -6,8 +6,8 @@
 #include "beautykernel/scenario/defog.h"
 #include "frame/processorCount.h"
 #include "platform/simdLevel.h"
-#include "zellab/zelfilteronline/zellabSharp.h"
 #include "support/randomImage.h"
+#include "zellab/zelfilteronline/zellabSharp.h"
 
 namespace {
 
@@ -15,7 +15,7 @@ using zeltest::Bytes;
 
 void sharpen(Bytes& pixels, int width, int height, float fine = 0.6f, float structure = 0.6f,
              bool protectFlat = true) {
-    zelfilteronline::CZellabSharp().Run(pixels.data(), width, height, fine, structure, protectFlat);
+    zelfilteronline::CZellabSharp().Run({pixels.data(), width, height}, fine, structure, protectFlat);
 }
 
 /// Grey picture of a brightness that depends on the position.
@@ -93,7 +93,7 @@ TEST(Sharpener, NothingAndBadAmountsLeaveThePictureAndTheMachineDoesNotMatter) {
         Bytes small = zeltest::randomRgba(w, h, 1);
         sharpen(small, w, h);
     }
-    zelfilteronline::CZellabSharp().Run(nullptr, 5, 5, 1, 1, true);
+    zelfilteronline::CZellabSharp().Run({nullptr, 5, 5}, 1, 1, true);
 }
 
 /// The stretch of one channel, pixel by pixel from the sorted values.

@@ -4,8 +4,8 @@
 
 #include "beautykernel/skinmaskstatisdetector/skinMaskManager.h"
 #include "beautykernel/skinmaskstatisdetector/skinMaskStatisDetector.h"
-#include "zel_effects/interFacePoint.h"
 #include "portrait/portrait.h"
+#include "zel_effects/interFacePoint.h"
 #include "zellab/imageproc/colour/yCbCr.h"
 
 namespace {
@@ -43,8 +43,9 @@ void addPortrait(zel::SkinTone tone, unsigned seed, std::array<Tally, 2>& tallie
     zel::Portrait portrait = zel::drawPortrait(params);
     const std::size_t count = portrait.skin.samples.size();
     std::vector<unsigned char> y(count), cb(count), cr(count);
-    zellab::RGBAToYCbCrPlanes(portrait.image.rgba.data(), y.data(), cb.data(), cr.data(),
-                              static_cast<int>(count));
+    const int width = params.width, height = params.height;
+    zellab::RGBAToYCbCrPlanes({portrait.image.rgba.data(), width, height}, {y.data(), width, height},
+                              {cb.data(), width, height}, {cr.data(), width, height});
     const SkinFaceRecord face = recordOf(portrait, params.width, params.height);
     int meanY = 0, meanCb = 0, meanCr = 0, low = 0, high = 0;
     zelbeauty::SkinMaskStatisDetector::GetFaceColorYuv(y.data(), cb.data(), cr.data(), params.width,

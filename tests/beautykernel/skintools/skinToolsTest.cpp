@@ -137,8 +137,8 @@ TEST(PolygonFill, MatchesTheCrossingCountAtEveryPixel) {
         const std::vector<Vector2f> hull = convexHull(points);
         Bytes filled(kWidth * kHeight, 3), kept = zeltest::randomPlane(kWidth, kHeight, 1);
         const Bytes original = kept;
-        ASSERT_TRUE(FillPolygonMask(filled.data(), kWidth, kHeight, hull, 200));
-        ASSERT_TRUE(FillPolygonMaskKeep(kept.data(), kWidth, kHeight, hull, 9));
+        ASSERT_TRUE(FillPolygonMask({filled.data(), kWidth, kHeight}, hull, 200));
+        ASSERT_TRUE(FillPolygonMaskKeep({kept.data(), kWidth, kHeight}, hull, 9));
         for (int y = 0; y < kHeight; ++y)
             for (int x = 0; x < kWidth; ++x) {
                 int crossings = 0;
@@ -159,13 +159,13 @@ TEST(PolygonFill, MatchesTheCrossingCountAtEveryPixel) {
 TEST(PolygonFill, HostilePolygonsAreContained) {
     Bytes plane(20 * 10, 1);
     const Bytes before = plane;
-    EXPECT_FALSE(FillPolygonMask(plane.data(), 20, 10, {}, 5));
-    EXPECT_FALSE(FillPolygonMask(nullptr, 20, 10, {{1, 1}}, 5));
-    EXPECT_TRUE(FillPolygonMask(plane.data(), 20, 10, {{4, 4}}, 5)) << "one point encloses nothing";
-    EXPECT_TRUE(FillPolygonMask(plane.data(), 20, 10, {{NAN, 1}, {5, 5}, {9, 1}}, 5));
-    EXPECT_TRUE(FillPolygonMask(plane.data(), 20, 10, {{INFINITY, 1}, {5, 5}, {9, 1}}, 5));
+    EXPECT_FALSE(FillPolygonMask({plane.data(), 20, 10}, {}, 5));
+    EXPECT_FALSE(FillPolygonMask({nullptr, 20, 10}, {{1, 1}}, 5));
+    EXPECT_TRUE(FillPolygonMask({plane.data(), 20, 10}, {{4, 4}}, 5)) << "one point encloses nothing";
+    EXPECT_TRUE(FillPolygonMask({plane.data(), 20, 10}, {{NAN, 1}, {5, 5}, {9, 1}}, 5));
+    EXPECT_TRUE(FillPolygonMask({plane.data(), 20, 10}, {{INFINITY, 1}, {5, 5}, {9, 1}}, 5));
     EXPECT_EQ(plane, before);
-    EXPECT_TRUE(FillPolygonMask(plane.data(), 20, 10,
+    EXPECT_TRUE(FillPolygonMask({plane.data(), 20, 10},
                                 {{-1e9f, -1e9f}, {1e9f, -1e9f}, {1e9f, 1e9f}, {-1e9f, 1e9f}}, 5));
     EXPECT_EQ(plane, Bytes(20 * 10, 5));
 }

@@ -7,8 +7,8 @@
 
 #include "support/randomImage.h"
 #include "zel_effects/zel_effects.h"
-#include "zellab/imageproc/colour/colorAdjust.h"
 #include "zellab/imageproc/blur/stackBlur.h"
+#include "zellab/imageproc/colour/colorAdjust.h"
 
 namespace {
 
@@ -21,7 +21,7 @@ TEST(ColorMixing, TheLiftRunsWithExactlyFourValues) {
     const Bytes before = zeltest::randomRgba(33, 60, 1);
     float params[5] = {0, 0, 0, 20, 0};
     Bytes lifted = before;
-    zellab::LogBrightnessAdjust(lifted.data(), 33, 60, 20);
+    zellab::LogBrightnessAdjust({lifted.data(), 33, 60}, 20);
     for (const auto& [count, expected] :
          std::vector<std::pair<int, const Bytes*>>{{2, &before}, {3, &before}, {4, &lifted}, {5, &before}}) {
         Bytes pixels = before;

@@ -36,9 +36,9 @@ void ours(benchmark::State& state, int channels) {
     auto pixels = zelbench::benchRgba(setting.size);
     for (auto _ : state) {
         if (channels == 4)
-            zellab::StackBlurRGBA(pixels.data(), setting.size.width, setting.size.height, setting.radius);
+            zellab::StackBlurRGBA({pixels.data(), setting.size.width, setting.size.height}, setting.radius);
         else
-            zellab::StackBlurGray(pixels.data(), setting.size.width, setting.size.height, setting.radius);
+            zellab::StackBlurGray({pixels.data(), setting.size.width, setting.size.height}, setting.radius);
         benchmark::ClobberMemory();
     }
     zelbench::countPixels(state, setting.size);

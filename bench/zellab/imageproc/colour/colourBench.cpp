@@ -7,8 +7,8 @@
 
 #include "benchPicture.h"
 #include "zellab/imageproc/colour/colorCube.h"
-#include "zellab/imageproc/core/parallelRows.h"
 #include "zellab/imageproc/colour/yCbCr.h"
+#include "zellab/imageproc/core/parallelRows.h"
 
 namespace {
 
@@ -21,8 +21,11 @@ struct Job {
     Pixels planes;  // three, one behind the other
     Pixels cube;    // 64 by 64 texels
 
-    int count() const { return size.width * size.height; }
-    unsigned char* plane(int k) { return planes.data() + static_cast<std::ptrdiff_t>(k) * count(); }
+    zellab::ImageView view() { return {pixels.data(), size.width, size.height}; }
+    unsigned char* plane(int k) {
+        return planes.data() + static_cast<std::ptrdiff_t>(k) * size.width * size.height;
+    }
+    zellab::PlaneView<unsigned char> planeView(int k) { return {plane(k), size.width, size.height}; }
     cv::Mat mat() { return {size.height, size.width, CV_8UC4, pixels.data()}; }
 };
 
@@ -52,7 +55,7 @@ void addRow(const std::string& name, Step step, const std::vector<std::int64_t>&
 }
 
 void yCbCr(Job& job) {
-    zellab::RGBAToYCbCrPlanes(job.pixels.data(), job.plane(0), job.plane(1), job.plane(2), job.count());
+    zellab::RGBAToYCbCrPlanes(job.view(), job.planeView(0), job.planeView(1), job.planeView(2));
 }
 
 void yCbCrOpenCv(Job& job) {
@@ -67,7 +70,7 @@ void yCbCrLibyuv(Job& job) {
 }
 
 void gray(Job& job) {
-    zellab::RGBAToGray(job.pixels.data(), job.plane(0), job.count());
+    zellab::RGBAToGray(job.view(), job.planeView(0));
 }
 
 void grayOpenCv(Job& job) {
@@ -81,7 +84,7 @@ void grayLibyuv(Job& job) {
 }
 
 void cube(Job& job) {
-    zellab::ApplyColorCube(job.pixels.data(), job.cube.data(), job.size.width, job.size.height);
+    zellab::ApplyColorCube(job.view(), job.cube.data());
 }
 
 /// One pixel of the plain lookup: eight corners, three directions, in floating point.

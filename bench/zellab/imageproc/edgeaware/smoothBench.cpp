@@ -32,10 +32,9 @@ void run(benchmark::State& state, int channels, const Work& work) {
 void BM_domainTransform(benchmark::State& state, int channels) {
     run(state, channels, [=](auto& pixels, Size size) {
         if (channels == 4)
-            zellab::DomainTransformRGBA(pixels.data(), size.width, size.height, size.width * 4, 16, 50, 3,
-                                        true);
+            zellab::DomainTransformRGBA({pixels.data(), size.width, size.height}, 16, 50, 3, true);
         else
-            zellab::DomainTransformPlane(pixels.data(), size.width, size.height, size.width, 14, 40, 2, true);
+            zellab::DomainTransformPlane({pixels.data(), size.width, size.height}, 14, 40, 2, true);
     });
 }
 
@@ -56,8 +55,7 @@ void BM_opencvDomainTransform(benchmark::State& state, int channels, int mode) {
 
 void BM_surfaceBlur(benchmark::State& state, int radius) {
     run(state, 4, [=](auto& pixels, Size size) {
-        zellab::SurfaceBlurFilter().Run(pixels.data(), size.width, size.height, size.width * 4, radius, 10,
-                                        nullptr);
+        zellab::SurfaceBlurFilter().Run({pixels.data(), size.width, size.height}, radius, 10, {});
     });
 }
 
@@ -75,7 +73,7 @@ constexpr float kGuidedEpsilon = 0.01f;
 void BM_guidedFilter(benchmark::State& state, int radius) {
     const zellab::GuidedFilterColor filter;
     run(state, 4, [&](auto& pixels, Size size) {
-        filter.Run(pixels.data(), size.width, size.height, 1.0f, kGuidedEpsilon, 0.0f, radius, false);
+        filter.Run({pixels.data(), size.width, size.height}, 1.0f, kGuidedEpsilon, 0.0f, radius, false);
     });
 }
 
@@ -93,7 +91,8 @@ void BM_opencvGuidedFilter(benchmark::State& state, int radius) {
 void BM_guidedPlane(benchmark::State& state) {
     const std::vector<unsigned char> guide = benchRgba(sizeOf(state.range(0)));
     run(state, 1, [&](auto& plane, Size size) {
-        zellab::GuidedFilterPlane(plane.data(), guide.data(), size.width, size.height, 2, 0.1f, 4.0f);
+        zellab::GuidedFilterPlane({plane.data(), size.width, size.height},
+                                  {guide.data(), size.width, size.height}, 2, 0.1f, 4.0f);
     });
 }
 

@@ -55,8 +55,8 @@ void BM_canny(benchmark::State& state, bool opencv) {
             cv::Mat out = matOf(edges, size, 1);
             cv::Canny(matOf(plane, size, 1), out, 40, 80, 3, true);
         } else {
-            zellab::EdgeDetectCanny(plane.data(), edges.data(), size.width, size.height, size.width, 0, 5, 10,
-                                    false);
+            zellab::EdgeDetectCanny({plane.data(), size.width, size.height},
+                                    {edges.data(), size.width, size.height}, 5, 10, false);
         }
     });
 }
@@ -69,9 +69,8 @@ void BM_label(benchmark::State& state, bool opencv) {
             cv::Mat out(size.height, size.width, CV_32S, labels.data()), boxes, centroids;
             cv::connectedComponentsWithStats(matOf(mask, size, 1), out, boxes, centroids);
         } else {
-            zellab::RegionBox* boxes = nullptr;
-            zellab::LabelConnectedRuns(mask.data(), labels.data(), size.width, size.height, &boxes);
-            std::free(boxes);
+            zellab::LabelConnectedRuns({mask.data(), size.width, size.height},
+                                       {labels.data(), size.width, size.height});
         }
     });
 }
@@ -83,7 +82,7 @@ void BM_fill(benchmark::State& state, bool opencv) {
             cv::Mat image = matOf(mask, size, 1);
             cv::floodFill(image, cv::Point(0, 0), cv::Scalar(255));
         } else {
-            zellab::ScanlineFloodFill(mask.data(), size.width, size.height, 0, 0);
+            zellab::ScanlineFloodFill({mask.data(), size.width, size.height}, 0, 0);
         }
     });
 }
@@ -96,7 +95,7 @@ void BM_dilate(benchmark::State& state, int radius, bool opencv) {
             cv::Mat image = matOf(mask, size, 1);
             cv::dilate(image, image, window);
         } else {
-            zellab::BoxMorphology(mask.data(), size.width, size.height, radius, true);
+            zellab::BoxMorphology({mask.data(), size.width, size.height}, radius, true);
         }
     });
 }
@@ -104,8 +103,9 @@ void BM_dilate(benchmark::State& state, int radius, bool opencv) {
 /// No peer in the small packages: it stands beside the memcpy row.
 void BM_thin(benchmark::State& state) {
     const Size size = sizeOf(state.range(0));
-    run(state, discMask(size), true,
-        [&](auto& mask) { zellab::ThinMask(mask.data(), size.width, size.height); });
+    run(state, discMask(size), true, [&](auto& mask) {
+        zellab::ThinMask({mask.data(), size.width, size.height});
+    });
 }
 
 int registerAll() {

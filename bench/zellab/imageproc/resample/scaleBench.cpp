@@ -2,8 +2,8 @@
 #include <opencv2/imgproc.hpp>
 
 #include "peerThreads.h"
-#include "zellab/imageproc/resample/imageResampler.h"
 #include "zellab/imageproc/blur/recursiveGaussian.h"
+#include "zellab/imageproc/resample/imageResampler.h"
 #include "zellab/imageproc/sfdsp/scaleBilinear.h"
 #include "zellab/imageproc/sfdsp/yuvScale.h"
 
@@ -39,15 +39,25 @@ void runScale(benchmark::State& state, bool enlarge, int channels, const Scale& 
 
 void BM_resampler(benchmark::State& state, int quality, bool enlarge, int channels) {
     runScale(state, enlarge, channels, [=](auto& source, Size from, auto& target, Size to) {
-        zellab::ImageResampler().Resize(source.data(), from.width, from.height, target.data(), to.width,
-                                        to.height, channels, quality);
+        if (channels == 4)
+            zellab::ImageResampler().Resize(zellab::ConstImageView(source.data(), from.width, from.height),
+                                            zellab::ImageView(target.data(), to.width, to.height), quality);
+        else
+            zellab::ImageResampler().Resize(
+                zellab::PlaneView<const unsigned char>(source.data(), from.width, from.height),
+                zellab::PlaneView<unsigned char>(target.data(), to.width, to.height), quality);
     });
 }
 
 void BM_bilinear(benchmark::State& state, bool enlarge, int channels) {
     runScale(state, enlarge, channels, [=](auto& source, Size from, auto& target, Size to) {
-        zellab::ScaleBilinearThreaded(source.data(), from.width, from.height, target.data(), to.width,
-                                      to.height, channels);
+        if (channels == 4)
+            zellab::ScaleBilinearThreaded(zellab::ConstImageView(source.data(), from.width, from.height),
+                                          zellab::ImageView(target.data(), to.width, to.height));
+        else
+            zellab::ScaleBilinearThreaded(
+                zellab::PlaneView<const unsigned char>(source.data(), from.width, from.height),
+                zellab::PlaneView<unsigned char>(target.data(), to.width, to.height));
     });
 }
 
@@ -60,8 +70,12 @@ void BM_opencv(benchmark::State& state, int interpolation, bool enlarge, int cha
 
 void BM_yuv(benchmark::State& state, zellab::YuvFilter filter, bool enlarge, int channels) {
     runScale(state, enlarge, channels, [=](auto& source, Size from, auto& target, Size to) {
-        (channels == 4 ? zellab::scaleArgb : zellab::scalePlane)(source.data(), from.width, from.height,
-                                                                 target.data(), to.width, to.height, filter);
+        if (channels == 4)
+            zellab::scaleArgb({source.data(), from.width, from.height}, {target.data(), to.width, to.height},
+                              filter);
+        else
+            zellab::scalePlane({source.data(), from.width, from.height}, {target.data(), to.width, to.height},
+                               filter);
     });
 }
 
@@ -70,8 +84,12 @@ void BM_recursiveGaussian(benchmark::State& state, float sigma, int channels) {
     const Size size = sizeOf(state.range(0));
     std::vector<unsigned char> pixels = channels == 4 ? benchRgba(size) : benchPlane(size);
     for (auto _ : state) {
-        zellab::RecursiveGaussianBlur(pixels.data(), size.width, size.height, size.width * channels, sigma,
-                                      sigma, 0);
+        if (channels == 4)
+            zellab::RecursiveGaussianBlur(zellab::ImageView(pixels.data(), size.width, size.height), sigma,
+                                          sigma);
+        else
+            zellab::RecursiveGaussianBlur(
+                zellab::PlaneView<unsigned char>(pixels.data(), size.width, size.height), sigma, sigma);
         benchmark::ClobberMemory();
     }
     countPixels(state, size);

@@ -9,13 +9,13 @@
 #include "benchPicture.h"
 #include "zel_effects/zel_effects.h"
 #include "zellab/imageproc/colour/colorAdjust.h"
-#include "zellab/imageproc/tone/levels.h"
 #include "zellab/imageproc/core/mixByAlpha.h"
+#include "zellab/imageproc/sharpen/unsharpMask.h"
+#include "zellab/imageproc/sharpen/unsharpMaskKernel.h"
+#include "zellab/imageproc/tone/levels.h"
 #include "zellab/imageproc/tone/psContrastBrightness.h"
 #include "zellab/imageproc/tone/toneBlend.h"
 #include "zellab/imageproc/tone/toneTables.h"
-#include "zellab/imageproc/sharpen/unsharpMask.h"
-#include "zellab/imageproc/sharpen/unsharpMaskKernel.h"
 
 namespace {
 
@@ -82,21 +82,21 @@ void mapOpenCv(Job& job) {
 }
 
 void contrastBrightness(Job& job) {
-    zellab::PSContrastBrightness().Run(job.pixels.data(), job.size.width, job.size.height, 20, -20);
+    zellab::PSContrastBrightness().Run({job.pixels.data(), job.size.width, job.size.height}, 20, -20);
 }
 
 void temperature(Job& job) {
-    zellab::ColorTemperatureBlend(job.pixels.data(), job.size.width, job.size.height, 0.6f, 0);
+    zellab::ColorTemperatureBlend({job.pixels.data(), job.size.width, job.size.height}, 0.6f, 0);
 }
 
 void autoLevels(Job& job) {
-    zellab::AutoLevels(job.pixels.data(), job.size.width, job.size.height, 4 * job.size.width, 0, nullptr,
-                       nullptr);
+    zellab::AutoLevels(zellab::ImageView(job.pixels.data(), job.size.width, job.size.height));
 }
 
 void mix(Job& job) {
-    zellab::MixByAlpha(job.pixels.data(), job.other.data(), job.pixels.data(), job.size.width,
-                       job.size.height, 0.3f);
+    zellab::MixByAlpha({job.pixels.data(), job.size.width, job.size.height},
+                       {job.other.data(), job.size.width, job.size.height},
+                       {job.pixels.data(), job.size.width, job.size.height}, 0.3f);
 }
 
 void mixOpenCv(Job& job) {
@@ -111,8 +111,9 @@ void mixLibyuv(Job& job) {
 }
 
 void sharpen(Job& job) {
-    zellab::UnsharpMaskKernel(job.size.width, job.size.height, 4 * job.size.width, 1.1f, 0.8f)
-        .Run(job.pixels.data(), job.other.data());
+    zellab::UnsharpMaskKernel(1.1f, 0.8f)
+        .Run({job.pixels.data(), job.size.width, job.size.height},
+             {job.other.data(), job.size.width, job.size.height});
 }
 
 void sharpenOpenCv(Job& job) {
@@ -121,11 +122,11 @@ void sharpenOpenCv(Job& job) {
 }
 
 void unsharpMask(Job& job) {
-    zellab::UnsharpMask(job.pixels.data(), job.size.width, job.size.height, 4 * job.size.width, 50, 4, 0, 0);
+    zellab::UnsharpMask(zellab::ImageView(job.pixels.data(), job.size.width, job.size.height), 50, 4, 0);
 }
 
 void saturation(Job& job) {
-    zellab::SaturationAdjust(job.pixels.data(), job.size.width, job.size.height, 20);
+    zellab::SaturationAdjust({job.pixels.data(), job.size.width, job.size.height}, 20);
 }
 
 void saturationOpenCv(Job& job) {

@@ -1,8 +1,8 @@
 #include "ZelEffectsCore/ZelEffect/EyeZoomRender/eyeMeshWarp.h"
 #include "ZelEffectsCore/ZelEffect/liquify/brushArguments.h"
 #include "ZelEffectsCore/ZelEffect/liquify/liquify.h"
-#include "zel_effects/zel_effects.h"
 #include "frame/zel_log.h"
+#include "zel_effects/zel_effects.h"
 
 bool CEyeZoomRender::zoomEye(unsigned char* image, int width, int height, zellab::Vector2f center,
                              float radius, int strength) {
@@ -20,7 +20,7 @@ bool CEyeZoomRender::zoomEye(unsigned char* image, int width, int height, zellab
     const int x = zellab::truncated(static_cast<float>(width) * center.x);
     const int y = zellab::truncated(static_cast<float>(height) * center.y);
     zellab::CLiquify brush;
-    brush.setImage(image, width, height);
+    brush.setImage({image, width, height});
     brush.setRadius(zellab::truncated(radiusPx));
     brush.setStrength(strength);
     brush.apply(x, y, x, y, kBulge);

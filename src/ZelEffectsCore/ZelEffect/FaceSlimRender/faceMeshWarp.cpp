@@ -1,8 +1,9 @@
 #include "ZelEffectsCore/ZelEffect/FaceSlimRender/faceMeshWarp.h"
 
+#include "ZelEffectsCore/ZelEffect/mesh_warp/triangleWarp.h"
 #include "zellab/geometry/curveTools.h"
 #include "zellab/geometry/pointDeform.h"
-#include "ZelEffectsCore/ZelEffect/mesh_warp/triangleWarp.h"
+#include "zellab/geometry/vector2.h"
 
 namespace zellab {
 
@@ -30,16 +31,6 @@ constexpr float kAnchorOffsetY = 0.009f;
 
 /// Ratios of the face's two sides beyond which it counts as turned.
 constexpr float kTurnedToFirst = 10.0f, kTurnedToSecond = 0.1f;
-
-Vector2f operator+(Vector2f a, Vector2f b) {
-    return {a.x + b.x, a.y + b.y};
-}
-Vector2f operator-(Vector2f a, Vector2f b) {
-    return {a.x - b.x, a.y - b.y};
-}
-Vector2f operator*(Vector2f a, float f) {
-    return {a.x * f, a.y * f};
-}
 
 /// `Samples` points on the curve through a, b and c.
 template <std::size_t Samples>

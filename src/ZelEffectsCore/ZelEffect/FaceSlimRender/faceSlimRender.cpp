@@ -1,8 +1,8 @@
 #include "ZelEffectsCore/ZelEffect/FaceSlimRender/faceMeshWarp.h"
 #include "ZelEffectsCore/ZelEffect/liquify/brushArguments.h"
 #include "ZelEffectsCore/ZelEffect/liquify/liquify.h"
-#include "zel_effects/zel_effects.h"
 #include "frame/zel_log.h"
+#include "zel_effects/zel_effects.h"
 
 bool CFaceSlimRender::slimFace(unsigned char* image, int width, int height, float startX, float startY,
                                float endX, float endY, float radius, float strength) {
@@ -20,7 +20,7 @@ bool CFaceSlimRender::slimFace(unsigned char* image, int width, int height, floa
     }
     constexpr int kPush = 2;
     zellab::CLiquify brush;
-    brush.setImage(image, width, height);
+    brush.setImage({image, width, height});
     brush.setRadius(zellab::truncated(radiusPx));
     brush.setStrength(zellab::truncated(strength));
     brush.apply(zellab::truncated(w * endX), zellab::truncated(h * endY), zellab::truncated(w * startX),

@@ -6,10 +6,10 @@
 
 #include "ZelEffectsCore/ZelEffect/ZelDepthDefocusRender/defocusInternals.h"
 #include "bokeh/bokehScene.h"
-#include "zel_effects/zel_effects.h"
 #include "frame/zel_log.h"
 #include "gl/environment.h"
 #include "gl/utils.h"
+#include "zel_effects/zel_effects.h"
 #include "zellab/imageproc/core/imageView.h"
 #include "zellab/imageproc/sfdsp/yuvScale.h"
 
@@ -47,8 +47,7 @@ void renderScene(BokehScene& scene, const RunRequest& request) {
     }
     std::vector<Byte> rendered(zellab::sampleCount(source.width, source.height, 4));
     if (scene.render(source.data, rendered.data(), source.width, source.height, nullptr))
-        zellab::scaleArgb(rendered.data(), source.width, source.height, target.data, target.width,
-                          target.height, zellab::YuvFilter::none);
+        zellab::scaleArgb({rendered.data(), source.width, source.height}, target, zellab::YuvFilter::none);
 }
 
 }  // namespace

@@ -2,13 +2,13 @@
 #include <cstddef>
 #include <vector>
 
-#include "zel_effects/zel_effects.h"
 #include "frame/zel_log.h"
+#include "zel_effects/zel_effects.h"
+#include "zellab/imageproc/blur/stackBlur.h"
 #include "zellab/imageproc/core/imageView.h"
 #include "zellab/imageproc/core/parallelRows.h"
 #include "zellab/imageproc/core/pixelMath.h"
 #include "zellab/imageproc/sfdsp/yuvScale.h"
-#include "zellab/imageproc/blur/stackBlur.h"
 
 namespace DefocusCore {
 namespace {
@@ -47,14 +47,14 @@ bool ZelDepthDefocusRender::MixWidthMask(unsigned char* top, unsigned char* base
     std::vector<Byte> scaled;
     if (maskWidth != width || maskHeight != height) {
         scaled.resize(zellab::sampleCount(width, height, 4));
-        if (!zellab::scaleArgb(mask, maskWidth, maskHeight, scaled.data(), width, height,
+        if (!zellab::scaleArgb({mask, maskWidth, maskHeight}, {scaled.data(), width, height},
                                zellab::YuvFilter::bilinear)) {
             ZEL_LOG_ERROR("parameter is invalid");  // a side beyond the scaler's reach
             return false;
         }
         mask = scaled.data();
     }
-    if (blurRadius > 0) zellab::MaskStackBlur(mask, width, height, blurRadius);
+    if (blurRadius > 0) zellab::MaskStackBlur({mask, width, height}, blurRadius);
     const ConstImageView above(top, width, height), cover(mask, width, height);
     const ImageView below(base, width, height);
     zellab::parallelRows(height,

@@ -40,10 +40,6 @@ std::int64_t rootBelow(std::int64_t square) {
 
 }  // namespace
 
-void CLiquify::setImage(unsigned char* image, int width, int height) {
-    m_image = ImageView(image, width, height);
-}
-
 void CLiquify::apply(int x1, int y1, int x2, int y2, int mode) {
     if (m_strength == 0.0f || m_radius < 1 || !m_image.valid()) return;
     const auto inside = [](int v, int size) { return v >= 0 && v < size; };

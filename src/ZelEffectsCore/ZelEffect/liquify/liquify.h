@@ -28,7 +28,7 @@ public:
     CLiquify& operator=(const CLiquify&) = delete;
 
     /// The RGBA picture that strokes change in place; borrowed.
-    void setImage(unsigned char* image, int width, int height);
+    void setImage(ImageView image) { m_image = image; }
 
     /// Brush radius in pixels; below 1 no stroke does anything.
     void setRadius(int radius) { m_radius = radius; }

@@ -1,10 +1,10 @@
 #include "ZelEffectsCore/ZelEffect/mesh_warp/triangleWarp.h"
 
 #include <algorithm>
-#include <cstring>
 
-#include "zellab/imageproc/resample/cubicSample.h"
+#include "zellab/imageproc/core/ownedImage.h"
 #include "zellab/imageproc/core/parallelRows.h"
+#include "zellab/imageproc/resample/cubicSample.h"
 #include "zellab/imageproc/shapes/triangleRaster.h"
 
 namespace zellab {
@@ -145,22 +145,19 @@ void RasterizeTriangle(const Vector2f triangle[3], std::vector<Vector2f>& outDst
     }
 }
 
-void SampleBicubicPixel(const unsigned char* src, unsigned char* dst, int width, int height,
-                        Vector2f srcPoint, Vector2f dstPixel) {
+void SampleBicubicPixel(ConstImageView src, ImageView dst, Vector2f srcPoint, Vector2f dstPixel) {
     const auto within = [](float v, int size) { return v > -1.0f && v < static_cast<float>(size); };
-    if (!within(dstPixel.x, width) || !within(dstPixel.y, height)) return;
-    const ImageView target(dst, width, height);
-    const CubicSource source{ConstImageView(src, width, height), 0, 0, width, height};
+    if (!within(dstPixel.x, dst.width) || !within(dstPixel.y, dst.height)) return;
+    const CubicSource source{src, 0, 0, src.width, src.height};
     sampleCubicRun(source, &srcPoint.x, &srcPoint.y, 1,
-                   target.at(static_cast<int>(dstPixel.x), static_cast<int>(dstPixel.y)));
+                   dst.at(static_cast<int>(dstPixel.x), static_cast<int>(dstPixel.y)));
 }
 
-void WarpByTriangles(const TriangleWarpTable&, const unsigned char* src, unsigned char* dst, int width,
-                     int height, const Vector2f* srcMesh, const Vector2f* dstMesh,
-                     const std::uint16_t* triangles, int triangleCount) {
-    const CubicSource source{ConstImageView(src, width, height), 0, 0, width, height};
-    drawTriangles(drawnTriangles(width, height, srcMesh, dstMesh, triangles, triangleCount), source,
-                  ImageView(dst, width, height));
+void WarpByTriangles(const TriangleWarpTable&, ConstImageView src, ImageView dst, const Vector2f* srcMesh,
+                     const Vector2f* dstMesh, const std::uint16_t* triangles, int triangleCount) {
+    const CubicSource source{src, 0, 0, src.width, src.height};
+    drawTriangles(drawnTriangles(dst.width, dst.height, srcMesh, dstMesh, triangles, triangleCount), source,
+                  dst);
 }
 
 void warpInPlace(const ImageView& image, const Vector2f* srcMesh, const Vector2f* dstMesh,
@@ -170,13 +167,11 @@ void warpInPlace(const ImageView& image, const Vector2f* srcMesh, const Vector2f
     const PixelBox box = readBox(drawn, image.width, image.height);
     const int width = box.right - box.left + 1, height = box.bottom - box.top + 1;
     const ImageView window = image.crop(box.left, box.top, width, height);
-    std::vector<Byte> copy(sampleCount(width, height, ImageView::kChannels));
-    const ImageView copyView(copy.data(), width, height);
+    RgbaImage copy(width, height);
     parallelRows(height, [&](int begin, int end) {
-        for (int y = begin; y < end; ++y)
-            std::memcpy(copyView.row(y), window.row(y), static_cast<std::size_t>(copyView.stride));
+        copyPixels(window.crop(0, begin, width, end - begin), copy.view().crop(0, begin, width, end - begin));
     });
-    drawTriangles(drawn, {copyView, box.left, box.top, image.width, image.height}, image);
+    drawTriangles(drawn, {copy.view(), box.left, box.top, image.width, image.height}, image);
 }
 
 }  // namespace zellab

@@ -5,8 +5,8 @@
 #include <vector>
 
 #include "zel_effects/zel_records.h"
-#include "zellab/imageproc/core/imageView.h"
 #include "zellab/geometry/linearSolve.h"
+#include "zellab/imageproc/core/imageView.h"
 
 namespace zellab {
 
@@ -38,18 +38,17 @@ private:
 void RasterizeTriangle(const Vector2f triangle[3], std::vector<Vector2f>& outDst,
                        std::vector<Vector2f>& outSrc, const float* affine, int width, int height);
 
-/// Writes the bicubic sample of `src` at srcPoint to pixel dstPixel (truncated) of `dst`; both are RGBA of
-/// that size. A source outside the picture is moved to its edge, a target outside is left out, alpha is kept.
-void SampleBicubicPixel(const unsigned char* src, unsigned char* dst, int width, int height,
-                        Vector2f srcPoint, Vector2f dstPixel);
+/// Writes the bicubic sample of `src` at srcPoint to pixel dstPixel (truncated) of `dst`, which has its size.
+/// A source outside the picture is moved to its edge, a target outside is left out, alpha is kept.
+void SampleBicubicPixel(ConstImageView src, ImageView dst, Vector2f srcPoint, Vector2f dstPixel);
 
 /// Redraws `dst` triangle by triangle, in order: each pixel of a triangle of dstMesh takes the bicubic sample
 /// of `src` at its affine image in srcMesh. A triangle whose vertices agree in both meshes is left out, and
 /// so is one with no vertex of dstMesh in the picture. `src` must not overlap `dst`.
 /// @param triangles  three vertex numbers each; a count below 1 does nothing
-void WarpByTriangles(const TriangleWarpTable& table, const unsigned char* src, unsigned char* dst, int width,
-                     int height, const Vector2f* srcMesh, const Vector2f* dstMesh,
-                     const std::uint16_t* triangles, int triangleCount);
+void WarpByTriangles(const TriangleWarpTable& table, ConstImageView src, ImageView dst,
+                     const Vector2f* srcMesh, const Vector2f* dstMesh, const std::uint16_t* triangles,
+                     int triangleCount);
 
 /// The same on one picture, which is source and destination: only the box that the drawn triangles read
 /// is copied. Rows are split over workers; the bytes are those of WarpByTriangles on a whole copy.

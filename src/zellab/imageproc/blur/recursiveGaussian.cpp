@@ -87,7 +87,7 @@ struct Lines {
     }
 }
 
-void blurLinesBaseline(const Lines& lines, const Coefficients& c, float* forward) {
+void blurLinesPlain(const Lines& lines, const Coefficients& c, float* forward) {
     blurLines(lines, c, forward);
 }
 ZEL_TARGET_AVX2 void blurLinesAvx2(const Lines& lines, const Coefficients& c, float* forward) {
@@ -97,9 +97,7 @@ ZEL_TARGET_AVX2 void blurLinesAvx2(const Lines& lines, const Coefficients& c, fl
 /// The picture, and which bytes of it are blurred.
 struct Picture {
     Byte* data;
-    std::ptrdiff_t width, height, stride, step;  // step: bytes a pixel
-
-    std::ptrdiff_t blurredBytes() const { return step == 4 ? 3 : 1; }
+    std::ptrdiff_t width, height, stride, step;  // step: bytes a pixel, 1 or 4
 };
 
 /// Copies `count` pixels of kBytes bytes.
@@ -121,7 +119,7 @@ public:
         : m_picture(picture),
           m_coefficients(std::min(sigma, kLargestSigma)),
           m_alongRows(alongRows),
-          m_blur(platform::simdLevel() == platform::SimdLevel::avx2 ? blurLinesAvx2 : blurLinesBaseline) {
+          m_blur(platform::pick(platform::simdLevel(), blurLinesPlain, blurLinesAvx2)) {
         m_pixelsAtOnce = static_cast<std::ptrdiff_t>(kLanes) / lanesOfPixel();
     }
 
@@ -141,7 +139,7 @@ public:
 
 private:
     std::ptrdiff_t length() const { return m_alongRows ? m_picture.width : m_picture.height; }
-    std::ptrdiff_t lanesOfPixel() const { return m_picture.step == 4 ? 4 : 1; }
+    std::ptrdiff_t lanesOfPixel() const { return m_picture.step; }
 
     void blurBlock(std::ptrdiff_t first, std::ptrdiff_t count, std::vector<Byte>& scratch,
                    std::vector<float>& forward) const {
@@ -172,16 +170,24 @@ private:
     std::ptrdiff_t m_pixelsAtOnce;
 };
 
+void blurAxes(const Picture& picture, float sigmaX, float sigmaY) {
+    const int workers = ProcessorCountForRows(static_cast<int>(picture.height));
+    // NaN fails both comparisons and leaves its axis alone.
+    if (picture.width > 1 && sigmaX >= kSmallestSigma) Pass(picture, sigmaX, true).run(workers);
+    if (picture.height > 1 && sigmaY >= kSmallestSigma) Pass(picture, sigmaY, false).run(workers);
+}
+
 }  // namespace
 
-bool RecursiveGaussianBlur(unsigned char* pixels, int width, int height, int rowBytes, float sigmaX,
-                           float sigmaY, int /*reserved*/) {
-    if (!pixels || width <= 0 || height <= 0 || rowBytes < width) return false;
-    const Picture picture{pixels, width, height, rowBytes, rowBytes / width};
-    // NaN fails both comparisons and leaves its axis alone.
-    if (width > 1 && sigmaX >= kSmallestSigma) Pass(picture, sigmaX, true).run(ProcessorCountForRows(height));
-    if (height > 1 && sigmaY >= kSmallestSigma)
-        Pass(picture, sigmaY, false).run(ProcessorCountForRows(height));
+bool RecursiveGaussianBlur(ImageView image, float sigmaX, float sigmaY) {
+    if (!image.valid()) return false;
+    blurAxes({image.data, image.width, image.height, image.stride, ImageView::kChannels}, sigmaX, sigmaY);
+    return true;
+}
+
+bool RecursiveGaussianBlur(PlaneView<Byte> plane, float sigmaX, float sigmaY) {
+    if (!plane.valid()) return false;
+    blurAxes({plane.data, plane.width, plane.height, plane.stride, 1}, sigmaX, sigmaY);
     return true;
 }
 

@@ -131,7 +131,7 @@ std::unique_ptr<LaneBlur> makeLaneBlur(const LaneBlurSpec& settings) {
         return std::make_unique<PlainLanes<Int128, WideDivider<Int128>>>(settings);
     if (settings.radius >= kLast32BitReach)
         return std::make_unique<PlainLanes<std::int64_t, WideDivider<std::int64_t>>>(settings);
-    if (settings.simd >= platform::SimdLevel::avx2) return makeAvx2LaneBlur(settings);
+    if (settings.simd == platform::SimdLevel::avx2) return makeAvx2LaneBlur(settings);
     if (settings.radius >= kLastSingleReach)
         return std::make_unique<PlainLanes<std::int32_t, CorrectedDivider>>(settings);
     return std::make_unique<PlainLanes<std::int32_t, SingleDivider>>(settings);

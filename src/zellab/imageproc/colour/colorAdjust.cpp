@@ -4,9 +4,9 @@
 #include <cmath>
 
 #include "platform/simdLevel.h"
+#include "zellab/imageproc/colour/saturationRow.h"
 #include "zellab/imageproc/core/parallelRows.h"
 #include "zellab/imageproc/core/pixelMath.h"
-#include "zellab/imageproc/colour/saturationRow.h"
 #include "zellab/imageproc/tone/toneTables.h"
 
 namespace zellab {
@@ -34,21 +34,19 @@ void saturationRow(Byte* pixel, int width, const SaturationWeights& w) {
     }
 }
 
-void SaturationAdjust(unsigned char* rgba, int width, int height, int percent) {
-    const ImageView image(rgba, width, height);
+void SaturationAdjust(ImageView image, int percent) {
     if (!image.valid()) return;
     const SaturationWeights weights = saturationWeights(percent);
     const bool wide = platform::simdLevel() == platform::SimdLevel::avx2 && fitsAvx2(weights);
-    parallelRows(height, [&](int begin, int end) {
+    parallelRows(image.height, [&](int begin, int end) {
         for (int y = begin; y < end; ++y) {
-            const int done = wide ? saturationRowAvx2(image.row(y), width, weights) : 0;
-            saturationRow(image.row(y) + std::ptrdiff_t{4} * done, width - done, weights);
+            const int done = wide ? saturationRowAvx2(image.row(y), image.width, weights) : 0;
+            saturationRow(image.row(y) + std::ptrdiff_t{4} * done, image.width - done, weights);
         }
     });
 }
 
-void LogBrightnessAdjust(unsigned char* rgba, int width, int height, int lift) {
-    const ImageView image(rgba, width, height);
+void LogBrightnessAdjust(ImageView image, int lift) {
     if (!image.valid() || lift == 0) return;
     const float t = static_cast<float>(lift) / 10.0f;
     const float s = (t >= 0.0f ? t : t / (1.0f - t)) / 2.5f;

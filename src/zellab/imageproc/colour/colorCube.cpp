@@ -104,25 +104,24 @@ CubeCells::CubeCells(const Byte* cube) : m_corners(static_cast<std::size_t>(kCel
     }
 }
 
-void ApplyColorCube(unsigned char* rgba, const unsigned char* cube, int width, int height) {
-    const ImageView image(rgba, width, height);
+void ApplyColorCube(ImageView image, const Byte* cube) {
     if (!image.valid() || !cube) return;
     const PlainCube plain(cube, kCube16);
-    if (platform::simdLevel() != platform::SimdLevel::avx2 || sampleCount(width, height) < kWorthCells) {
+    if (platform::simdLevel() != platform::SimdLevel::avx2 ||
+        sampleCount(image.width, image.height) < kWorthCells) {
         applyPlain(image, plain);
         return;
     }
     const CubeCells cells(cube);
-    parallelRows(height, [&](int begin, int end) {
+    parallelRows(image.height, [&](int begin, int end) {
         for (int y = begin; y < end; ++y) {
-            const int done = cubeRowAvx2(image.row(y), width, cells);
-            plain.mapRow(image.row(y) + std::ptrdiff_t{4} * done, width - done);
+            const int done = cubeRowAvx2(image.row(y), image.width, cells);
+            plain.mapRow(image.row(y) + std::ptrdiff_t{4} * done, image.width - done);
         }
     });
 }
 
-void ApplyColorCube64(unsigned char* rgba, const unsigned char* cube, int width, int height) {
-    const ImageView image(rgba, width, height);
+void ApplyColorCube64(ImageView image, const Byte* cube) {
     if (image.valid() && cube) applyPlain(image, PlainCube(cube, kCube64));
 }
 

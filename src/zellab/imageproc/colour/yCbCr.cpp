@@ -1,12 +1,9 @@
 #include "zellab/imageproc/colour/yCbCr.h"
 
-#include <algorithm>
-
-#include "frame/processorCount.h"
 #include "platform/simdLevel.h"
+#include "zellab/imageproc/colour/yCbCrRows.h"
 #include "zellab/imageproc/core/parallelRows.h"
 #include "zellab/imageproc/core/pixelMath.h"
-#include "zellab/imageproc/colour/yCbCrRows.h"
 
 namespace zellab {
 
@@ -14,20 +11,6 @@ namespace {
 
 constexpr int weigh(const ChannelFactors& f, int r, int g, int b, int offset) {
     return (f.red * r + f.green * g + f.blue * b + offset) >> kFixedShift;
-}
-
-/// Calls body(begin, end) on parts of [0, count): one for each processor, a single one where threads would
-/// cost more than they bring.
-template <typename Body>
-void parallelPixels(int count, const Body& body) {
-    constexpr int kWorthAThread = 1 << 16;  // pixels
-    const int workers = count < kWorthAThread ? 1 : std::max(ProcessorCount(), 1);
-    const int chunk = count / workers + 1;
-    runTasks(workers, workers, [&](int k) {
-        const std::ptrdiff_t begin = std::ptrdiff_t{k} * chunk;
-        const std::ptrdiff_t end = std::min<std::ptrdiff_t>(begin + chunk, count);
-        if (begin < end) body(begin, end);
-    });
 }
 
 }  // namespace
@@ -53,32 +36,33 @@ void RGBToLuma(const unsigned char* r, const unsigned char* g, const unsigned ch
     *y = static_cast<unsigned char>(weigh(kYFactors, *r, *g, *b, kFixedHalf));
 }
 
-void RGBAToYCbCrPlanes(unsigned char* rgba, unsigned char* y, unsigned char* cb, unsigned char* cr,
-                       int pixelCount) {
-    if (!rgba || !y || !cb || !cr || pixelCount < 1) return;
+void RGBAToYCbCrPlanes(ConstImageView image, PlaneView<Byte> y, PlaneView<Byte> cb, PlaneView<Byte> cr) {
+    if (!image.valid() || !y.valid() || !cb.valid() || !cr.valid()) return;
     const bool wide = platform::simdLevel() == platform::SimdLevel::avx2;
-    parallelPixels(pixelCount, [&](std::ptrdiff_t begin, std::ptrdiff_t end) {
-        std::ptrdiff_t i = begin;
-        if (wide) i += yCbCrPlanesAvx2(rgba + 4 * begin, y + begin, cb + begin, cr + begin, end - begin);
-        for (; i < end; ++i) {
-            const Byte* const p = rgba + 4 * i;
-            RGBToYCbCr(p, p + 1, p + 2, y + i, cb + i, cr + i);
+    parallelRows(image.height, [&](int begin, int end) {
+        for (int row = begin; row < end; ++row) {
+            const Byte* p = image.row(row);
+            Byte *toY = y.row(row), *toCb = cb.row(row), *toCr = cr.row(row);
+            std::ptrdiff_t x = wide ? yCbCrPlanesAvx2(p, toY, toCb, toCr, image.width) : 0;
+            for (p += 4 * x; x < image.width; ++x, p += 4)
+                RGBToYCbCr(p, p + 1, p + 2, toY + x, toCb + x, toCr + x);
         }
     });
 }
 
-void RGBAToGray(const unsigned char* rgba, unsigned char* plane, int pixelCount) {
-    if (!rgba || !plane || pixelCount < 1) return;
+void RGBAToGray(ConstImageView image, PlaneView<Byte> gray) {
+    if (!image.valid() || !gray.valid()) return;
     const bool wide = platform::simdLevel() == platform::SimdLevel::avx2;
-    parallelPixels(pixelCount, [&](std::ptrdiff_t begin, std::ptrdiff_t end) {
-        std::ptrdiff_t i = begin;
-        if (wide) i += grayAvx2(rgba + 4 * begin, plane + begin, end - begin);
-        // Thousandths in integers: the same bytes as the weights in floating point give.
-        for (; i < end; ++i) {
-            const Byte* const p = rgba + 4 * i;
-            plane[i] = static_cast<Byte>(
-                (kGrayFactors.red * p[0] + kGrayFactors.green * p[1] + kGrayFactors.blue * p[2] + kGrayHalf) /
-                kGrayScale);
+    parallelRows(image.height, [&](int begin, int end) {
+        for (int row = begin; row < end; ++row) {
+            const Byte* p = image.row(row);
+            Byte* const out = gray.row(row);
+            std::ptrdiff_t x = wide ? grayAvx2(p, out, image.width) : 0;
+            // Thousandths in integers: the same bytes as the weights in floating point give.
+            for (p += 4 * x; x < image.width; ++x, p += 4)
+                out[x] = static_cast<Byte>((kGrayFactors.red * p[0] + kGrayFactors.green * p[1] +
+                                            kGrayFactors.blue * p[2] + kGrayHalf) /
+                                           kGrayScale);
         }
     });
 }

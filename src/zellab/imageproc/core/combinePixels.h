@@ -51,7 +51,7 @@ template <int kChannels, typename Op>
 }
 
 template <int kChannels, typename Op>
-void combineRowBaseline(Byte* target, const Byte* first, const Byte* second, int width, const Op& op) {
+void combineRowPlain(Byte* target, const Byte* first, const Byte* second, int width, const Op& op) {
     combineRow<kChannels>(target, first, second, width, op);
 }
 
@@ -65,8 +65,8 @@ ZEL_TARGET_AVX2 void combineRowAvx2(Byte* target, const Byte* first, const Byte*
 /// allows.
 template <int kChannels, typename Op>
 auto combineRowFor() {
-    return platform::simdLevel() == platform::SimdLevel::avx2 ? combineRowAvx2<kChannels, Op>
-                                                              : combineRowBaseline<kChannels, Op>;
+    return platform::pick(platform::simdLevel(), combineRowPlain<kChannels, Op>,
+                          combineRowAvx2<kChannels, Op>);
 }
 
 /// target = op(first, second) for bytes 0 to 2 of each pixel; alpha of `target` stays. The views have the

@@ -18,13 +18,10 @@ struct Mix {
 
 }  // namespace
 
-void MixByAlpha(unsigned char* result, const unsigned char* before, const unsigned char* after, int width,
-                int height, float alpha) {
-    const ImageView target(result, width, height);
-    const ConstImageView first(before, width, height), second(after, width, height);
-    if (!target.valid() || !first.valid() || !second.valid()) return;
+void MixByAlpha(ImageView result, ConstImageView before, ConstImageView after, float alpha) {
+    if (!result.valid() || !before.valid() || !after.valid()) return;
     const float share = alpha >= 1.0f ? 1.0f : alpha > 0.0f ? alpha : 0.0f;
-    combinePixels(target, first, second, Mix{share});
+    combinePixels(result, before, after, Mix{share});
 }
 
 }  // namespace zellab

@@ -132,7 +132,7 @@ template <typename Step>
 }
 
 template <int kChannels>
-void filterLinesBaseline(const Lines& lines, const Decay& decay) {
+void filterLinesPlain(const Lines& lines, const Decay& decay) {
     walkLines(lines, [&](const Byte* from, Byte* to, const std::uint16_t* difference) {
         follow<kChannels>(from, to, difference, 0, lines.lanes, decay);
     });
@@ -163,8 +163,8 @@ public:
           m_width(width),
           m_height(height),
           m_workers(threaded ? ProcessorCount() : 1),
-          m_filter(platform::simdLevel() == platform::SimdLevel::avx2 ? filterLinesAvx2<kChannels>
-                                                                      : filterLinesBaseline<kChannels>),
+          m_filter(
+              platform::pick(platform::simdLevel(), filterLinesPlain<kChannels>, filterLinesAvx2<kChannels>)),
           m_left(sampleCount(width, height)),
           m_above(sampleCount(width, height)) {
         parallelRows(height, m_workers, [&](int begin, int end) {
@@ -232,39 +232,23 @@ private:
     std::vector<std::uint16_t> m_left, m_above;  // differences to the left and the upper neighbour
 };
 
-template <int kChannels>
-void run(Byte* data, int width, int height, std::ptrdiff_t stride, float sigmaSpace, float sigmaRange,
-         int iterations, bool threaded) {
-    Transform<kChannels> transform(data, width, height, stride, threaded);
+template <int kChannels, typename View>
+void run(const View& view, float sigmaSpace, float sigmaRange, int iterations, bool threaded) {
+    if (!view.valid() || iterations <= 0 || iterations > kMostIterations) return;
+    Transform<kChannels> transform(view.data, view.width, view.height, view.stride, threaded);
     for (int i = iterations - 1; i >= 0; --i)
         transform.filter(decayOf(sigmaSpace, sigmaRange, i, iterations));
 }
 
 }  // namespace
 
-void DomainTransformRGBA(unsigned char* image, int width, int height, int rowBytes, float sigmaSpace,
-                         float sigmaRange, int iterations, bool threaded) {
-    if (!image || width <= 0 || height <= 0 || iterations <= 0 || iterations > kMostIterations) return;
-    if (rowBytes / 4 < width) return;
-    run<4>(image, width, height, rowBytes, sigmaSpace, sigmaRange, iterations, threaded);
+void DomainTransformRGBA(ImageView image, float sigmaSpace, float sigmaRange, int iterations, bool threaded) {
+    run<ImageView::kChannels>(image, sigmaSpace, sigmaRange, iterations, threaded);
 }
 
-void DomainTransformPlane(unsigned char* image, int width, int height, int rowBytes, float sigmaSpace,
-                          float sigmaRange, int iterations, bool threaded) {
-    if (!image || width <= 0 || height <= 0 || iterations <= 0 || iterations > kMostIterations) return;
-    if (rowBytes < width) return;
-    const std::ptrdiff_t step = rowBytes / width;
-    if (step == 1) {
-        run<1>(image, width, height, rowBytes, sigmaSpace, sigmaRange, iterations, threaded);
-        return;
-    }
-    Plane<Byte> plane(width, height);
-    const auto sample = [&](int x, int y) -> Byte& { return image[y * std::ptrdiff_t{rowBytes} + x * step]; };
-    for (int y = 0; y < height; ++y)
-        for (int x = 0; x < width; ++x) plane.view().row(y)[x] = sample(x, y);
-    run<1>(plane.data(), width, height, width, sigmaSpace, sigmaRange, iterations, threaded);
-    for (int y = 0; y < height; ++y)
-        for (int x = 0; x < width; ++x) sample(x, y) = plane.view().row(y)[x];
+void DomainTransformPlane(PlaneView<Byte> plane, float sigmaSpace, float sigmaRange, int iterations,
+                          bool threaded) {
+    run<1>(plane, sigmaSpace, sigmaRange, iterations, threaded);
 }
 
 }  // namespace zellab

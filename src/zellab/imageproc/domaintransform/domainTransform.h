@@ -1,5 +1,7 @@
 #pragma once
 
+#include "zellab/imageproc/core/imageView.h"
+
 namespace zellab {
 
 // Edge-preserving smoothing by the recursive form of the domain transform (Gastal and Oliveira, "Domain
@@ -9,17 +11,14 @@ namespace zellab {
 // narrower than the one before. `threaded` splits the work over ProcessorCount() workers; the bytes are the
 // same without. Calls may overlap on different pictures.
 //
-// A null image, a size of 0 or less, a row size below what the pixels need, no iterations, or sigmas that are
-// 0 or NaN change nothing.
+// A view that is not valid, no iterations, or sigmas that are 0 or NaN change nothing.
 
 /// Filters bytes 0 to 2 of RGBA pixels; byte 3 stays. The difference is the sum over the three bytes.
-void DomainTransformRGBA(unsigned char* image, int width, int height, int rowBytes, float sigmaSpace,
-                         float sigmaRange, int iterations, bool threaded);
+void DomainTransformRGBA(ImageView image, float sigmaSpace, float sigmaRange, int iterations, bool threaded);
 
-/// Filters one byte a pixel, pixels lying rowBytes / width bytes apart. The difference counts three times,
-/// so that a grey picture is filtered alike in both forms, but for the rounding: here shares of a level are
-/// dropped.
-void DomainTransformPlane(unsigned char* image, int width, int height, int rowBytes, float sigmaSpace,
-                          float sigmaRange, int iterations, bool threaded);
+/// Filters a plane. The difference counts three times, so that a grey picture is filtered alike in both
+/// forms, but for the rounding: here shares of a level are dropped.
+void DomainTransformPlane(PlaneView<Byte> plane, float sigmaSpace, float sigmaRange, int iterations,
+                          bool threaded);
 
 }  // namespace zellab

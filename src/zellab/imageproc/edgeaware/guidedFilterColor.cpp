@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "platform/simdLevel.h"
+#include "zellab/imageproc/core/ownedImage.h"
 #include "zellab/imageproc/core/parallelRows.h"
 
 namespace zellab {
@@ -270,15 +271,16 @@ GuidedFilterColor::GuidedFilterColor() {
     for (int i = 0; i < 256; ++i) m_squares[static_cast<std::size_t>(i)] = i * i;
 }
 
-void GuidedFilterColor::Run(unsigned char* rgba, int width, int height, float exponent, float scale,
-                            float factor, int radius, bool smoothCoefficients) const {
-    const ImageView image(rgba, width, height);
+void GuidedFilterColor::Run(ImageView image, float exponent, float scale, float factor, int radius,
+                            bool smoothCoefficients) const {
     if (!image.valid() || radius < 0) return;
     if (!std::isfinite(exponent) || !std::isfinite(scale) || !std::isfinite(factor)) return;
     radius = std::min(radius, kMostRadius);
 
     // Bands are filtered in place while their neighbours still read the rows as they were.
-    const auto before = std::make_unique_for_overwrite<Byte[]>(sampleCount(width, height, 4));
+    const int width = image.width, height = image.height;
+    const auto bytes = std::make_unique_for_overwrite<Byte[]>(sampleCount(width, height, 4));
+    const ImageView before(bytes.get(), width, height);
     const int bandRows = std::max(kLeastBandRows, 4 * radius), bands = (height - 1) / bandRows + 1;
     const int workers = rowWorkers(height);
     const auto rowsOf = [&](int band) {
@@ -286,11 +288,9 @@ void GuidedFilterColor::Run(unsigned char* rgba, int width, int height, float ex
     };
     runTasks(bands, workers, [&](int band) {
         const auto [begin, end] = rowsOf(band);
-        const auto offset = static_cast<std::size_t>(begin) * static_cast<std::size_t>(image.stride);
-        std::memcpy(before.get() + offset, rgba + offset,
-                    static_cast<std::size_t>(end - begin) * static_cast<std::size_t>(image.stride));
+        copyPixels(image.crop(0, begin, width, end - begin), before.crop(0, begin, width, end - begin));
     });
-    const Job job = {ConstImageView(before.get(), width, height),
+    const Job job = {before,
                      image,
                      radius,
                      smoothCoefficients,

@@ -16,10 +16,10 @@ public:
     /// Filters RGBA pixels in place; byte 3 of every pixel becomes 255. A variance e along an eigenvector has
     /// the gain (a * factor + e^exponent) / (a + e^exponent), a = 65025^exponent * scale. The window has
     /// 2 * radius + 1 pixels a side; outside the picture its rim goes on. `smoothCoefficients` averages the
-    /// windows' models once more over the same window. A null picture, a size of 0 or less, a radius below 0
-    /// or a float that is not finite leaves the picture as it is; a radius counts as 32767 at most.
-    void Run(unsigned char* rgba, int width, int height, float exponent, float scale, float factor,
-             int radius, bool smoothCoefficients) const;
+    /// windows' models once more over the same window. A radius below 0 or a float that is not finite leaves
+    /// the picture as it is; a radius counts as 32767 at most.
+    void Run(ImageView image, float exponent, float scale, float factor, int radius,
+             bool smoothCoefficients) const;
 
 private:
     std::array<int, 256> m_squares;

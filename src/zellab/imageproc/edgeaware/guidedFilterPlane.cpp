@@ -164,19 +164,16 @@ void apply(const Grid& grid, const Plane<Model>& models, ConstImageView guide, P
 
 }  // namespace
 
-void GuidedFilterPlane(unsigned char* plane, const unsigned char* guideRgba, int width, int height,
-                       int radius, float epsilon, float scale) {
-    const PlaneView<Byte> target(plane, width, height);
-    const ConstImageView guide(guideRgba, width, height);
-    if (!target.valid() || !guide.valid()) return;
-    const Grid grid(width, height, scale >= 1.0f ? scale : 1.0f);
+void GuidedFilterPlane(PlaneView<Byte> plane, ConstImageView guide, int radius, float epsilon, float scale) {
+    if (!plane.valid() || !guide.valid()) return;
+    const Grid grid(plane.width, plane.height, scale >= 1.0f ? scale : 1.0f);
     const int reach = std::clamp(radius, 0, std::max(grid.columns, grid.rows));
     const double added = epsilon > 0.0f ? static_cast<double>(epsilon) * static_cast<double>(epsilon) : 0.0;
 
-    const Plane<Moments> moments = windowMeans(shrink(grid, guide, target), reach);
+    const Plane<Moments> moments = windowMeans(shrink(grid, guide, plane), reach);
     Plane<Model> models(grid.columns, grid.rows);
     for (std::size_t i = 0; i < models.size(); ++i) models.data()[i] = fit(moments.data()[i], added);
-    apply(grid, windowMeans(models, reach), guide, target);
+    apply(grid, windowMeans(models, reach), guide, plane);
 }
 
 }  // namespace zellab

@@ -75,7 +75,7 @@ struct Sums {
 };
 
 /// How the sums over a stretch of each channel's counts are taken; both forms give the same numbers.
-struct NarrowSums {
+struct PlainSums {
     static Sums of(const std::array<const std::int16_t*, 3>& counts, const Weights& weights) {
         Sums sums;
         for (std::size_t c = 0; c < 3; ++c) {
@@ -100,7 +100,7 @@ private:
     }
 };
 
-struct WideSums {
+struct Avx2Sums {
     ZEL_TARGET_AVX2 static Sums of(const std::array<const std::int16_t*, 3>& counts, const Weights& weights) {
         __m256i weight[3], moment[3];
         for (std::size_t c = 0; c < 3; ++c) weight[c] = moment[c] = _mm256_setzero_si256();
@@ -179,7 +179,7 @@ private:
 
 class Blur {
 public:
-    Blur(const ImageView& image, int radius, int threshold, const Byte* mask)
+    Blur(const ImageView& image, int radius, int threshold, PlaneView<const Byte> mask)
         : m_image(image),
           m_mask(mask),
           m_disc(radius),
@@ -192,13 +192,8 @@ public:
     }
 
     void run() {
-        const bool wide = platform::simdLevel() == platform::SimdLevel::avx2;
-        parallelRows(m_image.height, [&](int begin, int end) {
-            if (wide)
-                sweepWide(begin, end);
-            else
-                sweep<NarrowSums>(begin, end);
-        });
+        const auto sweepBand = platform::pick(platform::simdLevel(), &Blur::sweepPlain, &Blur::sweepAvx2);
+        parallelRows(m_image.height, [&](int begin, int end) { (this->*sweepBand)(begin, end); });
     }
 
 private:
@@ -247,7 +242,8 @@ private:
         }
     }
 
-    ZEL_TARGET_AVX2 void sweepWide(int begin, int end) { sweep<WideSums>(begin, end); }
+    void sweepPlain(int begin, int end) { sweep<PlainSums>(begin, end); }
+    ZEL_TARGET_AVX2 void sweepAvx2(int begin, int end) { sweep<Avx2Sums>(begin, end); }
 
     /// What leaves and enters the disc when it moves by `step` bytes, as pairs of offsets from its centre;
     /// `across` is the step of the other axis.
@@ -263,12 +259,12 @@ private:
 
     template <typename Kernel>
     [[gnu::always_inline]] void blurPixel(int x, int y, const Histograms& histograms) {
-        if (m_mask && m_mask[std::ptrdiff_t{y} * m_image.width + x] == 0) return;
+        if (m_mask.valid() && m_mask.row(y)[x] == 0) return;
         histograms.means<Kernel>(padded(x, y), m_weights, m_image.at(x, y));
     }
 
     ImageView m_image;
-    const Byte* m_mask;
+    PlaneView<const Byte> m_mask;
     Disc m_disc;
     Weights m_weights;
     std::ptrdiff_t m_stride;
@@ -277,10 +273,8 @@ private:
 
 }  // namespace
 
-bool SurfaceBlurFilter::Run(unsigned char* rgba, int width, int height, int rowBytes, int radius,
-                            int threshold, const unsigned char* mask) {
-    if (!rgba || width <= 0 || height <= 0 || radius < 1 || rowBytes / 4 < width) return false;
-    const ImageView image(rgba, width, height, rowBytes);
+bool SurfaceBlurFilter::Run(ImageView image, int radius, int threshold, PlaneView<const Byte> mask) {
+    if (!image.valid() || radius < 1) return false;
     Blur(image, std::min(radius, kMostRadius), std::clamp(threshold, 1, kMostThreshold), mask).run();
     return true;
 }

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "zellab/imageproc/core/imageView.h"
+
 namespace zellab {
 
 /// Smooths surfaces and keeps edges: every byte becomes the mean of its disc, weighted by how near each value
@@ -7,12 +9,10 @@ namespace zellab {
 class SurfaceBlurFilter {
 public:
     /// Filters bytes 0 to 2 of RGBA pixels in place; byte 3 stays. `radius` is in pixels and `threshold` in
-    /// levels, both limited to 1..100 from above, the threshold from below as well. `mask` has one byte a
-    /// pixel, tightly packed, or is null: pixels whose byte is 0 stay. Values of 0 never count, not even
-    /// genuine ones. Returns false, the picture untouched, for a null picture, a size of 0 or less, a radius
-    /// below 1 or rows shorter than their pixels.
-    bool Run(unsigned char* rgba, int width, int height, int rowBytes, int radius, int threshold,
-             const unsigned char* mask);
+    /// levels, both limited to 1..100 from above, the threshold from below as well. `mask` has the picture's
+    /// size, or is none (not valid): pixels whose byte is 0 stay. Values of 0 never count, not even genuine
+    /// ones. Returns false, the picture untouched, for a view that is not valid or a radius below 1.
+    bool Run(ImageView image, int radius, int threshold, PlaneView<const Byte> mask);
 };
 
 }  // namespace zellab

@@ -10,9 +10,9 @@
 #include <utility>
 #include <vector>
 
-#include "zellab/imageproc/edges/edgeThinning.h"
-#include "zellab/imageproc/core/imageView.h"
+#include "zellab/imageproc/core/ownedImage.h"
 #include "zellab/imageproc/core/parallelRows.h"
+#include "zellab/imageproc/edges/edgeThinning.h"
 
 namespace zellab {
 
@@ -143,22 +143,21 @@ private:
 
 }  // namespace
 
-bool EdgeDetectCanny(const unsigned char* plane, unsigned char* edges, int width, int height, int rowSize,
-                     int /*reserved*/, int low, int high, bool autoThreshold) {
-    if (!plane || !edges || rowSize != width || width < 2 || height < 2) return false;
-    std::vector<Byte> copy;  // rows are read again after their neighbours are written
-    if (plane == edges) {
-        copy.assign(plane, plane + sampleCount(width, height));
-        plane = copy.data();
+bool EdgeDetectCanny(PlaneView<const Byte> plane, PlaneView<Byte> edges, int low, int high,
+                     bool autoThreshold) {
+    if (!plane.valid() || !edges.valid() || plane.width < 2 || plane.height < 2) return false;
+    Plane<Byte> copy;  // rows are read again after their neighbours are written
+    if (plane.data == edges.data) {
+        copy = copyOf(plane);
+        plane = copy.view();
     }
-    const PlaneView<const Byte> source(plane, width, height);
-    const PlaneView<Byte> target(edges, width, height);
     if (low > high) std::swap(low, high);
     const platform::SimdLevel level = platform::simdLevel();
     const int least = autoThreshold ? 1 : std::clamp(low, 1, kMostMagnitude);
-    parallelRows(height, [&](int begin, int end) { thinGradient(source, target, begin, end, least, level); });
-    const Thresholds limits = autoThreshold ? autoThresholds(target) : Thresholds{low, high};
-    ChainFollower(target, limits).run();
+    parallelRows(plane.height,
+                 [&](int begin, int end) { thinGradient(plane, edges, begin, end, least, level); });
+    const Thresholds limits = autoThreshold ? autoThresholds(edges) : Thresholds{low, high};
+    ChainFollower(edges, limits).run();
     return true;
 }
 

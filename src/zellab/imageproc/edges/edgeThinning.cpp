@@ -25,7 +25,8 @@ struct GradientRow {
 
 /// trunc(sqrt(gx * gx + gy * gy)). By vectors because the compiler keeps the library call's error flag, and
 /// with it one root at a time. Single precision is exact here: all squares lie below 2^17.
-void fillMagnitude(const std::int16_t* gx, const std::int16_t* gy, std::int16_t* out, std::size_t count) {
+void fillMagnitudePlain(const std::int16_t* gx, const std::int16_t* gy, std::int16_t* out,
+                        std::size_t count) {
     const auto roots = [](__m128i pairs) {
         return _mm_cvttps_epi32(_mm_sqrt_ps(_mm_cvtepi32_ps(_mm_madd_epi16(pairs, pairs))));
     };
@@ -64,8 +65,7 @@ void gradientRow(const PlaneView<const Byte>& plane, int y, platform::SimdLevel 
         for (std::size_t x = 0; x <= last; ++x) gy[x] = static_cast<std::int16_t>((below[x] - above[x]) / 2);
     else
         for (std::size_t x = 0; x <= last; ++x) gy[x] = static_cast<std::int16_t>(below[x] - above[x]);
-    (level == platform::SimdLevel::avx2 ? fillMagnitudeAvx2 : fillMagnitude)(gx, gy, out.magnitude.data(),
-                                                                             last + 1);
+    platform::pick(level, fillMagnitudePlain, fillMagnitudeAvx2)(gx, gy, out.magnitude.data(), last + 1);
 }
 
 /// The three rows at one column.
@@ -203,7 +203,7 @@ void storeFirst(__m128i bytes, std::size_t count, Byte* out) {
 }
 
 /// Thins the columns from 1 to `end`; `at` stands at column 0.
-void thinColumns(const Columns& at, std::size_t end, int least, Byte* out) {
+void thinColumnsPlain(const Columns& at, std::size_t end, int least, Byte* out) {
     for (std::size_t x = 1; x < end; x += 8) {
         const __m128i kept = thinEight({at.gx + x, at.gy + x, at.up + x, at.here + x, at.down + x}, least);
         const __m128i bytes = _mm_packus_epi16(kept, kept);
@@ -244,7 +244,7 @@ void thinGradient(const PlaneView<const Byte>& plane, const PlaneView<Byte>& rid
         const GradientRow& middle = slot(y);
         const Columns at{middle.gx.data(), middle.gy.data(), slot(y - 1).magnitude.data(),
                          middle.magnitude.data(), slot(y + 1).magnitude.data()};
-        (level == platform::SimdLevel::avx2 ? thinColumnsAvx2 : thinColumns)(at, width - 1, least, out);
+        platform::pick(level, thinColumnsPlain, thinColumnsAvx2)(at, width - 1, least, out);
         out[0] = out[width - 1] = 0;
     }
 }

@@ -90,10 +90,9 @@ private:
 
 }  // namespace
 
-void ScanlineFloodFill(unsigned char* mask, int width, int height, int seedX, int seedY) {
-    if (!mask || width <= 0 || height <= 0) return;
-    Filler(PlaneView<Byte>(mask, width, height))
-        .run(std::clamp(seedX, 0, width - 1), std::clamp(seedY, 0, height - 1));
+void ScanlineFloodFill(PlaneView<Byte> mask, int seedX, int seedY) {
+    if (!mask.valid()) return;
+    Filler(mask).run(std::clamp(seedX, 0, mask.width - 1), std::clamp(seedY, 0, mask.height - 1));
 }
 
 }  // namespace zellab

@@ -7,7 +7,6 @@
 #include <vector>
 
 #include "frame/processorCount.h"
-#include "zellab/imageproc/core/imageView.h"
 #include "zellab/imageproc/core/parallelRows.h"
 
 namespace zellab {
@@ -158,40 +157,45 @@ void invert(const PlaneView<Byte>& plane) {
     });
 }
 
-}  // namespace
-
-void BoxMorphology(unsigned char* plane, int width, int height, int radius, bool dilate) {
-    // A window of one pixel gives every pixel back; a smaller one does not exist.
-    if (!plane || width <= 0 || height <= 0 || radius < 1) return;
-    const PlaneView<Byte> view(plane, width, height);
-    if (!dilate) invert(view);
-    const std::int64_t side = 2 * std::int64_t{radius} + 1;
-    if (width <= side || height <= side)
-        spreadInReadingOrder(view, radius);
-    else
-        foldBox<LimitedSum>(view, centredWindow(radius));
-    if (!dilate) invert(view);
-}
-
-void MaxFilterHorizontal(unsigned char* plane, int width, int height, int radius) {
-    if (!plane || width <= 0 || height <= 0 || radius < 1) return;
-    foldAlongRows<Maximum>({PlaneView<Byte>(plane, width, height)}, width, centredWindow(radius));
-}
-
-void MaxFilterVertical(unsigned char* plane, int width, int height, int radius) {
-    if (!plane || width <= 0 || height <= 0 || radius < 1) return;
-    foldAlongColumns<Maximum>(PlaneView<Byte>(plane, width, height), centredWindow(radius));
-}
-
-bool MaxFilterBrute(unsigned char* pixels, int width, int height, int rowBytes, int size) {
-    if (!pixels || width <= 0 || height <= 0 || rowBytes < width) return false;
+/// @param bytes  rows of `channels` bytes a pixel
+bool maximumOf(PlaneView<Byte> bytes, int channels, int size) {
+    if (!bytes.valid()) return false;
     if (size < 2) return true;
-    const int channels = rowBytes / width;
-    const PlaneView<Byte> bytes(pixels, width * channels, height, rowBytes);
     const Window window{static_cast<std::size_t>(size / 2), static_cast<std::size_t>(size - size / 2 - 1)};
-    foldAlongRows<Maximum>({bytes, static_cast<std::size_t>(channels)}, width, window);
+    foldAlongRows<Maximum>({bytes, static_cast<std::size_t>(channels)}, bytes.width / channels, window);
     foldAlongColumns<Maximum>(bytes, window);
     return true;
+}
+
+}  // namespace
+
+void BoxMorphology(PlaneView<Byte> plane, int radius, bool dilate) {
+    // A window of one pixel gives every pixel back; a smaller one does not exist.
+    if (!plane.valid() || radius < 1) return;
+    if (!dilate) invert(plane);
+    const std::int64_t side = 2 * std::int64_t{radius} + 1;
+    if (plane.width <= side || plane.height <= side)
+        spreadInReadingOrder(plane, radius);
+    else
+        foldBox<LimitedSum>(plane, centredWindow(radius));
+    if (!dilate) invert(plane);
+}
+
+void MaxFilterHorizontal(PlaneView<Byte> plane, int radius) {
+    if (plane.valid() && radius >= 1) foldAlongRows<Maximum>({plane}, plane.width, centredWindow(radius));
+}
+
+void MaxFilterVertical(PlaneView<Byte> plane, int radius) {
+    if (plane.valid() && radius >= 1) foldAlongColumns<Maximum>(plane, centredWindow(radius));
+}
+
+bool MaxFilterBrute(PlaneView<Byte> plane, int size) {
+    return maximumOf(plane, 1, size);
+}
+
+bool MaxFilterBrute(ImageView image, int size) {
+    constexpr int kChannels = ImageView::kChannels;
+    return maximumOf({image.data, image.width * kChannels, image.height, image.stride}, kChannels, size);
 }
 
 }  // namespace zellab

@@ -114,13 +114,12 @@ private:
 
 }  // namespace
 
-void ThinMask(unsigned char* plane, int width, int height) {
-    thinMaskRounds(plane, width, height, std::numeric_limits<int>::max());
+void ThinMask(PlaneView<Byte> plane) {
+    thinMaskRounds(plane, std::numeric_limits<int>::max());
 }
 
-void thinMaskRounds(unsigned char* plane, int width, int height, int rounds) {
-    if (!plane || width <= 0 || height <= 0) return;
-    Thinner(PlaneView<Byte>(plane, width, height)).run(rounds);
+void thinMaskRounds(PlaneView<Byte> plane, int rounds) {
+    if (plane.valid()) Thinner(plane).run(rounds);
 }
 
 }  // namespace zellab

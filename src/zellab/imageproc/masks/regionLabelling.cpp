@@ -103,7 +103,8 @@ void uniteRows(const Run* above, const Run* aboveEnd, std::uint32_t aboveFirst, 
 
 class Labeller {
 public:
-    Labeller(const PlaneView<const Byte>& plane, int* labels) : m_plane(plane), m_labels(labels) {}
+    Labeller(const PlaneView<const Byte>& plane, const PlaneView<int>& labels)
+        : m_plane(plane), m_labels(labels) {}
 
     /// Returns the boxes, none where there is no region; then the labels are untouched.
     std::vector<RegionBox> run() {
@@ -183,8 +184,8 @@ private:
         runTasks(static_cast<int>(m_bands.size()), rowWorkers(m_plane.height), [&](int i) {
             const Band& band = m_bands[static_cast<std::size_t>(i)];
             const int* label = m_labelOfRun.data() + band.firstRun;
-            int* row = m_labels + std::ptrdiff_t{i} * kBandRows * m_plane.width;
-            for (std::size_t y = 0; y + 1 < band.rowStart.size(); ++y, row += m_plane.width) {
+            for (std::size_t y = 0; y + 1 < band.rowStart.size(); ++y) {
+                int* const row = m_labels.row(i * kBandRows + static_cast<int>(y));
                 int done = 0;
                 for (std::size_t r = band.rowStart[y]; r < band.rowStart[y + 1]; ++r, ++label) {
                     std::fill(row + done, row + band.runs[r].start, 0);
@@ -197,7 +198,7 @@ private:
     }
 
     PlaneView<const Byte> m_plane;
-    int* m_labels;
+    PlaneView<int> m_labels;
     std::vector<Band> m_bands;
     std::size_t m_runCount = 0;
     std::vector<int> m_labelOfRun;
@@ -205,15 +206,9 @@ private:
 
 }  // namespace
 
-int LabelConnectedRuns(const unsigned char* plane, int* labels, int width, int height, RegionBox** boxes) {
-    if (boxes) *boxes = nullptr;
-    if (!plane || !labels || !boxes || width <= 0 || height <= 0) return -1;
-    const std::vector<RegionBox> found = Labeller({plane, width, height}, labels).run();
-    if (found.empty()) return -1;
-    *boxes = static_cast<RegionBox*>(std::malloc(found.size() * sizeof(RegionBox)));
-    if (!*boxes) throw std::bad_alloc();
-    std::copy(found.begin(), found.end(), *boxes);
-    return static_cast<int>(found.size());
+std::vector<RegionBox> LabelConnectedRuns(PlaneView<const Byte> plane, PlaneView<int> labels) {
+    if (!plane.valid() || !labels.valid()) return {};
+    return Labeller(plane, labels).run();
 }
 
 }  // namespace zellab

@@ -1,5 +1,9 @@
 #pragma once
 
+#include <vector>
+
+#include "zellab/imageproc/core/imageView.h"
+
 namespace zellab {
 
 /// Bounds of a region, both ends inclusive. A fresh box is empty: any pixel widens it.
@@ -12,10 +16,9 @@ struct RegionBox {
 
 /// Finds the connected regions (8-neighbourhood) of the bytes of 128 or more.
 ///
-/// Regions are numbered in the order of their first pixel, row by row. `labels` (width * height) receives 0
-/// on background and 1 for the first region, 2 for the next; `*boxes` a new array of one box a region, which
-/// the caller releases with free(). Returns the number of regions. Where there is none, or on a null pointer
-/// or a size of 0 or less, returns -1, `labels` untouched and `*boxes` null.
-int LabelConnectedRuns(const unsigned char* plane, int* labels, int width, int height, RegionBox** boxes);
+/// Regions are numbered in the order of their first pixel, row by row. `labels`, of the plane's size,
+/// receives 0 on background and 1 for the first region, 2 for the next. Returns one box a region; none where
+/// there is no region or a view is not valid, and then `labels` stays.
+std::vector<RegionBox> LabelConnectedRuns(PlaneView<const Byte> plane, PlaneView<int> labels);
 
 }  // namespace zellab

@@ -2,10 +2,8 @@
 
 #include <algorithm>
 #include <cstdio>
-#include <cstring>
 
 #include "zellab/imageproc/blur/stackBlur.h"
-#include "zellab/imageproc/core/imageView.h"
 #include "zellab/imageproc/core/luma.h"
 #include "zellab/imageproc/core/ownedImage.h"
 #include "zellab/imageproc/core/pixelMath.h"
@@ -74,16 +72,14 @@ void blend(ImageView image, ConstImageView solved, PlaneView<const Byte> weights
 
 }  // namespace
 
-bool PoissonEdit(unsigned char* rgba, int width, int height, const unsigned char* mask, float strength) {
-    const ImageView image(rgba, width, height);
-    const PlaneView<const Byte> wholeMask(mask, width, height);
-    if (!image.valid() || !wholeMask.valid()) return false;
-    const PixelBox marked = markedBox(wholeMask, kMarkedAbove);
+bool PoissonEdit(ImageView image, PlaneView<const Byte> mask, float strength) {
+    if (!image.valid() || !mask.valid()) return false;
+    const PixelBox marked = markedBox(mask, kMarkedAbove);
     if (marked.empty()) return false;
 
-    const PixelBox box{growToTransformSize(widen(marked.x, kMargin, width), width),
-                       growToTransformSize(widen(marked.y, kMargin, height), height)};
-    if (box.empty() || height < box.y.end + kSourceRowsBelow) {
+    const PixelBox box{growToTransformSize(widen(marked.x, kMargin, image.width), image.width),
+                       growToTransformSize(widen(marked.y, kMargin, image.height), image.height)};
+    if (box.empty() || image.height < box.y.end + kSourceRowsBelow) {
         std::printf("ERROR PoissonEdit  left = %d top=%d right=%d bottom=%d \n", box.x.begin, box.y.begin,
                     box.x.end, box.y.end);
         return false;
@@ -91,14 +87,9 @@ bool PoissonEdit(unsigned char* rgba, int width, int height, const unsigned char
 
     const int w = box.x.length(), h = box.y.length();
     const ImageView area = image.crop(box.x.begin, box.y.begin, w, h);
-    std::vector<Byte> patchBytes(sampleCount(w, h, 4));
-    const ImageView patch(patchBytes.data(), w, h);
-    Plane<Byte> patchMask(w, h);
-    for (int y = 0; y < h; ++y) {
-        std::memcpy(patch.row(y), area.row(y), static_cast<std::size_t>(w) * 4);
-        std::memcpy(patchMask.view().row(y), wholeMask.row(box.y.begin + y) + box.x.begin,
-                    static_cast<std::size_t>(w));
-    }
+    RgbaImage copy = copyOf(area);
+    const ImageView patch = copy.view();
+    Plane<Byte> patchMask = copyOf(mask.crop(box.x.begin, box.y.begin, w, h));
 
     repaint(patch, patchMask.view(), image.crop(box.x.begin, box.y.begin + kSourceRowsBelow, w, h));
     solveColours(patch, patchMask.view());
@@ -107,7 +98,7 @@ bool PoissonEdit(unsigned char* rgba, int width, int height, const unsigned char
     std::replace_if(
         patchMask.data(), patchMask.data() + patchMask.size(), [](Byte m) { return m > kMarkedAbove; },
         weight);
-    StackBlurGray(patchMask.data(), w, h, kSeamRadius);
+    StackBlurGray(patchMask.view(), kSeamRadius);
     blend(area, patch, patchMask.view());
     return true;
 }

@@ -17,8 +17,7 @@ constexpr int kReach = 2;                    // blocks on each side in which a d
 std::vector<long> blockRoughness(ConstImageView crop, const BlockGrid& grid) {
     Plane<Byte> plane = greenPlane(crop);
     Plane<Byte> edges(crop.width, crop.height);
-    EdgeDetectCanny(plane.data(), edges.data(), crop.width, crop.height, crop.width, 0, kEdgeLow, kEdgeHigh,
-                    false);
+    EdgeDetectCanny(plane.view(), edges.view(), kEdgeLow, kEdgeHigh, false);
     makeRoughness(plane.view());
     for (std::size_t i = 0; i < plane.size(); ++i)
         if (edges.data()[i] > 128) plane.data()[i] = 255;

@@ -98,7 +98,7 @@ void sampleBlock(const CubicSource& source, const float* x, const float* y, int 
 
 }  // namespace
 
-void sampleRunBaseline(const CubicSource& source, const float* x, const float* y, int count, Byte* out) {
+void sampleRunPlain(const CubicSource& source, const float* x, const float* y, int count, Byte* out) {
     int i = 0;
     for (; i + kBlock <= count; i += kBlock)
         sampleBlock(source, x + i, y + i, kBlock, out + std::ptrdiff_t{4} * i);
@@ -112,11 +112,7 @@ void sampleRunBaseline(const CubicSource& source, const float* x, const float* y
 }  // namespace cubic
 
 void sampleCubicRun(const CubicSource& source, const float* x, const float* y, int count, Byte* out) {
-    if (source.level == platform::SimdLevel::avx2) {
-        cubic::sampleRunAvx2(source, x, y, count, out);
-    } else {
-        cubic::sampleRunBaseline(source, x, y, count, out);
-    }
+    platform::pick(source.level, cubic::sampleRunPlain, cubic::sampleRunAvx2)(source, x, y, count, out);
 }
 
 }  // namespace zellab

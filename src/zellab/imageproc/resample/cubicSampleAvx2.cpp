@@ -105,7 +105,7 @@ ZEL_TARGET_AVX2 inline void sampleBlock(const CubicSource& source, const float* 
         if (within(x0, y0) && within(x1, y1)) {
             samplePair(window.at(x0, y0), window.at(x1, y1), window.stride, columns, rows, lane, target);
         } else {
-            sampleRunBaseline(source, x + lane, y + lane, 2, target);
+            sampleRunPlain(source, x + lane, y + lane, 2, target);
         }
     }
 }

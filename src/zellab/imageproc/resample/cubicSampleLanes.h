@@ -15,7 +15,7 @@ struct AxisTaps {
     alignas(32) float weights[kTaps][Lanes];
 };
 
-void sampleRunBaseline(const CubicSource& source, const float* x, const float* y, int count, Byte* out);
+void sampleRunPlain(const CubicSource& source, const float* x, const float* y, int count, Byte* out);
 
 void sampleRunAvx2(const CubicSource& source, const float* x, const float* y, int count, Byte* out);
 

@@ -4,6 +4,7 @@
 #include <cstring>
 
 #include "frame/processorCount.h"
+#include "zellab/imageproc/core/ownedImage.h"
 #include "zellab/imageproc/core/parallelRows.h"
 #include "zellab/imageproc/resample/resampleKernels.h"
 
@@ -16,24 +17,41 @@ constexpr int kFewestBandRows = 32;
 
 /// Everything that the bands of one call share.
 struct Job {
-    const Byte* source;
-    int sourceWidth, sourceHeight;
-    Byte* target;
-    int targetWidth, targetHeight, channels;
+    /// Rows of a picture or a plane.
+    template <typename B>
+    struct Samples {
+        B* data;
+        int width, height;      // pixels
+        std::ptrdiff_t stride;  // bytes
+
+        B* row(int y) const { return data + y * stride; }
+    };
+
+    Samples<const Byte> source;
+    Samples<Byte> target;
+    int channels;
     AxisFilter columns, lines;
     HorizontalKernel horizontal;
     VerticalKernel vertical;
 
-    std::size_t sourceRowBytes() const { return sampleCount(sourceWidth, 1, channels); }
-    std::size_t targetRowBytes() const { return sampleCount(targetWidth, 1, channels); }
-    const Byte* sourceRow(int y) const { return source + static_cast<std::size_t>(y) * sourceRowBytes(); }
-    Byte* targetRow(int y) const { return target + static_cast<std::size_t>(y) * targetRowBytes(); }
+    template <typename From, typename To>
+    Job(const From& from, const To& to, int channelCount, int quality)
+        : source{from.data, from.width, from.height, from.stride},
+          target{to.data, to.width, to.height, to.stride},
+          channels(channelCount),
+          columns(buildAxisFilter(from.width, to.width, quality)),
+          lines(buildAxisFilter(from.height, to.height, quality)),
+          horizontal(horizontalKernel(platform::simdLevel(), channels, columns)),
+          vertical(verticalKernel(platform::simdLevel(), lines.taps)) {}
+
+    std::size_t sourceRowBytes() const { return sampleCount(source.width, 1, channels); }
+    std::size_t targetRowBytes() const { return sampleCount(target.width, 1, channels); }
 };
 
 /// A source-wide row with its end samples repeated on both sides, as far as the kernel reads.
 class PaddedRow {
 public:
-    explicit PaddedRow(const Job& job) : m_width(job.sourceWidth), m_channels(job.channels) {
+    explicit PaddedRow(const Job& job) : m_width(job.source.width), m_channels(job.channels) {
         const std::ptrdiff_t lowest = job.columns.first.front();
         const std::ptrdiff_t end =
             std::ptrdiff_t{job.columns.first.back()} + job.columns.rowLength + job.columns.slack;
@@ -69,7 +87,7 @@ template <typename RowAt>
 void collectRows(const Job& job, int y, std::vector<const Byte*>& rows, const RowAt& rowAt) {
     const std::ptrdiff_t first = job.lines.first[static_cast<std::size_t>(y)];
     for (int k = 0; k < job.lines.taps; ++k) {
-        const auto at = std::clamp<std::ptrdiff_t>(first + k, 0, std::ptrdiff_t{job.sourceHeight} - 1);
+        const auto at = std::clamp<std::ptrdiff_t>(first + k, 0, std::ptrdiff_t{job.source.height} - 1);
         rows[static_cast<std::size_t>(k)] = rowAt(static_cast<int>(at));
     }
 }
@@ -78,7 +96,7 @@ void collectRows(const Job& job, int y, std::vector<const Byte*>& rows, const Ro
 void resizeRowsFirst(const Job& job, int begin, int end) {
     PaddedRow padded(job);
     const std::size_t bytes = job.targetRowBytes();
-    const int slots = std::min(job.lines.taps, job.sourceHeight);
+    const int slots = std::min(job.lines.taps, job.source.height);
     std::vector<Byte> ring(static_cast<std::size_t>(slots) * bytes);
     std::vector<const Byte*> rows(static_cast<std::size_t>(job.lines.taps));
     int filtered = -1;  // the last source row in the ring
@@ -86,19 +104,19 @@ void resizeRowsFirst(const Job& job, int begin, int end) {
         const auto ringRow = [&](int at) {
             Byte* slot = ring.data() + static_cast<std::size_t>(at % slots) * bytes;
             if (at <= filtered) return slot;
-            const Byte* source = job.sourceRow(at);
+            const Byte* source = job.source.row(at);
             if (padded.needed()) {
                 std::memcpy(padded.samples(), source, job.sourceRowBytes());
                 padded.repeatEnds();
                 source = padded.samples();
             }
-            job.horizontal(source, job.columns, static_cast<std::size_t>(job.targetWidth), slot);
+            job.horizontal(source, job.columns, static_cast<std::size_t>(job.target.width), slot);
             filtered = at;
             return slot;
         };
         collectRows(job, y, rows, ringRow);
         job.vertical(rows.data(), job.lines.weightsOf(static_cast<std::size_t>(y)), job.lines.taps, bytes,
-                     job.targetRow(y));
+                     job.target.row(y));
     }
 }
 
@@ -109,54 +127,49 @@ void resizeColumnsFirst(const Job& job, int begin, int end) {
     Byte* mixed = padded.needed() ? padded.samples() : plain.data();
     std::vector<const Byte*> rows(static_cast<std::size_t>(job.lines.taps));
     for (int y = begin; y < end; ++y) {
-        collectRows(job, y, rows, [&](int at) { return job.sourceRow(at); });
+        collectRows(job, y, rows, [&](int at) { return job.source.row(at); });
         job.vertical(rows.data(), job.lines.weightsOf(static_cast<std::size_t>(y)), job.lines.taps,
                      job.sourceRowBytes(), mixed);
         if (padded.needed()) padded.repeatEnds();
-        job.horizontal(mixed, job.columns, static_cast<std::size_t>(job.targetWidth), job.targetRow(y));
+        job.horizontal(mixed, job.columns, static_cast<std::size_t>(job.target.width), job.target.row(y));
     }
+}
+
+void resize(const Job& job, int threads) {
+    // The pass that leaves the smaller picture in between goes first.
+    const bool rowsFirst = std::int64_t{job.source.height} * job.target.width <=
+                           std::int64_t{job.source.width} * job.target.height;
+    const int height = job.target.height;
+    const int bands = std::clamp(height / kFewestBandRows, 1, std::max(threads, 1));
+    const int bandRows = (height - 1) / bands + 1;
+    runTasks(bands, threads, [&](int band) {
+        const std::int64_t first = std::int64_t{band} * bandRows;
+        const int begin = static_cast<int>(std::min<std::int64_t>(first, height));
+        const int end = static_cast<int>(std::min<std::int64_t>(first + bandRows, height));
+        (rowsFirst ? resizeRowsFirst : resizeColumnsFirst)(job, begin, end);
+    });
+}
+
+template <typename From, typename To>
+bool resizeOrCopy(const From& source, const To& target, int channels, int quality, int threads) {
+    if (!source.valid() || !target.valid()) return false;
+    if (source.width == target.width && source.height == target.height)
+        copyPixels(source, target);
+    else
+        resize(Job(source, target, channels, quality), threads);
+    return true;
 }
 
 }  // namespace
 
 ImageResampler::ImageResampler() : m_threads(ProcessorCount()) {}
 
-bool ImageResampler::Resize(const unsigned char* source, int sourceWidth, int sourceHeight,
-                            unsigned char* target, int targetWidth, int targetHeight, int channels,
-                            int quality) {
-    if (!source || !target || (channels != 1 && channels != 4)) return false;
-    if (sourceWidth <= 0 || sourceHeight <= 0 || targetWidth <= 0 || targetHeight <= 0) return false;
-    if (sourceWidth == targetWidth && sourceHeight == targetHeight) {
-        std::memmove(target, source, sampleCount(sourceWidth, sourceHeight, channels));
-        return true;
-    }
-    const platform::SimdLevel level = platform::simdLevel();
-    Job job{source,
-            sourceWidth,
-            sourceHeight,
-            target,
-            targetWidth,
-            targetHeight,
-            channels,
-            buildAxisFilter(sourceWidth, targetWidth, quality),
-            buildAxisFilter(sourceHeight, targetHeight, quality),
-            nullptr,
-            nullptr};
-    job.horizontal = horizontalKernel(level, channels, job.columns);
-    job.vertical = verticalKernel(level, job.lines.taps);
+bool ImageResampler::Resize(ConstImageView source, ImageView target, int quality) const {
+    return resizeOrCopy(source, target, ImageView::kChannels, quality, m_threads);
+}
 
-    // The pass that leaves the smaller picture in between goes first.
-    const bool rowsFirst =
-        std::int64_t{sourceHeight} * targetWidth <= std::int64_t{sourceWidth} * targetHeight;
-    const int bands = std::clamp(targetHeight / kFewestBandRows, 1, std::max(m_threads, 1));
-    const int bandRows = (targetHeight - 1) / bands + 1;
-    runTasks(bands, m_threads, [&](int band) {
-        const std::int64_t first = std::int64_t{band} * bandRows;
-        const int begin = static_cast<int>(std::min<std::int64_t>(first, targetHeight));
-        const int end = static_cast<int>(std::min<std::int64_t>(first + bandRows, targetHeight));
-        (rowsFirst ? resizeRowsFirst : resizeColumnsFirst)(job, begin, end);
-    });
-    return true;
+bool ImageResampler::Resize(PlaneView<const Byte> source, PlaneView<Byte> target, int quality) const {
+    return resizeOrCopy(source, target, 1, quality, m_threads);
 }
 
 }  // namespace zellab

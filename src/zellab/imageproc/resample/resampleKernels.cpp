@@ -34,7 +34,7 @@ inline __m128i roundSums(__m128i sums) {
 
 // Rows, baseline.
 
-void horizontalRgba(const Byte* row, const AxisFilter& filter, std::size_t count, Byte* out) {
+void horizontalRgbaPlain(const Byte* row, const AxisFilter& filter, std::size_t count, Byte* out) {
     const __m128i zero = _mm_setzero_si128();
     for (std::size_t i = 0; i < count; ++i) {
         const Byte* pixels = row + std::ptrdiff_t{4} * filter.first[i];
@@ -105,7 +105,8 @@ void verticalTail(const Byte* const* rows, const std::int16_t* weights, int taps
     }
 }
 
-void vertical(const Byte* const* rows, const std::int16_t* weights, int taps, std::size_t bytes, Byte* out) {
+void verticalPlain(const Byte* const* rows, const std::int16_t* weights, int taps, std::size_t bytes,
+                   Byte* out) {
     std::size_t x = 0;
     for (; x + 16 <= bytes; x += 16)
         _mm_storeu_si128(reinterpret_cast<__m128i*>(out + x), mixRows(rows, weights, taps, x));
@@ -118,8 +119,8 @@ inline __m128i mixTwo(__m128i a, __m128i b, __m128i share) {
     return _mm_add_epi16(a, _mm_srai_epi16(_mm_add_epi16(product, _mm_set1_epi16(kPhases / 2)), kPhaseBits));
 }
 
-void verticalTwoTap(const Byte* const* rows, const std::int16_t* weights, int taps, std::size_t bytes,
-                    Byte* out) {
+void verticalTwoTapPlain(const Byte* const* rows, const std::int16_t* weights, int taps, std::size_t bytes,
+                         Byte* out) {
     const __m128i zero = _mm_setzero_si128();
     const __m128i share = _mm_set1_epi16(static_cast<short>(weights[1] >> (kWeightBits - kPhaseBits)));
     std::size_t x = 0;
@@ -214,12 +215,12 @@ HorizontalKernel horizontalKernel(platform::SimdLevel level, int channels, AxisF
     if (wide && channels == 1 && planShuffledPlane(filter)) return horizontalShuffledPlane;
     if (wide && channels == 4 && twoTap && planShuffledPixels(filter)) return horizontalShuffledPixels;
     if (channels == 1) return twoTap ? horizontalPlaneTwoTap : horizontalPlane;
-    return wide ? horizontalRgbaAvx2 : horizontalRgba;
+    return platform::pick(level, horizontalRgbaPlain, horizontalRgbaAvx2);
 }
 
 VerticalKernel verticalKernel(platform::SimdLevel level, int taps) {
-    if (taps == 2) return level == platform::SimdLevel::avx2 ? verticalTwoTapAvx2 : verticalTwoTap;
-    return level == platform::SimdLevel::avx2 ? verticalAvx2 : vertical;
+    if (taps == 2) return platform::pick(level, verticalTwoTapPlain, verticalTwoTapAvx2);
+    return platform::pick(level, verticalPlain, verticalAvx2);
 }
 
 }  // namespace zellab

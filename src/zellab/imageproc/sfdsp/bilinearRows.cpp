@@ -205,14 +205,12 @@ ZEL_TARGET_AVX2 std::size_t enlargePlaneRow(const float* line, const std::vector
 
 }  // namespace
 
-BilinearRows::BilinearRows(const BilinearSizes& sizes, const Byte* source, int channels)
+BilinearRows::BilinearRows(const Samples& source, int targetWidth, int targetHeight)
     : m_source(source),
-      m_columns(walkAxis(sizes.sourceWidth, sizes.targetWidth)),
-      m_lines(walkAxis(sizes.sourceHeight, sizes.targetHeight)),
-      m_sourceRowBytes(sampleCount(sizes.sourceWidth, 1, channels)),
-      m_channels(channels),
+      m_columns(walkAxis(source.width, targetWidth)),
+      m_lines(walkAxis(source.height, targetHeight)),
       m_wide(platform::simdLevel() == platform::SimdLevel::avx2),
-      m_enlarges(m_wide && sizes.targetWidth >= sizes.sourceWidth) {
+      m_enlarges(m_wide && targetWidth >= source.width) {
     for (const Step& s : m_columns) {
         m_fractions.push_back(s.fraction);
         m_indices.push_back(s.index);
@@ -222,15 +220,14 @@ BilinearRows::BilinearRows(const BilinearSizes& sizes, const Byte* source, int c
 
 void BilinearRows::scale(int y, Scratch& scratch, Byte* out) const {
     const Step& at = line(y);
-    const RowPair rows{m_source + static_cast<std::size_t>(at.index) * m_sourceRowBytes,
-                       m_source + static_cast<std::size_t>(at.next) * m_sourceRowBytes, at.fraction};
+    const RowPair rows{m_source.row(at.index), m_source.row(at.next), at.fraction};
     if (m_enlarges) {
-        scratch.resize(m_sourceRowBytes + kLineSlack);
-        blendLine(rows, m_sourceRowBytes, static_cast<std::size_t>(m_channels), scratch.data());
+        scratch.resize(m_source.rowBytes() + kLineSlack);
+        blendLine(rows, m_source.rowBytes(), static_cast<std::size_t>(m_source.channels), scratch.data());
     }
     // The columns that go by vectors, then what they leave.
     std::size_t done = 0;
-    if (m_channels == 4) {
+    if (m_source.channels == 4) {
         if (m_enlarges)
             done = enlargeRgbaRow(scratch.data(), m_columns, out);
         else if (m_wide)

@@ -7,8 +7,9 @@ namespace zellab {
 
 namespace {
 
-bool scalable(int width, int height) {
-    return width > 0 && height > 0 && width <= kYuvScaleLongestSide && height <= kYuvScaleLongestSide;
+template <typename View>
+bool scalable(const View& view) {
+    return view.valid() && view.width <= kYuvScaleLongestSide && view.height <= kYuvScaleLongestSide;
 }
 
 libyuv::FilterMode modeOf(YuvFilter filter) {
@@ -27,20 +28,17 @@ libyuv::FilterMode modeOf(YuvFilter filter) {
 
 }  // namespace
 
-bool scaleArgb(const unsigned char* source, int sourceWidth, int sourceHeight, unsigned char* target,
-               int targetWidth, int targetHeight, YuvFilter filter) {
-    if (!source || !target || !scalable(sourceWidth, sourceHeight) || !scalable(targetWidth, targetHeight))
-        return false;
-    return libyuv::ARGBScale(source, sourceWidth * 4, sourceWidth, sourceHeight, target, targetWidth * 4,
-                             targetWidth, targetHeight, modeOf(filter)) == 0;
+bool scaleArgb(ConstImageView source, ImageView target, YuvFilter filter) {
+    if (!scalable(source) || !scalable(target)) return false;
+    return libyuv::ARGBScale(source.data, static_cast<int>(source.stride), source.width, source.height,
+                             target.data, static_cast<int>(target.stride), target.width, target.height,
+                             modeOf(filter)) == 0;
 }
 
-bool scalePlane(const unsigned char* source, int sourceWidth, int sourceHeight, unsigned char* target,
-                int targetWidth, int targetHeight, YuvFilter filter) {
-    if (!source || !target || !scalable(sourceWidth, sourceHeight) || !scalable(targetWidth, targetHeight))
-        return false;
-    libyuv::ScalePlane(source, sourceWidth, sourceWidth, sourceHeight, target, targetWidth, targetWidth,
-                       targetHeight, modeOf(filter));
+bool scalePlane(PlaneView<const Byte> source, PlaneView<Byte> target, YuvFilter filter) {
+    if (!scalable(source) || !scalable(target)) return false;
+    libyuv::ScalePlane(source.data, static_cast<int>(source.stride), source.width, source.height, target.data,
+                       static_cast<int>(target.stride), target.width, target.height, modeOf(filter));
     return true;
 }
 

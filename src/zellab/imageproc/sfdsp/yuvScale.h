@@ -1,5 +1,7 @@
 #pragma once
 
+#include "zellab/imageproc/core/imageView.h"
+
 /// The scaler of the YUV library, behind checked sizes. The effects name it, with the filter, wherever its
 /// exact bytes matter; the library's own scalers stand in scaleBilinear.h and imageResampler.h.
 
@@ -15,13 +17,11 @@ enum class YuvFilter {
 /// Longest side that the scaler takes, in pixels.
 inline constexpr int kYuvScaleLongestSide = 32768;
 
-/// Scales interleaved four-byte pixels, rows tightly packed; all four bytes alike, in whatever order they
-/// stand. Returns false, the target untouched, on a null buffer or a side outside 1..kYuvScaleLongestSide.
-bool scaleArgb(const unsigned char* source, int sourceWidth, int sourceHeight, unsigned char* target,
-               int targetWidth, int targetHeight, YuvFilter filter);
+/// Scales four-byte pixels, all four bytes alike, in whatever order they stand. Returns false, the target
+/// untouched, for a view that is not valid or a side above kYuvScaleLongestSide.
+bool scaleArgb(ConstImageView source, ImageView target, YuvFilter filter);
 
-/// Scales a plane of one byte a pixel, in the same way.
-bool scalePlane(const unsigned char* source, int sourceWidth, int sourceHeight, unsigned char* target,
-                int targetWidth, int targetHeight, YuvFilter filter);
+/// Scales a plane in the same way.
+bool scalePlane(PlaneView<const Byte> source, PlaneView<Byte> target, YuvFilter filter);
 
 }  // namespace zellab

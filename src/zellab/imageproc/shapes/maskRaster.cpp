@@ -3,23 +3,14 @@
 #include <algorithm>
 #include <cmath>
 
-#include "zellab/imageproc/core/imageView.h"
 #include "zellab/geometry/linearSolve.h"
+#include "zellab/imageproc/core/imageView.h"
 #include "zellab/imageproc/core/parallelRows.h"
 #include "zellab/imageproc/shapes/triangleRaster.h"
 
 namespace zellab {
 
 namespace {
-
-std::unique_ptr<RasterImage> recordOf(unsigned char* pixels, int width, int height) {
-    if (!pixels || width < 1 || height < 1) return nullptr;
-    auto record = std::make_unique<RasterImage>();
-    record->width = width;
-    record->height = height;
-    record->pixels = pixels;
-    return record;
-}
 
 struct Corner {
     Vector2f target, texture;  // pixels
@@ -30,7 +21,7 @@ bool isFinite(const Corner& c) {
            std::isfinite(c.texture.y);
 }
 
-bool liesInside(Vector2f p, const RasterImage& picture) {
+bool liesInside(Vector2f p, const ImageView& picture) {
     return p.x > -0.5f && p.x + 0.5f < static_cast<float>(picture.width) && p.y > -0.5f &&
            p.y + 0.5f < static_cast<float>(picture.height);
 }
@@ -91,35 +82,22 @@ void drawTriangle(const Corner* c, ImageView target, ConstImageView texture) {
 
 }  // namespace
 
-void CZelMaskRaster::SetTarget(unsigned char* pixels, int width, int height) {
-    m_target = recordOf(pixels, width, height);
-}
-
-void CZelMaskRaster::SetTexture(unsigned char* pixels, int width, int height) {
-    m_texture = recordOf(pixels, width, height);
-}
-
 void CZelMaskRaster::DrawTriangles(const float* uv, const Vector2f* vertices, const unsigned short* indices,
                                    int indexCount) {
-    if (!m_target || !m_texture || !uv || !vertices || !indices) return;
-    m_indexCount = indexCount;
-    m_target->vertices = vertices;
-    const ImageView target(m_target->pixels, m_target->width, m_target->height);
-    const ConstImageView texture(m_texture->pixels, m_texture->width, m_texture->height);
-    for (int i = 0; i <= m_indexCount - 3; i += 3) {
+    if (!m_target.valid() || !m_texture.valid() || !uv || !vertices || !indices) return;
+    for (int i = 0; i <= indexCount - 3; i += 3) {
         Corner corners[3];
         for (int k = 0; k < 3; ++k) {
             const std::size_t v = indices[i + k];
             corners[k] = {vertices[v],
-                          {uv[2 * v] * static_cast<float>(texture.width),
-                           uv[2 * v + 1] * static_cast<float>(texture.height)}};
+                          {uv[2 * v] * static_cast<float>(m_texture.width),
+                           uv[2 * v + 1] * static_cast<float>(m_texture.height)}};
         }
-        const auto inTarget = [&](const Corner& c) { return liesInside(c.target, *m_target); };
+        const auto inTarget = [&](const Corner& c) { return liesInside(c.target, m_target); };
         if (std::any_of(corners, corners + 3, inTarget) && std::all_of(corners, corners + 3, isFinite) &&
             !isCollinear(corners))
-            drawTriangle(corners, target, texture);
+            drawTriangle(corners, m_target, m_texture);
     }
-    m_target->vertices = nullptr;
 }
 
 }  // namespace zellab

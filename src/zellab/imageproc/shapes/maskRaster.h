@@ -1,18 +1,9 @@
 #pragma once
 
-#include <memory>
-
 #include "zel_effects/zel_records.h"
+#include "zellab/imageproc/core/imageView.h"
 
 namespace zellab {
-
-/// A picture that CZelMaskRaster reads or draws into.
-struct RasterImage {
-    int width = 0, height = 0;
-    unsigned char* pixels = nullptr;     // RGBA, the caller's
-    const Vector2f* vertices = nullptr;  // corners of the mesh in pixels, the caller's
-    std::unique_ptr<unsigned char[]> owned;
-};
 
 /// Draws a textured mesh of triangles: how a standard mask of a face is laid over a real face.
 class CZelMaskRaster {
@@ -31,14 +22,14 @@ public:
     virtual void DrawTriangles(const float* uv, const Vector2f* vertices, const unsigned short* indices,
                                int indexCount);
 
-    /// The picture drawn into, of width by height RGBA pixels. A null one or a size below 1 takes it away.
-    void SetTarget(unsigned char* pixels, int width, int height);
+    /// The picture drawn into; one that is not valid takes it away.
+    void SetTarget(ImageView picture) { m_target = picture; }
     /// The picture read from, likewise.
-    void SetTexture(unsigned char* pixels, int width, int height);
+    void SetTexture(ConstImageView picture) { m_texture = picture; }
 
 private:
-    std::unique_ptr<RasterImage> m_target, m_texture;
-    int m_indexCount = 0;
+    ImageView m_target;
+    ConstImageView m_texture;
 };
 
 }  // namespace zellab

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <cmath>
 
-#include "zellab/imageproc/core/imageView.h"
 #include "zellab/imageproc/core/ownedImage.h"
 
 namespace zellab {
@@ -92,28 +91,22 @@ bool isFinite(const std::vector<Vector2f>& polygon) {
 
 }  // namespace
 
-bool FillPolygonMask(unsigned char* plane, int width, int height, const std::vector<Vector2f>& polygon,
-                     unsigned char value) {
-    const PlaneView<Byte> target(plane, width, height);
-    if (!target.valid() || polygon.empty()) return false;
+bool FillPolygonMask(PlaneView<Byte> plane, const std::vector<Vector2f>& polygon, Byte value) {
+    if (!plane.valid() || polygon.empty()) return false;
     if (!isFinite(polygon)) return true;
-    PolygonRows(polygon, width, height).forEach([&](int y, FilledRow row) {
-        std::fill(target.row(y) + row.first, target.row(y) + row.last + 1, value);
+    PolygonRows(polygon, plane.width, plane.height).forEach([&](int y, FilledRow row) {
+        std::fill(plane.row(y) + row.first, plane.row(y) + row.last + 1, value);
     });
     return true;
 }
 
-bool FillPolygonMaskKeep(unsigned char* plane, int width, int height, const std::vector<Vector2f>& polygon,
-                         unsigned char outside) {
-    const PlaneView<Byte> target(plane, width, height);
-    if (!target.valid() || polygon.empty()) return false;
-    Plane<Byte> kept(width, height);
-    std::copy_n(plane, kept.size(), kept.data());
-    std::fill_n(plane, kept.size(), outside);
+bool FillPolygonMaskKeep(PlaneView<Byte> plane, const std::vector<Vector2f>& polygon, Byte outside) {
+    if (!plane.valid() || polygon.empty()) return false;
+    const Plane<Byte> kept = copyOf(plane);
+    for (int y = 0; y < plane.height; ++y) std::fill_n(plane.row(y), plane.width, outside);
     if (!isFinite(polygon)) return true;
-    PolygonRows(polygon, width, height).forEach([&](int y, FilledRow row) {
-        const Byte* from = kept.view().row(y);
-        std::copy(from + row.first, from + row.last + 1, target.row(y) + row.first);
+    PolygonRows(polygon, plane.width, plane.height).forEach([&](int y, FilledRow row) {
+        std::copy(kept.row(y) + row.first, kept.row(y) + row.last + 1, plane.row(y) + row.first);
     });
     return true;
 }

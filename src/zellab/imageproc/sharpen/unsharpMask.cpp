@@ -2,9 +2,9 @@
 
 #include <cstddef>
 
-#include "zellab/imageproc/core/combinePixels.h"
 #include "zellab/imageproc/blur/stackBlur.h"
 #include "zellab/imageproc/blur/stackBlurPasses.h"
+#include "zellab/imageproc/core/combinePixels.h"
 #include "zellab/imageproc/sharpen/unsharpStep.h"
 
 namespace zellab {
@@ -13,6 +13,22 @@ namespace {
 
 constexpr float kLeastRadius = 0.1f, kMostRadius = 1000.0f, kBlurRadiusFactor = 2.25f;
 
+/// @param source  what the blur reads; its samples, a byte each, are those that are sharpened
+template <int kChannels>
+void sharpen(const BlurSource& source, Byte* pixels, int amount, float radius, Byte threshold) {
+    const Sharpen step(amount, threshold);
+    // A radius of 0 leaves nothing to sharpen against.
+    const int reach = stackBlurRadius(source.width, source.height, unsharpBlurRadius(radius));
+    if (reach < 1) return;
+    const auto combine = combineRowFor<kChannels, Sharpen>();
+    // The blur hands out its samples while the picture below them is still as it was: no copy is needed.
+    stackBlur(source, reach, stackBlurWorkers(source.width, source.height),
+              [&](int y, std::ptrdiff_t first, std::ptrdiff_t count, const Byte* blurred) {
+                  Byte* own = pixels + y * source.rowBytes + first;
+                  combine(own, own, blurred, static_cast<int>(count) / kChannels, step);
+              });
+}
+
 }  // namespace
 
 int unsharpBlurRadius(float radius) {
@@ -20,24 +36,18 @@ int unsharpBlurRadius(float radius) {
     return static_cast<int>(limited * kBlurRadiusFactor);
 }
 
-bool UnsharpMask(unsigned char* pixels, int width, int height, int rowBytes, int amount, float radius,
-                 unsigned char threshold, int /*reserved*/) {
-    if (!pixels || width < 1 || height < 1) return false;
-    const Sharpen sharpen(amount, threshold);
-    // A radius of 0 leaves nothing to sharpen against.
-    const int reach = stackBlurRadius(width, height, unsharpBlurRadius(radius));
-    if (reach < 1) return true;
-    const bool isPlane = rowBytes / width == 1;
-    const int channels = isPlane ? 1 : 4;
-    const BlurSource source{pixels,   width,    height,  std::ptrdiff_t{channels} * width,
-                            channels, channels, !isPlane};
-    const auto combine = isPlane ? combineRowFor<1, Sharpen>() : combineRowFor<4, Sharpen>();
-    // The blur hands out its samples while the picture below them is still as it was: no copy is needed.
-    stackBlur(source, reach, stackBlurWorkers(width, height),
-              [&](int y, std::ptrdiff_t first, std::ptrdiff_t count, const Byte* blurred) {
-                  Byte* own = pixels + y * source.rowBytes + first;
-                  combine(own, own, blurred, static_cast<int>(count) / channels, sharpen);
-              });
+bool UnsharpMask(ImageView image, int amount, float radius, Byte threshold) {
+    if (!image.valid()) return false;
+    constexpr int kChannels = ImageView::kChannels;
+    sharpen<kChannels>({image.data, image.width, image.height, image.stride, kChannels, kChannels, true},
+                       image.data, amount, radius, threshold);
+    return true;
+}
+
+bool UnsharpMask(PlaneView<Byte> plane, int amount, float radius, Byte threshold) {
+    if (!plane.valid()) return false;
+    sharpen<1>({plane.data, plane.width, plane.height, plane.stride, 1, 1, false}, plane.data, amount, radius,
+               threshold);
     return true;
 }
 

@@ -45,31 +45,23 @@ std::vector<int> gaussWeights(float sigma) {
 
 }  // namespace
 
-UnsharpMaskKernel::UnsharpMaskKernel(int width, int height, std::ptrdiff_t rowBytes, float sigma,
-                                     float amount)
-    : m_width(width),
-      m_height(height),
-      m_rowBytes(rowBytes),
-      m_sigma(sigma),
-      m_amount(std::clamp(amount, -kMostAmount, kMostAmount)),
-      m_weights(gaussWeights(sigma)) {}
+UnsharpMaskKernel::UnsharpMaskKernel(float sigma, float amount)
+    : m_amount(std::clamp(amount, -kMostAmount, kMostAmount)), m_weights(gaussWeights(sigma)) {}
 
-void UnsharpMaskKernel::Run(unsigned char* rgba, const unsigned char* blurred, int channelMask) const {
-    const ImageView image(rgba, m_width, m_height, m_rowBytes);
-    const ConstImageView blur(blurred, m_width, m_height, m_rowBytes);
-    if (!image.valid() || !blur.valid()) return;
+void UnsharpMaskKernel::Run(ImageView image, ConstImageView blurred, int channelMask) const {
+    if (!image.valid() || !blurred.valid()) return;
     if (channelMask == kAllChannels) {
-        combinePixels(image, image, blur, FloatSharpen{m_amount + 1.0f, m_amount});
+        combinePixels(image, image, blurred, FloatSharpen{m_amount + 1.0f, m_amount});
         return;
     }
     const std::int64_t k = fixedAmount(m_amount);
-    parallelRows(m_height, [&](int begin, int end) {
+    parallelRows(image.height, [&](int begin, int end) {
         for (int y = begin; y < end; ++y)
-            for (int x = 0; x < m_width; ++x)
+            for (int x = 0; x < image.width; ++x)
                 for (int c = 0; c < 3; ++c) {
                     if (!(channelMask >> c & 1)) continue;
                     Byte& in = image.at(x, y)[c];
-                    const std::int64_t out = (in * (k + kDecimals) - blur.at(x, y)[c] * k) / kDecimals;
+                    const std::int64_t out = (in * (k + kDecimals) - blurred.at(x, y)[c] * k) / kDecimals;
                     in = static_cast<Byte>(std::clamp<std::int64_t>(out, 0, 255));
                 }
     });

@@ -5,9 +5,9 @@
 #include <mutex>
 #include <optional>
 
+#include "zellab/imageproc/core/parallelRows.h"
 #include "zellab/imageproc/tone/colourHistograms.h"
 #include "zellab/imageproc/tone/levels.h"
-#include "zellab/imageproc/core/parallelRows.h"
 #include "zellab/imageproc/tone/toneTables.h"
 
 namespace zellab {
@@ -47,17 +47,24 @@ int swappedLuma(const Byte* pixel) {
 /// The picture as samples of `channels` bytes with what restricts the count.
 struct Source {
     Byte* data;
+    std::ptrdiff_t stride;  // bytes
     int width, height, channels;
-    const Byte* mask;     // null: all pixels count
-    LevelsRegion region;  // of the mean, inside the picture
+    PlaneView<const Byte> mask;  // not valid: all pixels count
+    LevelsRegion region;         // of the mean, inside the picture
 
-    Byte* row(int y) const { return data + std::ptrdiff_t{y} * width * channels; }
-    const Byte* maskRow(int y) const { return mask ? mask + std::ptrdiff_t{y} * width : nullptr; }
+    Byte* row(int y) const { return data + y * stride; }
 };
+
+/// The region inside a picture of that size; all of it where there is none.
+LevelsRegion limitedTo(int width, int height, const LevelsRegion* region) {
+    if (!region) return {0, height - 1, 0, width - 1};
+    return {std::max(region->top, 0), std::min(region->bottom, height - 1), std::max(region->left, 0),
+            std::min(region->right, width - 1)};
+}
 
 void countMaskedRow(const Source& source, int y, Counts& counts) {
     const Byte* pixel = source.row(y);
-    const Byte* const mask = source.maskRow(y);
+    const Byte* const mask = source.mask.row(y);
     const bool meanRow = y >= source.region.top && y <= source.region.bottom;
     for (int x = 0; x < source.width; ++x, pixel += source.channels) {
         if (mask[x] != kWhite) continue;
@@ -104,7 +111,7 @@ Counts count(const Source& source) {
     std::mutex mutex;
     parallelRows(source.height, [&](int begin, int end) {
         Counts band;
-        if (source.mask)
+        if (source.mask.valid())
             for (int y = begin; y < end; ++y) countMaskedRow(source, y, band);
         else
             countWholeRows(source, begin, end, band);
@@ -181,7 +188,7 @@ void applyMasked(const Source& source, const ByteTable& table) {
     parallelRows(source.height, [&](int begin, int end) {
         for (int y = begin; y < end; ++y) {
             Byte* pixel = source.row(y);
-            const Byte* const mask = source.maskRow(y);
+            const Byte* const mask = source.mask.row(y);
             for (int x = 0; x < source.width; ++x, pixel += source.channels)
                 for (int c = 0; c < (source.channels == 4 ? 3 : 1); ++c)
                     pixel[c] = static_cast<Byte>(pixel[c] + (table[pixel[c]] - pixel[c]) * mask[x] / kWhite);
@@ -189,25 +196,31 @@ void applyMasked(const Source& source, const ByteTable& table) {
     });
 }
 
+/// @param map  applies a table to the whole picture
+template <typename Map>
+void stretch(const Source& source, const Map& map) {
+    const std::optional<ByteTable> table = levelsTable(count(source), source.channels == 1);
+    if (!table) return;
+    if (source.mask.valid())
+        applyMasked(source, *table);
+    else
+        map(table->data());
+}
+
 }  // namespace
 
-void AutoLevels(unsigned char* rgba, int width, int height, int rowBytes, int useRegion, const int* region,
-                const unsigned char* mask) {
-    if (!rgba || width < 1 || height < 1) return;
-    const bool isPlane = rowBytes / width == 1;
-    Source source{rgba, width, height, isPlane ? 1 : 4, mask, {0, height - 1, 0, width - 1}};
-    if (useRegion != 0 && region)
-        source.region = {std::max(region[0], 0), std::min(region[1], height - 1), std::max(region[2], 0),
-                         std::min(region[3], width - 1)};
+void AutoLevels(ImageView image, const LevelsRegion* region, PlaneView<const Byte> mask) {
+    if (!image.valid()) return;
+    stretch({image.data, image.stride, image.width, image.height, ImageView::kChannels, mask,
+             limitedTo(image.width, image.height, region)},
+            [&](const Byte* table) { mapPixels(image, table); });
+}
 
-    const std::optional<ByteTable> table = levelsTable(count(source), isPlane);
-    if (!table) return;
-    if (mask)
-        applyMasked(source, *table);
-    else if (isPlane)
-        mapPlane({rgba, width, height}, table->data());
-    else
-        mapPixels({rgba, width, height}, table->data());
+void AutoLevels(PlaneView<Byte> plane, const LevelsRegion* region, PlaneView<const Byte> mask) {
+    if (!plane.valid()) return;
+    stretch({plane.data, plane.stride, plane.width, plane.height, 1, mask,
+             limitedTo(plane.width, plane.height, region)},
+            [&](const Byte* table) { mapPlane(plane, table); });
 }
 
 }  // namespace zellab

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "zellab/imageproc/core/imageView.h"
+
 namespace zellab {
 
 /// Levels as a table of 256 bytes.
@@ -18,13 +20,12 @@ struct LevelsRegion {
 };
 
 /// Stretches a picture between its histogram's 0.3 % tails and lifts it where it is dark; in place.
-/// @param rowBytes   4 * width for RGBA (bytes 0 to 2 change), width for a plane
-/// @param useRegion  not 0: the mean that decides the lift is taken over `region`, limited to the picture
-/// @param region     four integers as in LevelsRegion; read only with useRegion
-/// @param mask       null, or a plane of the picture's size: pixels count where it is 255, and each pixel
-///                   moves towards its new value by mask / 255
-/// Nothing happens for a null picture or a side below 1.
-void AutoLevels(unsigned char* rgba, int width, int height, int rowBytes, int useRegion, const int* region,
-                const unsigned char* mask);
+/// Of RGBA pixels bytes 0 to 2 change.
+/// @param region  where given, the mean that decides the lift is taken over it, limited to the picture
+/// @param mask    none (not valid), or of the picture's size: pixels count where it is 255, and each pixel
+///                moves towards its new value by mask / 255
+/// A view that is not valid stays.
+void AutoLevels(ImageView image, const LevelsRegion* region = nullptr, PlaneView<const Byte> mask = {});
+void AutoLevels(PlaneView<Byte> plane, const LevelsRegion* region = nullptr, PlaneView<const Byte> mask = {});
 
 }  // namespace zellab

@@ -129,8 +129,7 @@ void ContrastTable(int row, unsigned char* table) {
     roundCurve(curve, table);
 }
 
-void PSContrastBrightness::Run(unsigned char* rgba, int width, int height, float brightness, float contrast) {
-    const ImageView image(rgba, width, height);
+void PSContrastBrightness::Run(ImageView image, float brightness, float contrast) {
     if (!image.valid()) return;
     const float b = sliderValue(brightness), c = sliderValue(contrast);
     // Truncation of value + 0.5 rounds negative halves towards zero: -100 gives rows -149 and -49.

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "zellab/imageproc/core/imageView.h"
+
 namespace zellab {
 
 /// Brightness and contrast by families of curves: one curve of 256 bytes for every step of a slider.
@@ -10,7 +12,7 @@ public:
     /// Brightness first, then contrast on its result; bytes 0 to 2 of an RGBA picture in place.
     /// @param brightness, contrast  -100 to 100, limited to that range; 0 (and NaN) leaves the picture.
     ///        The steps reach brightness rows -149 to 150 and contrast rows -49 to 100.
-    void Run(unsigned char* rgba, int width, int height, float brightness, float contrast);
+    void Run(ImageView image, float brightness, float contrast);
 };
 
 /// Fills 256 entries with the brightness curve of a row in -150..150; all zero for row 0 and outside.

@@ -68,9 +68,8 @@ void mapBlended(ImageView image, const ByteTable& red, const ByteTable& green, c
 }
 
 /// @param redKnee, blueKnee  levels that 128 becomes; green's is the same in both directions
-void blendKnees(unsigned char* rgba, int width, int height, int redKnee, int blueKnee, float strength) {
+void blendKnees(ImageView image, int redKnee, int blueKnee, float strength) {
     constexpr int kGreenKnee = 138;
-    const ImageView image(rgba, width, height);
     if (!image.valid() || !std::isfinite(strength)) return;
     mapBlended(image, kneeCurve(redKnee), kneeCurve(kGreenKnee), kneeCurve(blueKnee), strength);
 }
@@ -79,8 +78,7 @@ constexpr int kLowKnee = 103, kHighKnee = 153;
 
 }  // namespace
 
-void ColorTemperatureBlend(unsigned char* rgba, int width, int height, float strength, char flag) {
-    const ImageView image(rgba, width, height);
+void ColorTemperatureBlend(ImageView image, float strength, char flag) {
     if (!image.valid() || std::isnan(strength)) return;
     const float limited = std::clamp(strength, 0.0f, 1.0f);
     const float distance = std::abs(limited - 0.5f);
@@ -91,12 +89,12 @@ void ColorTemperatureBlend(unsigned char* rgba, int width, int height, float str
                2.0f * distance);
 }
 
-void ToneTableBlend(unsigned char* rgba, int width, int height, float strength) {
-    blendKnees(rgba, width, height, kLowKnee, kHighKnee, strength);
+void ToneTableBlend(ImageView image, float strength) {
+    blendKnees(image, kLowKnee, kHighKnee, strength);
 }
 
-void ToneTableBlendWarm(unsigned char* rgba, int width, int height, float strength) {
-    blendKnees(rgba, width, height, kHighKnee, kLowKnee, strength);
+void ToneTableBlendWarm(ImageView image, float strength) {
+    blendKnees(image, kHighKnee, kLowKnee, strength);
 }
 
 }  // namespace zellab

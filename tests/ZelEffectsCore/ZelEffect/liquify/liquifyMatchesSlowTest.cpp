@@ -34,7 +34,7 @@ TEST(LiquifyMatchesSlow, InEveryModeAndPlace) {
                 zeltest::onEveryMachine([&] {
                     Bytes actual = picture;
                     zellab::CLiquify brush;
-                    brush.setImage(actual.data(), size.width, size.height);
+                    brush.setImage({actual.data(), size.width, size.height});
                     brush.setRadius(radius);
                     brush.setStrength(signedPercent);
                     brush.apply(x1, y1, x2, y2, mode);

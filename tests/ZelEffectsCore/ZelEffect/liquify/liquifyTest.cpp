@@ -61,7 +61,7 @@ Bytes slowStroke(const Bytes& before, int width, int height, const Stroke& s) {
                 u.x = std::clamp(u.x, -gx - static_cast<float>(px), static_cast<float>(width - x - 1));
                 u.y = std::clamp(u.y, -gy - static_cast<float>(py), static_cast<float>(height - y - 1));
                 next[static_cast<std::size_t>(y * width + x)] = u;
-                zellab::SampleBicubicPixel(before.data(), after.data(), width, height,
+                zellab::SampleBicubicPixel({before.data(), width, height}, {after.data(), width, height},
                                            {static_cast<float>(x) + u.x, static_cast<float>(y) + u.y},
                                            {static_cast<float>(x), static_cast<float>(y)});
             }
@@ -82,7 +82,7 @@ Bytes slowStroke(const Bytes& before, int width, int height, const Stroke& s) {
 
 Bytes stroked(Bytes picture, int width, int height, const Stroke& s) {
     CLiquify brush;
-    brush.setImage(picture.data(), width, height);
+    brush.setImage({picture.data(), width, height});
     brush.setRadius(s.radius);
     brush.setStrength(s.percent);
     brush.apply(s.x1, s.y1, s.x2, s.y2, s.mode);
@@ -131,7 +131,7 @@ TEST(Liquify, NoDisplacementCarriesOver) {
     const Stroke push{60, 50, 30, 20, 2, 12, 100}, bulge{40, 30, 40, 30, 0, 20, 100};
     const Bytes expected = stroked(stroked(twice, kWidth, kHeight, push), kWidth, kHeight, bulge);
     CLiquify brush;
-    brush.setImage(twice.data(), kWidth, kHeight);
+    brush.setImage({twice.data(), kWidth, kHeight});
     brush.setStrength(100);
     brush.setRadius(push.radius);
     brush.apply(push.x1, push.y1, push.x2, push.y2, 2);

@@ -2,11 +2,11 @@
 
 #include <random>
 
-#include "zellab/geometry/pointDeform.h"
 #include "ZelEffectsCore/ZelEffect/mesh_warp/triangleWarp.h"
 #include "reference/slowMeshWarp.h"
 #include "support/everyMachine.h"
 #include "zellab/geometry/linearSolve.h"
+#include "zellab/geometry/pointDeform.h"
 
 namespace {
 
@@ -74,8 +74,8 @@ TEST(TriangleWarpMatchesSlow, BitForBit) {
             for (std::size_t k = 0; k < 6; ++k) ASSERT_EQ(slowMap[k], map[k]) << "round " << round;
         }
         SCOPED_TRACE(testing::Message() << "round " << round << ", " << width << " by " << height);
-        zellab::WarpByTriangles(table, source.data(), actual.data(), width, height, from.data(), to.data(),
-                                triangles, 2);
+        zellab::WarpByTriangles(table, {source.data(), width, height}, {actual.data(), width, height},
+                                from.data(), to.data(), triangles, 2);
         ASSERT_TRUE(zeltest::sameSamples(expected, actual, width * 4));
         zeltest::onEveryMachine([&] {
             Bytes inPlace = source;

@@ -101,7 +101,7 @@ TEST(SampleBicubicPixel, MatchesTheTapByTapSumInsideAndBeyondThePicture) {
             const Vector2f at{x(random), y(random)};
             zeltest::Bytes dst = zeltest::randomRgba(width, height, 9);
             const unsigned char alpha = dst[3];
-            SampleBicubicPixel(src.data(), dst.data(), width, height, at, {0.9f, -0.9f});
+            SampleBicubicPixel({src.data(), width, height}, {dst.data(), width, height}, at, {0.9f, -0.9f});
             for (std::size_t c = 0; c < 3; ++c)
                 ASSERT_EQ(dst[c], slowSample(src, width, height, at, c)) << at.x << ',' << at.y;
             ASSERT_EQ(dst[3], alpha);
@@ -167,8 +167,8 @@ TEST(TriangleWarp, InPlaceAndWholeCopyGiveTheBytesOfTheSlowOrder) {
                         slowSample(before, kWidth, kHeight, at, c);
             }
     }
-    WarpByTriangles(table, before.data(), whole.data(), kWidth, kHeight, mesh.from.data(), mesh.to.data(),
-                    mesh.triangles.data(), mesh.count());
+    WarpByTriangles(table, {before.data(), kWidth, kHeight}, {whole.data(), kWidth, kHeight},
+                    mesh.from.data(), mesh.to.data(), mesh.triangles.data(), mesh.count());
     EXPECT_TRUE(whole == slow);
     for (int workers : {1, 3}) {
         const WorkerCount limit(workers);
@@ -206,8 +206,8 @@ TEST(TriangleWarp, DegenerateAndHostileTrianglesStayInThePicture) {
             zeltest::Bytes whole = source;
             const Triangle from = {Vector2f{1, 2}, {9, 3}, {v, 8}}, to = {Vector2f{0, 0}, {v, 7}, {0, 0}};
             warpInPlace(ImageView(inPlace.data(), width, height), from.data(), to.data(), triangle, 1);
-            WarpByTriangles({}, source.data(), whole.data(), width, height, from.data(), to.data(), triangle,
-                            1);
+            WarpByTriangles({}, {source.data(), width, height}, {whole.data(), width, height}, from.data(),
+                            to.data(), triangle, 1);
             EXPECT_TRUE(inPlace == whole) << v;
         }
 }

@@ -20,20 +20,25 @@ struct Member {
 
 const Member kMembers[] = {
     {"StackBlurRGBA", 4, true,
-     [](unsigned char* p, int w, int h, int r) { zellab::StackBlurRGBA(p, w, h, r); },
+     [](unsigned char* p, int w, int h, int r) {
+         zellab::StackBlurRGBA({p, w, h}, r);
+     },
      [](Bytes& p, int w, int h, int r) { slow::stackBlurEx(p, w, h, w * 4, r); }},
-    // Any row size but the width means four bytes a pixel, in rows of four times the width.
-    {"StackBlurEx with two bytes a pixel", 4, true,
-     [](unsigned char* p, int w, int h, int r) { zellab::CStackBlur::StackBlurEx(p, w, h, w * 2, r); },
-     [](Bytes& p, int w, int h, int r) { slow::stackBlurEx(p, w, h, w * 2, r); }},
     {"StackBlurGray", 1, true,
-     [](unsigned char* p, int w, int h, int r) { zellab::StackBlurGray(p, w, h, r); },
+     [](unsigned char* p, int w, int h, int r) {
+         zellab::StackBlurGray({p, w, h}, r);
+     },
      [](Bytes& p, int w, int h, int r) { slow::stackBlurEx(p, w, h, w, r); }},
     {"StackBlurAllChannels", 4, false,
-     [](unsigned char* p, int w, int h, int r) { zellab::StackBlurAllChannels(p, w, h, r); },
+     [](unsigned char* p, int w, int h, int r) {
+         zellab::StackBlurAllChannels({p, w, h}, r);
+     },
      slow::stackBlurAllChannels},
     {"MaskStackBlur", 4, false,
-     [](unsigned char* p, int w, int h, int r) { zellab::MaskStackBlur(p, w, h, r); }, slow::maskStackBlur},
+     [](unsigned char* p, int w, int h, int r) {
+         zellab::MaskStackBlur({p, w, h}, r);
+     },
+     slow::maskStackBlur},
 };
 
 void compare(const Member& member, Size size, int radius, const Bytes& picture) {

@@ -10,9 +10,9 @@
 #include <thread>
 
 #include "frame/processorCount.h"
-#include "zel_effects/zel_effects.h"
 #include "platform/simdLevel.h"
 #include "support/randomImage.h"
+#include "zel_effects/zel_effects.h"
 #include "zellab/imageproc/blur/stackBlurLanes.h"
 
 namespace {
@@ -32,12 +32,26 @@ struct Member {
 };
 
 const Member kMembers[] = {
-    {"gray", [](auto* p, int w, int h, int r) { CStackBlur::StackBlurExGray(p, w, h, r, 2); }, 1,
-     [](std::size_t) { return true; }},
-    {"rgba", [](auto* p, int w, int h, int r) { CStackBlur::StackBlurExOptimized(p, w, h, r, 2); }, 4,
-     [](std::size_t channel) { return channel < 3; }},
-    {"all", zellab::StackBlurAllChannels, 4, [](std::size_t) { return true; }},
-    {"mask", zellab::MaskStackBlur, 4, [](std::size_t channel) { return channel == 0; }},
+    {"gray",
+     [](auto* p, int w, int h, int r) {
+         CStackBlur::StackBlurExGray({p, w, h}, r, 2);
+     },
+     1, [](std::size_t) { return true; }},
+    {"rgba",
+     [](auto* p, int w, int h, int r) {
+         CStackBlur::StackBlurExOptimized({p, w, h}, r, 2);
+     },
+     4, [](std::size_t channel) { return channel < 3; }},
+    {"all",
+     [](auto* p, int w, int h, int r) {
+         zellab::StackBlurAllChannels({p, w, h}, r);
+     },
+     4, [](std::size_t) { return true; }},
+    {"mask",
+     [](auto* p, int w, int h, int r) {
+         zellab::MaskStackBlur({p, w, h}, r);
+     },
+     4, [](std::size_t channel) { return channel == 0; }},
 };
 
 Bytes randomFor(const Member& member, int width, int height) {
@@ -51,11 +65,11 @@ const int kSizes[][2] = {{1, 1}, {1, 70}, {70, 1}, {2, 2}, {15, 33}, {17, 9}, {6
 // the only row repeats and stays.
 TEST(StackBlur, OneBrightSampleSpreadsAsATriangle) {
     Bytes row = {0, 0, 0, 255, 0, 0, 0};
-    CStackBlur::StackBlurExGray(row.data(), 7, 1, 1, 1);
+    CStackBlur::StackBlurExGray({row.data(), 7, 1}, 1, 1);
     EXPECT_EQ(row, (Bytes{0, 0, 63, 127, 63, 0, 0}));
     // At the edge the repeats weigh in: (2 + 1) * 255 / 4.
     Bytes edge = {255, 0, 0};
-    CStackBlur::StackBlurExGray(edge.data(), 3, 1, 1, 1);
+    CStackBlur::StackBlurExGray({edge.data(), 3, 1}, 1, 1);
     EXPECT_EQ(edge, (Bytes{191, 63, 0}));
 }
 
@@ -64,7 +78,7 @@ TEST(StackBlur, OneBrightSampleSpreadsAsATriangle) {
 TEST(StackBlur, RadiiFarBeyondTheLineAverageItsEnds) {
     for (int radius : {2900, 5000, 100'000, 190'000'000, INT_MAX}) {
         Bytes row = {0, 255};
-        CStackBlur::StackBlurExGray(row.data(), 2, 1, radius, 1);
+        CStackBlur::StackBlurExGray({row.data(), 2, 1}, radius, 1);
         EXPECT_EQ(row, (Bytes{127, 127})) << radius;
     }
 }
@@ -101,9 +115,9 @@ TEST(StackBlur, WorkersAndVectorFormsChangeNothing) {
                         const WorkerCount count(workers);
                         Bytes result = image;
                         if (member.name == std::string("rgba"))
-                            CStackBlur::StackBlurExOptimized(result.data(), width, height, radius, workers);
+                            CStackBlur::StackBlurExOptimized({result.data(), width, height}, radius, workers);
                         else if (member.name == std::string("gray"))
-                            CStackBlur::StackBlurExGray(result.data(), width, height, radius, workers);
+                            CStackBlur::StackBlurExGray({result.data(), width, height}, radius, workers);
                         else
                             member.blur(result.data(), width, height, radius);
                         if (expected.empty()) expected = result;
@@ -149,15 +163,15 @@ TEST(StackBlur, TheEntryLimitsTheRadiusByTheShorterSide) {
         SCOPED_TRACE(testing::Message() << c.width << 'x' << c.height << " radius " << c.radius);
         const Bytes rgba = zeltest::randomRgba(c.width, c.height, 3);
         Bytes entry = rgba, exported = rgba, direct = rgba;
-        zellab::StackBlurRGBA(entry.data(), c.width, c.height, c.radius);
+        zellab::StackBlurRGBA({entry.data(), c.width, c.height}, c.radius);
         ZelImageCore::TableBase::ImageProcessWithGaussBlur(exported.data(), c.width, c.height, c.radius);
-        CStackBlur::StackBlurExOptimized(direct.data(), c.width, c.height, c.used, 1);
+        CStackBlur::StackBlurExOptimized({direct.data(), c.width, c.height}, c.used, 1);
         EXPECT_EQ(entry, direct);
         EXPECT_EQ(exported, direct);
         const Bytes plane = zeltest::randomPlane(c.width, c.height, 3);
         Bytes gray = plane, directGray = plane;
-        CStackBlur::StackBlurEx(gray.data(), c.width, c.height, c.width, c.radius);
-        CStackBlur::StackBlurExGray(directGray.data(), c.width, c.height, c.used, 1);
+        zellab::StackBlurGray({gray.data(), c.width, c.height}, c.radius);
+        CStackBlur::StackBlurExGray({directGray.data(), c.width, c.height}, c.used, 1);
         EXPECT_EQ(gray, directGray);
     }
 }
@@ -166,9 +180,9 @@ TEST(StackBlur, TheEntryLimitsTheRadiusByTheShorterSide) {
 TEST(StackBlur, FiveLongRowsAreBlurredAsOne) {
     const Bytes plane = zeltest::randomPlane(7300, 5, 2);
     Bytes one = plane, two = plane;
-    CStackBlur::StackBlurExGray(one.data(), 7300, 5, 1, 1);
+    CStackBlur::StackBlurExGray({one.data(), 7300, 5}, 1, 1);
     const WorkerCount workers(2);
-    zellab::StackBlurGray(two.data(), 7300, 5, 1);
+    zellab::StackBlurGray({two.data(), 7300, 5}, 1);
     EXPECT_EQ(one, two);
 }
 
@@ -185,8 +199,6 @@ TEST(StackBlur, BadInputLeavesThePicture) {
                                                     {20, 20, INT_MIN}})
             member.blur(work.data(), width, height, radius);
     }
-    for (int rowBytes : {19, 0, -80, INT_MIN}) CStackBlur::StackBlurEx(work.data(), 20, 20, rowBytes, 3);
-    CStackBlur::StackBlurEx(nullptr, 20, 20, 80, 3);
     ZelImageCore::TableBase::ImageProcessWithGaussBlur(nullptr, 20, 20, 3);
     EXPECT_EQ(work, image);
 }
@@ -195,13 +207,13 @@ TEST(StackBlur, EightCallsAtOnceGiveTheBytesOfOne) {
     const int width = 211, height = 190;
     const Bytes image = zeltest::randomRgba(width, height, 5);
     Bytes expected = image;
-    zellab::StackBlurRGBA(expected.data(), width, height, 11);
+    zellab::StackBlurRGBA({expected.data(), width, height}, 11);
     std::vector<Bytes> results(8, image);
     std::vector<std::thread> threads;
     for (Bytes& result : results)
         threads.emplace_back([&] {
             const WorkerCount workers(2);
-            zellab::StackBlurRGBA(result.data(), width, height, 11);
+            zellab::StackBlurRGBA({result.data(), width, height}, 11);
         });
     for (std::thread& thread : threads) thread.join();
     for (const Bytes& result : results) EXPECT_EQ(result, expected);

@@ -48,10 +48,12 @@ TEST(YCbCrMatchesSlow, OnPlanesOfAnyLength) {
             planes[3].push_back(byte(slow::gray(colour)));
         }
         zeltest::onEveryMachine([&] {
-            Bytes source = rgba, out[4];
+            Bytes out[4];
             for (auto& plane : out) plane.resize(static_cast<std::size_t>(count));
-            zellab::RGBAToYCbCrPlanes(source.data(), out[0].data(), out[1].data(), out[2].data(), count);
-            zellab::RGBAToGray(source.data(), out[3].data(), count);
+            const zellab::ConstImageView source(rgba.data(), count, 1);
+            zellab::RGBAToYCbCrPlanes(source, {out[0].data(), count, 1}, {out[1].data(), count, 1},
+                                      {out[2].data(), count, 1});
+            zellab::RGBAToGray(source, {out[3].data(), count, 1});
             for (int k = 0; k < 4; ++k) ASSERT_TRUE(zeltest::sameSamples(planes[k], out[k], count)) << k;
         });
     }
@@ -69,7 +71,7 @@ TEST(GrayMatchesSlow, OnAllRedsAndGreens) {
             }
         zeltest::onEveryMachine([&] {
             Bytes actual(256 * 256);
-            zellab::RGBAToGray(rgba.data(), actual.data(), 256 * 256);
+            zellab::RGBAToGray({rgba.data(), 256, 256}, {actual.data(), 256, 256});
             ASSERT_TRUE(zeltest::sameSamples(expected, actual, 256))
                 << "rows red, samples green, blue " << blue;
         });
@@ -94,8 +96,8 @@ TEST(ColorCubeMatchesSlow, OnRandomCubesOfBothSizes) {
             Bytes expected = picture;
             slow::colorCube(expected, cube, steps);
             zeltest::compareEverywhere(expected, picture, size.width * 4, [&](Bytes& actual) {
-                (steps == 16 ? zellab::ApplyColorCube : zellab::ApplyColorCube64)(actual.data(), cube.data(),
-                                                                                  size.width, size.height);
+                (steps == 16 ? zellab::ApplyColorCube : zellab::ApplyColorCube64)(
+                    {actual.data(), size.width, size.height}, cube.data());
             });
         };
         compare(grey, {256, 1});
@@ -113,7 +115,7 @@ TEST(ColorAdjustMatchesSlow, OnEveryPercentageAndLift) {
         slowForm(expected, amount);
         zeltest::onEveryMachine([&] {
             Bytes actual = picture;
-            engine(actual.data(), size.width, size.height, amount);
+            engine({actual.data(), size.width, size.height}, amount);
             ASSERT_TRUE(zeltest::sameSamples(expected, actual, size.width * 4)) << "amount " << amount;
         });
     };

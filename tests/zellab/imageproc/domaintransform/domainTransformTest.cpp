@@ -18,7 +18,7 @@ using zeltest::Bytes;
 
 Bytes filtered(Bytes rgba, int width, float sigmaSpace, float sigmaRange, int iterations) {
     const int height = static_cast<int>(rgba.size()) / 4 / width;
-    DomainTransformRGBA(rgba.data(), width, height, width * 4, sigmaSpace, sigmaRange, iterations, true);
+    DomainTransformRGBA({rgba.data(), width, height}, sigmaSpace, sigmaRange, iterations, true);
     return rgba;
 }
 
@@ -50,12 +50,12 @@ TEST(DomainTransform, SmoothsFaintNoiseAndKeepsTheStrongEdge) {
 // a = exp(-sqrt 2 / 5) = 0.7536, here over two samples of equal difference 0 and 3 * 8.
 TEST(DomainTransform, TwoSamplesByHand) {
     Bytes pair = {100, 108};
-    DomainTransformPlane(pair.data(), 2, 1, 2, 5.0f, 1000.0f, 1, false);
+    DomainTransformPlane({pair.data(), 2, 1}, 5.0f, 1000.0f, 1, false);
     // Forth: 108 - trunc(8 * 0.7536) = 102. Back: 100 + trunc(2 * 0.7536) = 101.
     EXPECT_EQ(pair, (Bytes{101, 102}));
     // Difference 24 at ratio 5 / 120 is one more step: 0.7536 squared is 0.5679.
     Bytes apart = {100, 108};
-    DomainTransformPlane(apart.data(), 2, 1, 2, 5.0f, 120.0f, 1, false);
+    DomainTransformPlane({apart.data(), 2, 1}, 5.0f, 120.0f, 1, false);
     EXPECT_EQ(apart, (Bytes{102, 104}));
 }
 
@@ -70,12 +70,8 @@ TEST(DomainTransform, FlatPicturesAndUselessArgumentsChangeNothing) {
     EXPECT_EQ(filtered(noise, 33, nan, 50, 3), noise);
     EXPECT_EQ(filtered(noise, 33, 16, nan, 3), noise);
     Bytes same = noise;
-    DomainTransformRGBA(nullptr, 33, 70, 33 * 4, 16, 50, 3, true);
-    DomainTransformRGBA(same.data(), 33, 70, 33 * 4 - 1, 16, 50, 3, true);
-    DomainTransformRGBA(same.data(), -33, 70, 33 * 4, 16, 50, 3, true);
-    DomainTransformPlane(nullptr, 33, 70, 33, 16, 50, 3, true);
-    DomainTransformPlane(same.data(), 33, 0, 33, 16, 50, 3, true);
-    DomainTransformPlane(same.data(), 33, 70, 32, 16, 50, 3, true);
+    DomainTransformRGBA({nullptr, 33, 70}, 16, 50, 3, true);
+    DomainTransformPlane({same.data(), 33, 0}, 16, 50, 3, true);
     EXPECT_EQ(same, noise);
 }
 
@@ -86,15 +82,14 @@ TEST(DomainTransform, OddShapesAndSigmasStayInside) {
         for (float space : {1e-20f, 3.0f, 1e20f, infinity, -4.0f})
             for (float range : {0.0f, 1e-20f, 30.0f, -30.0f}) {
                 zeltest::GuardedBytes rgba(static_cast<std::size_t>(width * height * 4));
-                zeltest::GuardedBytes spaced(static_cast<std::size_t>(width * height * 3));
+                zeltest::GuardedBytes plane(static_cast<std::size_t>(width * height));
                 for (std::size_t i = 0; i < rgba.size(); ++i)
                     rgba.data()[i] = static_cast<unsigned char>(i * 37);
-                for (std::size_t i = 0; i < spaced.size(); i += 3)
-                    spaced.data()[i] = static_cast<unsigned char>(i * 37);
-                DomainTransformRGBA(rgba.data(), width, height, width * 4, space, range, 2, true);
-                DomainTransformPlane(spaced.data(), width, height, width * 3, space, range, 2, true);
-                ASSERT_TRUE(rgba.guardsIntact() && spaced.guardsIntact());
-                for (std::size_t i = 0; i < spaced.size(); ++i) ASSERT_TRUE(i % 3 == 0 || spaced[i] == 0x66);
+                for (std::size_t i = 0; i < plane.size(); ++i)
+                    plane.data()[i] = static_cast<unsigned char>(i * 37);
+                DomainTransformRGBA({rgba.data(), width, height}, space, range, 2, true);
+                DomainTransformPlane({plane.data(), width, height}, space, range, 2, true);
+                ASSERT_TRUE(rgba.guardsIntact() && plane.guardsIntact());
             }
 }
 

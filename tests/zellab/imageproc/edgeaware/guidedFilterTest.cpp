@@ -24,7 +24,7 @@ struct Floats {
 Bytes filtered(Bytes rgba, int width, Floats f, int radius, bool smooth = false) {
     static const zellab::GuidedFilterColor filter;
     const int height = static_cast<int>(rgba.size()) / 4 / width;
-    filter.Run(rgba.data(), width, height, f.exponent, f.scale, f.factor, radius, smooth);
+    filter.Run({rgba.data(), width, height}, f.exponent, f.scale, f.factor, radius, smooth);
     return rgba;
 }
 
@@ -137,19 +137,19 @@ TEST(GuidedFilterColor, BadArgumentsAndOddShapes) {
     EXPECT_EQ(filtered(noise, 30, {1.0f, 0.1f, nan}, 3), noise);
     EXPECT_EQ(filtered(noise, 30, {1.0f, 0.1f, 0.1f}, -1), noise);
     const zellab::GuidedFilterColor filter;
-    filter.Run(nullptr, 30, 20, 1.0f, 0.1f, 0.1f, 3, false);
-    filter.Run(const_cast<unsigned char*>(noise.data()), 30, -20, 1.0f, 0.1f, 0.1f, 3, false);
+    filter.Run({}, 1.0f, 0.1f, 0.1f, 3, false);
     for (const auto& [width, height] : {std::pair{1, 1}, std::pair{1, 900}, std::pair{900, 1}})
         for (bool smooth : {false, true}) {
             zeltest::GuardedBytes rgba(static_cast<std::size_t>(width * height * 4));
-            filter.Run(rgba.data(), width, height, 1.0f, 0.1f, 0.1f, 5, smooth);
+            filter.Run({rgba.data(), width, height}, 1.0f, 0.1f, 0.1f, 5, smooth);
             EXPECT_TRUE(rgba.guardsIntact());
         }
 }
 
 Bytes guided(Bytes plane, const Bytes& guide, int width, int radius, float epsilon, float scale) {
-    zellab::GuidedFilterPlane(plane.data(), guide.data(), width, static_cast<int>(plane.size()) / width,
-                              radius, epsilon, scale);
+    const int height = static_cast<int>(plane.size()) / width;
+    zellab::GuidedFilterPlane({plane.data(), width, height}, {guide.data(), width, height}, radius, epsilon,
+                              scale);
     return plane;
 }
 
@@ -205,11 +205,15 @@ TEST(GuidedFilterPlane, WorkersOddShapesAndBadArguments) {
         for (int radius : {-4, 0, 2, INT_MAX}) {
             const Bytes guide = zeltest::randomRgba(width, height, 2);
             zeltest::GuardedBytes buffer(static_cast<std::size_t>(width * height), 31);
-            zellab::GuidedFilterPlane(buffer.data(), guide.data(), width, height, radius, 0.1f, 4.0f);
+            zellab::GuidedFilterPlane({buffer.data(), width, height}, {guide.data(), width, height}, radius,
+                                      0.1f, 4.0f);
             EXPECT_TRUE(buffer.guardsIntact() && buffer.allAre(31));
-            zellab::GuidedFilterPlane(buffer.data(), nullptr, width, height, radius, 0.1f, 4.0f);
-            zellab::GuidedFilterPlane(nullptr, guide.data(), width, height, radius, 0.1f, 4.0f);
-            zellab::GuidedFilterPlane(buffer.data(), guide.data(), width, 0, radius, 0.1f, 4.0f);
+            zellab::GuidedFilterPlane({buffer.data(), width, height}, {nullptr, width, height}, radius, 0.1f,
+                                      4.0f);
+            zellab::GuidedFilterPlane({nullptr, width, height}, {guide.data(), width, height}, radius, 0.1f,
+                                      4.0f);
+            zellab::GuidedFilterPlane({buffer.data(), width, 0}, {guide.data(), width, 0}, radius, 0.1f,
+                                      4.0f);
         }
 }
 

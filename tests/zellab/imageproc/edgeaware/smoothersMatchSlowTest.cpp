@@ -31,8 +31,8 @@ TEST(DomainTransformMatchesSlow, InBothForms) {
             SCOPED_TRACE(testing::Message() << w << " by " << h << ", " << space << ", " << range);
             zeltest::onEveryMachine([&, space = space, range = range, n = n] {
                 Bytes four = rgba, one = plane;
-                zellab::DomainTransformRGBA(four.data(), w, h, w * 4, space, range, n, true);
-                zellab::DomainTransformPlane(one.data(), w, h, w, space, range, n, true);
+                zellab::DomainTransformRGBA({four.data(), w, h}, space, range, n, true);
+                zellab::DomainTransformPlane({one.data(), w, h}, space, range, n, true);
                 ASSERT_TRUE(zeltest::sameSamples(expectedRgba, four, w * 4));
                 ASSERT_TRUE(zeltest::sameSamples(expectedPlane, one, w));
             });
@@ -50,11 +50,11 @@ TEST(SurfaceBlurMatchesSlow, WithEveryReach) {
             for (unsigned char& m : mask) m = m < 60 ? 0 : m;
             slow::surfaceBlur(expected, w, h, radius, threshold, mask);
             SCOPED_TRACE(testing::Message() << w << " by " << h << ", " << radius << ", " << threshold);
-            zeltest::compareEverywhere(expected, rgba, w * 4,
-                                       [&, radius = radius, threshold = threshold](Bytes& actual) {
-                                           ASSERT_TRUE(zellab::SurfaceBlurFilter().Run(
-                                               actual.data(), w, h, w * 4, radius, threshold, mask.data()));
-                                       });
+            zeltest::compareEverywhere(
+                expected, rgba, w * 4, [&, radius = radius, threshold = threshold](Bytes& actual) {
+                    ASSERT_TRUE(zellab::SurfaceBlurFilter().Run({actual.data(), w, h}, radius, threshold,
+                                                                {mask.data(), w, h}));
+                });
             ASSERT_FALSE(HasFailure());
         }
 }

@@ -16,7 +16,8 @@ using zeltest::Bytes;
 Bytes edgesOf(const Bytes& plane, int width, int low, int high, bool automatic = false) {
     const int height = static_cast<int>(plane.size()) / width;
     Bytes edges(plane.size(), 0x55);
-    EXPECT_TRUE(EdgeDetectCanny(plane.data(), edges.data(), width, height, width, 0, low, high, automatic));
+    EXPECT_TRUE(
+        EdgeDetectCanny({plane.data(), width, height}, {edges.data(), width, height}, low, high, automatic));
     return edges;
 }
 
@@ -63,18 +64,17 @@ TEST(EdgeDetectCanny, AutomaticThresholdsFollowThePicture) {
 
 TEST(EdgeDetectCanny, BadArgumentsAndOddShapes) {
     Bytes plane(5000, 1), edges(5000, 0x55);
-    EXPECT_FALSE(EdgeDetectCanny(nullptr, edges.data(), 50, 100, 50, 0, 5, 10, false));
-    EXPECT_FALSE(EdgeDetectCanny(plane.data(), nullptr, 50, 100, 50, 0, 5, 10, false));
-    EXPECT_FALSE(EdgeDetectCanny(plane.data(), edges.data(), 50, 100, 51, 0, 5, 10, false));
-    EXPECT_FALSE(EdgeDetectCanny(plane.data(), edges.data(), 1, 5000, 1, 0, 5, 10, false));
-    EXPECT_FALSE(EdgeDetectCanny(plane.data(), edges.data(), 5000, 1, 5000, 0, 5, 10, false));
-    EXPECT_FALSE(EdgeDetectCanny(plane.data(), edges.data(), -50, -100, -50, 0, 5, 10, true));
+    EXPECT_FALSE(EdgeDetectCanny({nullptr, 50, 100}, {edges.data(), 50, 100}, 5, 10, false));
+    EXPECT_FALSE(EdgeDetectCanny({plane.data(), 50, 100}, {nullptr, 50, 100}, 5, 10, false));
+    EXPECT_FALSE(EdgeDetectCanny({plane.data(), 1, 5000}, {edges.data(), 1, 5000}, 5, 10, false));
+    EXPECT_FALSE(EdgeDetectCanny({plane.data(), 5000, 1}, {edges.data(), 5000, 1}, 5, 10, false));
+    EXPECT_FALSE(EdgeDetectCanny({plane.data(), -50, -100}, {edges.data(), -50, -100}, 5, 10, true));
     EXPECT_EQ(edges, Bytes(5000, 0x55));
     for (const auto& [width, height] :
          {std::pair{2, 2}, std::pair{2, 1000}, std::pair{1000, 2}, std::pair{3, 3}}) {
         const Bytes noise = zeltest::randomPlane(width, height, 3);
         zeltest::GuardedBytes out(noise.size());
-        EXPECT_TRUE(EdgeDetectCanny(noise.data(), out.data(), width, height, width, 0, 1, 2, true));
+        EXPECT_TRUE(EdgeDetectCanny({noise.data(), width, height}, {out.data(), width, height}, 1, 2, true));
         EXPECT_TRUE(out.guardsIntact());
     }
 }
@@ -84,7 +84,7 @@ TEST(EdgeDetectCanny, WorkersLevelsAndWorkingInPlaceChangeNothing) {
     for (bool automatic : {false, true}) {
         zeltest::expectSameOnEveryMachine([&] { return edgesOf(plane, 157, 5, 10, automatic); });
         Bytes inPlace = plane;
-        EdgeDetectCanny(inPlace.data(), inPlace.data(), 157, 301, 157, 0, 5, 10, automatic);
+        EdgeDetectCanny({inPlace.data(), 157, 301}, {inPlace.data(), 157, 301}, 5, 10, automatic);
         EXPECT_EQ(inPlace, edgesOf(plane, 157, 5, 10, automatic));
     }
 }

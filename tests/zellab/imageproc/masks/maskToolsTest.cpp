@@ -25,7 +25,7 @@ Bytes randomMask(int width, int height, int chance, unsigned seed) {
 }
 
 Bytes filledFrom(Bytes mask, int width, int x, int y) {
-    ScanlineFloodFill(mask.data(), width, static_cast<int>(mask.size()) / width, x, y);
+    ScanlineFloodFill({mask.data(), width, static_cast<int>(mask.size()) / width}, x, y);
     return mask;
 }
 
@@ -52,13 +52,13 @@ TEST(FloodFill, SeedsAreLimitedAndBadArgumentsIgnored) {
     Bytes wall = empty;
     wall[11] = 9;
     EXPECT_EQ(filledFrom(wall, 4, INT_MAX, INT_MAX), wall);
-    ScanlineFloodFill(nullptr, 4, 3, 0, 0);
+    ScanlineFloodFill({nullptr, 4, 3}, 0, 0);
     Bytes untouched = empty;
-    ScanlineFloodFill(untouched.data(), 0, 3, 0, 0);
-    ScanlineFloodFill(untouched.data(), 4, -3, 0, 0);
+    ScanlineFloodFill({untouched.data(), 0, 3}, 0, 0);
+    ScanlineFloodFill({untouched.data(), 4, -3}, 0, 0);
     EXPECT_EQ(untouched, empty);
     zeltest::GuardedBytes line(5000, 0);
-    ScanlineFloodFill(line.data(), 1, 5000, 0, 4999);
+    ScanlineFloodFill({line.data(), 1, 5000}, 0, 4999);
     EXPECT_TRUE(line.allAre(255) && line.guardsIntact());
 }
 
@@ -66,7 +66,7 @@ TEST(FloodFill, SeedsAreLimitedAndBadArgumentsIgnored) {
 TEST(Morphology, NarrowPlanesSpreadInReadingOrder) {
     Bytes mask(3 * 9, 0);
     mask[4 * 3 + 2] = 255;
-    BoxMorphology(mask.data(), 3, 9, 1, true);
+    BoxMorphology({mask.data(), 3, 9}, 1, true);
     Bytes expected(3 * 9, 255);
     std::fill_n(expected.begin(), 3 * 3, static_cast<unsigned char>(0));
     expected[3 * 3] = 0;  // two columns left of the pixel, reached only from the next row on
@@ -74,10 +74,10 @@ TEST(Morphology, NarrowPlanesSpreadInReadingOrder) {
     for (int radius : {5000, INT_MAX}) {
         Bytes spot(7 * 7, 0);
         spot[48] = 90;
-        BoxMorphology(spot.data(), 7, 7, radius, true);
+        BoxMorphology({spot.data(), 7, 7}, radius, true);
         EXPECT_EQ(spot, Bytes(7 * 7, 90));
-        MaxFilterHorizontal(spot.data(), 7, 7, radius);
-        MaxFilterVertical(spot.data(), 7, 7, radius);
+        MaxFilterHorizontal({spot.data(), 7, 7}, radius);
+        MaxFilterVertical({spot.data(), 7, 7}, radius);
         EXPECT_EQ(spot, Bytes(7 * 7, 90));
     }
 }
@@ -89,51 +89,47 @@ TEST(Morphology, BruteMaximumIsLopsidedForEvenSizesAndKeepsChannelsApart) {
         return pixels[static_cast<std::size_t>((y * kWidth + x) * 4 + c)];
     };
     pixels[(2 * kWidth + 2) * 4 + 1] = 200;
-    EXPECT_TRUE(MaxFilterBrute(pixels.data(), kWidth, kHeight, kWidth * 4, 2));
+    EXPECT_TRUE(MaxFilterBrute(zellab::ImageView(pixels.data(), kWidth, kHeight), 2));
     for (int y = 0; y < kHeight; ++y)
         for (int x = 0; x < kWidth; ++x)
             for (int c = 0; c < 4; ++c) {
                 const bool reached = c == 1 && (x == 2 || x == 3) && (y == 2 || y == 3);
                 ASSERT_EQ(at(x, y, c), reached ? 200 : 0) << x << ',' << y << ',' << c;
             }
-    EXPECT_TRUE(MaxFilterBrute(pixels.data(), kWidth, kHeight, kWidth * 4, INT_MAX));
+    EXPECT_TRUE(MaxFilterBrute(zellab::ImageView(pixels.data(), kWidth, kHeight), INT_MAX));
     for (int i = 0; i < kWidth * kHeight; ++i) ASSERT_EQ(at(i % kWidth, i / kWidth, 1), 200);
-    EXPECT_FALSE(MaxFilterBrute(nullptr, kWidth, kHeight, kWidth, 2));
-    EXPECT_FALSE(MaxFilterBrute(pixels.data(), kWidth, kHeight, kWidth - 1, 2));
+    EXPECT_FALSE(MaxFilterBrute(zellab::ImageView(), 2));
 }
 
 TEST(Morphology, BadArgumentsChangeNothingAndWorkersNeither) {
     const Bytes mask = randomMask(133, 170, 20, 41);
     Bytes same = mask;
     for (int radius : {0, -1, INT_MIN}) {
-        BoxMorphology(same.data(), 133, 170, radius, false);
-        MaxFilterHorizontal(same.data(), 133, 170, radius);
-        MaxFilterVertical(same.data(), 133, 170, radius);
-        MaxFilterBrute(same.data(), 133, 170, 133, radius);
+        BoxMorphology({same.data(), 133, 170}, radius, false);
+        MaxFilterHorizontal({same.data(), 133, 170}, radius);
+        MaxFilterVertical({same.data(), 133, 170}, radius);
+        MaxFilterBrute(zellab::PlaneView<unsigned char>(same.data(), 133, 170), radius);
     }
-    BoxMorphology(same.data(), -133, 170, 3, true);
-    BoxMorphology(nullptr, 133, 170, 3, true);
-    MaxFilterHorizontal(nullptr, 133, 170, 3);
-    MaxFilterVertical(same.data(), 133, 0, 3);
-    ThinMask(nullptr, 133, 170);
-    ThinMask(same.data(), 133, 0);
+    BoxMorphology({same.data(), -133, 170}, 3, true);
+    BoxMorphology({nullptr, 133, 170}, 3, true);
+    MaxFilterHorizontal({nullptr, 133, 170}, 3);
+    MaxFilterVertical({same.data(), 133, 0}, 3);
+    ThinMask({nullptr, 133, 170});
+    ThinMask({same.data(), 133, 0});
     EXPECT_EQ(same, mask);
     zeltest::expectSameOnEveryMachine([&] {
         Bytes out = mask;
-        BoxMorphology(out.data(), 133, 170, 2, true);
-        MaxFilterVertical(out.data(), 133, 170, 5);
-        MaxFilterBrute(out.data(), 133, 170, 133, 4);
+        BoxMorphology({out.data(), 133, 170}, 2, true);
+        MaxFilterVertical({out.data(), 133, 170}, 5);
+        MaxFilterBrute(zellab::PlaneView<unsigned char>(out.data(), 133, 170), 4);
         return out;
     });
 }
 
-int regionCount(const Bytes& mask, int width) {
+std::size_t regionCount(const Bytes& mask, int width) {
     std::vector<int> labels(mask.size());
-    RegionBox* boxes = nullptr;
     const int height = static_cast<int>(mask.size()) / width;
-    const int count = LabelConnectedRuns(mask.data(), labels.data(), width, height, &boxes);
-    std::free(boxes);
-    return count;
+    return zellab::LabelConnectedRuns({mask.data(), width, height}, {labels.data(), width, height}).size();
 }
 
 // Blobs of all shapes: thinning may neither break a region, nor join two, nor lose one.
@@ -142,13 +138,13 @@ TEST(ThinMask, RegionsStayWholeAndThinnedAgainStayAsTheyAre) {
     for (unsigned seed = 1; seed <= 6; ++seed) {
         const Bytes mask = randomMask(kWidth, kHeight, seed < 4 ? 60 : 150, seed);
         Bytes grown = mask;
-        if (seed % 2) BoxMorphology(grown.data(), kWidth, kHeight, 1, true);
+        if (seed % 2) BoxMorphology({grown.data(), kWidth, kHeight}, 1, true);
         Bytes thin = grown;
-        ThinMask(thin.data(), kWidth, kHeight);
+        ThinMask({thin.data(), kWidth, kHeight});
         EXPECT_EQ(regionCount(thin, kWidth), regionCount(grown, kWidth)) << "seed " << seed;
         for (std::size_t i = 0; i < thin.size(); ++i) ASSERT_TRUE(thin[i] == 0 || grown[i] == 255);
         Bytes again = thin;
-        ThinMask(again.data(), kWidth, kHeight);
+        ThinMask({again.data(), kWidth, kHeight});
         EXPECT_EQ(again, thin);
     }
 }
@@ -156,16 +152,16 @@ TEST(ThinMask, RegionsStayWholeAndThinnedAgainStayAsTheyAre) {
 TEST(ThinMask, ABarBecomesALineAndASmallBlobAPixel) {
     Bytes bar(60 * 20, 0), blob(6 * 6, 0), full(1 * 500, 255);
     for (int y = 5; y < 14; ++y) std::fill_n(bar.begin() + y * 60 + 5, 50, static_cast<unsigned char>(255));
-    ThinMask(bar.data(), 60, 20);
+    ThinMask({bar.data(), 60, 20});
     for (int x = 15; x < 45; ++x) {
         int set = 0;
         for (int y = 0; y < 20; ++y) set += bar[static_cast<std::size_t>(y * 60 + x)] != 0;
         ASSERT_EQ(set, 1) << "column " << x;
     }
     for (int i : {14, 15, 20, 21}) blob[static_cast<std::size_t>(i)] = 200;
-    ThinMask(blob.data(), 6, 6);
+    ThinMask({blob.data(), 6, 6});
     EXPECT_EQ(std::count(blob.begin(), blob.end(), 200), 1);
-    ThinMask(full.data(), 1, 500);
+    ThinMask({full.data(), 1, 500});
     EXPECT_EQ(full, Bytes(500, 255));
 }
 

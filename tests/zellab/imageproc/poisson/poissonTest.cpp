@@ -8,10 +8,10 @@
 
 #include "frame/processorCount.h"
 #include "support/randomImage.h"
+#include "zellab/imageproc/blur/stackBlur.h"
 #include "zellab/imageproc/poisson/gradientRepair.h"
 #include "zellab/imageproc/poisson/poissonEdit.h"
 #include "zellab/imageproc/poisson/sineSolver.h"
-#include "zellab/imageproc/blur/stackBlur.h"
 
 namespace {
 
@@ -154,7 +154,7 @@ Bytes slowPoissonEdit(const Bytes& image, int width, int height, const Bytes& ma
     }
     for (Byte& b : m)
         if (b == 255) b = static_cast<Byte>(strength * 255.0f);
-    StackBlurGray(m.data(), w, h, 5);
+    StackBlurGray({m.data(), w, h}, 5);
     Bytes result = image;
     for (int y = 0; y < h; ++y)
         for (int x = 0; x < w; ++x)
@@ -176,7 +176,7 @@ TEST(PoissonEdit, AgreesWithTheEquationsSolvedDensely) {
     mask[13 * kWidth + 25] = 200;  // below the threshold: no paint, but weight in the blend
     for (const float strength : {0.55f, 1.0f}) {
         Bytes pixels = image;
-        ASSERT_TRUE(PoissonEdit(pixels.data(), kWidth, kHeight, mask.data(), strength));
+        ASSERT_TRUE(PoissonEdit({pixels.data(), kWidth, kHeight}, {mask.data(), kWidth, kHeight}, strength));
         const Bytes expected = slowPoissonEdit(image, kWidth, kHeight, mask, strength);
         EXPECT_NE(pixels, image);
         // The solve is cut, not rounded: a solution on a whole number may fall on either side.
@@ -188,18 +188,20 @@ TEST(PoissonEdit, BadMasksLeaveThePictureAlone) {
     constexpr int kSide = 64;
     const Bytes image = zeltest::patternRgba(kSide, kSide, 5);
     Bytes pixels = image, mask(kSide * kSide, 254);
-    EXPECT_FALSE(PoissonEdit(pixels.data(), kSide, kSide, mask.data(), 1.0f)) << "nothing above 254";
+    EXPECT_FALSE(PoissonEdit({pixels.data(), kSide, kSide}, {mask.data(), kSide, kSide}, 1.0f))
+        << "nothing above 254";
     std::fill(mask.begin(), mask.end(), Byte{0});
     mask[(kSide - 10) * kSide + 30] = 255;
     testing::internal::CaptureStdout();
-    EXPECT_FALSE(PoissonEdit(pixels.data(), kSide, kSide, mask.data(), 1.0f)) << "no rows below";
+    EXPECT_FALSE(PoissonEdit({pixels.data(), kSide, kSide}, {mask.data(), kSide, kSide}, 1.0f))
+        << "no rows below";
     EXPECT_EQ(testing::internal::GetCapturedStdout().rfind("ERROR PoissonEdit  left = ", 0), 0u);
-    EXPECT_FALSE(PoissonEdit(nullptr, kSide, kSide, mask.data(), 1.0f));
-    EXPECT_FALSE(PoissonEdit(pixels.data(), kSide, kSide, nullptr, 1.0f));
+    EXPECT_FALSE(PoissonEdit({nullptr, kSide, kSide}, {mask.data(), kSide, kSide}, 1.0f));
+    EXPECT_FALSE(PoissonEdit({pixels.data(), kSide, kSide}, {nullptr, kSide, kSide}, 1.0f));
     std::fill(mask.begin(), mask.end(), Byte{0});
     mask[20 * kSide + 30] = 255;
     for (const float strength : {0.0f, -3.0f, NAN})
-        EXPECT_TRUE(PoissonEdit(pixels.data(), kSide, kSide, mask.data(), strength));
+        EXPECT_TRUE(PoissonEdit({pixels.data(), kSide, kSide}, {mask.data(), kSide, kSide}, strength));
     EXPECT_EQ(pixels, image) << "a strength of nothing";
 }
 
@@ -211,7 +213,7 @@ TEST(PoissonEdit, CallsAtTheSameTimeAndAnyWorkersGiveTheSameBytes) {
     const auto run = [&](int workers) {
         const WorkerCount limit(workers);
         Bytes pixels = image;
-        PoissonEdit(pixels.data(), kSide, kSide, mask.data(), 0.8f);
+        PoissonEdit({pixels.data(), kSide, kSide}, {mask.data(), kSide, kSide}, 0.8f);
         return pixels;
     };
     const Bytes expected = run(1);

@@ -4,6 +4,7 @@
 
 #include "reference/slowScale.h"
 #include "support/everyMachine.h"
+#include "support/views.h"
 #include "zellab/imageproc/resample/imageResampler.h"
 #include "zellab/imageproc/sfdsp/scaleBilinear.h"
 
@@ -59,28 +60,32 @@ void compareScalers(bool enlarging, const SlowForm& slowForm, const Engine& engi
         }
 }
 
-TEST(ScaleBilinearMatchesSlow, BothWays) {
-    compareScalers(false, slow::scaleBilinear,
-                   [](const unsigned char* source, Size from, unsigned char* target, Size to, int channels) {
-                       return zellab::ScaleBilinearThreaded(source, from.width, from.height, target, to.width,
-                                                            to.height, channels);
-                   });
+/// An engine that compareScalers can call, from scale(from, to) on views.
+template <typename Scale>
+auto onViews(const Scale& scale) {
+    return [=](const unsigned char* source, Size from, unsigned char* target, Size to, int channels) {
+        return zeltest::withViews(source, from.width, from.height, target, to.width, to.height, channels,
+                                  scale);
+    };
 }
 
-template <int quality>
-bool resample(const unsigned char* source, Size from, unsigned char* target, Size to, int channels) {
-    return zellab::ImageResampler().Resize(source, from.width, from.height, target, to.width, to.height,
-                                           channels, quality);
+TEST(ScaleBilinearMatchesSlow, BothWays) {
+    compareScalers(false, slow::scaleBilinear,
+                   onViews([](auto from, auto to) { return zellab::ScaleBilinearThreaded(from, to); }));
+}
+
+auto resample(int quality) {
+    return onViews([=](auto from, auto to) { return zellab::ImageResampler().Resize(from, to, quality); });
 }
 
 TEST(ImageResamplerMatchesSlow, WithTwoTapsBothWays) {
     compareScalers(
-        false, [](auto&&... a) { return slow::filterResize(a..., slow::twoTaps); }, resample<0>);
+        false, [](auto&&... a) { return slow::filterResize(a..., slow::twoTaps); }, resample(0));
 }
 
 TEST(ImageResamplerMatchesSlow, WithFourTapsEnlarging) {
     compareScalers(
-        true, [](auto&&... a) { return slow::filterResize(a..., slow::fourTaps); }, resample<3>);
+        true, [](auto&&... a) { return slow::filterResize(a..., slow::fourTaps); }, resample(3));
 }
 
 }  // namespace

@@ -7,25 +7,37 @@
 #include "support/everyMachine.h"
 #include "support/guardedBytes.h"
 #include "support/randomImage.h"
-#include "zellab/imageproc/resample/imageResampler.h"
+#include "support/views.h"
 #include "zellab/imageproc/core/imageView.h"
+#include "zellab/imageproc/resample/imageResampler.h"
 #include "zellab/imageproc/resample/resamplePhases.h"
 #include "zellab/imageproc/sfdsp/scaleBilinear.h"
 #include "zellab/imageproc/sfdsp/yuvScale.h"
 
 namespace {
 
-using zellab::ImageResampler;
 using zellab::sampleCount;
-using zellab::ScaleBilinearThreaded;
 using zeltest::Bytes;
 using zeltest::GuardedBytes;
 
 constexpr int kQualities[] = {0, 1, 2, 3};
 
+bool scaleBilinear(const unsigned char* source, int sw, int sh, unsigned char* target, int tw, int th,
+                   int channels) {
+    return zeltest::withViews(source, sw, sh, target, tw, th, channels,
+                              [](auto from, auto to) { return zellab::ScaleBilinearThreaded(from, to); });
+}
+
+bool resample(const unsigned char* source, int sw, int sh, unsigned char* target, int tw, int th,
+              int channels, int quality) {
+    return zeltest::withViews(source, sw, sh, target, tw, th, channels, [=](auto from, auto to) {
+        return zellab::ImageResampler().Resize(from, to, quality);
+    });
+}
+
 Bytes resize(const Bytes& source, int sw, int sh, int tw, int th, int channels, int quality) {
     Bytes target(sampleCount(tw, th, channels));
-    EXPECT_TRUE(ImageResampler().Resize(source.data(), sw, sh, target.data(), tw, th, channels, quality));
+    EXPECT_TRUE(resample(source.data(), sw, sh, target.data(), tw, th, channels, quality));
     return target;
 }
 
@@ -57,15 +69,13 @@ TEST(Scalers, AConstantStaysAndNothingBesideTheTargetIsWritten) {
                 const Bytes source(sampleCount(from, sh, channels), kValue);
                 GuardedBytes bilinear(sampleCount(to, th, channels));
                 if (from == to && sh == th) continue;
-                ASSERT_TRUE(
-                    ScaleBilinearThreaded(source.data(), from, sh, bilinear.data(), to, th, channels));
+                ASSERT_TRUE(scaleBilinear(source.data(), from, sh, bilinear.data(), to, th, channels));
                 ASSERT_TRUE(bilinear.guardsIntact());
                 for (std::size_t i = 0; i < bilinear.size(); ++i)
                     ASSERT_EQ(bilinear[i], channels == 4 && i % 4 == 3 ? 255 : kValue);
                 for (int quality : kQualities) {
                     GuardedBytes target(sampleCount(to, th, channels));
-                    ASSERT_TRUE(ImageResampler().Resize(source.data(), from, sh, target.data(), to, th,
-                                                        channels, quality));
+                    ASSERT_TRUE(resample(source.data(), from, sh, target.data(), to, th, channels, quality));
                     ASSERT_TRUE(target.guardsIntact() && target.allAre(kValue)) << "quality " << quality;
                 }
             }
@@ -74,26 +84,22 @@ TEST(Scalers, AConstantStaysAndNothingBesideTheTargetIsWritten) {
 TEST(Scalers, EqualSizesCopyAndBadArgumentsLeaveTheTarget) {
     const Bytes source = zeltest::randomRgba(9, 5, 1);
     Bytes target(source.size());
-    EXPECT_FALSE(ScaleBilinearThreaded(source.data(), 9, 5, target.data(), 9, 5, 4));
+    EXPECT_FALSE(scaleBilinear(source.data(), 9, 5, target.data(), 9, 5, 4));
     EXPECT_EQ(target, source);
     EXPECT_EQ(resize(source, 9, 5, 9, 5, 4, 0), source);
 
-    ImageResampler resampler;
     const struct {
         int sw, sh, tw, th, channels;
-    } bad[] = {{0, 5, 9, 5, 4},  {9, -5, 9, 5, 4}, {9, 5, 0, 5, 4},
-               {9, 5, 9, -1, 4}, {9, 5, 3, 3, 0},  {9, 5, 3, 3, -4}};
+    } bad[] = {{0, 5, 9, 5, 4}, {9, -5, 9, 5, 4}, {9, 5, 0, 5, 4}, {9, 5, 9, -1, 4}};
     GuardedBytes guarded(source.size());
     for (const auto& b : bad) {
-        EXPECT_FALSE(
-            ScaleBilinearThreaded(source.data(), b.sw, b.sh, guarded.data(), b.tw, b.th, b.channels));
-        EXPECT_FALSE(resampler.Resize(source.data(), b.sw, b.sh, guarded.data(), b.tw, b.th, b.channels, 3));
+        EXPECT_FALSE(scaleBilinear(source.data(), b.sw, b.sh, guarded.data(), b.tw, b.th, b.channels));
+        EXPECT_FALSE(resample(source.data(), b.sw, b.sh, guarded.data(), b.tw, b.th, b.channels, 3));
     }
-    EXPECT_FALSE(ScaleBilinearThreaded(nullptr, 9, 5, guarded.data(), 3, 3, 4));
-    EXPECT_FALSE(ScaleBilinearThreaded(source.data(), 9, 5, nullptr, 3, 3, 4));
-    EXPECT_FALSE(resampler.Resize(nullptr, 9, 5, guarded.data(), 3, 3, 4, 0));
-    EXPECT_FALSE(resampler.Resize(source.data(), 9, 5, nullptr, 3, 3, 4, 0));
-    EXPECT_FALSE(resampler.Resize(source.data(), 9, 5, guarded.data(), 3, 3, 3, 0));
+    EXPECT_FALSE(scaleBilinear(nullptr, 9, 5, guarded.data(), 3, 3, 4));
+    EXPECT_FALSE(scaleBilinear(source.data(), 9, 5, nullptr, 3, 3, 4));
+    EXPECT_FALSE(resample(nullptr, 9, 5, guarded.data(), 3, 3, 4, 0));
+    EXPECT_FALSE(resample(source.data(), 9, 5, nullptr, 3, 3, 4, 0));
     EXPECT_TRUE(guarded.allAre(0x66));
 }
 
@@ -105,11 +111,10 @@ TEST(Scalers, LongThinPicturesStayInside) {
     for (const auto& c : cases)
         for (int channels : {1, 4}) {
             GuardedBytes target(sampleCount(c.tw, c.th, channels));
-            EXPECT_TRUE(
-                ScaleBilinearThreaded(source.data(), c.sw, c.sh, target.data(), c.tw, c.th, channels));
+            EXPECT_TRUE(scaleBilinear(source.data(), c.sw, c.sh, target.data(), c.tw, c.th, channels));
             for (int quality : kQualities)
-                EXPECT_TRUE(ImageResampler().Resize(source.data(), c.sw, c.sh, target.data(), c.tw, c.th,
-                                                    channels, quality));
+                EXPECT_TRUE(
+                    resample(source.data(), c.sw, c.sh, target.data(), c.tw, c.th, channels, quality));
             EXPECT_TRUE(target.guardsIntact());
         }
 }
@@ -179,15 +184,15 @@ TEST(YuvScale, ChecksSizesAndStaysInside) {
     for (YuvFilter filter : {YuvFilter::none, YuvFilter::linear, YuvFilter::bilinear, YuvFilter::box}) {
         const Bytes source(sampleCount(37, 23, 4), 90);
         GuardedBytes target(sampleCount(11, 40, 4)), plane(sampleCount(50, 9));
-        EXPECT_TRUE(zellab::scaleArgb(source.data(), 37, 23, target.data(), 11, 40, filter));
-        EXPECT_TRUE(zellab::scalePlane(source.data(), 37, 23, plane.data(), 50, 9, filter));
+        EXPECT_TRUE(zellab::scaleArgb({source.data(), 37, 23}, {target.data(), 11, 40}, filter));
+        EXPECT_TRUE(zellab::scalePlane({source.data(), 37, 23}, {plane.data(), 50, 9}, filter));
         EXPECT_TRUE(target.guardsIntact() && plane.guardsIntact());
         for (std::size_t i = 0; i < target.size(); ++i) ASSERT_NEAR(target[i], 90, 1);
         for (std::size_t i = 0; i < plane.size(); ++i) ASSERT_NEAR(plane[i], 90, 1);
-        EXPECT_FALSE(zellab::scaleArgb(nullptr, 37, 23, target.data(), 11, 40, filter));
-        EXPECT_FALSE(zellab::scaleArgb(source.data(), 37, 23, target.data(), 0, 40, filter));
-        EXPECT_FALSE(zellab::scalePlane(source.data(), 37, -23, plane.data(), 50, 9, filter));
-        EXPECT_FALSE(zellab::scalePlane(source.data(), 40000, 1, plane.data(), 50, 9, filter));
+        EXPECT_FALSE(zellab::scaleArgb({nullptr, 37, 23}, {target.data(), 11, 40}, filter));
+        EXPECT_FALSE(zellab::scaleArgb({source.data(), 37, 23}, {target.data(), 0, 40}, filter));
+        EXPECT_FALSE(zellab::scalePlane({source.data(), 37, -23}, {plane.data(), 50, 9}, filter));
+        EXPECT_FALSE(zellab::scalePlane({source.data(), 40000, 1}, {plane.data(), 50, 9}, filter));
     }
 }
 

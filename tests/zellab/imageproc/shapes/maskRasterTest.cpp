@@ -24,8 +24,8 @@ struct Raster {
           height(h),
           target(static_cast<std::size_t>(w * h) * 4, 9),
           texture(zeltest::randomRgba(tw, th, 3)) {
-        raster.SetTarget(target.data(), w, h);
-        raster.SetTexture(texture.data(), tw, th);
+        raster.SetTarget({target.data(), w, h});
+        raster.SetTexture({texture.data(), tw, th});
     }
     void draw(const std::vector<Vector2f>& corners, const std::vector<float>& uv, int count = 6) {
         raster.DrawTriangles(uv.data(), corners.data(), kQuad, count);
@@ -68,7 +68,7 @@ TEST(MaskRaster, LeavesOutWhatItCannotDraw) {
     }
     Raster r(10, 10, 5, 5);
     r.draw({{0, 0}, {9, 0}, {9, 9}, {0, 9}}, kWhole, 2);
-    r.raster.SetTexture(nullptr, 5, 5);
+    r.raster.SetTexture({nullptr, 5, 5});
     r.draw({{0, 0}, {9, 0}, {9, 9}, {0, 9}}, kWhole);
     EXPECT_EQ(r.target, Bytes(r.target.size(), 9));
 }
@@ -77,8 +77,8 @@ TEST(MaskRaster, StaysInsideWithCornersAndTexturesFarOutside) {
     zeltest::GuardedBytes target(7 * 5 * 4, 1);
     Bytes texture = zeltest::randomRgba(1, 1, 2);
     CZelMaskRaster raster;
-    raster.SetTarget(target.data(), 7, 5);
-    raster.SetTexture(texture.data(), 1, 1);
+    raster.SetTarget({target.data(), 7, 5});
+    raster.SetTexture({texture.data(), 1, 1});
     const Vector2f corners[] = {{3, 2}, {1e7f, -1e6f}, {1e5f, 1e7f}, {-1e8f, 4}};
     const float uv[] = {-9, 1e20f, 1e30f, 0.5f, 3, -1e25f, 0, 7};
     raster.DrawTriangles(uv, corners, kQuad, 6);

@@ -4,9 +4,9 @@
 
 #include "reference/slowTone.h"
 #include "support/everyMachine.h"
+#include "zellab/imageproc/colour/selectiveColor.h"
 #include "zellab/imageproc/tone/levels.h"
 #include "zellab/imageproc/tone/psContrastBrightness.h"
-#include "zellab/imageproc/colour/selectiveColor.h"
 #include "zellab/imageproc/tone/sfCurve.h"
 
 namespace {
@@ -109,7 +109,7 @@ TEST(ContrastBrightnessMatchesSlow, OnEveryByteAndAtTheRoundingOfBothRows) {
             slow::contrastBrightness(expected, brightness, contrast, zellab::BrightnessTable,
                                      zellab::ContrastTable);
             zeltest::compareEverywhere(expected, picture, 61 * 4, [&](zeltest::Bytes& actual) {
-                zellab::PSContrastBrightness().Run(actual.data(), 61, 37, brightness, contrast);
+                zellab::PSContrastBrightness().Run({actual.data(), 61, 37}, brightness, contrast);
             });
             ASSERT_FALSE(HasFailure());
         }

@@ -131,7 +131,7 @@ TEST(ContrastTable, SteepensAboutTheCentreWithTheRow) {
 /// What a grey of that level becomes.
 int adjusted(int level, float brightness, float contrast) {
     unsigned char pixel[4] = {static_cast<unsigned char>(level), 0, 255, 9};
-    zellab::PSContrastBrightness().Run(pixel, 1, 1, brightness, contrast);
+    zellab::PSContrastBrightness().Run({pixel, 1, 1}, brightness, contrast);
     EXPECT_EQ(pixel[3], 9);
     return pixel[0];
 }

@@ -4,10 +4,11 @@
 
 #include "reference/slowTone.h"
 #include "support/everyMachine.h"
-#include "zellab/imageproc/tone/levels.h"
+#include "support/views.h"
 #include "zellab/imageproc/core/mixByAlpha.h"
-#include "zellab/imageproc/tone/toneBlend.h"
 #include "zellab/imageproc/sharpen/unsharpMask.h"
+#include "zellab/imageproc/tone/levels.h"
+#include "zellab/imageproc/tone/toneBlend.h"
 
 namespace {
 
@@ -41,7 +42,7 @@ TEST(AutoLevelsMatchesSlow, OnDarkFlatAndWidePictures) {
             Bytes expected = picture;
             slow::autoLevels(expected);
             zeltest::compareEverywhere(expected, picture, size.width * 4, [&](Bytes& p) {
-                zellab::AutoLevels(p.data(), size.width, size.height, size.width * 4, 0, nullptr, nullptr);
+                zellab::AutoLevels(zellab::ImageView(p.data(), size.width, size.height));
             });
             ASSERT_FALSE(HasFailure());
         }
@@ -59,7 +60,7 @@ TEST(AutoLevelsMatchesSlow, OnOneColourPicturesAroundTheLift) {
             }
             Bytes expected = picture;
             slow::autoLevels(expected);
-            zellab::AutoLevels(picture.data(), 4, 3, 16, 0, nullptr, nullptr);
+            zellab::AutoLevels(zellab::ImageView(picture.data(), 4, 3));
             ASSERT_TRUE(zeltest::sameSamples(expected, picture, 16))
                 << "channel " << channel << ", " << value;
         }
@@ -86,7 +87,7 @@ TEST(ColorTemperatureBlendMatchesSlow, AtTheTellingEntriesAndBetween) {
     std::array<Table, 3> curves[2];
     for (const float end : {0.0f, 1.0f}) {
         Bytes ramp = greyRamp();
-        zellab::ColorTemperatureBlend(ramp.data(), 256, 1, end, 0);
+        zellab::ColorTemperatureBlend({ramp.data(), 256, 1}, end, 0);
         for (std::size_t i = 0; i < 1024; ++i)
             if (i % 4 != 3) curves[end > 0.5f][i % 4][i / 4] = ramp[i];
     }
@@ -103,7 +104,7 @@ TEST(ColorTemperatureBlendMatchesSlow, AtTheTellingEntriesAndBetween) {
         Bytes expected = ramp;
         slow::temperatureBlend(expected, strength, curves[strength > 0.5f]);
         zeltest::compareEverywhere(expected, ramp, 256 * 4, [&](Bytes& p) {
-            zellab::ColorTemperatureBlend(p.data(), 256, 1, strength, 0);
+            zellab::ColorTemperatureBlend({p.data(), 256, 1}, strength, 0);
         });
     }
 }
@@ -114,8 +115,9 @@ TEST(ToneTableBlendMatchesSlow, OnEveryByteAndEitherSign) {
         SCOPED_TRACE(testing::Message() << "strength " << strength);
         Bytes expected = ramp;
         slow::toneTableBlend(expected, strength);
-        zeltest::compareEverywhere(expected, ramp, 256 * 4,
-                                   [&](Bytes& p) { zellab::ToneTableBlend(p.data(), 256, 1, strength); });
+        zeltest::compareEverywhere(expected, ramp, 256 * 4, [&](Bytes& p) {
+            zellab::ToneTableBlend({p.data(), 256, 1}, strength);
+        });
     }
 }
 
@@ -131,7 +133,8 @@ TEST(MixByAlphaMatchesSlow, OnEveryPairOfBytes) {
         Bytes expected = after;
         slow::mixByAlpha(expected, before, after, alpha);
         zeltest::compareEverywhere(expected, after, 256 * 4, [&](Bytes& result) {
-            zellab::MixByAlpha(result.data(), before.data(), result.data(), 256, 256, alpha);
+            zellab::MixByAlpha({result.data(), 256, 256}, {before.data(), 256, 256},
+                               {result.data(), 256, 256}, alpha);
         });
     }
     for (const Size size : zeltest::kAwkwardSizes) {
@@ -140,7 +143,8 @@ TEST(MixByAlphaMatchesSlow, OnEveryPairOfBytes) {
         Bytes expected(a.size(), 66);
         slow::mixByAlpha(expected, a, b, 0.61f);
         zeltest::compareEverywhere(expected, Bytes(a.size(), 66), size.width * 4, [&](Bytes& result) {
-            zellab::MixByAlpha(result.data(), a.data(), b.data(), size.width, size.height, 0.61f);
+            zellab::MixByAlpha({result.data(), size.width, size.height}, {a.data(), size.width, size.height},
+                               {b.data(), size.width, size.height}, 0.61f);
         });
     }
 }
@@ -165,9 +169,10 @@ TEST(UnsharpMaskMatchesSlow, OnPicturesAndPlanes) {
                 slow::unsharpMask(expected, size.width, size.height, size.width * channels, c.amount,
                                   c.radius, c.threshold);
                 zeltest::compareEverywhere(expected, picture, size.width * 4, [&](Bytes& p) {
-                    EXPECT_TRUE(zellab::UnsharpMask(p.data(), size.width, size.height, size.width * channels,
-                                                    c.amount, c.radius,
-                                                    static_cast<unsigned char>(c.threshold), 0));
+                    zeltest::withView(p.data(), size.width, size.height, channels, [&](auto view) {
+                        EXPECT_TRUE(zellab::UnsharpMask(view, c.amount, c.radius,
+                                                        static_cast<unsigned char>(c.threshold)));
+                    });
                 });
                 ASSERT_FALSE(HasFailure());
             }

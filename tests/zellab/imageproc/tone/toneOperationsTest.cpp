@@ -9,13 +9,13 @@
 #include "platform/simdLevel.h"
 #include "support/randomImage.h"
 #include "zellab/imageproc/colour/colorAdjust.h"
-#include "zellab/imageproc/tone/levels.h"
-#include "zellab/imageproc/core/mixByAlpha.h"
 #include "zellab/imageproc/colour/selectiveColor.h"
-#include "zellab/imageproc/tone/toneBlend.h"
-#include "zellab/imageproc/tone/toneTables.h"
+#include "zellab/imageproc/core/mixByAlpha.h"
 #include "zellab/imageproc/sharpen/unsharpMask.h"
 #include "zellab/imageproc/sharpen/unsharpMaskKernel.h"
+#include "zellab/imageproc/tone/levels.h"
+#include "zellab/imageproc/tone/toneBlend.h"
+#include "zellab/imageproc/tone/toneTables.h"
 
 namespace {
 
@@ -93,21 +93,33 @@ INSTANTIATE_TEST_SUITE_P(
                     if (view.valid())
                         zellab::mapPixels(view, {tables.data(), tables.data() + 256, tables.data() + 512});
                 }},
-        InPlace{"saturation", [](unsigned char* p, int w, int h) { zellab::SaturationAdjust(p, w, h, 65); }},
+        InPlace{"saturation",
+                [](unsigned char* p, int w, int h) {
+                    zellab::SaturationAdjust({p, w, h}, 65);
+                }},
         InPlace{"saturationFar",
-                [](unsigned char* p, int w, int h) { zellab::SaturationAdjust(p, w, h, -2000000000); }},
-        InPlace{"lift", [](unsigned char* p, int w, int h) { zellab::LogBrightnessAdjust(p, w, h, -17); }},
+                [](unsigned char* p, int w, int h) {
+                    zellab::SaturationAdjust({p, w, h}, -2000000000);
+                }},
+        InPlace{"lift",
+                [](unsigned char* p, int w, int h) {
+                    zellab::LogBrightnessAdjust({p, w, h}, -17);
+                }},
         InPlace{"temperature",
-                [](unsigned char* p, int w, int h) { zellab::ColorTemperatureBlend(p, w, h, 0.9f, 0); }},
-        InPlace{"autoLevels", [](unsigned char* p, int w,
-                                 int h) { zellab::AutoLevels(p, w, h, 4 * w, 0, nullptr, nullptr); }},
-        InPlace{"mixByAlpha", [](unsigned char* p, int w,
-                                 int h) { zellab::MixByAlpha(p, otherPicture().data(), p, w, h, 0.37f); }},
-        InPlace{"unsharpMask",
-                [](unsigned char* p, int w, int h) { zellab::UnsharpMask(p, w, h, 4 * w, 170, 2, 9, 0); }},
+                [](unsigned char* p, int w, int h) {
+                    zellab::ColorTemperatureBlend({p, w, h}, 0.9f, 0);
+                }},
+        InPlace{"autoLevels",
+                [](unsigned char* p, int w, int h) { zellab::AutoLevels(zellab::ImageView(p, w, h)); }},
+        InPlace{"mixByAlpha",
+                [](unsigned char* p, int w, int h) {
+                    zellab::MixByAlpha({p, w, h}, {otherPicture().data(), w, h}, {p, w, h}, 0.37f);
+                }},
+        InPlace{"unsharpMask", [](unsigned char* p, int w,
+                                  int h) { zellab::UnsharpMask(zellab::ImageView(p, w, h), 170, 2, 9); }},
         InPlace{"unsharpKernel",
                 [](unsigned char* p, int w, int h) {
-                    zellab::UnsharpMaskKernel(w, h, w * 4, 1.1f, 1.7f).Run(p, otherPicture().data());
+                    zellab::UnsharpMaskKernel(1.1f, 1.7f).Run({p, w, h}, {otherPicture().data(), w, h});
                 }}),
     [](const auto& operation) { return operation.param.name; });
 
@@ -116,19 +128,19 @@ TEST(MixByAlpha, EndsAreExactAndNaNChangesNothing) {
     for (const auto& [alpha, expected] : std::vector<std::pair<float, const Bytes*>>{
              {0.0f, &before}, {-3.0f, &before}, {kNaN, &before}, {1.0f, &after}, {kInfinity, &after}}) {
         Bytes result(before.size(), 88);
-        zellab::MixByAlpha(result.data(), before.data(), after.data(), 50, 60, alpha);
+        zellab::MixByAlpha({result.data(), 50, 60}, {before.data(), 50, 60}, {after.data(), 50, 60}, alpha);
         for (std::size_t i = 0; i < result.size(); ++i)
             ASSERT_EQ(result[i], i % 4 == 3 ? 88 : (*expected)[i]) << alpha;
     }
     Bytes untouched(16, 7);
-    zellab::MixByAlpha(untouched.data(), nullptr, after.data(), 2, 2, 1);
-    zellab::MixByAlpha(untouched.data(), before.data(), nullptr, 2, 2, 1);
+    zellab::MixByAlpha({untouched.data(), 2, 2}, {nullptr, 2, 2}, {after.data(), 2, 2}, 1);
+    zellab::MixByAlpha({untouched.data(), 2, 2}, {before.data(), 2, 2}, {nullptr, 2, 2}, 1);
     EXPECT_EQ(untouched, Bytes(16, 7));
 }
 
 TEST(LogBrightnessAdjust, FollowsTheLogarithm) {
     const auto lifted = [](int level, int lift) {
-        return ofGrey(level, [=](unsigned char* p) { zellab::LogBrightnessAdjust(p, 1, 1, lift); })[0];
+        return ofGrey(level, [=](unsigned char* p) { zellab::LogBrightnessAdjust({p, 1, 1}, lift); })[0];
     };
     EXPECT_EQ(lifted(0, 25), 0);
     EXPECT_EQ(lifted(255, 25), 255);
@@ -143,23 +155,26 @@ TEST(ColorTemperatureBlend, CurvesRiseAndNeutralTouchesNothing) {
         for (float strength : {-1.0f, 0.3f, 1.0f}) {
             std::array<int, 3> before{-1, -1, -1};
             for (int level = 0; level < 256; ++level) {
-                const auto now = ofGrey(
-                    level, [&](unsigned char* p) { zellab::ColorTemperatureBlend(p, 1, 1, strength, flag); });
+                const auto now = ofGrey(level, [&](unsigned char* p) {
+                    zellab::ColorTemperatureBlend({p, 1, 1}, strength, flag);
+                });
                 for (std::size_t c = 0; c < 3; ++c) ASSERT_GE(now[c], before[c]) << level << ' ' << strength;
                 before = now;
             }
         }
     for (float strength : {0.5f, kNaN})
         for (int level : {0, 1, 99, 255})
-            EXPECT_EQ(
-                ofGrey(level, [&](unsigned char* p) { zellab::ColorTemperatureBlend(p, 1, 1, strength, 0); }),
-                (std::array<int, 3>{level, level, level}));
+            EXPECT_EQ(ofGrey(level,
+                             [&](unsigned char* p) {
+                                 zellab::ColorTemperatureBlend({p, 1, 1}, strength, 0);
+                             }),
+                      (std::array<int, 3>{level, level, level}));
 }
 
 TEST(ToneTableBlend, KneesAndTheirMirror) {
-    const auto cool = [](float s) { return [s](unsigned char* p) { zellab::ToneTableBlend(p, 1, 1, s); }; };
+    const auto cool = [](float s) { return [s](unsigned char* p) { zellab::ToneTableBlend({p, 1, 1}, s); }; };
     const auto warm = [](float s) {
-        return [s](unsigned char* p) { zellab::ToneTableBlendWarm(p, 1, 1, s); };
+        return [s](unsigned char* p) { zellab::ToneTableBlendWarm({p, 1, 1}, s); };
     };
     EXPECT_EQ(ofGrey(128, cool(1)), (std::array<int, 3>{103, 138, 153}));
     EXPECT_EQ(ofGrey(128, warm(1)), (std::array<int, 3>{153, 138, 103}));
@@ -176,25 +191,24 @@ TEST(ToneTableBlend, KneesAndTheirMirror) {
 TEST(UnsharpMask, FlatPicturesAndAHighThresholdStay) {
     Bytes flat = filled(30, 40, {10, 120, 250, 3});
     const Bytes flatBefore = flat;
-    EXPECT_TRUE(zellab::UnsharpMask(flat.data(), 30, 40, 120, 500, 4, 0, 0));
+    EXPECT_TRUE(zellab::UnsharpMask(zellab::ImageView(flat.data(), 30, 40), 500, 4, 0));
     EXPECT_EQ(flat, flatBefore);
 
     Bytes noisy = zeltest::randomRgba(30, 40, 6);
     const Bytes noisyBefore = noisy;
-    EXPECT_TRUE(zellab::UnsharpMask(noisy.data(), 30, 40, 120, 20, 4, 255, 0));
+    EXPECT_TRUE(zellab::UnsharpMask(zellab::ImageView(noisy.data(), 30, 40), 20, 4, 255));
     EXPECT_EQ(noisy, noisyBefore);
-    EXPECT_TRUE(zellab::UnsharpMask(noisy.data(), 30, 40, 120, -4, kNaN, 0, 0));
-    EXPECT_FALSE(zellab::UnsharpMask(nullptr, 30, 40, 120, 20, 4, 0, 0));
-    EXPECT_FALSE(zellab::UnsharpMask(noisy.data(), 0, 40, 0, 20, 4, 0, 0));
+    EXPECT_TRUE(zellab::UnsharpMask(zellab::ImageView(noisy.data(), 30, 40), -4, kNaN, 0));
+    EXPECT_FALSE(zellab::UnsharpMask(zellab::ImageView(), 20, 4, 0));
 }
 
 TEST(UnsharpMaskKernel, FixedPointFormAgreesAndKeepsOtherChannels) {
     const Bytes before = zeltest::randomRgba(37, 21, 1), blurred = zeltest::randomRgba(37, 21, 2);
-    const zellab::UnsharpMaskKernel kernel(37, 21, 148, 1.1f, 0.5f);  // a half is exact in both forms
+    const zellab::UnsharpMaskKernel kernel(1.1f, 0.5f);  // a half is exact in both forms
     EXPECT_EQ(kernel.Weights().size(), 7u);
     Bytes all = before, some = before;
-    kernel.Run(all.data(), blurred.data());
-    kernel.Run(some.data(), blurred.data(), 5);
+    kernel.Run({all.data(), 37, 21}, {blurred.data(), 37, 21});
+    kernel.Run({some.data(), 37, 21}, {blurred.data(), 37, 21}, 5);
     for (std::size_t i = 0; i < before.size(); ++i)
         ASSERT_EQ(some[i], i % 4 == 0 || i % 4 == 2 ? all[i] : before[i]) << i;
 }
@@ -205,7 +219,7 @@ TEST(AutoLevels, PlaneMaskAndRegion) {
     for (std::size_t i = 0; i < 256; ++i)
         full[i] = i < 8 ? 0 : i >= 248 ? 255 : static_cast<unsigned char>(i);
     const Bytes fullBefore = full;
-    zellab::AutoLevels(full.data(), 16, 16, 16, 0, nullptr, nullptr);
+    zellab::AutoLevels(zellab::PlaneView<unsigned char>(full.data(), 16, 16));
     EXPECT_EQ(full, fullBefore) << "a plane that spans everything stays";
 
     // Where the mask is below 255 pixels do not count, and they move by its share.
@@ -213,13 +227,13 @@ TEST(AutoLevels, PlaneMaskAndRegion) {
     Bytes mask(100, 255);
     mask[0] = 0, mask[1] = 51;
     picture[0] = 255;
-    zellab::AutoLevels(picture.data(), 10, 10, 40, 0, nullptr, mask.data());
+    zellab::AutoLevels(zellab::ImageView(picture.data(), 10, 10), nullptr, {mask.data(), 10, 10});
     EXPECT_EQ(picture[0], 255);
     EXPECT_EQ(picture[1], 130);
     EXPECT_EQ(picture[4], 130 + (127 - 130) * 51 / 255);
     EXPECT_EQ(picture[8], 127);
     const Bytes before = picture, nothing(100, 254);
-    zellab::AutoLevels(picture.data(), 10, 10, 40, 0, nullptr, nothing.data());
+    zellab::AutoLevels(zellab::ImageView(picture.data(), 10, 10), nullptr, {nothing.data(), 10, 10});
     EXPECT_EQ(picture, before) << "no pixel counts";
 
     // Dark left half, light right half: the mean of the region decides the lift.
@@ -229,9 +243,9 @@ TEST(AutoLevels, PlaneMaskAndRegion) {
         halves.insert(halves.end(), {v, v, static_cast<unsigned char>(i % 2 ? v : 80), 0});
     }
     Bytes dark = halves, light = halves;
-    const int left[4] = {-5, 19, 0, 9}, right[4] = {0, 1000, 10, 1000};
-    zellab::AutoLevels(dark.data(), 20, 20, 80, 1, left, nullptr);
-    zellab::AutoLevels(light.data(), 20, 20, 80, 1, right, nullptr);
+    const zellab::LevelsRegion left{-5, 19, 0, 9}, right{0, 1000, 10, 1000};
+    zellab::AutoLevels(zellab::ImageView(dark.data(), 20, 20), &left);
+    zellab::AutoLevels(zellab::ImageView(light.data(), 20, 20), &right);
     EXPECT_GT(dark[2], light[2]);
     EXPECT_EQ(dark[0], light[0]) << "black stays black";
 }
