@@ -14,7 +14,7 @@ constexpr int kEdgeLow = 8, kEdgeHigh = 20;  // thresholds of the edge detector
 constexpr int kServedRoughness = 15;         // what a donor pixel gains in roughness by serving
 
 /// Neighbours in the order in which they are listed.
-constexpr GridBlock kNeighbours[] = {{0, -1}, {-1, 0}, {1, 0}, {0, 1}, {-1, -1}, {1, -1}, {-1, 1}, {1, 1}};
+constexpr GridBlock kNeighbours[] = {{0, -1}, {-1, 0}, {1, 0}, {0, 1}, {-1, -1}, {-1, 1}, {1, -1}, {1, 1}};
 
 struct Candidate {
     GridBlock block;

@@ -14,6 +14,7 @@ namespace {
 
 constexpr float kWorkingSide = 720.0f;  // longer side of the copy on which the box is found, at most
 constexpr int kSmallestBox = 5;         // boxes with a shorter side below this are left alone
+constexpr int kSmallestSide = 10;       // of the picture, in pixels
 constexpr int kBlockSize = 9;           // pixels
 
 /// A position of the working copy in the picture.
@@ -50,6 +51,7 @@ bool WrinkleRegionCleaner::Prepare(const unsigned char* mask, int width, int hei
 bool WrinkleRegionCleaner::Apply(unsigned char* image, int strength) {
     const ImageView picture(image, m_mask.width, m_mask.height);
     if (!m_region || !picture.valid()) return false;
+    if (std::min(picture.width, picture.height) < kSmallestSide) return true;
     const float factor =
         std::max(static_cast<float>(std::max(picture.width, picture.height)) / kWorkingSide, 1.0f);
     GradientRepair repair;

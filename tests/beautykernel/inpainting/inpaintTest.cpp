@@ -7,14 +7,15 @@
 #include <set>
 #include <string>
 #include <thread>
+#include <tuple>
 
 #include "beautykernel/inpainting/gradientInpainter.h"
 #include "beautykernel/inpainting/patchFillInpainter.h"
 #include "beautykernel/inpainting/patchTables.h"
 #include "beautykernel/wrinkle_cleaner/wrinkleMaskCleaner.h"
 #include "beautykernel/wrinkle_cleaner/wrinkleRegionCleaner.h"
-#include "zel_effects/zel_effects.h"
 #include "support/randomImage.h"
+#include "zel_effects/zel_effects.h"
 
 namespace {
 
@@ -243,6 +244,18 @@ TEST(WrinkleCleaner, TheTwoPathsReadMaskAndStrengthByTheirOwnRules) {
     TableSkin::ImageProcessWithWrinkleCleaner(none.pixels.data(), 120, 90, none.mask.data(), 0, 0);
     EXPECT_EQ(weak.pixels, strong.pixels);
     EXPECT_NE(weak.pixels, none.pixels);
+
+    // The box path solves from ten pixels a side on.
+    for (const auto& [width, height, works] : {std::tuple{9, 120, false}, {120, 9, false}, {10, 120, true}}) {
+        Picture narrow(width, height, 3);
+        narrow.mark(2, 2, 8, 8);
+        const Bytes untouched = narrow.pixels;
+        testing::internal::CaptureStdout();
+        TableSkin::ImageProcessWithWrinkleCleaner(narrow.pixels.data(), width, height, narrow.mask.data(), 0,
+                                                  2);
+        testing::internal::GetCapturedStdout();
+        EXPECT_EQ(narrow.pixels != untouched, works) << width << " by " << height;
+    }
 }
 
 }  // namespace
