@@ -78,7 +78,8 @@ void SkinMaskManager::DetectSkin(const unsigned char* planeY, const unsigned cha
 void SkinMaskManager::PaintParts(unsigned char* map, int width, int height, const SkinFaceRecord& face,
                                  int partFlags) {
     if (face.right - face.left > kSmallestFace && face.bottom - face.top > kSmallestFace)
-        zellab::CFeatureMaskPainter::Paint(map, width, height, face.points, partFlags, kPartValue);
+        zellab::CFeatureMaskPainter::Paint(map, width, height, face.points, partFlags, kPartValue,
+                                           zellab::wholeTurnHull);
 }
 
 }  // namespace zelbeauty

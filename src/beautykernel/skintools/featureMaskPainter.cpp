@@ -3,7 +3,6 @@
 #include <initializer_list>
 #include <vector>
 
-#include "zellab/imageproc/shapes/convexHull.h"
 #include "zellab/imageproc/shapes/polygonFill.h"
 
 namespace zellab {
@@ -23,10 +22,10 @@ std::vector<Vector2f> pointList(const Vector2f* points, std::initializer_list<in
 }  // namespace
 
 bool CFeatureMaskPainter::Paint(unsigned char* mask, int width, int height, const Vector2f* points, int flags,
-                                int value) {
+                                int value, Hull* hull) {
     if (!mask || !points || flags == 0) return false;
     const auto fill = [&](const std::vector<Vector2f>& region) {
-        FillPolygonMask({mask, width, height}, convexHull(region), static_cast<unsigned char>(value));
+        FillPolygonMask({mask, width, height}, hull(region), static_cast<unsigned char>(value));
     };
     if (flags & kBrows) {
         fill(pointRun(points, 20, 29));

@@ -8,10 +8,13 @@
 #include "beautykernel/facefleckcleaner/blobFinder.h"
 #include "beautykernel/facefleckcleaner/faceCrop.h"
 #include "beautykernel/facefleckcleaner/faceFleckCleaner.h"
+#include "beautykernel/facefleckcleaner/featureExclusion.h"
 #include "facepoints/faceTemplate.h"
 #include "support/everyMachine.h"
 #include "support/guardedBytes.h"
+#include "support/standardFace.h"
 #include "zel_effects/zel_effects.h"
+#include "zellab/geometry/vector2.h"
 #include "zellab/imageproc/core/ownedImage.h"
 
 namespace {
@@ -107,6 +110,29 @@ TEST(AutoFaceInpaint, SpotsInsideFeaturesStay) {
                                                       face.pixels.begin() + i))
                         << "method " << method << ", " << x << ',' << y;
                 }
+    }
+}
+
+TEST(FeatureExclusion, ReachesAsFarOutAtBothCornersOfTheMouth) {
+    CInterFacePoint points;
+    points.AddFace(zeltest::standardFace(300, 330, 200).data(), 0);
+    FaceCrop crop;
+    crop.width = 600, crop.height = 700;
+    std::copy_n(points.GetInterPoints(0), crop.points.size(), crop.points.begin());
+    crop.mask = Plane<Byte>(crop.width, crop.height);
+    std::fill_n(crop.mask.data(), crop.mask.size(), Byte{255});
+    excludeFeatures(crop, false);
+    // The widened outline runs from its tip beside a corner of the lips straight to the lower lip: the middle
+    // of the triangle between the tip, the corner and the lower lip lies inside.
+    const auto widened = [&](std::size_t inner, std::size_t outer, float share) {
+        return mix(crop.points[inner], crop.points[outer], share);
+    };
+    for (const auto& [tip, corner, lip] :
+         {std::array{widened(50, 123, 0.5f), widened(50, 123, 0.2f), widened(73, 158, 0.2f)},
+          {widened(58, 143, 0.5f), widened(58, 143, 0.2f), widened(79, 168, 0.2f)}}) {
+        const Vector2f middle = (tip + corner + lip) * (1.0f / 3.0f);
+        EXPECT_EQ(crop.mask.row(static_cast<int>(middle.y))[static_cast<int>(middle.x)], 1)
+            << "a spot at " << middle.x << ',' << middle.y << " would be repaired";
     }
 }
 

@@ -112,17 +112,26 @@ TEST(ConvexHull, HoldsAllPointsAndTurnsOneWay) {
     std::mt19937 random(3);
     for (int round = 0; round < 200; ++round) {
         std::vector<Vector2f> points(3 + random() % 20);
-        for (Vector2f& p : points) p = {static_cast<float>(random() % 90), static_cast<float>(random() % 70)};
+        // Whole pixels, tenths and outlines of a few pixels, as features of small faces are.
+        const float scale = round % 3 == 0 ? 1.0f : round % 3 == 1 ? 0.1f : 0.02f;
+        for (Vector2f& p : points)
+            p = {static_cast<float>(random() % 90) * scale, static_cast<float>(random() % 70) * scale};
         const std::vector<Vector2f> hull = convexHull(points);
         if (hull.size() < 3) continue;
         for (std::size_t i = 0; i < hull.size(); ++i) {
             const Vector2f a = hull[i], b = hull[(i + 1) % hull.size()];
             for (const Vector2f p : points)
-                ASSERT_GE((b.x - a.x) * (p.y - a.y) - (b.y - a.y) * (p.x - a.x), 0.0f) << "round " << round;
+                ASSERT_GE(
+                    (double{b.x} - a.x) * (double{p.y} - a.y) - (double{b.y} - a.y) * (double{p.x} - a.x),
+                    0.0)
+                    << "round " << round;
         }
     }
     EXPECT_EQ(convexHull({{1, 1}, {1, 1}, {2, 2}}).size(), 3u) << "two different points: left as they were";
     EXPECT_EQ(convexHull({}).size(), 0u);
+    const std::vector<Vector2f> small{{0, 0}, {0.9f, 0}, {0.9f, 0.9f}, {0, 0.9f}};
+    EXPECT_EQ(convexHull(small).size(), 4u);
+    EXPECT_EQ(wholeTurnHull(small).size(), 2u) << "turns below a whole number count as none";
 }
 
 /// Even-odd at every pixel, for convex polygons of which each row has one span.
