@@ -7,8 +7,11 @@
 #include <random>
 #include <vector>
 
+#include "beautykernel/skintools/featureMaskPainter.h"
+#include "portrait/portrait.h"
 #include "support/standardFace.h"
 #include "zellab/geometry/linearSolve.h"
+#include "zellab/imageproc/shapes/polygonFill.h"
 
 namespace {
 
@@ -260,13 +263,47 @@ TEST(FaceInterpolation, EachListLiesOnItsFeature) {
             EXPECT_TRUE(isSimple(p, polygon)) << polygon[0];
         EXPECT_TRUE(contains(p, kEyes[0], p[169]) && contains(p, kEyes[1], p[170]));
         for (std::size_t i : join(range(60, 64), range(67, 71))) EXPECT_TRUE(contains(p, kMouth, p[i])) << i;
-        for (const Positions& inner : {kEyes[0], kEyes[1], kBrows[0], kBrows[1], kMouth, range(40, 49),
-                                       range(108, 170), range(175, 214), range(299, 309)})
+        // A brow's outline may stand out over the temple at its outer end.
+        const Positions brows = {22, 23, 24, 25, 27, 28, 29, 30, 31, 32, 33, 36, 37, 38};
+        for (const Positions& inner : {kEyes[0], kEyes[1], brows, kMouth, range(40, 49), range(108, 170),
+                                       range(175, 214), range(299, 309)})
             for (std::size_t i : inner) EXPECT_TRUE(contains(p, kFace, p[i])) << i;
         const Points wide = widenedMouth(p);
         EXPECT_TRUE(isSimple(wide, range(0, 14)));
         for (std::size_t i : kMouth) EXPECT_TRUE(contains(wide, range(0, 14), p[i])) << i;
         for (std::size_t i = 215; i <= 298; ++i) EXPECT_FALSE(contains(p, kFace, p[i])) << i;
+    }
+}
+
+// Skin masks take the hull of a brow's points, the search for flecks the closed outline.
+TEST(FaceInterpolation, OutlinesHoldTheWholeBrow) {
+    constexpr int kWidth = 300, kHeight = 400;
+    for (unsigned seed = 101; seed <= 108; ++seed) {
+        SCOPED_TRACE(seed);
+        zel::PortraitParams params;
+        params.seed = seed;
+        params.width = kWidth, params.height = kHeight;
+        const zel::Portrait portrait = drawPortrait(params);
+        Landmarks face = portrait.faces.faces.front().points;
+        for (Vector2f& p : face) p = {p.x * kWidth, p.y * kHeight};
+        const Points points = pointsOf(face);
+        std::vector<unsigned char> hulls(portrait.brows.samples.size()), outlines = hulls;
+        zellab::CFeatureMaskPainter::Paint(hulls.data(), kWidth, kHeight, points.data(), zellab::kBrows, 1);
+        for (const Positions& brow : kBrows) {
+            std::vector<Vector2f> polygon;
+            for (std::size_t i : brow) polygon.push_back(points[i]);
+            zellab::FillPolygonMask(outlines.data(), kWidth, kHeight, polygon, 1);
+        }
+        double all = 0, inHulls = 0, inOutlines = 0, onEyes = 0;
+        for (std::size_t i = 0; i < hulls.size(); ++i) {
+            all += portrait.brows.samples[i];
+            inHulls += hulls[i] * portrait.brows.samples[i];
+            inOutlines += outlines[i] * portrait.brows.samples[i];
+            onEyes += hulls[i] * portrait.eyes.samples[i];
+        }
+        EXPECT_GT(inHulls, 0.97 * all);
+        EXPECT_GT(inOutlines, 0.97 * all);
+        EXPECT_EQ(onEyes, 0);
     }
 }
 
