@@ -122,16 +122,17 @@ void FaceShape::layOutline(const Sitter& s) {
 }
 
 void FaceShape::layFeatures(const Sitter& s) {
-    const float open = s.eyeOpen * (1.0f - 0.13f * clamp01(s.smile));
     for (int i = 0; i < 2; ++i) {
         EyeShape& eye = eyes[i];
         eye.side = i == 0 ? -1.0f : 1.0f;
         eye.centre = {eye.side * 31.5f * s.eyeSpacing * mix(1.0f, s.faceWidth, 0.5f), 0};
         eye.halfWidth = 15.8f * s.eyeSize;
         eye.upperRise = mix(7.4f, 6.3f, s.masculine) * s.eyeSize;
-        eye.lowerDrop = 4.5f * s.eyeSize - 0.5f * clamp01(s.smile);
+        // Laughing cheeks push the lower lids up until they arch; a wink squeezes the lid a little.
+        const float wink = clamp01(eye.side * s.wink);
+        eye.lowerDrop = 4.5f * s.eyeSize - 0.5f * clamp01(s.smile) - 5.5f * s.eyeSize * s.laugh - 1.5f * wink;
         eye.slant = 0.5f + 1.5f * s.eyeSlant;
-        eye.open = open;
+        eye.open = s.eyeOpen[i] * (1.0f - 0.13f * clamp01(s.smile)) * (1.0f - 0.2f * s.laugh) * (1.0f - wink);
         eye.irisRadius = 5.9f * mix(1.0f, s.eyeSize, 0.5f);
         eye.pupilRadius = eye.irisRadius * 0.36f;
         eye.iris = eye.centre + Vec2{s.gaze.x * 5.0f, s.gaze.y * 3.2f - 0.9f};

@@ -41,7 +41,11 @@ struct PortraitParams {
     std::optional<double> eyeSize, eyeSpacing;              // 0.85 to 1.15
     std::optional<double> eyeSlant;                         // -1 to 1; above 0 lifts the outer corners
     std::optional<double> eyeOpen;                          // 0 closed, 1 open, 1.2 wide
-    std::optional<double> gazeX, gazeY;                     // -1 to 1; right and down
+    std::optional<double> eyeOpenLeft, eyeOpenRight;        // the same for one eye, of the picture's sides
+    std::optional<double> wink;   // -1 to 1: closes the eye at the picture's left (below 0) or right, and
+                                  // squeezes its lower lid up
+    std::optional<double> laugh;  // 0 to 1: narrows the eyes from below, as cheeks do that laugh
+    std::optional<double> gazeX, gazeY;  // -1 to 1; right and down
     std::optional<IrisColour> irisColour;
     std::optional<double> browThickness, browArch;  // 0.4 to 1.8; 0 to 1
     std::optional<double> noseWidth, noseLength;    // 0.8 to 1.25; 0.88 to 1.12

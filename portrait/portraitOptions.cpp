@@ -90,6 +90,10 @@ void addPerson(std::vector<PortraitOption>& all) {
     all.push_back(number("eyeSpacing", &P::eyeSpacing, 0.85, 1.15, "distance of the eyes, 1 average"));
     all.push_back(number("eyeSlant", &P::eyeSlant, -1, 1, "above 0 lifts the outer corners"));
     all.push_back(number("eyeOpen", &P::eyeOpen, 0, 1.2, "0 closed, 1 open, 1.2 wide"));
+    all.push_back(number("eyeOpenLeft", &P::eyeOpenLeft, 0, 1.2, "the eye at the picture's left alone"));
+    all.push_back(number("eyeOpenRight", &P::eyeOpenRight, 0, 1.2, "the eye at the picture's right alone"));
+    all.push_back(number("wink", &P::wink, -1, 1, "closes the eye at the picture's left (below 0) or right"));
+    all.push_back(number("laugh", &P::laugh, 0, 1, "laughing eyes: narrowed from below"));
     all.push_back(number("gazeX", &P::gazeX, -1, 1, "above 0 looks to the picture's right"));
     all.push_back(number("gazeY", &P::gazeY, -1, 1, "above 0 looks down"));
     all.push_back(choice("irisColour", &P::irisColour,

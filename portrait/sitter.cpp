@@ -43,7 +43,11 @@ void chooseFeatures(Sitter& s, const PortraitParams& p, RandomSource& random) {
     s.eyeSize = settled(p.eyeSize, factor(random, 0.05f), 0.85f, 1.15f);
     s.eyeSpacing = settled(p.eyeSpacing, factor(random, 0.03f), 0.85f, 1.15f);
     s.eyeSlant = settled(p.eyeSlant, 0.25f + 0.35f * random.bellShaped(), -1, 1);
-    s.eyeOpen = settled(p.eyeOpen, 0.98f + 0.07f * random.bellShaped(), 0, 1.2f);
+    const float eyeOpen = settled(p.eyeOpen, 0.98f + 0.07f * random.bellShaped(), 0, 1.2f);
+    s.eyeOpen[0] = settled(p.eyeOpenLeft, eyeOpen, 0, 1.2f);
+    s.eyeOpen[1] = settled(p.eyeOpenRight, eyeOpen, 0, 1.2f);
+    s.wink = settled(p.wink, 0, -1, 1);
+    s.laugh = settled(p.laugh, 0, 0, 1);
     s.crease = random.range(0.5f, 1.2f);
     const float gazeX = 0.12f * random.bellShaped(), gazeY = 0.08f * random.bellShaped();
     s.gaze = {settled(p.gazeX, gazeX, -1, 1), settled(p.gazeY, gazeY, -1, 1)};

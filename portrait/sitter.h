@@ -15,7 +15,9 @@ struct Sitter {
     float flush = 0.5f;  // how red cheeks, nose and ears are, 0 to 1
     float oil = 0.5f;    // shine, 0 to 1
     float faceWidth = 1, jawWidth = 1, chinLength = 1, foreheadHeight = 1, cheeks = 1;
-    float eyeSize = 1, eyeSpacing = 1, eyeSlant = 0, eyeOpen = 1, crease = 1;
+    float eyeSize = 1, eyeSpacing = 1, eyeSlant = 0, crease = 1;
+    float eyeOpen[2] = {1, 1};  // picture's left, right
+    float wink = 0, laugh = 0;
     Vec2 gaze;
     Colour irisInner, irisOuter;
     float irisDarkness = 0;                                    // 0 pale to 1 near black

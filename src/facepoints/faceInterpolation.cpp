@@ -49,16 +49,21 @@ Affine AffineByThreePoints(const Vector2f src[3], const Vector2f dst[3]) {
     return map;
 }
 
-/// Maps template points by the fit of three landmarks to their template points and appends them.
-template <std::size_t Count>
-int appendFitted(const Vector2f* landmarks, const std::array<std::size_t, 3>& fit, const Vector2f* extra,
-                 Vector2f* out, int count) {
+/// The fit of three landmarks to their template points.
+Affine fitOf(const Vector2f* landmarks, const std::array<std::size_t, 3>& fit) {
     Vector2f src[3], dst[3];
     for (std::size_t i = 0; i < 3; ++i) {
         src[i] = kTemplateLandmarks[fit[i]];
         dst[i] = landmarks[fit[i]];
     }
-    const Affine map = AffineByThreePoints(src, dst);
+    return AffineByThreePoints(src, dst);
+}
+
+/// Maps template points by the fit of three landmarks and appends them.
+template <std::size_t Count>
+int appendFitted(const Vector2f* landmarks, const std::array<std::size_t, 3>& fit, const Vector2f* extra,
+                 Vector2f* out, int count) {
+    const Affine map = fitOf(landmarks, fit);
     for (std::size_t i = 0; i < Count; ++i) out[count++] = map(extra[i]);
     return count;
 }
@@ -74,10 +79,40 @@ int appendCurve(std::initializer_list<Vector2f> points, int samples, int first, 
     return count + keep;
 }
 
+/// The landmarks that an eye's outline hangs on.
+struct EyeLandmarks {
+    std::size_t outer, upperLid, inner, lowerLid;
+};
+
+/// The upper lid's points take the lower ones with them in the fit: below the line of the corners, where a
+/// narrow eye's lid hangs, they turn the outline upside down. There the lower row has a fit of its own, by
+/// the corners and the lower lid, and the upper row ends on it.
+void rightenEye(const Vector2f* landmarks, const EyeLandmarks& eye, const Vector2f* extra,
+                Vector2f* outline) {
+    constexpr std::size_t kUpper = 1, kLower = 6,
+                          kPairs = 4;  // points without the corners, one above another
+    constexpr std::size_t kChin = 0;
+    const Vector2f outer = landmarks[eye.outer], chord = landmarks[eye.inner] - outer;
+    const auto side = [&](Vector2f p) { return chord.x * (p.y - outer.y) - chord.y * (p.x - outer.x); };
+    const float down = side(landmarks[kChin]), hang = side(landmarks[eye.upperLid]);
+    if (!std::isfinite(hang) || !((down > 0.0f && hang > 0.0f) || (down < 0.0f && hang < 0.0f))) return;
+    const Affine map = fitOf(landmarks, {eye.outer, eye.lowerLid, eye.inner});
+    for (std::size_t i = 0; i < kPairs; ++i) {
+        const Vector2f lower = outline[kLower + i] = map(extra[kLower + i]);
+        Vector2f& upper = outline[kUpper + i];
+        if (down > 0.0f ? side(upper) > side(lower) : side(upper) < side(lower)) upper = lower;
+    }
+}
+
 /// 0 to 19: outlines of both eyes, by corners and upper lid.
 int appendEyes(const Vector2f* landmarks, Vector2f* out, int count) {
-    count = appendFitted<10>(landmarks, {21, 26, 25}, &kTemplateEyes[0], out, count);
-    return appendFitted<10>(landmarks, {71, 72, 67}, &kTemplateEyes[10], out, count);
+    for (const EyeLandmarks& eye : {EyeLandmarks{21, 26, 25, 19}, EyeLandmarks{71, 72, 67, 65}}) {
+        const Vector2f* extra = &kTemplateEyes[static_cast<std::size_t>(count)];
+        Vector2f* outline = out + count;
+        count = appendFitted<10>(landmarks, {eye.outer, eye.upperLid, eye.inner}, extra, out, count);
+        rightenEye(landmarks, eye, extra, outline);
+    }
+    return count;
 }
 
 /// 20 to 39: outlines of both brows, by the middles of both edges and the inner end.

@@ -17,8 +17,8 @@ extern const std::array<Vector2f, 83> kTemplateLandmarks;
 /// outwards.
 extern const std::array<Vector2f, 20> kTemplateEyes;
 
-/// Ten points a brow: the left one's upper edge from its outer end to its inner end (0 to 5), its lower edge
-/// in the same direction without the ends (6 to 9), then the right one from its inner end outwards.
+/// Ten points about a brow and its hairs: above the left one from its outer end to its inner end (0 to 5),
+/// below it in the same direction without the ends (6 to 9), then the right one from its inner end outwards.
 extern const std::array<Vector2f, 20> kTemplateBrows;
 
 /// The mouth from left to right, four times: upper edge of the upper lip with both corners (0 to 8), lower

@@ -2,10 +2,16 @@
 
 #include <gtest/gtest.h>
 
+#include <cstring>
 #include <limits>
+#include <random>
 #include <vector>
 
+#include "beautykernel/skintools/featureMaskPainter.h"
+#include "portrait/portrait.h"
 #include "support/standardFace.h"
+#include "zellab/geometry/linearSolve.h"
+#include "zellab/imageproc/shapes/polygonFill.h"
 
 namespace {
 
@@ -167,6 +173,83 @@ TEST(FaceInterpolation, AMirroredFaceGivesTheMirroredList) {
     }
 }
 
+/// The four landmarks of an eye's outline and the positions of its points: the upper lid's between the
+/// corners, and the lower ones under them.
+struct EyeOutline {
+    std::size_t outer, upperLid, inner, lowerLid, first;
+};
+constexpr EyeOutline kOutlines[2] = {{21, 26, 25, 19, 0}, {71, 72, 67, 65, 10}};
+
+/// The ten points by the fit of the corners and one lid's landmark.
+std::array<Vector2f, 10> fittedOutline(const Landmarks& face, const EyeOutline& eye, std::size_t lid) {
+    const std::size_t fit[3] = {eye.outer, lid, eye.inner};
+    double matrix[6][6] = {}, map[6];
+    for (std::size_t row = 0; row < 6; ++row) {
+        const Vector2f from = zellab::kTemplateLandmarks[fit[row / 2]], to = face[fit[row / 2]];
+        double* place = &matrix[row][row % 2 * 3];
+        place[0] = static_cast<double>(from.x), place[1] = static_cast<double>(from.y), place[2] = 1;
+        map[row] = static_cast<double>(row % 2 ? to.y : to.x);
+    }
+    EXPECT_NE(zellab::SolveLinearGauss(matrix[0], sizeof matrix[0], 6, map, sizeof map[0], 1), 0);
+    std::array<Vector2f, 10> points;
+    for (std::size_t i = 0; i < points.size(); ++i) {
+        const double x = static_cast<double>(zellab::kTemplateEyes[eye.first + i].x),
+                     y = static_cast<double>(zellab::kTemplateEyes[eye.first + i].y);
+        points[i] = {static_cast<float>(map[0] * x + map[1] * y + map[2]),
+                     static_cast<float>(map[3] * x + map[4] * y + map[5])};
+    }
+    return points;
+}
+
+// Only where the upper lid hangs below the corners does an outline leave the fit of that lid; it then follows
+// the lower lid, and its rows never cross. However the head leans, also in a mirror.
+TEST(FaceInterpolation, NarrowEyesKeepTheirLidsInOrderAndOthersTheirFit) {
+    std::mt19937 engine(17);
+    std::uniform_real_distribution<float> lids(-0.3f, 0.3f), turns(-3.0f, 3.0f);
+    int hanging = 0, open = 0;
+    for (unsigned seed = 0; seed < 200; ++seed) {
+        SCOPED_TRACE(seed);
+        Landmarks face = zeltest::variedFace(zeltest::standardFace(0, 0, kPupils), seed);
+        std::array<bool, 2> hangs;
+        for (std::size_t k = 0; k < 2; ++k) {
+            const EyeOutline& eye = kOutlines[k];
+            // Lids at random heights about the corners, the lower one below the upper one or on it.
+            const Vector2f a = face[eye.outer], b = face[eye.inner];
+            const float middle = (a.y + b.y) / 2, width = std::abs(a.x - b.x), height = lids(engine);
+            for (std::size_t lid : {eye.upperLid, eye.lowerLid}) face[lid].x = (a.x + b.x) / 2;
+            face[eye.upperLid].y = middle + height * width;
+            face[eye.lowerLid].y = middle + (seed % 4 ? std::max(height, lids(engine)) : height) * width;
+            hangs[k] = height > 0;
+        }
+        face = Placing{1, turns(engine), 40, 70, seed % 3 ? 1.0f : -1.0f}(face);
+        const Points p = pointsOf(face);
+        for (std::size_t k = 0; k < 2; ++k) {
+            const EyeOutline& eye = kOutlines[k];
+            const auto told = fittedOutline(face, eye, eye.upperLid),
+                       low = fittedOutline(face, eye, eye.lowerLid);
+            const auto same = [&](std::size_t i, const std::array<Vector2f, 10>& fit) {
+                return std::memcmp(&p[eye.first + i], &fit[i], sizeof fit[i]) == 0;
+            };
+            ++(hangs[k] ? hanging : open);
+            if (!hangs[k]) {
+                for (std::size_t i = 0; i < 10; ++i) ASSERT_TRUE(same(i, told)) << i;
+                continue;
+            }
+            const Vector2f a = face[eye.outer], b = face[eye.inner];
+            const float down = cross(a, b, face[0]) > 0 ? 1.0f : -1.0f;
+            for (std::size_t i = 6; i < 10; ++i) {
+                ASSERT_TRUE(same(i, low)) << i;
+                ASSERT_TRUE(same(i - 5, told) ||
+                            std::memcmp(&p[eye.first + i - 5], &p[eye.first + i], sizeof(Vector2f)) == 0)
+                    << i;
+                ASSERT_GE(cross(a, b, p[eye.first + i]) * down, cross(a, b, p[eye.first + i - 5]) * down)
+                    << i;
+            }
+        }
+    }
+    EXPECT_GT(std::min(hanging, open), 100);
+}
+
 TEST(FaceInterpolation, AFaceOfZerosGivesTheWholeListOfZeros) {
     for (Vector2f p : pointsOf({})) EXPECT_TRUE(p.x == 0 && p.y == 0);
 }
@@ -180,13 +263,47 @@ TEST(FaceInterpolation, EachListLiesOnItsFeature) {
             EXPECT_TRUE(isSimple(p, polygon)) << polygon[0];
         EXPECT_TRUE(contains(p, kEyes[0], p[169]) && contains(p, kEyes[1], p[170]));
         for (std::size_t i : join(range(60, 64), range(67, 71))) EXPECT_TRUE(contains(p, kMouth, p[i])) << i;
-        for (const Positions& inner : {kEyes[0], kEyes[1], kBrows[0], kBrows[1], kMouth, range(40, 49),
-                                       range(108, 170), range(175, 214), range(299, 309)})
+        // A brow's outline may stand out over the temple at its outer end.
+        const Positions brows = {22, 23, 24, 25, 27, 28, 29, 30, 31, 32, 33, 36, 37, 38};
+        for (const Positions& inner : {kEyes[0], kEyes[1], brows, kMouth, range(40, 49), range(108, 170),
+                                       range(175, 214), range(299, 309)})
             for (std::size_t i : inner) EXPECT_TRUE(contains(p, kFace, p[i])) << i;
         const Points wide = widenedMouth(p);
         EXPECT_TRUE(isSimple(wide, range(0, 14)));
         for (std::size_t i : kMouth) EXPECT_TRUE(contains(wide, range(0, 14), p[i])) << i;
         for (std::size_t i = 215; i <= 298; ++i) EXPECT_FALSE(contains(p, kFace, p[i])) << i;
+    }
+}
+
+// Skin masks take the hull of a brow's points, the search for flecks the closed outline.
+TEST(FaceInterpolation, OutlinesHoldTheWholeBrow) {
+    constexpr int kWidth = 300, kHeight = 400;
+    for (unsigned seed = 101; seed <= 108; ++seed) {
+        SCOPED_TRACE(seed);
+        zel::PortraitParams params;
+        params.seed = seed;
+        params.width = kWidth, params.height = kHeight;
+        const zel::Portrait portrait = drawPortrait(params);
+        Landmarks face = portrait.faces.faces.front().points;
+        for (Vector2f& p : face) p = {p.x * kWidth, p.y * kHeight};
+        const Points points = pointsOf(face);
+        std::vector<unsigned char> hulls(portrait.brows.samples.size()), outlines = hulls;
+        zellab::CFeatureMaskPainter::Paint(hulls.data(), kWidth, kHeight, points.data(), zellab::kBrows, 1);
+        for (const Positions& brow : kBrows) {
+            std::vector<Vector2f> polygon;
+            for (std::size_t i : brow) polygon.push_back(points[i]);
+            zellab::FillPolygonMask(outlines.data(), kWidth, kHeight, polygon, 1);
+        }
+        double all = 0, inHulls = 0, inOutlines = 0, onEyes = 0;
+        for (std::size_t i = 0; i < hulls.size(); ++i) {
+            all += portrait.brows.samples[i];
+            inHulls += hulls[i] * portrait.brows.samples[i];
+            inOutlines += outlines[i] * portrait.brows.samples[i];
+            onEyes += hulls[i] * portrait.eyes.samples[i];
+        }
+        EXPECT_GT(inHulls, 0.97 * all);
+        EXPECT_GT(inOutlines, 0.97 * all);
+        EXPECT_EQ(onEyes, 0);
     }
 }
 

@@ -234,6 +234,23 @@ TEST(Portrait, IrisCirclesAndLidsAgreeWithTheMasks) {
     EXPECT_LT(half, area(open.eyes) * 3 / 4);
     EXPECT_EQ(area(closed.eyes), 0u);
     EXPECT_EQ(area(closed.iris), 0u);
+
+    params.eyeOpen = 1.0;
+    params.wink = -1.0;
+    const Portrait winking = drawPortrait(params);
+    for (std::size_t i = 0; i < open.eyes.samples.size(); ++i)
+        ASSERT_TRUE(i % 300 < 150 ? winking.eyes.samples[i] < 128
+                                  : winking.eyes.samples[i] == open.eyes.samples[i]);
+    params.wink = 0.0;
+    params.laugh = 1.0;
+    const Portrait laughing = drawPortrait(params);
+    EXPECT_LT(area(laughing.eyes), area(open.eyes) * 3 / 4);
+    const Landmarks at(laughing);
+    for (const std::size_t eye : {19u, 65u}) {
+        EXPECT_LT(at[eye].y, (at[eye + 2].y + at[eye + 6].y) / 2) << "the lower lid arches";
+        EXPECT_GT(sampleAt(laughing.eyes, at.towards(eye, at[eye + 7], 0.3)), 90);
+        EXPECT_LT(sampleAt(laughing.eyes, at.towards(eye, at[eye + 7], -0.3)), 90);
+    }
 }
 
 // An effect is judged by what it does under these masks, so none may miss a pixel of its layer.
@@ -356,18 +373,24 @@ TEST(Portrait, TakesEverySizeInRange) {
 
 /// Every number of the parameters, whatever its kind, as its option tells it.
 void setAllNumbers(PortraitParams& params, double value) {
-    for (auto member :
-         {&PortraitParams::headHeight,  &PortraitParams::centreX,       &PortraitParams::centreY,
-          &PortraitParams::yaw,         &PortraitParams::roll,          &PortraitParams::tilt,
-          &PortraitParams::masculine,   &PortraitParams::faceWidth,     &PortraitParams::jawWidth,
-          &PortraitParams::chinLength,  &PortraitParams::eyeSize,       &PortraitParams::eyeSpacing,
-          &PortraitParams::eyeSlant,    &PortraitParams::eyeOpen,       &PortraitParams::gazeX,
-          &PortraitParams::gazeY,       &PortraitParams::browThickness, &PortraitParams::browArch,
-          &PortraitParams::noseWidth,   &PortraitParams::noseLength,    &PortraitParams::mouthWidth,
-          &PortraitParams::lipFullness, &PortraitParams::smile,         &PortraitParams::lipstick,
-          &PortraitParams::stubble,     &PortraitParams::defocus,       &PortraitParams::lightDirection,
-          &PortraitParams::lightHeight, &PortraitParams::lightWarmth,   &PortraitParams::lightContrast,
-          &PortraitParams::exposure,    &PortraitParams::noise})
+    for (auto member : {&PortraitParams::headHeight,     &PortraitParams::centreX,
+                        &PortraitParams::centreY,        &PortraitParams::yaw,
+                        &PortraitParams::roll,           &PortraitParams::tilt,
+                        &PortraitParams::masculine,      &PortraitParams::faceWidth,
+                        &PortraitParams::jawWidth,       &PortraitParams::chinLength,
+                        &PortraitParams::eyeSize,        &PortraitParams::eyeSpacing,
+                        &PortraitParams::eyeSlant,       &PortraitParams::eyeOpen,
+                        &PortraitParams::eyeOpenLeft,    &PortraitParams::eyeOpenRight,
+                        &PortraitParams::wink,           &PortraitParams::laugh,
+                        &PortraitParams::gazeX,          &PortraitParams::gazeY,
+                        &PortraitParams::browThickness,  &PortraitParams::browArch,
+                        &PortraitParams::noseWidth,      &PortraitParams::noseLength,
+                        &PortraitParams::mouthWidth,     &PortraitParams::lipFullness,
+                        &PortraitParams::smile,          &PortraitParams::lipstick,
+                        &PortraitParams::stubble,        &PortraitParams::defocus,
+                        &PortraitParams::lightDirection, &PortraitParams::lightHeight,
+                        &PortraitParams::lightWarmth,    &PortraitParams::lightContrast,
+                        &PortraitParams::exposure,       &PortraitParams::noise})
         params.*member = value;
     for (auto member : {&PortraitParams::freckles, &PortraitParams::wrinkles, &PortraitParams::darkCircles,
                         &PortraitParams::dullSkin})

@@ -1,6 +1,7 @@
 #include "beautykernel/blackeyecleaner/eyeRegion.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 
 #include "beautykernel/blackeyecleaner/underEyeShape.h"
@@ -17,6 +18,7 @@ namespace {
 constexpr int kFirstEye = 0, kSecondEye = 10, kLastEye = 19;  // outlines of both eyes
 constexpr int kFirstRing = 113, kLastRing = 152;              // cheeks, from the rows under the eyes down
 constexpr std::size_t kFirstPupil = 169;
+constexpr std::size_t kNoseTip = 48;
 constexpr int kNoseTop = 41;  // the inner ends do not reach beyond half the way to it
 
 /// Positions of one eye in the interpolated list.
@@ -100,6 +102,37 @@ UnderEyeShape shapeOf(const EyeRegion& region, const EyeIndices& eye, const Dark
     return shape;
 }
 
+/// The almond of an open eye about a narrow one, whose outline tells little of where its lids and whites lie;
+/// nothing for an eye that is open.
+std::vector<Vector2f> almondOfNarrowEye(const EyeRegion& region, int first) {
+    constexpr float kNarrow = 0.09f;  // rise of the upper lid above the corners, as a share of their distance
+    constexpr std::size_t kCorner = 5, kAlong = 4;  // upper lid 1 to 4 between the corners 0 and 5
+    // Of an open eye at each fifth of its width, from the outer corner inwards, as shares of the width.
+    constexpr std::array<float, kAlong> kAbove = {0.14f, 0.20f, 0.21f, 0.165f};
+    constexpr std::array<float, kAlong> kBelow = {0.13f, 0.165f, 0.15f, 0.11f};
+    const Vector2f* outline = &region.points[static_cast<std::size_t>(first)];
+    const bool fromOuter = first == kFirstEye;
+    const Vector2f outer = outline[fromOuter ? 0 : kCorner], inner = outline[fromOuter ? kCorner : 0];
+    const Vector2f chord = {inner.x - outer.x, inner.y - outer.y}, nose = region.points[kNoseTip];
+    const float turn = chord.x * (nose.y - outer.y) < chord.y * (nose.x - outer.x) ? -1.0f : 1.0f;
+    const Vector2f down = {-chord.y * turn, chord.x * turn};
+    float rise = 0.0f;
+    for (std::size_t i = 1; i <= kAlong; ++i)
+        rise = std::max(rise, (outer.x - outline[i].x) * down.x + (outer.y - outline[i].y) * down.y);
+    if (!(rise < kNarrow * (chord.x * chord.x + chord.y * chord.y))) return {};
+    std::vector<Vector2f> almond;
+    const auto append = [&](std::size_t fifth, float below) {
+        const float along = static_cast<float>(fifth) / 5.0f;
+        almond.push_back(region.inCrop(
+            {outer.x + chord.x * along + down.x * below, outer.y + chord.y * along + down.y * below}));
+    };
+    append(0, 0.0f);
+    for (std::size_t i = 0; i < kAlong; ++i) append(i + 1, -kAbove[i]);
+    append(5, 0.0f);
+    for (std::size_t i = kAlong; i-- > 0;) append(i + 1, kBelow[i]);
+    return almond;
+}
+
 }  // namespace
 
 std::optional<EyeRegion> findEyeRegion(int width, int height, const DarkCircleRun& run) {
@@ -137,6 +170,7 @@ void cutEyes(Plane<Byte>& plane, const EyeRegion& region) {
         for (int i = 0; i < kOutlinePoints; ++i)
             outline.push_back(region.inCrop({x + (points[i].x - x) * kRim, y + (points[i].y - y) * kRim}));
         FillPolygonMask(plane.view(), outline, 0);
+        FillPolygonMask(plane.view(), almondOfNarrowEye(region, first), 0);
 
         constexpr int kCorner = 5, kSides = 16;
         constexpr float kIris = 0.21f, kTurn = 6.2831853f;  // radius, as a share of the eye's width
