@@ -14,10 +14,14 @@ function(zelAddBench)
   target_sources(zel_bench PRIVATE ${ARGN})
 endfunction()
 
-# One libFuzzer program from NAME.cpp in the current folder.
+# One libFuzzer program from NAME.cpp in the current folder; with ZEL_FUZZ_REPLAY one that runs on given inputs.
 function(zelAddFuzzer name)
   add_executable(${name} ${name}.cpp)
   target_link_libraries(${name} PRIVATE zel_core)
-  target_compile_options(${name} PRIVATE -fsanitize=fuzzer)
-  target_link_options(${name} PRIVATE -fsanitize=fuzzer)
+  if(ZEL_FUZZ_REPLAY)
+    target_sources(${name} PRIVATE ${PROJECT_SOURCE_DIR}/fuzz/replay.cpp)
+  else()
+    target_compile_options(${name} PRIVATE -fsanitize=fuzzer)
+    target_link_options(${name} PRIVATE -fsanitize=fuzzer)
+  endif()
 endfunction()

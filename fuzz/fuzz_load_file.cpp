@@ -8,8 +8,8 @@
 #include <vector>
 
 #include "CrossPlateform/platform_win/stb_image_util/imageScramble.h"
-#include "zel_effects/zel_effects.h"
 #include "loadOptions.h"
+#include "zel_effects/zel_effects.h"
 
 namespace {
 

@@ -2,8 +2,8 @@
 #include <cstdint>
 #include <vector>
 
-#include "zel_effects/zel_effects.h"
 #include "loadOptions.h"
+#include "zel_effects/zel_effects.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* input, std::size_t size) {
     if (size < zelfuzz::LoadOptions::kBytes) return 0;

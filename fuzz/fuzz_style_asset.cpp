@@ -6,6 +6,7 @@
 #include <cstdlib>
 #include <string>
 
+#include "readAll.h"
 #include "zellab/utils/zelFileUtils.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* input, std::size_t size) {
@@ -20,12 +21,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* input, std::size_t siz
     if (pixels) {
         // A buffer comes with a size, and all of it may be read.
         if (width < 1 || height < 1 || channels < 1) std::abort();
-        const auto last = static_cast<std::size_t>(width) * static_cast<std::size_t>(height) *
-                              static_cast<std::size_t>(channels) -
-                          1;
-        volatile unsigned char seen = pixels[0];
-        seen = pixels[last];
-        (void)seen;
+        zelfuzz::readAll(pixels, static_cast<std::size_t>(width) * static_cast<std::size_t>(height) *
+                                     static_cast<std::size_t>(channels));
     }
     std::free(pixels);
     return 0;

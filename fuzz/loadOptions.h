@@ -5,6 +5,7 @@
 #include <memory>
 
 #include "CrossPlateform/platform_win/stb_image_util/sizeLimit.h"
+#include "readAll.h"
 
 namespace zelfuzz {
 
@@ -31,13 +32,9 @@ inline void checkAndFree(unsigned char* pixels, int width, int height, const Loa
     // A side above 32768 is not scaled; the reduced size is then only the part that a host would read.
     if (options.keepAlpha && options.maxSize > 0) size = zellab::limitedSize(size, options.maxSize);
     const std::size_t count = zellab::sampleCount(size.width, size.height);
-    unsigned opaque = 0xFF, sum = 0;
-    for (std::size_t i = 0; i < count; ++i) {
-        opaque &= pixels[4 * i + 3];
-        sum += pixels[4 * i] + pixels[4 * i + 1] + pixels[4 * i + 2];
-    }
-    volatile unsigned keep = sum;
-    static_cast<void>(keep);
+    readAll(pixels, 4 * count);
+    unsigned opaque = 0xFF;
+    for (std::size_t i = 0; i < count; ++i) opaque &= pixels[4 * i + 3];
     if (!options.keepAlpha && opaque != 0xFF) std::abort();
 }
 

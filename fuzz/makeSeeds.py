@@ -27,13 +27,13 @@ def rows(channels):
     return [bytes(pixel(x, y, c) for x in range(WIDTH) for c in range(channels)) for y in range(HEIGHT)]
 
 
-def png(colour_type, channels, depth=8, interlace=0, palette=b"", transparency=b""):
+def png(colour_type, channels, depth=8, interlace=0, palette=b"", transparency=b"", body=None):
     def chunk(kind, data):
         return struct.pack(">I", len(data)) + kind + data + struct.pack(">I", zlib.crc32(kind + data))
 
-    if depth < 8:
+    if body is None and depth < 8:
         body = b"".join(bytes([y % 5]) + bytes([0xA5] * ((WIDTH * depth + 7) // 8)) for y in range(HEIGHT))
-    else:
+    elif body is None:
         body = b"".join(bytes([y % 5]) + b"".join(bytes([v]) * (depth // 8) for v in row)
                         for y, row in enumerate(rows(channels)))
     if interlace:
@@ -55,6 +55,15 @@ def bmp(bits):
     offset = 54 + len(palette)
     return (b"BM" + struct.pack("<IHHI", offset + len(body), 0, 0, offset)
             + struct.pack("<IiiHHIIiiII", 40, WIDTH, HEIGHT, 1, bits, 0, len(body), 0, 0, 0, 0) + palette + body)
+
+
+def bmp_palette(bits, colours):
+    """Numbers of all colours that the bits can tell, of which the palette has the first few."""
+    body = b"".join(bytes((y * 77 + x * 50) % 256 for x in range(4)) for y in range(HEIGHT))
+    offset = 54 + 4 * colours
+    return (b"BM" + struct.pack("<IHHI", offset + len(body), 0, 0, offset)
+            + struct.pack("<IiiHHIIiiII", 40, 32 // bits, HEIGHT, 1, bits, 0, len(body), 0, 0, colours, 0)
+            + bytes(range(1, 4 * colours + 1)) + body)
 
 
 def tga(bits, packed):
@@ -117,6 +126,17 @@ def hdr():
     return text + b"".join(bytes([90, 120, 30, 129]) * WIDTH for _ in range(HEIGHT))
 
 
+def hdr_packed():
+    """Two rows, each channel as one run, as plain values, or as both."""
+    width, values = 9, [90, 120, 30, 129]
+    run = lambda v: bytes([128 + width, v])
+    plain = lambda v: bytes([width]) + bytes([v] * width)
+    both = lambda v: bytes([0, 128 + 5, v, 4]) + bytes([v] * 4)
+    row = bytes([2, 2, 0, width])
+    rows_of = row + b"".join(run(v) for v in values) + row + plain(values[0]) + b"".join(both(v) for v in values[1:])
+    return b"#?RGBE\nFORMAT=32-bit_rle_rgbe\n\n-Y 2 +X %d\n" % width + rows_of
+
+
 def pic():
     head = b"\x53\x80\xF6\x34" + bytes(84) + b"PICT" + struct.pack(">HHIHH", WIDTH, HEIGHT, 0, 3, 0)
     packet = bytes([0, 8, 1, 0xF0])  # run-length coded, all four channels
@@ -144,7 +164,19 @@ def files():
     yield "psd", psd(packed=False)
     yield "psd_packed", psd(packed=True)
     yield "hdr", hdr()
+    yield "hdr_packed", hdr_packed()
     yield "pic", pic()
+    # Damage that shows in pixels: files cut short, and numbers past the palette.
+    numbers = b"".join(b"\0" + bytes((x + y * WIDTH) * 9 % 256 for x in range(WIDTH)) for y in range(HEIGHT))
+    yield "png_past_palette", png(3, 1, palette=bytes(range(6)), body=numbers)
+    yield "png_past_alphas", png(3, 1, palette=bytes(range(30)), transparency=bytes([0, 128]), body=numbers)
+    for bits in (1, 4, 8):
+        yield f"bmp{bits}_past_palette", bmp_palette(bits, 1)
+    for name, whole in (("tga", tga(24, packed=False)), ("tga_packed", tga(32, packed=True)), ("pgm", pnm(5, 255)),
+                        ("ppm", pnm(6, 255)), ("hdr", hdr()), ("hdr_packed", hdr_packed()), ("psd", psd(packed=False)),
+                        ("psd_packed", psd(packed=True)), ("gif", gif()), ("pic", pic()), ("bmp24", bmp(24)),
+                        ("jpeg_colour", jpeg(progressive=False, components=3))):
+        yield name + "_cut", whole[: -max(9, len(whole) // 4)]
     yield "empty", b""
 
 

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "commands/commandLine.h"
+#include "platform/outputSignals.h"
 
 namespace {
 
@@ -28,5 +29,6 @@ void quietenDrivers() {
 int main(int argc, char** argv) {
     openMissingStreams();
     quietenDrivers();
+    zellab::platform::removeUnfinishedFilesOnSignals();
     return zel::runCommand(std::vector<std::string>(argv + (argc > 0 ? 1 : 0), argv + argc));
 }

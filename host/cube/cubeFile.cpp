@@ -3,11 +3,11 @@
 #include <algorithm>
 #include <charconv>
 #include <cmath>
-#include <fstream>
-#include <istream>
+#include <sstream>
 #include <string_view>
 
 #include "../effect.h"
+#include "../pictures/readPicture.h"
 
 namespace zel {
 
@@ -204,9 +204,9 @@ CubeFile readCube(std::istream& text) {
 }
 
 CubeFile readCubeFile(const std::string& path) {
-    std::ifstream file(path, std::ios::binary);
-    if (!file) throw Failure("cannot be opened");
-    return readCube(file);
+    const std::vector<unsigned char> bytes = readFileBytes(path);
+    std::istringstream text(std::string(bytes.begin(), bytes.end()));
+    return readCube(text);
 }
 
 std::vector<unsigned char> cubePicture(const CubeFile& cube) {

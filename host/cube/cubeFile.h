@@ -20,7 +20,7 @@ struct CubeFile {
 /// Throws Failure with the line's number where the text is no such table.
 CubeFile readCube(std::istream& text);
 
-/// The same from a file; Failure where it cannot be opened.
+/// The same from a regular file; Failure with the reason where it cannot be read.
 CubeFile readCubeFile(const std::string& path);
 
 /// The lookup as the library takes it: 64 by 64 RGBA texels, 16 steps an axis, display-coded. Trilinear

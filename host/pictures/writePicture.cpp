@@ -7,12 +7,15 @@
 #include <algorithm>
 #include <cctype>
 #include <cerrno>
+#include <cstdio>
 #include <cstring>
+#include <random>
 #include <string>
 #include <vector>
 
 #include "effect.h"
 #include "jpegFile.h"
+#include "platform/outputSignals.h"
 #include "pngFile.h"
 
 namespace zel {
@@ -20,6 +23,10 @@ namespace zel {
 namespace {
 
 namespace fs = std::filesystem;
+
+/// What an output keeps of the file that it replaces: who may read, write and run it. Its set-user-id bit was
+/// for the old contents.
+constexpr mode_t kPermissions = 0777;
 
 /// Permissions of a new file under the process's mask.
 mode_t newFileMode() {
@@ -31,12 +38,23 @@ mode_t newFileMode() {
     return mode;
 }
 
-/// A file under a temporary name beside its target; removed unless it was renamed.
+/// ".zel-" and 64 random bits, which nobody else has in the same folder.
+std::string temporaryName(const fs::path& target) {
+    std::random_device random;
+    char name[32];
+    std::snprintf(name, sizeof name, ".zel-%08x%08x", random(), random());
+    return (target.parent_path() / name).string();
+}
+
+/// A file under a temporary name beside its target; removed unless it was renamed, also where a signal ends
+/// the program.
 class TemporaryFile {
 public:
     explicit TemporaryFile(const fs::path& target)
-        : m_name((target.parent_path() / ".zel-XXXXXX").string()), m_fd(mkostemp(m_name.data(), O_CLOEXEC)) {
-        if (m_fd < 0) throw Failure("cannot be written (" + reason() + ")");
+        : m_name(temporaryName(target)),
+          m_unfinished(m_name.c_str()),
+          m_fd(open(m_name.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600)) {
+        if (m_fd < 0) fail();
     }
     ~TemporaryFile() {
         if (m_fd >= 0) close(m_fd);
@@ -47,30 +65,41 @@ public:
 
     void write(std::span<const unsigned char> bytes, mode_t mode) {
         // Some file systems know no permissions; the contents count.
-        if (fchmod(m_fd, mode) != 0 && errno != EPERM && errno != ENOTSUP)
-            throw Failure("cannot be written (" + reason() + ")");
+        if (fchmod(m_fd, mode) != 0 && errno != EPERM && errno != ENOTSUP) fail();
         while (!bytes.empty()) {
             const ssize_t count = ::write(m_fd, bytes.data(), bytes.size());
             if (count < 0 && errno == EINTR) continue;
-            if (count < 0) throw Failure("cannot be written (" + reason() + ")");
+            if (count < 0) fail();
             bytes = bytes.subspan(static_cast<std::size_t>(count));
         }
+        sync();
         // A full disk may show only here.
         const bool closed = close(m_fd) == 0;
         m_fd = -1;
-        if (!closed) throw Failure("cannot be written (" + reason() + ")");
+        if (!closed) fail();
     }
 
     void renameTo(const fs::path& target) {
-        if (rename(m_name.c_str(), target.c_str()) != 0)
-            throw Failure("cannot be written (" + reason() + ")");
+        if (rename(m_name.c_str(), target.c_str()) != 0) fail();
         m_renamed = true;
     }
 
 private:
-    static std::string reason() { return std::strerror(errno); }
+    [[noreturn]] static void fail() {
+        throw Failure(std::string("cannot be written (") + std::strerror(errno) + ")");
+    }
+
+    /// The contents are on the disk before the name is: a power cut leaves the old file or the new one, never
+    /// an empty one.
+    void sync() const {
+        while (fsync(m_fd) != 0) {
+            if (errno == EINVAL || errno == ENOTSUP) return;  // a file system that cannot
+            if (errno != EINTR) fail();
+        }
+    }
 
     std::string m_name;
+    zellab::platform::UnfinishedFile m_unfinished;
     int m_fd;
     bool m_renamed = false;
 };
@@ -96,7 +125,7 @@ void writeFileSafely(const fs::path& path, std::span<const unsigned char> bytes)
     if (exists && !S_ISREG(status.st_mode)) throw Failure("is not a regular file");
 
     TemporaryFile temporary(target);
-    temporary.write(bytes, exists ? status.st_mode & 07777 : newFileMode());
+    temporary.write(bytes, exists ? status.st_mode & kPermissions : newFileMode());
     temporary.renameTo(target);
 }
 

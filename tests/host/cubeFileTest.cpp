@@ -2,12 +2,14 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 
 #include <cmath>
 #include <sstream>
 
 #include "effect.h"
 #include "support/randomImage.h"
+#include "support/scratchFolder.h"
 
 namespace {
 
@@ -128,7 +130,16 @@ TEST(CubeFile, SaysWhatIsWrongAndWhere) {
         {"LUT_3D_SIZE 2\n\x01\xff" + std::string(500, 'q') + " 0 0\n", "'??qqqqqqqqqqqqqqqqqqqqqq...'"}};
     for (const auto& [text, message] : cases)
         EXPECT_THAT(failureOf(text), HasSubstr(message)) << text.substr(0, 60);
-    EXPECT_THROW(zel::readCubeFile("/no/such/file.cube"), zel::Failure);
+}
+
+TEST(CubeFile, IsReadFromRegularFilesAlone) {
+    const zeltest::ScratchFolder folder;
+    const std::string text = cubeText(2, 0, 1, [](float r, float g, float b) { return Colour{r, g, b}; });
+    EXPECT_EQ(zel::readCubeFile(folder.write("a.cube", {text.begin(), text.end()})).size, 2);
+    ASSERT_EQ(mkfifo(folder.path("pipe.cube").c_str(), 0600), 0);
+    for (const std::string& path :
+         {folder.path("none.cube"), folder.path(""), folder.path("pipe.cube"), std::string("/dev/zero")})
+        EXPECT_THROW(zel::readCubeFile(path), zel::Failure) << path;
 }
 
 // A damaged file either fails with a message or gives a table that can be used.

@@ -1,12 +1,14 @@
 // Reading and writing of picture files, with what they carry and with what can be wrong about them.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <sys/resource.h>
 #include <sys/stat.h>
+#include <sys/syscall.h>
+#include <unistd.h>
 
+#include <cerrno>
 #include <csignal>
-
 #include <cstdio>
+#include <functional>
 
 #include <jpeglib.h>
 
@@ -17,6 +19,16 @@
 #include "pictures/pngFile.h"
 #include "pictures/readPicture.h"
 #include "pictures/writePicture.h"
+#include "platform/outputSignals.h"
+
+namespace {
+/// What takes the place of fsync, where a test has something to say.
+std::function<int(int fd)> g_fsync;
+}  // namespace
+
+extern "C" int fsync(int fd) {
+    return g_fsync ? g_fsync(fd) : static_cast<int>(syscall(SYS_fsync, fd));
+}
 
 namespace {
 
@@ -223,36 +235,99 @@ TEST(ReadMask, TakesGreyWeighedByAlpha) {
     EXPECT_EQ(zel::readMask(folder / "m.png").samples, (Bytes{255, 0, 100}));
 }
 
+std::ptrdiff_t filesIn(const TemporaryFolder& folder) {
+    return std::distance(std::filesystem::directory_iterator(folder.path()), {});
+}
+
+mode_t modeOf(const std::string& path) {
+    struct stat status {};
+    EXPECT_EQ(stat(path.c_str(), &status), 0);
+    return status.st_mode & 07777;
+}
+
+const Bytes kBefore = {1, 2, 3}, kAfter = {4, 5};
+
 TEST(SafeOutput, ReplacesAsAWholeAndKeepsLinksAndPermissions) {
     const TemporaryFolder folder;
-    const Bytes before = {1, 2, 3}, after = {4, 5};
-    writeBytes(folder / "real", before);
-    chmod((folder / "real").c_str(), 0640);
+    writeBytes(folder / "real", kBefore);
     std::filesystem::create_symlink("real", folder / "link");
-    zel::writeFileSafely(folder / "link", after);
-    EXPECT_EQ(readBytes(folder / "real"), after);
-    EXPECT_TRUE(std::filesystem::is_symlink(folder / "link"));
-    struct stat status {};
-    ASSERT_EQ(stat((folder / "real").c_str(), &status), 0);
-    EXPECT_EQ(status.st_mode & 0777, 0640u);
-
-    EXPECT_THROW(zel::writeFileSafely("/dev/null", after), zel::Failure);
-    EXPECT_THROW(zel::writeFileSafely(folder.path(), after), zel::Failure);
-    EXPECT_THROW(zel::writeFileSafely(folder / "none/x", after), zel::Failure);
+    for (const mode_t mode : {0640, 06755}) {
+        chmod((folder / "real").c_str(), mode);
+        zel::writeFileSafely(folder / "link", kAfter);
+        EXPECT_EQ(readBytes(folder / "real"), kAfter);
+        EXPECT_TRUE(std::filesystem::is_symlink(folder / "link"));
+        EXPECT_EQ(modeOf(folder / "real"), mode & 0777) << "no set-user-id";
+    }
+    EXPECT_THROW(zel::writeFileSafely("/dev/null", kAfter), zel::Failure);
+    EXPECT_THROW(zel::writeFileSafely(folder.path(), kAfter), zel::Failure);
+    EXPECT_THROW(zel::writeFileSafely(folder / "none/x", kAfter), zel::Failure);
     EXPECT_THROW(zel::writePicture(folder / "x.bmp", testImage(2, 2, 1)), zel::Failure);
-    // A write that breaks off (here at a size limit, elsewhere on a full disk) leaves the old file.
-    const auto handler = std::signal(SIGXFSZ, SIG_IGN);
-    rlimit limit{};
-    getrlimit(RLIMIT_FSIZE, &limit);
-    const rlimit small{1000, limit.rlim_max};
-    setrlimit(RLIMIT_FSIZE, &small);
-    EXPECT_THROW(zel::writeFileSafely(folder / "real", Bytes(2000)), zel::Failure);
-    setrlimit(RLIMIT_FSIZE, &limit);
-    std::signal(SIGXFSZ, handler);
-    EXPECT_EQ(readBytes(folder / "real"), after);
+    EXPECT_EQ(filesIn(folder), 2) << "a temporary file stayed behind";
+}
 
-    const auto entries = std::distance(std::filesystem::directory_iterator(folder.path()), {});
-    EXPECT_EQ(entries, 2) << "a temporary file stayed behind";
+// Here at a limit, elsewhere on a full disk.
+TEST(SafeOutput, AWriteThatBreaksOffLeavesTheOldFile) {
+    const TemporaryFolder folder;
+    writeBytes(folder / "p.png", kBefore);
+    const std::string command = "cd '" + folder.path().string() +
+                                "' && (ulimit -f 8; '" ZEL_PROGRAM
+                                "' portrait -o p.png --size 300x400 2> .err < /dev/null)";
+    const int status = std::system(command.c_str());
+    EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 1) << status;
+    EXPECT_THAT(readText(folder / ".err"), HasSubstr("zel: p.png: cannot be written (File too large)"));
+    EXPECT_EQ(readBytes(folder / "p.png"), kBefore);
+    EXPECT_EQ(filesIn(folder), 2) << "a temporary file stayed behind";
+}
+
+TEST(SafeOutput, IsOnTheDiskBeforeItTakesItsName) {
+    const TemporaryFolder folder;
+    writeBytes(folder / "file", kBefore);
+    for (const int error : {0, EINVAL, EIO}) {
+        int calls = 0;
+        g_fsync = [&](int fd) {
+            struct stat status {};
+            EXPECT_EQ(fstat(fd, &status), 0);
+            EXPECT_EQ(static_cast<std::size_t>(status.st_size), kAfter.size());
+            EXPECT_EQ(readBytes(folder / "file"), kBefore);
+            ++calls;
+            errno = error;
+            return error == 0 ? 0 : -1;
+        };
+        if (error == EIO) {
+            EXPECT_THROW(zel::writeFileSafely(folder / "file", kAfter), zel::Failure);
+        } else {
+            zel::writeFileSafely(folder / "file", kAfter);
+        }
+        g_fsync = nullptr;
+        EXPECT_EQ(calls, 1);
+        EXPECT_EQ(readBytes(folder / "file"), error == EIO ? kBefore : kAfter);
+        EXPECT_EQ(filesIn(folder), 1);
+        writeBytes(folder / "file", kBefore);
+    }
+}
+
+/// Writes a file, and has a signal while it does.
+void writeUnderSignal(const std::string& path, int signal) {
+    zellab::platform::removeUnfinishedFilesOnSignals();
+    g_fsync = [signal](int) { return raise(signal); };
+    zel::writeFileSafely(path, kAfter);
+}
+
+TEST(SafeOutput, ASignalLeavesTheOldFileAlone) {
+    const TemporaryFolder folder;
+    writeBytes(folder / "file", kBefore);
+    for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
+        EXPECT_EXIT(writeUnderSignal(folder / "file", signal), testing::KilledBySignal(signal), "");
+        EXPECT_EQ(readBytes(folder / "file"), kBefore);
+        EXPECT_EQ(filesIn(folder), 1) << "a temporary file stayed behind";
+    }
+    const auto ignoring = [&] {
+        std::signal(SIGINT, SIG_IGN);  // as a shell starts what goes on behind it
+        writeUnderSignal(folder / "file", SIGINT);
+        std::_Exit(0);
+    };
+    EXPECT_EXIT(ignoring(), testing::ExitedWithCode(0), "");
+    EXPECT_EQ(readBytes(folder / "file"), kAfter);
 }
 
 }  // namespace

@@ -3,7 +3,6 @@
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
-#include <memory>
 #include <string>
 
 #include "frame/zel_log.h"
@@ -15,8 +14,6 @@ namespace {
 
 /// A head that claims more bytes than this is damaged. The largest asset has a quarter of a megabyte.
 constexpr std::uint64_t kLargestAsset = std::uint64_t{1} << 30;
-
-using File = std::unique_ptr<std::FILE, int (*)(std::FILE*)>;
 
 std::string& assetRoot() {
     static std::string root;
@@ -65,7 +62,7 @@ unsigned char* ZelFileUtils::LoadPPM(const char* path, int* width, int* height, 
         ZEL_LOG_DEBUG("ZelFileUtils->LoadPPM file not from sdcard or not exist!");
         return nullptr;
     }
-    const File file(std::fopen(full.c_str(), "rb"), std::fclose);
+    const platform::File file = platform::openRegularFile(full.c_str());
     if (!file) return nullptr;
     const std::int32_t first = readWord(file.get());
     const std::int32_t second = readWord(file.get());

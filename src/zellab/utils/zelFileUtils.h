@@ -12,8 +12,8 @@ public:
     /// @param channels       bytes a pixel; the file does not say
     /// @return width * height * channels bytes, released with free(); bytes that the file does not have are
     ///         0. Null where the path is null (logged as an error), nothing lies there (logged as progress),
-    ///         or, without a message, where a head word is below 1, the size is beyond any asset's or the
-    ///         file cannot be read.
+    ///         or, without a message, where a head word is below 1, the size is beyond any asset's, the
+    ///         file cannot be read or is no regular file.
     static unsigned char* LoadPPM(const char* path, int* width, int* height, int channels);
 
     /// Process-wide folder of assets, empty at first: paths are then relative to the working directory.

@@ -1,6 +1,7 @@
 #include "zellab/utils/zelFileUtils.h"
 
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 
 #include <cstdlib>
 #include <filesystem>
@@ -62,15 +63,19 @@ TEST_F(StyleAsset, AShortFileLeavesZerosAndNoMessage) {
     EXPECT_EQ(m_log, "");
 }
 
-TEST_F(StyleAsset, DamagedHeadsAndDirectoriesGiveNothingAndNoMessage) {
+TEST_F(StyleAsset, DamagedHeadsAndWhatIsNoFileGiveNothingAndNoMessage) {
     for (const std::string& bytes :
          {std::string(), std::string("abc"), head(0, 5), head(5, 0) + "abcd", head(0xffffffffu, 3),
           head(0x7fffffffu, 0x7fffffffu), head(1u << 20, 1u << 20)}) {
         EXPECT_FALSE(load(write("a.bin", bytes)));
         EXPECT_EQ(m_log, "");
     }
-    EXPECT_FALSE(load(m_folder.string()));
-    EXPECT_EQ(m_log, "");
+    const std::string pipe = (m_folder / "pipe").string();
+    ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
+    for (const std::string& path : {m_folder.string(), pipe, std::string("/dev/zero")}) {
+        EXPECT_FALSE(load(path)) << path;
+        EXPECT_EQ(m_log, "");
+    }
 }
 
 TEST_F(StyleAsset, MissingAndOverlongPathsAreLoggedAsProgressNullAsAnError) {

@@ -2,7 +2,9 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 
+#include "CrossPlateform/platform_win/stb_image_util/hdrRows.h"
 #include "CrossPlateform/platform_win/stb_image_util/jpegTables.h"
 #include "platform/memoryInfo.h"
 #include "zellab/imageproc/core/imageView.h"
@@ -15,12 +17,17 @@ namespace {
 /// whose packed data unpacks to far more than its head announces fails there, not in the machine's memory.
 thread_local std::size_t t_largestAllocation = SIZE_MAX;
 
+// The decoder's memory is zeroed. Of many files that are cut short it returns the whole picture all the same,
+// and what the file does not hold must be black, not what the process had there before.
 void* decoderMalloc(std::size_t bytes) {
-    return bytes <= t_largestAllocation ? std::malloc(bytes) : nullptr;
+    return bytes <= t_largestAllocation ? std::calloc(bytes, 1) : nullptr;
 }
 
-void* decoderRealloc(void* old, std::size_t bytes) {
-    return bytes <= t_largestAllocation ? std::realloc(old, bytes) : nullptr;
+void* decoderRealloc(void* old, std::size_t oldBytes, std::size_t bytes) {
+    if (bytes > t_largestAllocation) return nullptr;
+    auto* grown = static_cast<unsigned char*>(std::realloc(old, bytes));
+    if (grown && bytes > oldBytes) std::memset(grown + oldBytes, 0, bytes - oldBytes);
+    return grown;
 }
 
 class AllocationLimit {
@@ -46,7 +53,7 @@ private:
 #define STBI_NO_STDIO
 #define STBI_MAX_DIMENSIONS (1 << 16)
 #define STBI_MALLOC(bytes) zellab::decoderMalloc(bytes)
-#define STBI_REALLOC(old, bytes) zellab::decoderRealloc(old, bytes)
+#define STBI_REALLOC_SIZED(old, oldBytes, bytes) zellab::decoderRealloc(old, oldBytes, bytes)
 #define STBI_FREE(old) std::free(old)
 #pragma GCC diagnostic push
 #pragma GCC diagnostic ignored "-Wunused-function"
@@ -80,10 +87,17 @@ std::size_t mostPixelsPerByte(const unsigned char* data, int size) {
     return 8256;                              // deflate packs 1032 to 1, at best eight pixels to the byte
 }
 
-/// A PNM file with two bytes a sample: the decoder converts it as if it had one, and reads past its own
-/// buffer. Such files are turned away.
-bool isDeepPnm(const unsigned char* data, int size) {
-    return data[0] == 'P' && stbi_is_16_bit_from_memory(data, size);
+/// False for the PNM files that must not reach the decoder: those with two bytes a sample, which it converts
+/// as if there were one and so reads past its own buffer, and those that end early, of which it takes
+/// nothing. Files of other kinds pass.
+bool isSoundPnm(const unsigned char* data, int size) {
+    stbi__context file;
+    stbi__start_mem(&file, data, size);
+    int width = 0, height = 0, channels = 0;
+    const int bits = stbi__pnm_info(&file, &width, &height, &channels);
+    if (bits != 8) return bits == 0;
+    const std::ptrdiff_t left = file.img_buffer_end - file.img_buffer;
+    return static_cast<std::size_t>(left) >= sampleCount(width, height, channels);
 }
 
 /// False where a head claims a large picture that the file's bytes or the machine's memory cannot hold.
@@ -96,7 +110,9 @@ bool isPlausible(std::size_t pixels, const unsigned char* data, int size) {
 }  // namespace
 
 ImageBuffer decodeImage(const unsigned char* data, int size, int& width, int& height, int& channels) {
-    if (isDeepPnm(data, size) || !hasSoundHuffmanTables(data, static_cast<std::size_t>(size))) return nullptr;
+    const auto bytes = static_cast<std::size_t>(size);
+    if (!isSoundPnm(data, size) || !hasSoundHuffmanTables(data, bytes) || !hasWholeHdrRows(data, bytes))
+        return nullptr;
     int claimedWidth = 0, claimedHeight = 0, claimedChannels = 0;
     std::size_t pixels = 0;
     const AllocationLimit headLimit(kFreeAllocation);
@@ -105,8 +121,7 @@ ImageBuffer decodeImage(const unsigned char* data, int size, int& width, int& he
         pixels = static_cast<std::size_t>(claimedWidth) * static_cast<std::size_t>(claimedHeight);
     if (!isPlausible(pixels, data, size)) return nullptr;
 
-    const AllocationLimit limit(kFreeAllocation + pixels * kPeakBytesPerPixel +
-                                static_cast<std::size_t>(size) * 4);
+    const AllocationLimit limit(kFreeAllocation + pixels * kPeakBytesPerPixel + bytes * 4);
     return ImageBuffer(stbi_load_from_memory(data, size, &width, &height, &channels, ImageView::kChannels));
 }
 

@@ -1,34 +1,20 @@
 // Small services of the render for its host: noise and whole files, in buffers that the host frees.
-#include <sys/stat.h>
-
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <memory>
 
-#include "zel_effects/zel_effects.h"
 #include "frame/zel_log.h"
+#include "platform/fileProbe.h"
+#include "zel_effects/zel_effects.h"
 #include "zellab/imageproc/core/imageView.h"
 
 namespace DefocusCore {
 namespace {
 
-struct CloseFile {
-    void operator()(std::FILE* file) const { std::fclose(file); }
-};
-using File = std::unique_ptr<std::FILE, CloseFile>;
-
 struct FreeBlock {
     void operator()(char* block) const { std::free(block); }
 };
-
-/// A regular file, open for reading; null for anything else, folders among it.
-File openFile(const char* path) {
-    File file(std::fopen(path, "rb"));
-    struct stat status {};
-    if (file && (fstat(fileno(file.get()), &status) != 0 || !S_ISREG(status.st_mode))) file.reset();
-    return file;
-}
 
 }  // namespace
 
@@ -48,7 +34,7 @@ char* ZelDepthDefocusRender::ReadFile2String(const char* path, unsigned long& si
         ZEL_LOG_ERROR("ZelDepthDefocusRender::IO::ReadFile2String: Path is nullptr !");
         return nullptr;
     }
-    const File file = openFile(path);
+    const zellab::platform::File file = zellab::platform::openRegularFile(path);
     long length = -1;
     if (file && std::fseek(file.get(), 0, SEEK_END) == 0) length = std::ftell(file.get());
     if (length < 0) {

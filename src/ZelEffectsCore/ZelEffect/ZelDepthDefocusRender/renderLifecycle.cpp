@@ -2,14 +2,15 @@
 #include <cstdlib>
 #include <cstring>
 #include <string>
+#include <utility>
 
 #include "ZelEffectsCore/ZelEffect/ZelDepthDefocusRender/defocusInternals.h"
 #include "ZelEffectsCore/ZelEffect/ZelDepthDefocusRender/sharedBlocks.h"
 #include "depth/depthEngine.h"
 #include "depth/portraitDepth.h"
 #include "depth/refineDepth.h"
-#include "zel_effects/zel_effects.h"
 #include "frame/zel_log.h"
+#include "zel_effects/zel_effects.h"
 #include "zellab/imageproc/core/imageView.h"
 
 namespace DefocusCore {
@@ -36,11 +37,13 @@ ZelDepthDefocusRender::ZelDepthDefocusRender(const ZelDepthDefocusRender& other)
 
 ZelDepthDefocusRender& ZelDepthDefocusRender::operator=(const ZelDepthDefocusRender& other) {
     if (this == &other) return *this;
-    m_resourceDir = other.m_resourceDir;
-    m_modelDir = other.m_modelDir;
-    m_reserved = other.m_reserved;
+    // What may throw comes first.
+    std::string resourceDir = other.m_resourceDir, modelDir = other.m_modelDir;
     DefocusInternals::retainParts(other);
     DefocusInternals::releaseParts(*this);
+    m_resourceDir = std::move(resourceDir);
+    m_modelDir = std::move(modelDir);
+    m_reserved = other.m_reserved;
     m_estimator = other.m_estimator;
     m_hairMask = other.m_hairMask;
     m_hairMaskWidth = other.m_hairMaskWidth;
@@ -60,9 +63,7 @@ ZelDepthDefocusRender::~ZelDepthDefocusRender() {
 }
 
 void DefocusInternals::retainParts(const ZelDepthDefocusRender& render) {
-    retainShared(render.m_estimator);
-    retainShared(render.m_bokehImage);
-    retainShared(render.m_depth);
+    retainShared({render.m_estimator, render.m_bokehImage, render.m_depth});
 }
 
 void DefocusInternals::releaseParts(ZelDepthDefocusRender& render) {

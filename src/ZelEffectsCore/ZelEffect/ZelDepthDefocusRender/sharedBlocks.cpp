@@ -16,20 +16,31 @@ std::map<const void*, int>& furtherHolders() {
     return holders;
 }
 
-}  // namespace
-
-void retainShared(const void* block) {
-    if (!block) return;
-    const std::lock_guard lock(g_mutex);
-    ++furtherHolders()[block];
-}
-
-bool releaseShared(const void* block) {
-    const std::lock_guard lock(g_mutex);
+/// Expects the lock to be held.
+bool dropHolder(const void* block) {
     const auto entry = furtherHolders().find(block);
     if (entry == furtherHolders().end()) return true;
     if (--entry->second == 0) furtherHolders().erase(entry);
     return false;
+}
+
+}  // namespace
+
+void retainShared(std::initializer_list<const void*> blocks) {
+    const std::lock_guard lock(g_mutex);
+    auto next = blocks.begin();
+    try {
+        for (; next != blocks.end(); ++next)
+            if (*next) ++furtherHolders()[*next];
+    } catch (...) {  // no memory for an entry
+        while (next != blocks.begin()) dropHolder(*--next);
+        throw;
+    }
+}
+
+bool releaseShared(const void* block) {
+    const std::lock_guard lock(g_mutex);
+    return dropHolder(block);
 }
 
 void freeShared(void* block) {

@@ -8,6 +8,7 @@
 
 #include "support/guardedBytes.h"
 #include "support/randomImage.h"
+#include "support/starvation.h"
 #include "support/streamCapture.h"
 
 using zellab::ImageSize;
@@ -143,6 +144,26 @@ TEST(SizeLimit, WhatCannotBeScaledKeepsItsPixelsAndSaysWhy) {
     zellab::ImageBuffer thin = fresh(5000 * 4);
     EXPECT_EQ(zellab::maxSizeAdjust(thin, {1, 5000}, 10), (ImageSize{0, 10}));
     EXPECT_NE(thin, nullptr);
+}
+
+/// Ends with 0 where the picture and its size are as they were.
+[[noreturn]] void scaleStarved(ImageSize size, int maxSize) {
+    const std::size_t bytes = zellab::sampleCount(size.width, size.height, 4);
+    zellab::ImageBuffer pixels(static_cast<unsigned char*>(std::malloc(bytes)));
+    std::memset(pixels.get(), 90, bytes);
+    const unsigned char* const before = pixels.get();
+    // Memory for the target, and then none for a row.
+    const ImageSize to = zellab::limitedSize(size, maxSize);
+    zeltest::starve(zellab::sampleCount(to.width, to.height, 4));
+    const bool kept = zellab::maxSizeAdjust(pixels, size, maxSize) == size && pixels.get() == before;
+    std::_Exit(kept && std::count(before, before + bytes, 90) == static_cast<std::ptrdiff_t>(bytes) ? 0 : 1);
+}
+
+TEST(SizeLimit, WithoutMemoryForARowThePictureStaysAsItIs) {
+    if (!zeltest::kCanStarve) GTEST_SKIP() << "the sanitizers' allocator ends the program";
+    for (const int maxSize : {999, 700})
+        EXPECT_EXIT(scaleStarved({1000, 800}, maxSize), testing::ExitedWithCode(0), "scale 1000 x 800 error")
+            << maxSize;
 }
 
 }  // namespace
