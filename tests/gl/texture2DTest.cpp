@@ -2,7 +2,6 @@
 
 #include <gmock/gmock.h>
 
-#include "gl/imageBuffer.h"
 #include "glSupport.h"
 #include "support/guardedBytes.h"
 #include "support/randomImage.h"
@@ -157,20 +156,6 @@ TEST_F(Texture2DTest, SizesThatTheDriverRefusesDoNoHarm) {
     EXPECT_THAT(log.text(), testing::HasSubstr("FB: GL_FRAMEBUFFER_INCOMPLETE_ATTACHMENT\n"));
     const Texture2D good(1, 1, kOrderRgba, kTypeByte, pixel);
     EXPECT_TRUE(good.read(0, 0, 1, 1, pixel));
-}
-
-TEST(ImageBuffer, CopiesShareThePixelsAndBadSizesHaveNone) {
-    const Bytes pixels = zeltest::randomRgba(3, 2, 1);
-    ImageBuffer copy;
-    {
-        const ImageBuffer image(3, 2, 4, pixels.data());
-        copy = image;
-        EXPECT_NE(image.data(), pixels.data());
-    }
-    EXPECT_EQ(Bytes(copy.data(), copy.data() + copy.byteCount()), pixels);
-    for (const ImageBuffer& empty : {ImageBuffer(0, 2, 4, nullptr), ImageBuffer(2, -1, 1, nullptr),
-                                     ImageBuffer(2, 2, 0, nullptr), ImageBuffer()})
-        EXPECT_TRUE(empty.isEmpty() && empty.byteCount() == 0);
 }
 
 }  // namespace
