@@ -1,4 +1,6 @@
 // The small services of the render: mixing by a mask, noise, whole files.
+#include <sys/stat.h>
+
 #include <cstring>
 #include <memory>
 
@@ -105,6 +107,8 @@ TEST(ReadFile2String, GivesWholeFilesAndRefusesWhatIsNone) {
     EXPECT_EQ(render.ReadFile2String(nullptr, size), nullptr);
     EXPECT_EQ(render.ReadFile2String(folder.path("missing").c_str(), size), nullptr);
     EXPECT_EQ(render.ReadFile2String(folder.path("").c_str(), size), nullptr) << "a folder";
+    ASSERT_EQ(mkfifo(folder.path("pipe").c_str(), 0600), 0);
+    EXPECT_EQ(render.ReadFile2String(folder.path("pipe").c_str(), size), nullptr) << "nobody writes to it";
     EXPECT_EQ(size, 77u);
     EXPECT_NE(log.text().find("Path is nullptr !"), std::string::npos);
     EXPECT_NE(log.text().find("Could not open file " + folder.path("missing") + " !"), std::string::npos);
