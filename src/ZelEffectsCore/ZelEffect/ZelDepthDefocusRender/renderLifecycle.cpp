@@ -8,8 +8,8 @@
 #include "depth/depthEngine.h"
 #include "depth/portraitDepth.h"
 #include "depth/refineDepth.h"
-#include "zel_effects/zel_effects.h"
 #include "frame/zel_log.h"
+#include "zel_effects/zel_effects.h"
 #include "zellab/imageproc/core/imageView.h"
 
 namespace DefocusCore {
@@ -118,9 +118,9 @@ bool ZelDepthDefocusRender::DepthEstimate(unsigned char* rgba, int width, int he
     m_depth = nullptr;
     m_depthWidth = m_depthHeight = 0;
     zellab::PortraitDepthPlanes planes;
-    if (m_estimator->engine && zellab::ConstImageView(rgba, width, height).valid())
-        planes = zellab::estimatePortraitDepth(*m_estimator->engine, rgba, width, height, segMask, segWidth,
-                                               segHeight);
+    const zellab::ConstImageView image(rgba, width, height);
+    if (m_estimator->engine && image.valid())
+        planes = zellab::estimatePortraitDepth(*m_estimator->engine, image, {segMask, segWidth, segHeight});
     if (!planes.estimated) {  // a plane without an estimate would blur nothing and say nothing
         ZEL_LOG_ERROR("ravel DepthEstimate depthRefine false");
         return false;
