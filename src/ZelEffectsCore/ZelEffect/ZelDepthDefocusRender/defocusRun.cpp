@@ -6,6 +6,7 @@
 #include "bokeh/bokehScene.h"
 #include "frame/zel_log.h"
 #include "gl/environment.h"
+#include "gl/hostState.h"
 #include "gl/utils.h"
 #include "zel_effects/zel_effects.h"
 #include "zellab/imageproc/core/ownedImage.h"
@@ -105,6 +106,7 @@ bool DefocusInternals::run(ZelDepthDefocusRender& render, const RunRequest& requ
     if (!request.hasCurrentContext) tryOwnContext();
     bool loaded = false;
     {
+        const zellab::gl::HostState state;  // outlives all that the scene has of OpenGL
         const std::unique_ptr<BokehScene> scene(new (std::nothrow) BokehScene);
         if (!scene) {
             ZEL_LOG_ERROR("ZelDepthDefocusRender: run bokeh is null!");
