@@ -62,8 +62,9 @@ void BM_solver(benchmark::State& state) {
     const std::vector<float> target = shares(scene().depth), confidence = shares(scene().confidence);
     int vertices = 0;
     for (auto _ : state) {
-        const zellab::FastBilateralSolver solver(scene().guide.data(), 4, kDepthSide, kDepthSide,
-                                                 {kSpatial, kLuma, kChroma, kLambda, kIterations, 1e-5f});
+        const zellab::FastBilateralSolver solver(
+            zellab::ConstImageView(scene().guide.data(), kDepthSide, kDepthSide),
+            {kSpatial, kLuma, kChroma, kLambda, kIterations, 1e-5f});
         benchmark::DoNotOptimize(solver.Solve(target, confidence));
         vertices = solver.grid().vertices();
     }
@@ -90,8 +91,10 @@ void BM_refine(benchmark::State& state) {
     Scene own = scene();
     Bytes output(own.depth.size());
     for (auto _ : state) {
-        zellab::refine_depth(own.guide.data(), 4, kDepthSide, kDepthSide, nullptr, 0, 0, 0, own.depth.data(),
-                             own.confidence.data(), output.data(), kDepthSide, kDepthSide);
+        zellab::refine_depth(zellab::ConstImageView(own.guide.data(), kDepthSide, kDepthSide), {},
+                             {own.depth.data(), kDepthSide, kDepthSide},
+                             {own.confidence.data(), kDepthSide, kDepthSide},
+                             {output.data(), kDepthSide, kDepthSide});
         benchmark::ClobberMemory();
     }
 }

@@ -5,12 +5,12 @@
 
 #include "applyCommand.h"
 #include "applyPlan.h"
+#include "depth/portraitDepth.h"
 #include "effectRegistry.h"
 #include "overlay/depthColours.h"
 #include "pictures/pngFile.h"
 #include "pictures/sheet.h"
 #include "pictures/writePicture.h"
-#include "depth/portraitDepth.h"
 #include "run/assets.h"
 #include "run/logCapture.h"
 #include "run/messages.h"
@@ -143,14 +143,14 @@ private:
     }
 
     Mask mapOf(const Image& image) {
-        const zellab::PortraitDepthPlanes planes = m_depth->estimate(
-            image.rgba.data(), image.width, image.height, m_mask ? m_mask->samples.data() : nullptr,
-            m_mask ? m_mask->width : 0, m_mask ? m_mask->height : 0);
+        const zellab::PortraitDepthPlanes planes =
+            m_depth->estimate({image.rgba.data(), image.width, image.height},
+                              {m_mask ? m_mask->samples.data() : nullptr, m_mask ? m_mask->width : 0,
+                               m_mask ? m_mask->height : 0});
         if (!planes.estimated) throw Failure("the depth network could not run on it");
         Mask map{image.width, image.height, {}};
-        map.samples =
-            zellab::scaleDepthPlane(m_options.raw ? planes.raw : planes.refined, zellab::kDepthPlaneSide,
-                                    zellab::kDepthPlaneSide, image.width, image.height);
+        map.samples = zellab::scaleDepthPlane((m_options.raw ? planes.raw : planes.refined).view(),
+                                              image.width, image.height);
         if (map.samples.empty()) throw Failure("is too large");
         return map;
     }

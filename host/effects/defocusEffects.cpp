@@ -4,10 +4,10 @@
 #include <filesystem>
 
 #include "../pictures/readPicture.h"
+#include "depth/portraitDepth.h"
 #include "effectLists.h"
 #include "effectParts.h"
 #include "zel_effects/offscreenContext.h"
-#include "depth/portraitDepth.h"
 #include "zel_effects/zel_effects.h"
 
 namespace zel {
@@ -84,12 +84,10 @@ void setDepth(Render& render, EffectRun& run) {
         render.Release();
     }
     if (!run.depthOut) return;
-    const int width = render.DepthPlaneWidth(), height = render.DepthPlaneHeight();
-    const std::vector<unsigned char> plane(
-        render.DepthPlane(),
-        render.DepthPlane() + static_cast<std::size_t>(width) * static_cast<std::size_t>(height));
-    *run.depthOut = {image.width, image.height,
-                     zellab::scaleDepthPlane(plane, width, height, image.width, image.height)};
+    *run.depthOut = {
+        image.width, image.height,
+        zellab::scaleDepthPlane({render.DepthPlane(), render.DepthPlaneWidth(), render.DepthPlaneHeight()},
+                                image.width, image.height)};
 }
 
 /// The form at full resolution, which has all parameters of the look.

@@ -2,8 +2,10 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 #include "bokeh/blurStrength.h"
+#include "bokeh/disparityMap.h"
 #include "bokeh/focusDecision.h"
 #include "bokeh/passes.h"
 #include "bokeh/radiusMap.h"
@@ -30,8 +32,9 @@ Texture2D byteTexture(int width, int height, int order, const Byte* data) {
     return Texture2D(width, height, order, kTypeByte, data);
 }
 
-float limitedFraction(float fraction, float before) {
-    return std::isnan(fraction) ? before : std::clamp(fraction, 0.0f, 1.0f);
+float limitedFraction(float fraction) {
+    constexpr float kMiddle = 0.5f;
+    return std::isnan(fraction) ? kMiddle : std::clamp(fraction, 0.0f, 1.0f);
 }
 
 }  // namespace
@@ -43,20 +46,27 @@ gl::RendererLog& sceneLog() {
 
 /// What one render hands from step to step.
 struct BokehScene::Frame {
-    ConstImageView source;
+    explicit Frame(const RenderJob& toDo) : job(toDo) { disparityMap.set(job.disparity); }
+
+    const RenderJob& job;
     BlurStrength strength;
     RadiusTables radii;
-    Texture2D photograph, hair, small, radius, soft;
-    std::vector<Byte> smallPixels;
+    Texture2D photograph, hair, small, radius, soft, kernel;
+    Plane<Byte> kernelStrip;  // none for the free shape
+    RgbaImage smallPixels;
+    DisparityMap disparityMap;
     Plane<Byte> disparity;    // of the working picture; without depth one plane of zeros
     Plane<Byte> radiusPlane;  // working pixels for the convolution, then pixels of the picture
 
     int smallWidth() const { return strength.smallWidth; }
     int smallHeight() const { return strength.smallHeight; }
+    /// Whether any hair keeps the photograph.
+    bool hasHair() const { return !job.constantRadius && job.hairMask.valid(); }
     void fillRadii(const std::array<Byte, 256>& table) {
         std::transform(disparity.data(), disparity.data() + disparity.size(), radiusPlane.data(),
                        [&](Byte value) { return table[value]; });
     }
+    void logFocusPoints() const;
 };
 
 BokehScene::BokehScene() = default;
@@ -70,95 +80,87 @@ bool BokehScene::create(const std::string& resourceDir) {
     return m_shaders.load(resourceDir);
 }
 
-void BokehScene::setFocusPoint(float x, float y) {
-    m_focus = {limitedFraction(y, m_focus.y), limitedFraction(x, m_focus.x)};
-}
-
-void BokehScene::setResolutionFactor(float factor) {
-    if (factor > 0.0f) m_resolutionFactor = factor;
-}
-
-void BokehScene::setHairMask(PlaneView<const Byte> mask) {
-    m_hairMask = mask.valid() ? ImageBuffer(mask.width, mask.height, 1, mask.data) : ImageBuffer();
-}
-
-void BokehScene::setKernel(PlaneView<const Byte> plane) {
-    if (m_bokehType != kStripBokeh && m_bokehType != kFreeBokeh) {
-        sceneLog().error("bokeh type [%04hX] not support", static_cast<unsigned short>(m_bokehType));
-        return;
-    }
-    const bool strip = m_bokehType == kStripBokeh;
-    const int width = strip ? kStripWidth : kFreeKernelSide, height = strip ? kStripHeight : kFreeKernelSide;
-    ImageBuffer kernel(width, height, 1, nullptr);
-    if (!plane.valid() || !scalePlane(plane, {kernel.data(), width, height}, YuvFilter::bilinear)) return;
-    m_kernelTexture = byteTexture(width, height, kOrderRed, kernel.data());
-    if (strip) m_kernelImage = kernel;
-}
-
-bool BokehScene::render(const Byte* source, Byte* target, int width, int height, std::vector<Byte>* inFocus) {
+bool BokehScene::render(const RenderJob& job) {
     if (!gl::glUsable()) return false;
-    Frame frame;
-    frame.source = {source, width, height};
+    const int width = job.source.width, height = job.source.height;
+    Frame frame(job);
+    prepareKernel(frame);
     frame.strength =
-        computeBlurStrength(width, height, m_resolutionFactor, m_blurLevel, !m_focusPoints.empty());
+        computeBlurStrength(width, height, job.resolutionFactor > 0.0f ? job.resolutionFactor : 1.0f,
+                            job.blurLevel, !job.focusPoints.empty());
     sceneLog().debug("scale_factor: %.8f", static_cast<double>(frame.strength.scaleFactor));
     sceneLog().debug("scale ratio: %.8f", static_cast<double>(frame.strength.scaleRatio));
-    frame.photograph = Texture2D(width, height, width, kOrderRgba, kTypeByte, source);
+    frame.photograph = Texture2D(width, height, width, kOrderRgba, kTypeByte, job.source.data);
     prepareHair(frame);
 
     const int smallWidth = frame.smallWidth(), smallHeight = frame.smallHeight();
-    frame.smallPixels.resize(sampleCount(smallWidth, smallHeight, 4));
+    frame.smallPixels = RgbaImage(smallWidth, smallHeight);
     frame.small = byteTexture(smallWidth, smallHeight, kOrderRgba, nullptr);
     if (!downscale(m_shaders, frame.photograph, frame.small) ||
         !frame.small.read(0, 0, smallWidth, smallHeight, frame.smallPixels.data()))
         return false;  // without its programs the render would show whatever the memory held
     prepareRadii(frame);
     frame.soft = byteTexture(smallWidth, smallHeight, kOrderRgba, nullptr);
-    if ((frame.radii.largest <= kNoRadius && !m_constantRadius) || !convolve(frame))
+    if ((frame.radii.largest <= kNoRadius && !job.constantRadius) || !convolve(frame))
         frame.soft.write(0, 0, smallWidth, smallHeight, frame.smallPixels.data());
 
     frame.fillRadii(frame.radii.full);
     frame.radius.write(0, 0, smallWidth, smallHeight, frame.radiusPlane.data());
-    flagFocusPoints(frame, inFocus);
+    frame.logFocusPoints();
     const Texture2D out = byteTexture(width, height, kOrderRgba, nullptr);
-    if (!compose(m_shaders, {frame.soft, m_noise, frame.photograph, frame.radius, m_kernelTexture},
-                 kDispersion, frame.strength.scaleRatio, out))
+    if (!compose(m_shaders, {frame.soft, m_noise, frame.photograph, frame.radius, frame.kernel}, kDispersion,
+                 frame.strength.scaleRatio, out))
         return false;
     // Without hair the blend would only copy the picture, which takes a sixth of a render in software.
-    if (!hasHair()) return out.read(0, 0, width, height, target);
+    if (!frame.hasHair()) return out.read(0, 0, width, height, job.target.data);
     return composeHair(m_shaders, out, frame.hair, frame.photograph) &&
-           frame.photograph.read(0, 0, width, height, target);
+           frame.photograph.read(0, 0, width, height, job.target.data);
 }
 
-void BokehScene::prepareHair(Frame& frame) const {
-    if (!hasHair()) return;
+void BokehScene::prepareKernel(Frame& frame) {
+    const bool strip = frame.job.type == kStripBokeh;
+    if (!strip && frame.job.type != kFreeBokeh) {
+        sceneLog().error("bokeh type [%04hX] not support", static_cast<unsigned short>(frame.job.type));
+        return;
+    }
+    const PlaneView<const Byte> shape = frame.job.kernel;
+    Plane<Byte> kernel =
+        strip ? Plane<Byte>(kStripWidth, kStripHeight) : Plane<Byte>(kFreeKernelSide, kFreeKernelSide);
+    if (!shape.valid() || !scalePlane(shape, kernel.view(), YuvFilter::bilinear)) return;
+    frame.kernel = byteTexture(kernel.width(), kernel.height(), kOrderRed, kernel.data());
+    if (strip) frame.kernelStrip = std::move(kernel);
+}
+
+void BokehScene::prepareHair(Frame& frame) {
+    if (!frame.hasHair()) return;
     const int width = frame.strength.halfWidth, height = frame.strength.halfHeight;
+    const PlaneView<const Byte> mask = frame.job.hairMask;
+    const ConstImageView source = frame.job.source;
     Plane<Byte> hair(width, height);
-    std::vector<Byte> guide(sampleCount(width, height, 4));
-    scalePlane({m_hairMask.data(), m_hairMask.width(), m_hairMask.height()}, hair.view(),
-               YuvFilter::bilinear);
-    scaleArgb(frame.source, {guide.data(), width, height}, YuvFilter::linear);
-    GuidedFilterPlane(hair.view(), {guide.data(), width, height}, kHairGuideRadius, kGuideEpsilon,
-                      kGuideScale);
+    RgbaImage guide(width, height);
+    scalePlane(mask, hair.view(), YuvFilter::bilinear);
+    scaleArgb(source, guide.view(), YuvFilter::linear);
+    GuidedFilterPlane(hair.view(), guide.view(), kHairGuideRadius, kGuideEpsilon, kGuideScale);
     frame.hair = byteTexture(width, height, kOrderRed, hair.data());
 }
 
-void BokehScene::prepareRadii(Frame& frame) const {
+void BokehScene::prepareRadii(Frame& frame) {
     const int width = frame.smallWidth(), height = frame.smallHeight();
     frame.disparity = Plane<Byte>(width, height);
     frame.radiusPlane = Plane<Byte>(width, height);
-    if (m_constantRadius) {
+    if (frame.job.constantRadius) {
         frame.radii = constantRadii(frame.strength);
     } else {
-        if (!m_disparity.isEmpty()) {
-            const bool shrinks = width < m_disparity.width() || height < m_disparity.height();
-            scalePlane(m_disparity.view(), frame.disparity.view(),
-                       shrinks ? YuvFilter::box : YuvFilter::linear);
-            GuidedFilterPlane(frame.disparity.view(), {frame.smallPixels.data(), width, height},
-                              kDisparityGuideRadius, kGuideEpsilon, kGuideScale);
+        if (const DisparityMap& map = frame.disparityMap; !map.isEmpty()) {
+            const bool shrinks = width < map.width() || height < map.height();
+            scalePlane(map.view(), frame.disparity.view(), shrinks ? YuvFilter::box : YuvFilter::linear);
+            GuidedFilterPlane(frame.disparity.view(), frame.smallPixels.view(), kDisparityGuideRadius,
+                              kGuideEpsilon, kGuideScale);
         }
-        const FocusBand band = decideFocus(frame.disparity.view(), m_focusPoints, m_focus, frame.strength);
-        frame.radii = radiiByDepth(m_disparity, band, frame.strength);
+        const FocusPoint focus{limitedFraction(frame.job.focus.y), limitedFraction(frame.job.focus.x)};
+        const FocusBand band =
+            decideFocus(frame.disparity.view(), frame.job.focusPoints, focus, frame.strength);
+        frame.radii = radiiByDepth(frame.disparityMap, band, frame.strength);
     }
     frame.fillRadii(frame.radii.working);
     frame.radius = byteTexture(width, height, kOrderRed, frame.radiusPlane.data());
@@ -167,46 +169,48 @@ void BokehScene::prepareRadii(Frame& frame) const {
 /// The working picture blurred into frame.soft.
 bool BokehScene::convolve(Frame& frame) {
     const int width = frame.smallWidth(), height = frame.smallHeight();
-    const LookValues look = lookValues(m_look);
-    const int largest = static_cast<int>(std::lround(frame.radii.largest));
+    const LookValues look = lookValues(frame.job.look);
     const Texture2D blur = byteTexture(width, height, kOrderRgba, nullptr);
     const Texture2D weights(width, height, kOrderRed, kTypeFloat, nullptr);
-    if (!ratio(m_shaders, frame.small, look, weights)) return false;
-
-    const ConvolutionTextures textures{frame.small, m_kernelTexture, weights,
-                                       m_constantRadius ? Texture2D() : frame.radius};
-    if (m_bokehType == kStripBokeh) {
-        radial(m_shaders, byteTexture(width, height, kOrderRed, nullptr));
-        const Plane<Byte> spin = m_spin ? spinIndexPlane(width, height) : Plane<Byte>();
-        const ConvolutionSource processor{
-            {frame.smallPixels.data(), width, height},
-            m_constantRadius ? PlaneView<const Byte>() : frame.radiusPlane.view(),
-            largest,
-            {m_kernelImage.data(), m_kernelImage.width(), m_kernelImage.height()},
-            m_spin ? PlaneView<const Byte>(spin.view()) : PlaneView<const Byte>(),
-            look};
-        if (!Bokeh::convolve(m_shaders, textures, processor, m_cpuOnly || rendersOnProcessor(), blur))
-            return false;
-    } else if (m_bokehType != kFreeBokeh ||
-               !convolveFree(m_shaders, textures, look, largest, FreeShape(), blur)) {
+    if (!ratio(m_shaders, frame.small, look, weights) || !convolveByType(frame, weights, look, blur))
         return false;
-    }
     return frame.strength.scaleRatio < kSmoothFromRatio ? copy(m_shaders, blur, frame.soft)
                                                         : smoothCopy(m_shaders, blur, frame.soft);
 }
 
-void BokehScene::flagFocusPoints(const Frame& frame, std::vector<Byte>* inFocus) const {
+bool BokehScene::convolveByType(const Frame& frame, const Texture2D& weights, const LookValues& look,
+                                const Texture2D& blur) {
+    const RenderJob& job = frame.job;
+    const int largest = static_cast<int>(std::lround(frame.radii.largest));
+    const ConvolutionTextures textures{.small = frame.small,
+                                       .kernel = frame.kernel,
+                                       .ratio = weights,
+                                       .radius = job.constantRadius ? Texture2D() : frame.radius};
+    if (job.type == kFreeBokeh)
+        return Bokeh::convolveFree(m_shaders, textures, look, largest, FreeShape(), blur);
+    if (job.type != kStripBokeh) return false;
+    radial(m_shaders, byteTexture(blur.width(), blur.height(), kOrderRed, nullptr));
+    const Plane<Byte> spin = job.spin ? spinIndexPlane(blur.width(), blur.height()) : Plane<Byte>();
+    const ConvolutionSource processor{
+        .image = frame.smallPixels.view(),
+        .radius = job.constantRadius ? PlaneView<const Byte>() : frame.radiusPlane.view(),
+        .maximumRadius = largest,
+        .kernel = frame.kernelStrip.view(),
+        .spin = spin.view(),
+        .look = look};
+    return Bokeh::convolve(m_shaders, textures, processor, job.cpuOnly || rendersOnProcessor(), blur);
+}
+
+/// Says which focus points came out sharp.
+void BokehScene::Frame::logFocusPoints() const {
     const auto place = [](float fraction, int size) {
         const float at = std::round(fraction * static_cast<float>(size - 1));
         return static_cast<int>(at > 0.0f ? std::min(at, static_cast<float>(size - 1)) : 0.0f);
     };
-    if (inFocus) inFocus->assign(m_focusPoints.size(), 0);
-    for (std::size_t i = 0; i < m_focusPoints.size(); ++i) {
-        const int row = place(m_focusPoints[i].y, frame.smallHeight());
-        const int column = place(m_focusPoints[i].x, frame.smallWidth());
-        if (frame.radiusPlane.view().row(row)[column] > kSharpRadius) continue;
-        sceneLog().debug("face[%zu] is available", i);
-        if (inFocus) (*inFocus)[i] = 1;
+    for (std::size_t i = 0; i < job.focusPoints.size(); ++i) {
+        const int row = place(job.focusPoints[i].y, smallHeight());
+        const int column = place(job.focusPoints[i].x, smallWidth());
+        if (radiusPlane.row(row)[column] <= kSharpRadius) sceneLog().debug("face[%zu] is available", i);
     }
 }
 

@@ -53,10 +53,10 @@ std::array<float, 3 * kRecords> spinTable(bool spin) {
     return table;
 }
 
-ImageBuffer identityLut() {
+RgbaImage identityLut() {
     constexpr int kLevels = 64, kTilesAcross = 8, kSide = kTilesAcross * kLevels;
     const auto level = [](int i) { return static_cast<Byte>((i * 255 * 2 + 63) / (2 * 63)); };  // rounded
-    const ImageBuffer lut(kSide, kSide, 4, nullptr);
+    RgbaImage lut(kSide, kSide);
     Byte* pixel = lut.data();
     for (int y = 0; y < kSide; ++y)
         for (int x = 0; x < kSide; ++x, pixel += 4) {

@@ -4,7 +4,7 @@
 #include <vector>
 
 #include "bokeh/kernelStrip.h"
-#include "gl/imageBuffer.h"
+#include "zellab/imageproc/core/ownedImage.h"
 
 namespace zellab::Bokeh {
 
@@ -18,7 +18,7 @@ extern const std::array<float, 165> kBokehData;
 
 /// The colour table that changes nothing: 512 by 512 RGBA, 8 by 8 tiles of 64 by 64, one for each blue level,
 /// red across and green down.
-ImageBuffer identityLut();
+RgbaImage identityLut();
 
 inline constexpr int kNoiseSide = 256;
 /// Noise of the scene: 256 by 256 RGBA of rand() modulo 256, red, green, blue in that order; alpha 255.

@@ -19,7 +19,8 @@ struct Yuv {
     int chromaWidth = 0;
 };
 
-Yuv yuvOf(const Byte* rgba, int height, int width) {
+Yuv yuvOf(const PixelsView& rgba) {
+    const int width = rgba.width, height = rgba.height;
     // Rounded up: a last odd column and row have chroma of their own, which the reader at (x / 2, y / 2)
     // reaches.
     Yuv yuv;
@@ -29,7 +30,7 @@ Yuv yuvOf(const Byte* rgba, int height, int width) {
     yuv.u.resize(sampleCount(yuv.chromaWidth, chromaHeight));
     yuv.v.resize(yuv.u.size());
     // Red first in memory is "ABGR" in the converter's words, which names from the highest byte.
-    libyuv::ABGRToI420(rgba, 4 * width, yuv.y.data(), width, yuv.u.data(), yuv.chromaWidth, yuv.v.data(),
+    libyuv::ABGRToI420(rgba.data, 4 * width, yuv.y.data(), width, yuv.u.data(), yuv.chromaWidth, yuv.v.data(),
                        yuv.chromaWidth, width, height);
     return yuv;
 }
@@ -53,19 +54,21 @@ std::uint64_t scaleToStep(std::vector<std::uint64_t>& cells, std::uint64_t step)
 
 }  // namespace
 
-BilateralGrid::BilateralGrid(const Byte* guide, int channels, int height, int width, const Cells& cells) {
+BilateralGrid::BilateralGrid(const PixelsView& guide, const Cells& cells) {
     // Sides as large as the scalers take; the five digits of a key then fit its 64 bits.
     constexpr int kLongestSide = 32768;
-    if (!guide || width < 1 || height < 1 || width > kLongestSide || height > kLongestSide) return;
-    if (channels == 4) quantiseColour(guide, height, width, cells);
-    if (channels == 1) quantiseGrey(guide, height, width, cells);
-    if (m_keys.empty()) return;
+    if (!guide.valid() || guide.width > kLongestSide || guide.height > kLongestSide) return;
+    if (guide.channels == 1)
+        quantiseGrey(guide, cells);
+    else
+        quantiseColour(guide, cells);
     number();
 }
 
-void BilateralGrid::quantiseColour(const Byte* guide, int height, int width, const Cells& cells) {
+void BilateralGrid::quantiseColour(const PixelsView& guide, const Cells& cells) {
     m_dimension = 5;
-    const Yuv yuv = yuvOf(guide, height, width);
+    const int width = guide.width, height = guide.height;
+    const Yuv yuv = yuvOf(guide);
     auto column = cellsOf(width, cells.spatial), row = cellsOf(height, cells.spatial);
     auto luma = cellsOf(kLevels, cells.luma), u = cellsOf(kLevels, cells.chroma), v = u;
     m_step[0] = 1;
@@ -88,8 +91,9 @@ void BilateralGrid::quantiseColour(const Byte* guide, int height, int width, con
     }
 }
 
-void BilateralGrid::quantiseGrey(const Byte* guide, int height, int width, const Cells& cells) {
+void BilateralGrid::quantiseGrey(const PixelsView& guide, const Cells& cells) {
     m_dimension = 3;
+    const int width = guide.width, height = guide.height;
     auto column = cellsOf(width, cells.spatial), row = cellsOf(height, cells.spatial);
     auto luma = cellsOf(kLevels, cells.luma);
     m_step[0] = 1;
@@ -101,7 +105,7 @@ void BilateralGrid::quantiseGrey(const Byte* guide, int height, int width, const
     for (int y = 0; y < height; ++y)
         for (int x = 0; x < width; ++x, ++i)
             m_keys[i] =
-                column[static_cast<std::size_t>(x)] + row[static_cast<std::size_t>(y)] + luma[guide[i]];
+                column[static_cast<std::size_t>(x)] + row[static_cast<std::size_t>(y)] + luma[guide.data[i]];
 }
 
 /// Gives every distinct key a vertex and joins the vertices.

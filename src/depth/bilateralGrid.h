@@ -5,7 +5,7 @@
 #include <cstdint>
 #include <vector>
 
-#include "zellab/imageproc/core/imageView.h"
+#include "depth/pixelsView.h"
 
 namespace zellab {
 
@@ -22,9 +22,8 @@ public:
         float spatial, luma, chroma;
     };
 
-    /// Guide of 4 channels (RGBA; 5 dimensions) or 1 (grey; 3 dimensions), rows tightly packed. Any other
-    /// guide, null or empty, gives a grid without pixels.
-    BilateralGrid(const Byte* guide, int channels, int height, int width, const Cells& cells);
+    /// A guide in colour has 5 dimensions, a grey one 3; one that is not valid gives a grid without pixels.
+    BilateralGrid(const PixelsView& guide, const Cells& cells);
 
     int pixels() const { return static_cast<int>(m_vertexOfPixel.size()); }
     int vertices() const { return m_vertices; }
@@ -38,8 +37,8 @@ public:
 private:
     static constexpr int kMostDimensions = 5;
 
-    void quantiseColour(const Byte* guide, int height, int width, const Cells& cells);
-    void quantiseGrey(const Byte* guide, int height, int width, const Cells& cells);
+    void quantiseColour(const PixelsView& guide, const Cells& cells);
+    void quantiseGrey(const PixelsView& guide, const Cells& cells);
     void number();
     void connect(const KeyTable& table);
 

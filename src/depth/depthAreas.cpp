@@ -16,8 +16,8 @@ constexpr float kShareOfDoubted = 0.9f;  // what uncertain depth outside the are
 /// The area of every sample, from 1 in the order in which rows meet them; 0 outside.
 class AreaMap {
 public:
-    AreaMap(const Byte* mask, int height, int width)
-        : m_mask(mask), m_height(height), m_width(width), m_labels(sampleCount(width, height)) {
+    explicit AreaMap(PlaneView<const Byte> mask)
+        : m_mask(mask), m_labels(sampleCount(mask.width, mask.height)) {
         for (std::size_t i = 0; i < m_labels.size(); ++i)
             if (unlabelled(i)) fill(i, ++m_count);
     }
@@ -28,7 +28,7 @@ public:
     std::size_t size() const { return m_labels.size(); }
 
 private:
-    bool unlabelled(std::size_t i) const { return m_mask[i] > kMaskThreshold && m_labels[i] == 0; }
+    bool unlabelled(std::size_t i) const { return m_mask.data[i] > kMaskThreshold && m_labels[i] == 0; }
 
     void visit(std::size_t i, int label) {
         if (!unlabelled(i)) return;
@@ -37,7 +37,7 @@ private:
     }
 
     void fill(std::size_t first, int label) {
-        const auto width = static_cast<std::size_t>(m_width);
+        const auto width = static_cast<std::size_t>(m_mask.width);
         m_queue.clear();
         visit(first, label);
         for (std::size_t head = 0; head < m_queue.size(); ++head) {
@@ -45,19 +45,18 @@ private:
             if (x > 0) visit(i - 1, label);
             if (x + 1 < width) visit(i + 1, label);
             if (y > 0) visit(i - width, label);
-            if (y + 1 < static_cast<std::size_t>(m_height)) visit(i + width, label);
+            if (y + 1 < static_cast<std::size_t>(m_mask.height)) visit(i + width, label);
         }
     }
 
-    const Byte* m_mask;
-    int m_height, m_width;
+    PlaneView<const Byte> m_mask;
     std::vector<int> m_labels;
     std::vector<std::size_t> m_queue;
     int m_count = 0;
 };
 
 /// Mean depth of each area, by its number.
-std::vector<float> areaMeans(const AreaMap& areas, const Byte* depth) {
+std::vector<float> areaMeans(const AreaMap& areas, PlaneView<const Byte> depth) {
     const auto slots = static_cast<std::size_t>(areas.count()) + 1;
     std::vector<std::int64_t> sums(slots), counts(slots);
     for (std::size_t i = 0; i < areas.size(); ++i) {
@@ -66,7 +65,7 @@ std::vector<float> areaMeans(const AreaMap& areas, const Byte* depth) {
             logDepth("label %d is bigger than area number", label);
             continue;
         }
-        sums[static_cast<std::size_t>(label)] += depth[i];
+        sums[static_cast<std::size_t>(label)] += depth.data[i];
         ++counts[static_cast<std::size_t>(label)];
     }
     std::vector<float> means(slots);
@@ -77,20 +76,20 @@ std::vector<float> areaMeans(const AreaMap& areas, const Byte* depth) {
 
 }  // namespace
 
-void ModifyDepthByAreas(const Byte* mask, Byte* depth, const Byte* confidence, int H, int W) {
-    if (!mask || !depth || !confidence) return;
-    const AreaMap areas(mask, H, W);
+void ModifyDepthByAreas(PlaneView<const Byte> mask, PlaneView<Byte> depth, PlaneView<const Byte> confidence) {
+    if (!mask.valid() || !depth.valid() || !confidence.valid()) return;
+    const AreaMap areas(mask);
     logDepth("area number:%d", areas.count());
     if (areas.count() == 0) return;
     const std::vector<float> means = areaMeans(areas, depth);
     for (std::size_t i = 0; i < areas.size(); ++i) {
         const int label = areas.at(i);
         const float mean = means[static_cast<std::size_t>(label)];
-        const auto own = static_cast<float>(depth[i]);
+        const auto own = static_cast<float>(depth.data[i]);
         if (label > 0 && mean > own)
-            depth[i] = static_cast<Byte>(mean);
-        else if (confidence[i] < kUncertain)
-            depth[i] = static_cast<Byte>(own * kShareOfDoubted);
+            depth.data[i] = static_cast<Byte>(mean);
+        else if (confidence.data[i] < kUncertain)
+            depth.data[i] = static_cast<Byte>(own * kShareOfDoubted);
     }
 }
 

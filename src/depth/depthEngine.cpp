@@ -7,8 +7,6 @@ namespace zellab {
 
 namespace {
 
-constexpr int kChannels = 4;
-
 bool mapToPlane(const std::vector<Byte>& map, const DepthMaps& maps, PlaneView<Byte> plane) {
     return scalePlane({map.data(), maps.width, maps.height}, plane, YuvFilter::bilinear);
 }
@@ -30,28 +28,25 @@ bool DepthEngine::LoadModel(const char* path) {
     return m_cpuEstimator && m_cpuEstimator->LoadModel(path);
 }
 
-bool DepthEngine::Run(Byte* image, int width, int height, Byte* outDepth, Byte* outSecond) {
+bool DepthEngine::Run(ConstImageView image, Byte* outDepth, Byte* outSecond) {
     if (m_backend == kBackendGL)
-        return m_glEstimator &&
-               m_glEstimator->run_tavio(image, kChannels, height, width, outDepth, outSecond, true, true);
-    return m_cpuEstimator && m_cpuEstimator->run_tavio(image, kChannels, height, width, outDepth, outSecond);
+        return m_glEstimator && m_glEstimator->run_tavio(image, outDepth, outSecond, true, true);
+    return m_cpuEstimator && m_cpuEstimator->run_tavio(image, outDepth, outSecond);
 }
 
-bool DepthEngine::runToMaps(const Byte* image, int width, int height, DepthMaps& maps) {
-    if (m_backend == kBackendGL)
-        return m_glEstimator && m_glEstimator->runToMaps(image, kChannels, height, width, true, true, maps);
-    return m_cpuEstimator && m_cpuEstimator->runToMaps(image, kChannels, height, width, maps);
+bool DepthEngine::runToMaps(ConstImageView image, DepthMaps& maps) {
+    if (m_backend == kBackendGL) return m_glEstimator && m_glEstimator->runToMaps(image, true, true, maps);
+    return m_cpuEstimator && m_cpuEstimator->runToMaps(image, maps);
 }
 
 bool DepthEngine::runToPlanes(ConstImageView image, PlaneView<Byte> depth, PlaneView<Byte> second) {
     const auto packed = [](const PlaneView<Byte>& plane) {
         return plane.valid() && plane.stride == plane.width;
     };
-    const bool packedImage = image.stride == std::ptrdiff_t{kChannels} * image.width;
+    const bool packedImage = image.stride == std::ptrdiff_t{ConstImageView::kChannels} * image.width;
     DepthMaps maps;
-    return packedImage && packed(depth) && packed(second) &&
-           runToMaps(image.data, image.width, image.height, maps) && mapToPlane(maps.second, maps, second) &&
-           mapToPlane(maps.depth, maps, depth);
+    return packedImage && packed(depth) && packed(second) && runToMaps(image, maps) &&
+           mapToPlane(maps.second, maps, second) && mapToPlane(maps.depth, maps, depth);
 }
 
 bool CreateDepthEngine(DepthEngine** out, unsigned backend, void* glContext) {

@@ -18,18 +18,18 @@ public:
     /// Loads a network; see DepthEstimator::LoadModel.
     bool LoadModel(const char* path);
 
-    /// Runs the network on RGBA pixels. Each buffer holds as many bytes as the network's outputs have
-    /// samples; nothing is written where the run fails.
+    /// Runs the network on an image whose rows are packed. Each buffer holds as many bytes as the network's
+    /// outputs have samples; nothing is written where the run fails.
     /// @param outDepth   network output 1 as bytes
     /// @param outSecond  network output 0 as bytes
-    bool Run(Byte* image, int width, int height, Byte* outDepth, Byte* outSecond);
+    bool Run(ConstImageView image, Byte* outDepth, Byte* outSecond);
 
     /// The same for planes of any one size: maps of another size are scaled to it, so that a network of any
     /// size serves. Maps of the planes' size come through as Run gives them.
     bool runToPlanes(ConstImageView image, PlaneView<Byte> depth, PlaneView<Byte> second);
 
 private:
-    bool runToMaps(const Byte* image, int width, int height, DepthMaps& maps);
+    bool runToMaps(ConstImageView image, DepthMaps& maps);
 
     const unsigned m_backend;
     std::unique_ptr<DepthEstimator> m_cpuEstimator;

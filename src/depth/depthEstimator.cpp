@@ -19,20 +19,19 @@ bool DepthEstimator::LoadModel(const char* path) {
     return true;
 }
 
-bool DepthEstimator::run_tavio(Byte* image, int channels, int height, int width, Byte* outDepth,
-                               Byte* outSecond) {
+bool DepthEstimator::run_tavio(ConstImageView image, Byte* outDepth, Byte* outSecond) {
     DepthMaps maps;
-    return runToMaps(image, channels, height, width, maps) && maps.copyTo(outDepth, outSecond);
+    return runToMaps(image, maps) && maps.copyTo(outDepth, outSecond);
 }
 
-bool DepthEstimator::runToMaps(const Byte* image, int channels, int height, int width, DepthMaps& maps) {
+bool DepthEstimator::runToMaps(ConstImageView image, DepthMaps& maps) {
     logDepth("run_tavio +");
-    const bool done = infer(image, channels, height, width, maps);
+    const bool done = infer(image, maps);
     logDepth("run_tavio -");
     return done;
 }
 
-bool DepthEstimator::infer(const Byte* image, int channels, int height, int width, DepthMaps& maps) {
+bool DepthEstimator::infer(ConstImageView image, DepthMaps& maps) {
     if (!m_net) return false;
     tavio::NetInformation information;
     tavio::InputShape shape;
@@ -46,7 +45,7 @@ bool DepthEstimator::infer(const Byte* image, int channels, int height, int widt
     }
     if (!m_executor) return false;  // no model yet: the type above has said so
     const bool interleaved = m_interleavedInput == 1;
-    const std::vector<float> data = networkInput(image, channels, height, width, shape, interleaved);
+    const std::vector<float> data = networkInput(image, shape, interleaved);
     if (data.empty()) return false;
     HostTensor input, output0, output1;
     for (const int size : {shape.n, shape.c, shape.h, shape.w}) input.AddDim(static_cast<unsigned>(size));

@@ -22,13 +22,13 @@ public:
 
     /// Runs the network on `image`, rows tightly packed. Both buffers hold as many bytes as the network's
     /// outputs have samples. False with a line in the log and the buffers as they were.
-    bool run_tavio(Byte* image, int channels, int height, int width, Byte* outDepth, Byte* outSecond);
+    bool run_tavio(ConstImageView image, Byte* outDepth, Byte* outSecond);
 
     /// The same with the maps in buffers of their own.
-    bool runToMaps(const Byte* image, int channels, int height, int width, DepthMaps& maps);
+    bool runToMaps(ConstImageView image, DepthMaps& maps);
 
 private:
-    bool infer(const Byte* image, int channels, int height, int width, DepthMaps& maps);
+    bool infer(ConstImageView image, DepthMaps& maps);
 
     int m_interleavedInput = 0;  // 1: the network takes interleaved channels
     NetOwner m_net;

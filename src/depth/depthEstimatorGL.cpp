@@ -35,29 +35,26 @@ bool DepthEstimatorGL::LoadModel(const char* path, bool) {
     return true;
 }
 
-bool DepthEstimatorGL::run_tavio(Byte* image, int channels, int height, int width, Byte* outDepth,
-                                 Byte* outSecond, bool beginRun, bool endRun) {
+bool DepthEstimatorGL::run_tavio(ConstImageView image, Byte* outDepth, Byte* outSecond, bool beginRun,
+                                 bool endRun) {
     DepthMaps maps;
-    return runToMaps(image, channels, height, width, beginRun, endRun, maps) &&
-           maps.copyTo(outDepth, outSecond);
+    return runToMaps(image, beginRun, endRun, maps) && maps.copyTo(outDepth, outSecond);
 }
 
-bool DepthEstimatorGL::runToMaps(const Byte* image, int channels, int height, int width, bool beginRun,
-                                 bool endRun, DepthMaps& maps) {
+bool DepthEstimatorGL::runToMaps(ConstImageView image, bool beginRun, bool endRun, DepthMaps& maps) {
     logDepth("run_tavio gl +");
-    const bool done = infer(image, channels, height, width, beginRun, endRun, maps);
+    const bool done = infer(image, beginRun, endRun, maps);
     logDepth("run_tavio gl -");
     return done;
 }
 
-bool DepthEstimatorGL::infer(const Byte* image, int channels, int height, int width, bool beginRun,
-                             bool endRun, DepthMaps& maps) {
+bool DepthEstimatorGL::infer(ConstImageView image, bool beginRun, bool endRun, DepthMaps& maps) {
     if (!m_net || !m_executor) return false;
     tavio::NetInformation information;
     tavio::InputShape shape;
     m_net->GetNetInformation(information);
     m_net->GetInputShape(0, shape);
-    const std::vector<float> data = networkInput(image, channels, height, width, shape, false);
+    const std::vector<float> data = networkInput(image, shape, false);
     if (data.empty()) return false;
     // The input is made and stays here: a back end that wants it takes it through its own binding.
     HostTensor input, output0, output1;

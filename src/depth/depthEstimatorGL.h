@@ -20,16 +20,13 @@ public:
     bool LoadModel(const char* path, bool reserved);
 
     /// As DepthEstimator::run_tavio. The flags mark the first and the last run of a series.
-    bool run_tavio(Byte* image, int channels, int height, int width, Byte* outDepth, Byte* outSecond,
-                   bool beginRun, bool endRun);
+    bool run_tavio(ConstImageView image, Byte* outDepth, Byte* outSecond, bool beginRun, bool endRun);
 
     /// The same with the maps in buffers of their own.
-    bool runToMaps(const Byte* image, int channels, int height, int width, bool beginRun, bool endRun,
-                   DepthMaps& maps);
+    bool runToMaps(ConstImageView image, bool beginRun, bool endRun, DepthMaps& maps);
 
 private:
-    bool infer(const Byte* image, int channels, int height, int width, bool beginRun, bool endRun,
-               DepthMaps& maps);
+    bool infer(ConstImageView image, bool beginRun, bool endRun, DepthMaps& maps);
 
     NetOwner m_net;
     ExecutorOwner m_executor;  // goes before its network

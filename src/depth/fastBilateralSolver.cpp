@@ -63,11 +63,9 @@ void conjugateGradient(const BilateralGrid::Matrix& A, const Eigen::VectorXf& b,
 
 }  // namespace
 
-FastBilateralSolver::FastBilateralSolver(const Byte* guide, int channels, int height, int width,
-                                         const Parameters& parameters)
+FastBilateralSolver::FastBilateralSolver(const PixelsView& guide, const Parameters& parameters)
     : m_parameters(parameters),
-      m_grid(guide, channels, height, width,
-             {parameters.sigmaSpatial, parameters.sigmaLuma, parameters.sigmaChroma}) {
+      m_grid(guide, {parameters.sigmaSpatial, parameters.sigmaLuma, parameters.sigmaChroma}) {
     m_count = Eigen::VectorXf::Zero(m_grid.vertices());
     for (const int vertex : m_grid.vertexOfPixel()) m_count[vertex] += 1.0f;
     bistochastise();

@@ -25,7 +25,7 @@ public:
     };
 
     /// Builds the grid over a guide (see BilateralGrid) and its normalisation.
-    FastBilateralSolver(const Byte* guide, int channels, int height, int width, const Parameters& parameters);
+    FastBilateralSolver(const PixelsView& guide, const Parameters& parameters);
 
     /// @param target, confidence  one value a pixel, 0 to 1
     /// @return one value a pixel; empty where the sizes do not fit the guide's

@@ -3,7 +3,8 @@
 #include <algorithm>
 #include <array>
 #include <cstdint>
-#include <vector>
+
+#include "zellab/imageproc/core/ownedImage.h"
 
 namespace zellab {
 
@@ -46,13 +47,12 @@ private:
 
 }  // namespace
 
-void MedianFilterPlane(Byte* plane, int width, int height, int window) {
-    if (!plane || window < 1) return;
+void MedianFilterPlane(PlaneView<Byte> plane, int window) {
+    if (!plane.valid() || window < 1) return;
+    const int width = plane.width, height = plane.height;
     const int half = (window - 1) / 2;
     if (width <= 2 * std::int64_t{half} || height <= 2 * std::int64_t{half}) return;
-    const std::vector<Byte> copy(plane, plane + sampleCount(width, height));
-    const PlaneView<const Byte> source(copy.data(), width, height);
-    const PlaneView<Byte> target(plane, width, height);
+    const Plane<Byte> source = copyOf(plane);
     RankHistogram histogram(std::int64_t{window} * window / 2 + 1);
     for (int y = half; y < height - half; ++y) {
         const auto forColumn = [&](int x, const auto& use) {
@@ -63,7 +63,7 @@ void MedianFilterPlane(Byte* plane, int width, int height, int window) {
         for (int x = 0; x < 2 * half; ++x) forColumn(x, add);
         for (int x = half; x < width - half; ++x) {
             forColumn(x + half, add);
-            target.row(y)[x] = histogram.level();
+            plane.row(y)[x] = histogram.level();
             forColumn(x - half, [&](Byte value) { histogram.remove(value); });
         }
     }

@@ -11,15 +11,19 @@ constexpr float kFirstMinimum = 10.0f, kFirstMaximum = -1.0f;
 
 }  // namespace
 
-void pixelsToPlanes(const Byte* image, int channels, std::size_t pixels, float* planes) {
-    for (std::size_t i = 0; i < pixels; ++i, image += channels)
+void pixelsToPlanes(ConstImageView image, float* planes) {
+    const std::size_t pixels = sampleCount(image.width, image.height);
+    const Byte* pixel = image.data;
+    for (std::size_t i = 0; i < pixels; ++i, pixel += ConstImageView::kChannels)
         for (std::size_t c = 0; c < 3; ++c)
-            planes[c * pixels + i] = static_cast<float>(image[2 - c]) / 255.0f;
+            planes[c * pixels + i] = static_cast<float>(pixel[2 - c]) / 255.0f;
 }
 
-void pixelsToGroups(const Byte* image, int channels, std::size_t pixels, float* groups, int groupLength) {
-    for (std::size_t i = 0; i < pixels; ++i, image += channels, groups += groupLength)
-        for (std::size_t c = 0; c < 3; ++c) groups[c] = static_cast<float>(image[2 - c]) / 255.0f;
+void pixelsToGroups(ConstImageView image, float* groups, int groupLength) {
+    const std::size_t pixels = sampleCount(image.width, image.height);
+    const Byte* pixel = image.data;
+    for (std::size_t i = 0; i < pixels; ++i, pixel += ConstImageView::kChannels, groups += groupLength)
+        for (std::size_t c = 0; c < 3; ++c) groups[c] = static_cast<float>(pixel[2 - c]) / 255.0f;
 }
 
 bool mapToBytes(const float* map, std::size_t samples, Byte* out) {

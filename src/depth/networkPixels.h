@@ -8,11 +8,11 @@
 
 namespace zellab {
 
-/// Bytes 0 to 2 of each pixel over 255 into three planes in the order blue, green, red, each `pixels` long.
-void pixelsToPlanes(const Byte* image, int channels, std::size_t pixels, float* planes);
+/// Bytes 0 to 2 of each pixel over 255 into three planes in the order blue, green, red. Rows are packed.
+void pixelsToPlanes(ConstImageView image, float* planes);
 
 /// The same with the three values at the start of each group of `groupLength` floats.
-void pixelsToGroups(const Byte* image, int channels, std::size_t pixels, float* groups, int groupLength);
+void pixelsToGroups(ConstImageView image, float* groups, int groupLength);
 
 /// A map of `samples` floats as bytes: (v - minimum) / (maximum - minimum) * 255, truncated. The search for
 /// the limits starts from 10 and -1: a map that lies wholly above 10 keeps the minimum 10. Where the

@@ -13,30 +13,20 @@ static_assert(kDepthPlaneSide == kDepthSide, "the host's word for the planes' si
 
 }  // namespace
 
-PortraitDepthPlanes estimatePortraitDepth(DepthEngine& engine, const Byte* rgba, int width, int height,
-                                          const Byte* mask, int maskWidth, int maskHeight) {
-    const std::size_t samples = sampleCount(kDepthSide, kDepthSide);
-    PortraitDepthPlanes planes{false, std::vector<Byte>(samples), std::vector<Byte>(samples),
-                               std::vector<Byte>(samples)};
-    std::vector<Byte> small(4 * samples);
-    if (!scaleArgb({rgba, width, height}, {small.data(), kDepthSide, kDepthSide}, YuvFilter::box))
-        return planes;
-    planes.estimated = engine.runToPlanes({small.data(), kDepthSide, kDepthSide},
-                                          {planes.raw.data(), kDepthSide, kDepthSide},
-                                          {planes.confidence.data(), kDepthSide, kDepthSide});
-    if (!planes.estimated) return planes;
-    // The refinement reads the mask and takes no writable copy of it.
-    refine_depth(small.data(), 4, kDepthSide, kDepthSide, const_cast<Byte*>(mask), 1, maskHeight, maskWidth,
-                 planes.raw.data(), planes.confidence.data(), planes.refined.data(), kDepthSide, kDepthSide);
+PortraitDepthPlanes estimatePortraitDepth(DepthEngine& engine, ConstImageView image,
+                                          PlaneView<const Byte> mask) {
+    PortraitDepthPlanes planes;
+    RgbaImage small(kDepthSide, kDepthSide);
+    if (!scaleArgb(image, small.view(), YuvFilter::box)) return planes;
+    planes.estimated = engine.runToPlanes(small.view(), planes.raw.view(), planes.confidence.view());
+    if (planes.estimated)
+        refine_depth(small.view(), mask, planes.raw.view(), planes.confidence.view(), planes.refined.view());
     return planes;
 }
 
-std::vector<Byte> scaleDepthPlane(const std::vector<Byte>& plane, int fromWidth, int fromHeight, int width,
-                                  int height) {
+std::vector<Byte> scaleDepthPlane(PlaneView<const Byte> plane, int width, int height) {
     std::vector<Byte> scaled(sampleCount(width, height));
-    if (plane.size() < sampleCount(fromWidth, fromHeight) ||
-        !scalePlane({plane.data(), fromWidth, fromHeight}, {scaled.data(), width, height}, YuvFilter::box))
-        return {};
+    if (!plane.valid() || !scalePlane(plane, {scaled.data(), width, height}, YuvFilter::box)) return {};
     return scaled;
 }
 
@@ -56,9 +46,8 @@ bool PortraitDepth::load(const char* path) {
     return m_engine->LoadModel(path);
 }
 
-PortraitDepthPlanes PortraitDepth::estimate(const Byte* rgba, int width, int height, const Byte* mask,
-                                            int maskWidth, int maskHeight) {
-    return estimatePortraitDepth(*m_engine, rgba, width, height, mask, maskWidth, maskHeight);
+PortraitDepthPlanes PortraitDepth::estimate(ConstImageView image, PlaneView<const Byte> mask) {
+    return estimatePortraitDepth(*m_engine, image, mask);
 }
 
 }  // namespace zellab

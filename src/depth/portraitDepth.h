@@ -3,6 +3,8 @@
 #include <memory>
 #include <vector>
 
+#include "zellab/imageproc/core/ownedImage.h"
+
 namespace zellab {
 
 class DepthEngine;
@@ -12,23 +14,26 @@ inline constexpr int kDepthPlaneSide = 384;
 
 /// The planes of one estimate, kDepthPlaneSide squared bytes each; larger is nearer, larger is surer.
 struct PortraitDepthPlanes {
-    bool estimated = false;          // whether the network ran
-    std::vector<unsigned char> raw;  // as the network gives it
-    std::vector<unsigned char> confidence;
-    std::vector<unsigned char> refined;
+    PortraitDepthPlanes()
+        : raw(kDepthPlaneSide, kDepthPlaneSide),
+          confidence(kDepthPlaneSide, kDepthPlaneSide),
+          refined(kDepthPlaneSide, kDepthPlaneSide) {}
+
+    bool estimated = false;  // whether the network ran
+    Plane<Byte> raw;         // as the network gives it
+    Plane<Byte> confidence;
+    Plane<Byte> refined;
 };
 
-/// Estimates and refines the depth of an RGBA picture of any size, rows tightly packed.
-/// @param mask  person mask of one byte a pixel, or null
-/// The planes of a run that failed hold zeros.
-PortraitDepthPlanes estimatePortraitDepth(DepthEngine& engine, const unsigned char* rgba, int width,
-                                          int height, const unsigned char* mask, int maskWidth,
-                                          int maskHeight);
+/// Estimates and refines the depth of a picture of any size.
+/// @param mask  person mask, or none
+/// Rows are tightly packed. The planes of a run that failed hold zeros.
+PortraitDepthPlanes estimatePortraitDepth(DepthEngine& engine, ConstImageView image,
+                                          PlaneView<const Byte> mask);
 
-/// A plane of `from` scaled to width by height: interpolated on the way up, averaged on the way down. Empty
-/// for a size outside 1 to 32768.
-std::vector<unsigned char> scaleDepthPlane(const std::vector<unsigned char>& plane, int fromWidth,
-                                           int fromHeight, int width, int height);
+/// A plane scaled to width by height: interpolated on the way up, averaged on the way down. Empty for a size
+/// outside 1 to 32768.
+std::vector<Byte> scaleDepthPlane(PlaneView<const Byte> plane, int width, int height);
 
 /// The engine with the network that it has loaded, on the processor. For programs that want the planes
 /// themselves. For one thread at a time.
@@ -42,8 +47,7 @@ public:
     /// Loads an ONNX network from a file, or portrait_depth.onnx from a folder.
     bool load(const char* path);
     /// See estimatePortraitDepth; needs a loaded network.
-    PortraitDepthPlanes estimate(const unsigned char* rgba, int width, int height, const unsigned char* mask,
-                                 int maskWidth, int maskHeight);
+    PortraitDepthPlanes estimate(ConstImageView image, PlaneView<const Byte> mask);
 
 private:
     struct Deleter {

@@ -4,6 +4,7 @@
 
 #include "depth/depthLog.h"
 #include "depth/networkPixels.h"
+#include "zellab/imageproc/core/ownedImage.h"
 #include "zellab/imageproc/sfdsp/yuvScale.h"
 
 namespace zellab {
@@ -52,17 +53,14 @@ bool DepthMaps::copyTo(Byte* outDepth, Byte* outSecond) const {
     return true;
 }
 
-std::vector<float> networkInput(const Byte* image, int channels, int height, int width,
-                                const tavio::InputShape& shape, bool interleaved) {
+std::vector<float> networkInput(ConstImageView image, const tavio::InputShape& shape, bool interleaved) {
     const std::size_t pixels = sampleCount(shape.w, shape.h);
-    const bool sameSize = height == shape.h && width == shape.w;
-    std::vector<Byte> scaled;
-    bool usable = image && width > 0 && height > 0 && channels >= 3 && shape.c >= 3 && pixels > 0;
-    if (usable && !sameSize) {
-        scaled.resize(4 * pixels);
-        usable = channels == 4 &&
-                 scaleArgb({image, width, height}, {scaled.data(), shape.w, shape.h}, YuvFilter::none);
-        image = scaled.data();
+    RgbaImage scaled;
+    bool usable = image.valid() && shape.c >= 3 && pixels > 0;
+    if (usable && (image.height != shape.h || image.width != shape.w)) {
+        scaled = RgbaImage(shape.w, shape.h);
+        usable = scaleArgb(image, scaled.view(), YuvFilter::none);
+        image = scaled.view();
     }
     if (!usable) {
         logDepth("GetInputData Failed!");
@@ -70,9 +68,9 @@ std::vector<float> networkInput(const Byte* image, int channels, int height, int
     }
     std::vector<float> input(pixels * static_cast<std::size_t>(shape.c));
     if (interleaved)
-        pixelsToGroups(image, channels, pixels, input.data(), shape.c);
+        pixelsToGroups(image, input.data(), shape.c);
     else
-        pixelsToPlanes(image, channels, pixels, input.data());
+        pixelsToPlanes(image, input.data());
     return input;
 }
 

@@ -41,10 +41,9 @@ public:
 };
 
 /// Scales the image to the network's size without filtering where the sizes differ, and lays it out as
-/// floats, 0 to 1, blue first. Empty, with the line about it, for a null image, a size below 1, fewer than
-/// three channels, or an image to be scaled whose channels are not four.
-std::vector<float> networkInput(const Byte* image, int channels, int height, int width,
-                                const tavio::InputShape& shape, bool interleaved);
+/// floats, 0 to 1, blue first. Empty, with the line about it, for an image that is not valid and for a
+/// network of fewer than three channels.
+std::vector<float> networkInput(ConstImageView image, const tavio::InputShape& shape, bool interleaved);
 
 /// The bytes of both outputs. False, with the line about it, where an output holds no map or the two do not
 /// match in size.

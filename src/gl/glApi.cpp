@@ -1,6 +1,8 @@
 #include "gl/glApi.h"
 
 #include <atomic>
+#include <charconv>
+#include <cstring>
 #include <mutex>
 
 #include "platform/glPlatform.h"
@@ -22,21 +24,30 @@ bool resolve(Function& function, const char* name) {
 }
 
 bool loadCore(GlCore& core) {
-    return resolve(core.bindTexture, "glBindTexture") && resolve(core.deleteTextures, "glDeleteTextures") &&
-           resolve(core.disable, "glDisable") && resolve(core.drawElements, "glDrawElements") &&
-           resolve(core.enable, "glEnable") && resolve(core.genTextures, "glGenTextures") &&
-           resolve(core.getError, "glGetError") && resolve(core.getIntegerv, "glGetIntegerv") &&
+    resolve(core.pixelTransferf, "glPixelTransferf");
+    resolve(core.blendFuncSeparatei, "glBlendFuncSeparatei");
+    resolve(core.blendEquationSeparatei, "glBlendEquationSeparatei");
+    resolve(core.getFloatiV, "glGetFloati_v");
+    resolve(core.viewportIndexedfv, "glViewportIndexedfv");
+    return resolve(core.bindTexture, "glBindTexture") && resolve(core.colorMask, "glColorMask") &&
+           resolve(core.deleteTextures, "glDeleteTextures") && resolve(core.disable, "glDisable") &&
+           resolve(core.drawElements, "glDrawElements") && resolve(core.enable, "glEnable") &&
+           resolve(core.genTextures, "glGenTextures") && resolve(core.getError, "glGetError") &&
+           resolve(core.getFloatv, "glGetFloatv") && resolve(core.getIntegerv, "glGetIntegerv") &&
            resolve(core.getString, "glGetString") &&
            resolve(core.getTexLevelParameteriv, "glGetTexLevelParameteriv") &&
-           resolve(core.getTexParameteriv, "glGetTexParameteriv") &&
-           resolve(core.pixelStorei, "glPixelStorei") && resolve(core.readPixels, "glReadPixels") &&
-           resolve(core.texImage2D, "glTexImage2D") && resolve(core.texParameteri, "glTexParameteri") &&
-           resolve(core.texSubImage2D, "glTexSubImage2D") && resolve(core.viewport, "glViewport");
+           resolve(core.getTexParameteriv, "glGetTexParameteriv") && resolve(core.isEnabled, "glIsEnabled") &&
+           resolve(core.pixelStorei, "glPixelStorei") && resolve(core.polygonMode, "glPolygonMode") &&
+           resolve(core.readPixels, "glReadPixels") && resolve(core.texImage2D, "glTexImage2D") &&
+           resolve(core.texParameteri, "glTexParameteri") && resolve(core.texSubImage2D, "glTexSubImage2D") &&
+           resolve(core.viewport, "glViewport");
 }
 
 /// The pointers of the extension loader that this library calls.
 bool loaderIsComplete() {
-    return glActiveTexture && glAttachShader && glBindBuffer && glBindFramebuffer && glBindVertexArray &&
+    return glActiveTexture && glAttachShader && glBindBuffer && glBindSampler && glBlendEquation &&
+           glBlendEquationSeparate && glClampColor && glColorMaski && glDisablei && glEnablei &&
+           glGetBooleani_v && glGetIntegeri_v && glIsEnabledi && glBindFramebuffer && glBindVertexArray &&
            glBlendFuncSeparate && glBufferData && glCheckFramebufferStatus && glCompileShader &&
            glCreateProgram && glCreateShader && glDeleteBuffers && glDeleteFramebuffers && glDeleteProgram &&
            glDeleteShader && glDeleteVertexArrays && glEnableVertexAttribArray && glFramebufferTexture2D &&
@@ -46,12 +57,20 @@ bool loaderIsComplete() {
            glVertexAttribPointer;
 }
 
-/// Drivers make the highest version that is compatible, so the context itself must be asked.
-bool contextReaches33() {
-    GLint major = 0, minor = 0;
-    g_core.getIntegerv(GL_MAJOR_VERSION, &major);
-    g_core.getIntegerv(GL_MINOR_VERSION, &minor);
-    return major > 3 || (major == 3 && minor >= 3);
+/// What is wrong with the context that is current, or null. Each is asked for itself: drivers make the
+/// highest version that is compatible, and a host may have several. The text alone, because a context of
+/// OpenGL ES (whose text does not begin with a digit) may refuse to be asked for numbers.
+const char* contextFault() {
+    decltype(&::glGetString) getString = nullptr;
+    if (!platform::currentGlContext().context || !resolve(getString, "glGetString"))
+        return "Missing GL version";
+    const auto* const text = reinterpret_cast<const char*>(getString(GL_VERSION));
+    if (!text) return "Missing GL version";
+    int major = 0, minor = 0;
+    const char* const end = text + std::strlen(text);
+    const auto whole = std::from_chars(text, end, major);
+    if (whole.ec == std::errc() && whole.ptr != end) std::from_chars(whole.ptr + 1, end, minor);
+    return major > 3 || (major == 3 && minor >= 3) ? nullptr : "OpenGL 3.3 is not available";
 }
 
 }  // namespace
@@ -63,21 +82,19 @@ const GlCore& glCore() {
 const char* loadEntryPoints() {
     static std::mutex mutex;
     const std::lock_guard guard(mutex);
-    if (!platform::currentGlContext().context) return "Missing GL version";
-    if (!g_loaded) {
-        const GLenum status = glewInit();
-        if (status != GLEW_OK && status != kNoGlxDisplay)
-            return reinterpret_cast<const char*>(glewGetErrorString(status));
-        if (!GLEW_VERSION_3_3) return "OpenGL 3.3 is not available";
-        if (!loadCore(g_core) || !loaderIsComplete()) return "an entry point is missing";
-        g_loaded = true;
-    }
-    return contextReaches33() ? nullptr : "OpenGL 3.3 is not available";
+    if (const char* const fault = contextFault()) return fault;
+    if (g_loaded) return nullptr;
+    const GLenum status = glewInit();
+    if (status != GLEW_OK && status != kNoGlxDisplay)
+        return reinterpret_cast<const char*>(glewGetErrorString(status));
+    if (!GLEW_VERSION_3_3) return "OpenGL 3.3 is not available";
+    if (!loadCore(g_core) || !loaderIsComplete()) return "an entry point is missing";
+    g_loaded = true;
+    return nullptr;
 }
 
 bool glUsable() {
-    if (g_loaded) return platform::currentGlContext().context != nullptr;
-    return platform::currentGlContext().context && !loadEntryPoints();
+    return g_loaded ? !contextFault() : !loadEntryPoints();
 }
 
 }  // namespace zellab::gl

@@ -10,34 +10,47 @@ namespace zellab::gl {
 /// Entry points of OpenGL 1.1.
 struct GlCore {
     decltype(&::glBindTexture) bindTexture = nullptr;
+    decltype(&::glColorMask) colorMask = nullptr;
     decltype(&::glDeleteTextures) deleteTextures = nullptr;
     decltype(&::glDisable) disable = nullptr;
     decltype(&::glDrawElements) drawElements = nullptr;
     decltype(&::glEnable) enable = nullptr;
     decltype(&::glGenTextures) genTextures = nullptr;
     decltype(&::glGetError) getError = nullptr;
+    decltype(&::glGetFloatv) getFloatv = nullptr;
     decltype(&::glGetIntegerv) getIntegerv = nullptr;
     decltype(&::glGetString) getString = nullptr;
     decltype(&::glGetTexLevelParameteriv) getTexLevelParameteriv = nullptr;
     decltype(&::glGetTexParameteriv) getTexParameteriv = nullptr;
+    decltype(&::glIsEnabled) isEnabled = nullptr;
     decltype(&::glPixelStorei) pixelStorei = nullptr;
+    decltype(&::glPolygonMode) polygonMode = nullptr;
     decltype(&::glReadPixels) readPixels = nullptr;
     decltype(&::glTexImage2D) texImage2D = nullptr;
     decltype(&::glTexParameteri) texParameteri = nullptr;
     decltype(&::glTexSubImage2D) texSubImage2D = nullptr;
     decltype(&::glViewport) viewport = nullptr;
+
+    /// Of contexts with the fixed functions; null elsewhere.
+    decltype(&::glPixelTransferf) pixelTransferf = nullptr;
+    /// Of versions 4.0 and 4.1. The extension loader has them only where the first context had them.
+    PFNGLBLENDFUNCSEPARATEIPROC blendFuncSeparatei = nullptr;
+    PFNGLBLENDEQUATIONSEPARATEIPROC blendEquationSeparatei = nullptr;
+    PFNGLGETFLOATI_VPROC getFloatiV = nullptr;
+    PFNGLVIEWPORTINDEXEDFVPROC viewportIndexedfv = nullptr;
 };
 
 /// The table; its members are null until the entry points were loaded.
 const GlCore& glCore();
 
 /// Loads all entry points through the context that is current on this thread. Done once for the process;
-/// later calls look whether the current context is good enough. Safe from several threads.
+/// later calls look whether the current context is good enough: it must be of OpenGL 3.3 or later, not of
+/// OpenGL ES. Safe from several threads.
 /// @return null on success, else what is wrong
 const char* loadEntryPoints();
 
-/// Whether OpenGL may be called on this thread: a context is current and all entry points are there. Loads
-/// them if need be. Every operation that calls OpenGL asks this first.
+/// Whether OpenGL may be called on this thread: a good enough context is current and all entry points are
+/// there. Loads them if need be. Every operation that calls OpenGL asks this first.
 bool glUsable();
 
 }  // namespace zellab::gl

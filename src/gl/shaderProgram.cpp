@@ -70,10 +70,9 @@ void makeQuad(ProgramRecord& record) {
     glGenBuffers(1, &record.elementBuffer);
     glBindBuffer(GL_ELEMENT_ARRAY_BUFFER, record.elementBuffer);
     glBufferData(GL_ELEMENT_ARRAY_BUFFER, sizeof(kTriangles), kTriangles.data(), GL_STATIC_DRAW);
-    // The array first: it would remember that the element buffer was taken away.
+    // The element buffer stays with its array: to unbind it now would take away the host's own.
     glBindVertexArray(0);
     glBindBuffer(GL_ARRAY_BUFFER, 0);
-    glBindBuffer(GL_ELEMENT_ARRAY_BUFFER, 0);
 }
 
 void releaseProgram(ProgramRecord* record) {
@@ -214,15 +213,11 @@ bool ShaderProgram::draw(GLenum, float, float, float, float) const {
     drawQuad();
     glUseProgram(0);
     glBindVertexArray(0);
-    glBindBuffer(GL_ARRAY_BUFFER, 0);
-    glBindBuffer(GL_ELEMENT_ARRAY_BUFFER, 0);
     return true;
 }
 
 void ShaderProgram::drawQuad() const {
     glBindVertexArray(m_record->vertexArray);
-    glBindBuffer(GL_ARRAY_BUFFER, m_record->vertexBuffer);
-    glBindBuffer(GL_ELEMENT_ARRAY_BUFFER, m_record->elementBuffer);
     const bool blending = blends();
     if (blending) {
         glCore().enable(GL_BLEND);

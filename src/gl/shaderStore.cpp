@@ -1,6 +1,6 @@
 #include "gl/shaderStore.h"
 
-#include <cstdio>
+#include <utility>
 
 #include "gl/aes.h"
 #include "gl/shaderKey.h"
@@ -19,22 +19,12 @@ std::uint32_t word(const std::vector<std::uint8_t>& file, std::size_t at) {
            static_cast<std::uint32_t>(file[at + 2]) << 16 | static_cast<std::uint32_t>(file[at + 3]) << 24;
 }
 
-/// The whole of an open file; what cannot be read is missing at its end.
-std::vector<std::uint8_t> readAll(std::FILE* file) {
-    if (std::fseek(file, 0, SEEK_END) != 0) return {};
-    const long length = std::ftell(file);
-    if (length <= 0) return {};
-    std::rewind(file);
-    std::vector<std::uint8_t> bytes(static_cast<std::size_t>(length));
-    bytes.resize(std::fread(bytes.data(), 1, bytes.size(), file));
-    return bytes;
-}
-
 }  // namespace
 
 bool ShaderStore::load(const std::string& path) {
-    const platform::File file = platform::openRegularFile(path.c_str());
-    return file && parse(readAll(file.get()));
+    constexpr std::size_t kLargestFile = std::size_t{1} << 30;  // bytes
+    auto file = platform::readRegularFile(path.c_str(), kLargestFile);
+    return file && parse(std::move(*file));
 }
 
 bool ShaderStore::parse(std::vector<std::uint8_t> file) {

@@ -45,21 +45,10 @@ GLenum typeOf(int channelType) {
 }
 
 /// Rows of pixels in memory are packed, whatever their length in bytes; OpenGL's own rule fills them up to
-/// four. The caller's rule comes back afterwards.
-class PackedRows {
-public:
-    explicit PackedRows(GLenum rule) : m_rule(rule) {
-        glCore().getIntegerv(m_rule, &m_previous);
-        glCore().pixelStorei(m_rule, 1);
-    }
-    ~PackedRows() { glCore().pixelStorei(m_rule, m_previous); }
-    PackedRows(const PackedRows&) = delete;
-    PackedRows& operator=(const PackedRows&) = delete;
-
-private:
-    GLenum m_rule;
-    GLint m_previous = 4;
-};
+/// four. The host's rule comes back with the rest of its state (hostState.h).
+void packRows(GLenum alignment) {
+    glCore().pixelStorei(alignment, 1);
+}
 
 const char* framebufferFault(GLenum status) {
     switch (status) {
@@ -92,7 +81,7 @@ GLuint makeTexture(const ITexture2D& record, GLenum internal, int unpackRowLengt
     glCore().bindTexture(GL_TEXTURE_2D, texture);
     for (const auto& parameter : record.parameters)
         glCore().texParameteri(GL_TEXTURE_2D, parameter.key, parameter.value);
-    const PackedRows packed(GL_UNPACK_ALIGNMENT);
+    packRows(GL_UNPACK_ALIGNMENT);
     glCore().pixelStorei(GL_UNPACK_ROW_LENGTH, unpackRowLength);
     glCore().texImage2D(GL_TEXTURE_2D, 0, static_cast<GLint>(internal), refusable(record.width),
                         refusable(record.height), 0, static_cast<GLenum>(record.format),
@@ -227,7 +216,7 @@ GLuint Texture2D::bind() const {
 bool Texture2D::write(int x, int y, int width, int height, const void* data) const {
     if (!m_record || !data || !glUsable()) return false;
     if (m_record->texture == 0) return true;
-    const PackedRows packed(GL_UNPACK_ALIGNMENT);
+    packRows(GL_UNPACK_ALIGNMENT);
     glCore().bindTexture(GL_TEXTURE_2D, m_record->texture);
     glCore().texSubImage2D(GL_TEXTURE_2D, 0, x, y, width, height, static_cast<GLenum>(m_record->format),
                            static_cast<GLenum>(m_record->type), data);
@@ -246,7 +235,7 @@ bool Texture2D::read(int x, int y, int width, int height, void* data) const {
         return false;
     }
     if (!glUsable()) return false;
-    const PackedRows packed(GL_PACK_ALIGNMENT);
+    packRows(GL_PACK_ALIGNMENT);
     glCore().bindTexture(GL_TEXTURE_2D, m_record->texture);
     glBindFramebuffer(GL_FRAMEBUFFER, m_record->framebuffer);
     glCore().readPixels(x, y, width, height, static_cast<GLenum>(m_record->format),

@@ -1,11 +1,10 @@
 #include "inference/dnnNet.h"
 
-#include <cstdio>
-#include <filesystem>
 #include <optional>
+#include <string>
 
-#include "platform/fileProbe.h"
 #include "inference/onnxHead.h"
+#include "platform/fileProbe.h"
 
 namespace tavio {
 
@@ -16,22 +15,14 @@ namespace platform = zellab::platform;
 /// What a folder's network is called, where a folder is given in place of a file.
 constexpr const char* kNameInFolder = "portrait_depth.onnx";
 
-constexpr long kLargestFile = 1L << 30;  // bytes
+constexpr std::size_t kLargestFile = std::size_t{1} << 30;  // bytes
 constexpr std::int64_t kLongestSide = 4096;
 
 /// The bytes of a model file; empty where it cannot be read.
 std::vector<unsigned char> readModelFile(const char* path) {
-    std::error_code error;
-    std::filesystem::path place(path);
-    if (std::filesystem::is_directory(place, error)) place /= kNameInFolder;
-    const platform::File file = platform::openRegularFile(place.c_str());
-    if (!file || std::fseek(file.get(), 0, SEEK_END) != 0) return {};
-    const long size = std::ftell(file.get());
-    if (size <= 0 || size > kLargestFile) return {};
-    std::rewind(file.get());
-    std::vector<unsigned char> bytes(static_cast<std::size_t>(size));
-    bytes.resize(std::fread(bytes.data(), 1, bytes.size(), file.get()));
-    return bytes;
+    std::string place(path);
+    if (platform::isDirectory(path)) place.append("/").append(kNameInFolder);
+    return platform::readRegularFile(place.c_str(), kLargestFile).value_or(std::vector<unsigned char>());
 }
 
 /// Whether the network takes one planar picture of three colours and gives one map or two. The number of

@@ -21,4 +21,24 @@ File openRegularFile(const char* path) {
     return File(file);
 }
 
+std::optional<std::size_t> fileLength(const File& file) {
+    struct stat status {};
+    if (!file || fstat(fileno(file.get()), &status) != 0 || status.st_size < 0) return std::nullopt;
+    return static_cast<std::size_t>(status.st_size);
+}
+
+std::optional<std::vector<unsigned char>> readRegularFile(const char* path, std::size_t largest) {
+    const File file = openRegularFile(path);
+    const std::optional<std::size_t> length = fileLength(file);
+    if (!length || *length > largest) return std::nullopt;
+    std::vector<unsigned char> bytes(*length);
+    bytes.resize(std::fread(bytes.data(), 1, bytes.size(), file.get()));
+    return bytes;
+}
+
+bool isDirectory(const char* path) {
+    struct stat status {};
+    return stat(path, &status) == 0 && S_ISDIR(status.st_mode);
+}
+
 }  // namespace zellab::platform

@@ -172,7 +172,7 @@ TEST_F(Passes, HairKeepsThePhotographByItsMask) {
 
 TEST_F(Passes, TheIdentityLookupChangesNothing) {
     const Bytes picture = zeltest::randomRgba(50, 40, 4), zero(256 * 256 * 4, 0), neutral(256 * 256, 128);
-    const ImageBuffer identity = identityLut();
+    const zellab::RgbaImage identity = identityLut();
     EXPECT_EQ(identity.data()[4 * (512 * 63 + 62)], 251) << "level 62 of 63";
     const Texture2D lut = rgbaTexture(512, 512, identity.data()).clone(GL_LINEAR, GL_LINEAR);
     const Texture2D target = rgbaTexture(50, 40, nullptr);

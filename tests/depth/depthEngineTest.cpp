@@ -50,7 +50,7 @@ TEST_F(DepthEngineTest, TellsWhatItDoesAndGivesBlueAsDepth) {
     ASSERT_TRUE(engine->LoadModel(path.c_str()));
     m_image[2] = 0;  // blue's limits, so that the byte comes back as it is
     m_image[6] = 255;
-    ASSERT_TRUE(engine->Run(m_image.data(), 10, 8, m_depth.data(), m_second.data()));
+    ASSERT_TRUE(engine->Run({m_image.data(), 10, 8}, m_depth.data(), m_second.data()));
     EXPECT_EQ(err.text(),
               lines({"This is version 1.1.0.0", "LoadModel +", "Load model: " + path, "LoadModel -",
                      "run_tavio +", "Input data type: 1, Input shape: 1 x 3 x 8 x 10",
@@ -64,7 +64,7 @@ TEST_F(DepthEngineTest, EveryFailureHasItsLineAndLeavesTheBuffers) {
     const auto fails = [&](const Engine& engine, zellab::Byte* image, zellab::Byte* depth,
                            zellab::Byte* second, const std::string& says) {
         StreamCapture err(stderr);
-        EXPECT_FALSE(engine->Run(image, 10, 8, depth, second)) << says;
+        EXPECT_FALSE(engine->Run({image, 10, 8}, depth, second)) << says;
         EXPECT_THAT(err.text(), testing::HasSubstr(lines({says})));
         EXPECT_EQ(m_depth, before);
         EXPECT_EQ(m_second, before);
@@ -89,7 +89,7 @@ TEST_F(DepthEngineTest, EveryFailureHasItsLineAndLeavesTheBuffers) {
     const Engine onGpu = make(2);
     EXPECT_THAT(err.text(), testing::HasSubstr(lines({"This device does not support GPU!"})));
     EXPECT_FALSE(onGpu->LoadModel(model().c_str()));
-    EXPECT_FALSE(onGpu->Run(m_image.data(), 10, 8, m_depth.data(), m_second.data()));
+    EXPECT_FALSE(onGpu->Run({m_image.data(), 10, 8}, m_depth.data(), m_second.data()));
 }
 
 TEST_F(DepthEngineTest, OtherSizesMeetTheNetworksByTheNearestSampleAndThePlanesByScaling) {
@@ -99,8 +99,8 @@ TEST_F(DepthEngineTest, OtherSizesMeetTheNetworksByTheNearestSampleAndThePlanesB
     for (std::size_t i = 0; i < large.size(); ++i)
         large[i] = m_image[(i / 4 / 20 / 2 * 10 + i / 4 % 20 / 2) * 4 + i % 4];
     Bytes depth(80), second(80);
-    ASSERT_TRUE(engine->Run(m_image.data(), 10, 8, m_depth.data(), m_second.data()));
-    ASSERT_TRUE(engine->Run(large.data(), 20, 16, depth.data(), second.data()));
+    ASSERT_TRUE(engine->Run({m_image.data(), 10, 8}, m_depth.data(), m_second.data()));
+    ASSERT_TRUE(engine->Run({large.data(), 20, 16}, depth.data(), second.data()));
     EXPECT_EQ(depth, m_depth);
     Bytes wide(31 * 17), wideSecond(31 * 17);  // would be overrun or half filled by maps as they come
     ASSERT_TRUE(
@@ -117,7 +117,7 @@ TEST_F(DepthEngineTest, MapsWithoutANumberBecomeBytesAllTheSame) {
         TinyModel tiny;
         tiny.outputs[1].weights = {weight, 0, weight};
         ASSERT_TRUE(engine->LoadModel(model(tiny).c_str()));
-        EXPECT_TRUE(engine->Run(m_image.data(), 10, 8, m_depth.data(), m_second.data()));
+        EXPECT_TRUE(engine->Run({m_image.data(), 10, 8}, m_depth.data(), m_second.data()));
         if (weight == 0.0f) {
             EXPECT_EQ(m_depth, Bytes(80, 0));
         }
@@ -137,9 +137,9 @@ TEST(NetworkPixels, BytesAreStretchedFromTheSeededLimits) {
 
     const Bytes pixels{255, 51, 0, 9, 102, 0, 255, 9};
     std::vector<float> planes(6), groups(6), back(6);
-    zellab::pixelsToPlanes(pixels.data(), 4, 2, planes.data());
+    zellab::pixelsToPlanes({pixels.data(), 2, 1}, planes.data());
     EXPECT_THAT(planes, ElementsAre(0, 1, 0.2f, 0, 1, 0.4f));
-    zellab::pixelsToGroups(pixels.data(), 4, 2, groups.data(), 3);
+    zellab::pixelsToGroups({pixels.data(), 2, 1}, groups.data(), 3);
     zellab::groupsToPlanes(groups.data(), 3, 2, back.data());
     EXPECT_EQ(back, planes);
 }
@@ -177,7 +177,7 @@ TEST(DepthEstimators, CallTheBackEndInTheirOrder) {
         Diary diary;
         zellab::DepthEstimatorGL gl(zellab::NetOwner(new DiaryNet(diary)),
                                     zellab::ExecutorOwner(new DiaryExecutor(diary)));
-        EXPECT_TRUE(gl.run_tavio(image.data(), 4, 8, 10, depth.data(), second.data(), begin, end))
+        EXPECT_TRUE(gl.run_tavio({image.data(), 10, 8}, depth.data(), second.data(), begin, end))
             << "a failed run is no matter";
         std::vector<std::string> expected{"output 0", "output 1"};
         if (*before) expected.emplace_back(before);
@@ -190,7 +190,7 @@ TEST(DepthEstimators, CallTheBackEndInTheirOrder) {
     zellab::DepthEstimator cpu(zellab::NetOwner(new DiaryNet(diary)),
                                zellab::ExecutorOwner(new DiaryExecutor(diary)));
     StreamCapture err(stderr);
-    EXPECT_FALSE(cpu.run_tavio(image.data(), 4, 8, 10, depth.data(), second.data()));
+    EXPECT_FALSE(cpu.run_tavio({image.data(), 10, 8}, depth.data(), second.data()));
     EXPECT_THAT(diary, ElementsAre("input", "output 0", "output 1", "run"));
     EXPECT_THAT(err.text(),
                 testing::HasSubstr(lines({"input doesn't initialized!", "output doesn't initialized!",
@@ -203,17 +203,17 @@ TEST(PortraitDepth, AwkwardPicturesAndMasksGoThrough) {
     tiny.input = {1, 3, 32, 48};
     zellab::PortraitDepth depth;
     const Bytes picture = randomRgba(5, 5000, 2), mask = randomPlane(3, 7, 1);
-    EXPECT_FALSE(depth.estimate(picture.data(), 1, 1, nullptr, 0, 0).estimated) << "no network yet";
+    EXPECT_FALSE(depth.estimate({picture.data(), 1, 1}, {}).estimated) << "no network yet";
     ASSERT_TRUE(depth.load(folder.write("m.onnx", tinyOnnx(tiny)).c_str()));
     for (const auto& [width, height] : {std::pair{1, 1}, {5, 5000}, {1, 5000}, {160, 31}}) {
-        const auto planes = depth.estimate(picture.data(), width, height, mask.data(), 3, 7);
+        const auto planes = depth.estimate({picture.data(), width, height}, {mask.data(), 3, 7});
         EXPECT_TRUE(planes.estimated);
         EXPECT_EQ(planes.refined.size(), 384u * 384u);
-        EXPECT_EQ(zellab::scaleDepthPlane(planes.refined, 384, 384, width, height).size(),
+        EXPECT_EQ(zellab::scaleDepthPlane(planes.refined.view(), width, height).size(),
                   static_cast<std::size_t>(width * height));
     }
-    EXPECT_FALSE(depth.estimate(nullptr, 5, 5, nullptr, 0, 0).estimated);
-    EXPECT_FALSE(depth.estimate(picture.data(), 0, 5, nullptr, 0, 0).estimated);
+    EXPECT_FALSE(depth.estimate({nullptr, 5, 5}, {}).estimated);
+    EXPECT_FALSE(depth.estimate({picture.data(), 0, 5}, {}).estimated);
 }
 
 }  // namespace

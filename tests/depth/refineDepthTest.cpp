@@ -30,12 +30,12 @@ TEST(DepthAreas, PersonsComeForwardAndDoubtedGroundGoesBack) {
     Bytes depth{10, 21, 50, 60, 100, 101, 90, 7};
     const Bytes confidence{0, 200, 79, 80, 79, 80, 10, 0};
     StreamCapture err(stderr);
-    zellab::ModifyDepthByAreas(mask.data(), depth.data(), confidence.data(), 2, 4);
+    zellab::ModifyDepthByAreas({mask.data(), 4, 2}, {depth.data(), 4, 2}, {confidence.data(), 4, 2});
     // Means 15.5 and 90: 10 rises to 15; 21 is sure; 90 is its own mean and doubted.
     EXPECT_THAT(depth, testing::ElementsAre(15, 21, 45, 60, 90, 101, 81, 6));
     EXPECT_EQ(err.text(), "[DEBUG  ] area number:2\n");
     const Bytes before = depth, none(8, 128);
-    zellab::ModifyDepthByAreas(none.data(), depth.data(), confidence.data(), 2, 4);
+    zellab::ModifyDepthByAreas({none.data(), 4, 2}, {depth.data(), 4, 2}, {confidence.data(), 4, 2});
     EXPECT_EQ(depth, before);
 }
 
@@ -46,7 +46,7 @@ TEST(DepthAreas, MoreThan255AreasStayApart) {
     for (std::size_t i = 0; i < 600; i += 2) depth[i] = static_cast<unsigned char>(11 + i % 200);
     const Bytes upper(depth.begin(), depth.begin() + 600), sure(1200, 255);
     StreamCapture err(stderr);
-    zellab::ModifyDepthByAreas(mask.data(), depth.data(), sure.data(), 2, 600);
+    zellab::ModifyDepthByAreas({mask.data(), 600, 2}, {depth.data(), 600, 2}, {sure.data(), 600, 2});
     EXPECT_EQ(err.text(), "[DEBUG  ] area number:300\n");
     for (std::size_t i = 0; i < 600; i += 2) ASSERT_EQ(depth[600 + i], (upper[i] + 9) / 2) << i;
 }
@@ -73,7 +73,7 @@ TEST(MedianFilter, MatchesSortedWindowsOnAwkwardSizes) {
             Bytes plane = randomPlane(width, height, 5u);
             if (window == 5) std::fill(plane.begin(), plane.end(), static_cast<unsigned char>(255));
             const Bytes expected = slowMedian(plane, width, height, window);
-            zellab::MedianFilterPlane(plane.data(), width, height, window);
+            zellab::MedianFilterPlane({plane.data(), width, height}, window);
             EXPECT_EQ(plane, expected) << window << ' ' << width << ' ' << height;
         }
 }
@@ -99,22 +99,23 @@ Eigen::MatrixXf slowBlur(const Bytes& grey, int width, int height, int spatial, 
 TEST(BilateralGrid, BlurBindsTheNeighboursAndNobodyElse) {
     for (const auto& [width, height] : {std::pair{1, 1}, {40, 30}, {31, 1}, {1, 31}}) {
         const Bytes grey = randomPlane(width, height, 8);
-        const BilateralGrid grid(grey.data(), 1, height, width, {4, 40, 40});
+        const BilateralGrid grid(zellab::PlaneView<const zellab::Byte>(grey.data(), width, height),
+                                 {4, 40, 40});
         EXPECT_EQ(Eigen::MatrixXf(grid.blur()), slowBlur(grey, width, height, 4, 40))
             << width << 'x' << height;
     }
     // More cells along a row than a digit of 255 could tell apart, on a colour guide with odd sides.
     const Bytes flat(std::size_t{5001} * 3 * 4, 90);
-    const BilateralGrid wide(flat.data(), 4, 3, 5001, {3, 6, 6});
+    const BilateralGrid wide(zellab::ConstImageView(flat.data(), 5001, 3), {3, 6, 6});
     EXPECT_EQ(wide.dimension(), 5);
     EXPECT_EQ(wide.vertices(), 1667);
     EXPECT_EQ(wide.blur().nonZeros(), 1667 + 2 * 1666);
-    EXPECT_EQ(BilateralGrid(flat.data(), 2, 3, 3, {3, 6, 6}).pixels(), 0);
+    EXPECT_EQ(BilateralGrid(zellab::PixelsView(), {3, 6, 6}).pixels(), 0);
 }
 
 TEST(BilateralSolver, RowsOfTheNormalisedBlurSumToOne) {
     const Bytes guide = patternRgba(96, 80, 4);
-    const FastBilateralSolver solver(guide.data(), 4, 80, 96, kAsRefined);
+    const FastBilateralSolver solver(zellab::ConstImageView(guide.data(), 96, 80), kAsRefined);
     const Eigen::VectorXf blurred = solver.grid().blur() * solver.Dn();
     const Eigen::VectorXf sums = solver.Dn().cwiseProduct(blurred).cwiseQuotient(solver.Dm());
     EXPECT_LT((sums.array() - 1.0f).abs().maxCoeff(), 1e-3f);
@@ -133,7 +134,7 @@ TEST(BilateralSolver, AgreesWithADenseSolve) {
         target.push_back(static_cast<float>(noise[i]) / 255);
         confidence.push_back(static_cast<float>(noise[noise.size() - 1 - i]) / 255);
     }
-    const FastBilateralSolver solver(guide.data(), 4, height, width, parameters);
+    const FastBilateralSolver solver(zellab::ConstImageView(guide.data(), width, height), parameters);
     const auto& vertex = solver.grid().vertexOfPixel();
     const Eigen::Index count = solver.grid().vertices();
     Eigen::VectorXd c = Eigen::VectorXd::Zero(count), b = c;
@@ -149,7 +150,8 @@ TEST(BilateralSolver, AgreesWithADenseSolve) {
     const std::vector<float> result = solver.Solve(target, confidence);
     parameters.iterations = 8;
     const std::vector<float> few =
-        FastBilateralSolver(guide.data(), 4, height, width, parameters).Solve(target, confidence);
+        FastBilateralSolver(zellab::ConstImageView(guide.data(), width, height), parameters)
+            .Solve(target, confidence);
     for (std::size_t i = 0; i < result.size(); ++i) {
         ASSERT_NEAR(result[i], exact[vertex[i]], 2e-4) << i;
         ASSERT_NEAR(few[i], exact[vertex[i]], 0.02) << i;
@@ -158,7 +160,7 @@ TEST(BilateralSolver, AgreesWithADenseSolve) {
 
 TEST(BilateralSolver, KeepsWhatItCannotImprove) {
     const Bytes guide = patternRgba(33, 21, 2);
-    const FastBilateralSolver solver(guide.data(), 4, 21, 33, kAsRefined);
+    const FastBilateralSolver solver(zellab::ConstImageView(guide.data(), 33, 21), kAsRefined);
     const std::vector<float> constant(33 * 21, 0.625f), none(33 * 21, 0.0f), all(33 * 21, 1.0f);
     for (const auto& confidence : {none, all})
         for (const float value : solver.Solve(constant, confidence)) ASSERT_NEAR(value, 0.625f, 2e-3f);
@@ -169,27 +171,26 @@ TEST(RefineDepth, TakesAnyMaskAndTellsItsSteps) {
     const std::size_t samples = 384 * 384;
     Bytes image = patternRgba(50, 40, 1), depth(samples, 100), sure(samples, 255), out(60 * 70, 3);
     Bytes mask = randomPlane(9, 4, 2);
+    const zellab::ConstImageView picture(image.data(), 50, 40);
+    const zellab::PlaneView<const zellab::Byte> plane(depth.data(), 384, 384), trust(sure.data(), 384, 384),
+        person(mask.data(), 9, 4), flat(mask.data(), 9, 0);
+    const zellab::PlaneView<zellab::Byte> output(out.data(), 70, 60);
     StreamCapture err(stderr);
-    EXPECT_TRUE(zellab::refine_depth(image.data(), 4, 40, 50, nullptr, 0, 0, 0, depth.data(), sure.data(),
-                                     out.data(), 60, 70));
+    EXPECT_TRUE(zellab::refine_depth(picture, {}, plane, trust, output));
     EXPECT_EQ(
         err.text(),
         "[DEBUG  ] refine_depth +\n[DEBUG  ] resize end\n[DEBUG  ] fbs end\n[DEBUG  ] refine_depth -\n");
     for (const unsigned char value : out)
         ASSERT_NEAR(value, 99, 1);  // the scaler and the conversion truncate
-    EXPECT_TRUE(zellab::refine_depth(image.data(), 4, 40, 50, mask.data(), 1, 4, 9, depth.data(), sure.data(),
-                                     out.data(), 1, 1));
+    EXPECT_TRUE(zellab::refine_depth(picture, person, plane, trust, {out.data(), 1, 1}));
     EXPECT_THAT(err.text(), testing::HasSubstr("[DEBUG  ] modify end\n"));
     const Bytes before = out;
     for (const int side : {0, -3, 40000})
-        EXPECT_TRUE(zellab::refine_depth(image.data(), 4, 40, 50, mask.data(), 1, 0, 9, depth.data(),
-                                         sure.data(), out.data(), side, 70));
-    EXPECT_TRUE(zellab::refine_depth(image.data(), 4, 40, 50, nullptr, 0, 0, 0, nullptr, sure.data(),
-                                     out.data(), 60, 70));
+        EXPECT_TRUE(zellab::refine_depth(picture, flat, plane, trust, {out.data(), 70, side}));
+    EXPECT_TRUE(zellab::refine_depth(picture, {}, {}, trust, output));
     EXPECT_EQ(out, before);
     // A picture that cannot guide leaves the scaled map.
-    EXPECT_TRUE(zellab::refine_depth(nullptr, 4, 40, 50, mask.data(), 1, 0, 9, depth.data(), sure.data(),
-                                     out.data(), 60, 70));
+    EXPECT_TRUE(zellab::refine_depth(zellab::ConstImageView(nullptr, 50, 40), flat, plane, trust, output));
     for (const unsigned char value : out) ASSERT_NEAR(value, 100, 1);
 }
 

@@ -64,8 +64,9 @@ TEST(RefinedEdges, ErrorIsHalvedOverDrawnPortraits) {
         const auto trust = zellab::platform::confidenceFromSmoothness({coarse.begin(), coarse.end()},
                                                                       kDepthSide, kDepthSide);
         for (std::size_t i = 0; i < kSamples; ++i) sure[i] = static_cast<unsigned char>(trust[i] * 255);
-        zellab::refine_depth(image.data(), 4, kDepthSide, kDepthSide, nullptr, 0, 0, 0, coarse.data(),
-                             sure.data(), refined.data(), kDepthSide, kDepthSide);
+        zellab::refine_depth(zellab::ConstImageView(image.data(), kDepthSide, kDepthSide), {},
+                             {coarse.data(), kDepthSide, kDepthSide}, {sure.data(), kDepthSide, kDepthSide},
+                             {refined.data(), kDepthSide, kDepthSide});
         coarseSum += edgeError(coarse, truth, person);
         refinedSum += edgeError(refined, truth, person);
     }

@@ -1,14 +1,12 @@
 #pragma once
 
+#include "bokeh/focusPoints.h"
 #include "bokeh/lookParameters.h"
 #include "zel_effects/zel_effects.h"
 #include "zellab/imageproc/core/imageView.h"
 
 namespace zellab {
 class DepthEngine;
-namespace Bokeh {
-class BokehScene;
-}
 }  // namespace zellab
 
 namespace DefocusCore {
@@ -25,7 +23,7 @@ struct RunRequest {
     zellab::ImageView target;
     int faceCount;
     float* faces;  // as the host hands them over; only read
-    float focusX, focusY;
+    zellab::Bokeh::FocusPoint focus;
     float resolutionFactor;
     int blurLevel;
     zellab::Bokeh::Look look;
@@ -39,9 +37,6 @@ struct DefocusInternals {
     /// Gives the shared parts back; the last holder frees them.
     static void releaseParts(ZelDepthDefocusRender& render);
     static bool run(ZelDepthDefocusRender& render, const RunRequest& request);
-    /// Hands everything to the scene.
-    static void configure(zellab::Bokeh::BokehScene& scene, const ZelDepthDefocusRender& render,
-                          const RunRequest& request);
 };
 
 }  // namespace DefocusCore

@@ -1,23 +1,28 @@
 // The two forms of the render.
-#include <cstring>
 #include <memory>
 #include <new>
-#include <vector>
 
 #include "ZelEffectsCore/ZelEffect/ZelDepthDefocusRender/defocusInternals.h"
 #include "bokeh/bokehScene.h"
 #include "frame/zel_log.h"
 #include "gl/environment.h"
+#include "gl/hostState.h"
 #include "gl/utils.h"
 #include "zel_effects/zel_effects.h"
-#include "zellab/imageproc/core/imageView.h"
+#include "zellab/imageproc/core/ownedImage.h"
 #include "zellab/imageproc/sfdsp/yuvScale.h"
 
 namespace DefocusCore {
 namespace {
 
 using zellab::Byte;
+using zellab::ConstImageView;
+using zellab::ImageView;
+using zellab::Plane;
+using zellab::PlaneView;
+using zellab::RgbaImage;
 using zellab::Bokeh::BokehScene;
+using zellab::Bokeh::RenderJob;
 
 constexpr char kRunName[] = "DefocusCore::ZelDepthDefocusRender::Run";
 
@@ -31,23 +36,23 @@ void tryOwnContext() {
 }
 
 /// Byte 0 of every pixel of the shape image.
-std::vector<Byte> kernelOf(const Byte* rgba, int width, int height) {
-    std::vector<Byte> kernel(zellab::sampleCount(width, height));
-    for (std::size_t i = 0; i < kernel.size(); ++i) kernel[i] = rgba[4 * i];
+Plane<Byte> kernelOf(ConstImageView shape) {
+    Plane<Byte> kernel(shape.width, shape.height);
+    for (std::size_t i = 0; i < kernel.size(); ++i) kernel.data()[i] = shape.data[4 * i];
     return kernel;
 }
 
 /// Renders, and scales where the target has another size.
-void renderScene(BokehScene& scene, const RunRequest& request) {
-    const zellab::ConstImageView source = request.source;
-    const zellab::ImageView target = request.target;
+void renderScene(BokehScene& scene, RenderJob job) {
+    const ConstImageView source = job.source;
+    const ImageView target = job.target;
     if (source.width == target.width && source.height == target.height) {
-        scene.render(source.data, target.data, source.width, source.height, nullptr);
+        scene.render(job);
         return;
     }
-    std::vector<Byte> rendered(zellab::sampleCount(source.width, source.height, 4));
-    if (scene.render(source.data, rendered.data(), source.width, source.height, nullptr))
-        zellab::scaleArgb({rendered.data(), source.width, source.height}, target, zellab::YuvFilter::none);
+    RgbaImage rendered(source.width, source.height);
+    job.target = rendered.view();
+    if (scene.render(job)) zellab::scaleArgb(rendered.view(), target, zellab::YuvFilter::none);
 }
 
 }  // namespace
@@ -58,54 +63,33 @@ bool ZelDepthDefocusRender::Run(unsigned char* src, int srcWidth, int srcHeight,
                                 const char* /*reserved*/, bool /*reserved*/, bool useHairMask,
                                 bool hasCurrentContext, float /*reserved*/, float intensity, float vivid) {
     constexpr float kAmount = 1.0f, kHighlights = 3.0f, kPreviewResolution = 0.3f;
-    return DefocusInternals::run(*this, {{src, srcWidth, srcHeight},
-                                         {dst, dstWidth, dstHeight},
-                                         faceCount,
-                                         faces,
-                                         focusX,
-                                         focusY,
-                                         kPreviewResolution,
-                                         blurLevel,
-                                         {kAmount, intensity, kHighlights, vivid},
-                                         useDepth,
-                                         useHairMask,
-                                         hasCurrentContext});
+    return DefocusInternals::run(*this, {.source = {src, srcWidth, srcHeight},
+                                         .target = {dst, dstWidth, dstHeight},
+                                         .faceCount = faceCount,
+                                         .faces = faces,
+                                         .focus = {.y = focusY, .x = focusX},
+                                         .resolutionFactor = kPreviewResolution,
+                                         .blurLevel = blurLevel,
+                                         .look = {kAmount, intensity, kHighlights, vivid},
+                                         .useDepth = useDepth,
+                                         .useHairMask = useHairMask,
+                                         .hasCurrentContext = hasCurrentContext});
 }
 
 bool ZelDepthDefocusRender::Run(unsigned char* image, int width, int height, int faceCount, float* faces,
                                 float focusX, float focusY, int blurLevel, float highlights, bool useHairMask,
                                 bool hasCurrentContext, float amount, float intensity, float vivid) {
-    constexpr float kFullResolution = 1.0f;
-    constexpr bool kByDepth = true;
-    return DefocusInternals::run(*this, {{image, width, height},
-                                         {image, width, height},
-                                         faceCount,
-                                         faces,
-                                         focusX,
-                                         focusY,
-                                         kFullResolution,
-                                         blurLevel,
-                                         {amount, intensity, highlights, vivid},
-                                         kByDepth,
-                                         useHairMask,
-                                         hasCurrentContext});
-}
-
-void DefocusInternals::configure(BokehScene& scene, const ZelDepthDefocusRender& render,
-                                 const RunRequest& request) {
-    scene.setResolutionFactor(request.resolutionFactor);
-    scene.setBlurLevel(request.blurLevel);
-    scene.setFaces(request.faceCount, request.faces);
-    scene.setFocusPoint(request.focusX, request.focusY);
-    scene.setLook(request.look);
-    scene.setBokehType(zellab::Bokeh::kStripBokeh);
-    scene.setDisparity({render.m_depth, render.m_depthWidth, render.m_depthHeight});
-    scene.setSpin(render.m_spin != 0);
-    if (request.useHairMask)
-        scene.setHairMask({render.m_hairMask, render.m_hairMaskWidth, render.m_hairMaskHeight});
-    scene.setConstantRadius(!request.useDepth);
-    const std::vector<Byte> kernel = kernelOf(render.m_bokehImage, render.m_bokehWidth, render.m_bokehHeight);
-    scene.setKernel({kernel.data(), render.m_bokehWidth, render.m_bokehHeight});
+    return DefocusInternals::run(*this, {.source = {image, width, height},
+                                         .target = {image, width, height},
+                                         .faceCount = faceCount,
+                                         .faces = faces,
+                                         .focus = {.y = focusY, .x = focusX},
+                                         .resolutionFactor = 1.0f,
+                                         .blurLevel = blurLevel,
+                                         .look = {amount, intensity, highlights, vivid},
+                                         .useDepth = true,
+                                         .useHairMask = useHairMask,
+                                         .hasCurrentContext = hasCurrentContext});
 }
 
 bool DefocusInternals::run(ZelDepthDefocusRender& render, const RunRequest& request) {
@@ -120,14 +104,31 @@ bool DefocusInternals::run(ZelDepthDefocusRender& render, const RunRequest& requ
     if (!request.hasCurrentContext) tryOwnContext();
     bool loaded = false;
     {
+        const zellab::gl::HostState state;  // outlives all that the scene has of OpenGL
         const std::unique_ptr<BokehScene> scene(new (std::nothrow) BokehScene);
         if (!scene) {
             ZEL_LOG_ERROR("ZelDepthDefocusRender: run bokeh is null!");
             return false;
         }
         loaded = scene->create(render.m_resourceDir);
-        configure(*scene, render, request);
-        renderScene(*scene, request);
+        const Plane<Byte> kernel = kernelOf({render.m_bokehImage, render.m_bokehWidth, render.m_bokehHeight});
+        PlaneView<const Byte> hairMask;
+        if (request.useHairMask)
+            hairMask = {render.m_hairMask, render.m_hairMaskWidth, render.m_hairMaskHeight};
+        renderScene(*scene,
+                    {.source = request.source,
+                     .target = request.target,
+                     .focusPoints = zellab::Bokeh::focusPointsOfFaces(request.faceCount, request.faces),
+                     .focus = request.focus,
+                     .resolutionFactor = request.resolutionFactor,
+                     .blurLevel = request.blurLevel,
+                     .look = request.look,
+                     .type = zellab::Bokeh::kStripBokeh,
+                     .spin = render.m_spin != 0,
+                     .constantRadius = !request.useDepth,
+                     .disparity = {render.m_depth, render.m_depthWidth, render.m_depthHeight},
+                     .hairMask = hairMask,
+                     .kernel = kernel.view()});
     }
     if (!request.hasCurrentContext) zellab::gl::EnvironmentHolder::doneCurrent();
     render.m_spin = 0;

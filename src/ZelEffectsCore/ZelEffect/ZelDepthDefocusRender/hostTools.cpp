@@ -2,7 +2,7 @@
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
-#include <memory>
+#include <optional>
 
 #include "frame/zel_log.h"
 #include "platform/fileProbe.h"
@@ -10,13 +10,6 @@
 #include "zellab/imageproc/core/imageView.h"
 
 namespace DefocusCore {
-namespace {
-
-struct FreeBlock {
-    void operator()(char* block) const { std::free(block); }
-};
-
-}  // namespace
 
 unsigned char* ZelDepthDefocusRender::createNoise(int& width, int& height) {
     const std::size_t count = zellab::sampleCount(width, height);
@@ -35,21 +28,18 @@ char* ZelDepthDefocusRender::ReadFile2String(const char* path, unsigned long& si
         return nullptr;
     }
     const zellab::platform::File file = zellab::platform::openRegularFile(path);
-    long length = -1;
-    if (file && std::fseek(file.get(), 0, SEEK_END) == 0) length = std::ftell(file.get());
-    if (length < 0) {
+    const std::optional<std::size_t> length = zellab::platform::fileLength(file);
+    if (!length) {
         ZEL_LOG_ERROR("ZelDepthDefocusRender::IO::ReadFile2String: Could not open file %s !", path);
         return nullptr;
     }
-    const auto bytes = static_cast<std::size_t>(length);
-    std::unique_ptr<char, FreeBlock> text(static_cast<char*>(std::malloc(bytes + 1)));
+    auto* const text = static_cast<char*>(std::malloc(*length + 1));
     if (!text) return nullptr;
-    std::rewind(file.get());
     // A file that shrank meanwhile ends in zeros.
-    const std::size_t read = std::fread(text.get(), 1, bytes, file.get());
-    std::fill(text.get() + read, text.get() + bytes + 1, '\0');
-    size = bytes;
-    return text.release();
+    const std::size_t read = std::fread(text, 1, *length, file.get());
+    std::fill(text + read, text + *length + 1, '\0');
+    size = *length;
+    return text;
 }
 
 }  // namespace DefocusCore

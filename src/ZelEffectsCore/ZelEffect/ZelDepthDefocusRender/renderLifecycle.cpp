@@ -119,9 +119,9 @@ bool ZelDepthDefocusRender::DepthEstimate(unsigned char* rgba, int width, int he
     m_depth = nullptr;
     m_depthWidth = m_depthHeight = 0;
     zellab::PortraitDepthPlanes planes;
-    if (m_estimator->engine && zellab::ConstImageView(rgba, width, height).valid())
-        planes = zellab::estimatePortraitDepth(*m_estimator->engine, rgba, width, height, segMask, segWidth,
-                                               segHeight);
+    const zellab::ConstImageView image(rgba, width, height);
+    if (m_estimator->engine && image.valid())
+        planes = zellab::estimatePortraitDepth(*m_estimator->engine, image, {segMask, segWidth, segHeight});
     if (!planes.estimated) {  // a plane without an estimate would blur nothing and say nothing
         ZEL_LOG_ERROR("ravel DepthEstimate depthRefine false");
         return false;
