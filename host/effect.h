@@ -70,6 +70,8 @@ struct Effect {
     Need maskOut = Need::no, depthOut = Need::no;  // optional: it can give a mask or a depth map back
     /// Whether these values make use of faces; empty: always. Where not, none are searched for.
     std::function<bool(const ParameterValues&)> usesFaces;
+    /// What a user who chose these values may not expect, in one line; empty, or an empty text: nothing.
+    std::function<std::string(const ParameterValues&)> caution;
     std::string example;                  // one full command line for --help
     std::function<void(EffectRun&)> run;  // throws Failure
 };

@@ -101,6 +101,9 @@ int ApplyRun::run(const ApplyPlan& plan) {
         m_messages.error(failure.file(), failure.what());
         return kWorkFailed;
     }
+    if (m_effect.caution)
+        if (const std::string caution = m_effect.caution(m_values); !caution.empty())
+            m_messages.note("", caution);
     m_messages.startProgress(plan.items.size());
     runJobs(plan.items.size(), m_options.jobs, [&](std::size_t i) { process(i, plan.items[i]); });
     m_messages.endProgress();

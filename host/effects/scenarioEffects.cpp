@@ -38,6 +38,12 @@ bool scenarioUsesFaces(const ParameterValues& values) {
     return scenarioOf(values.text("type")) == ZelImageCore::eScenario2 && values.number("alpha") < 1.0f;
 }
 
+std::string scenarioCaution(const ParameterValues& values) {
+    if (scenarioOf(values.text("type")) != ZelImageCore::eScenario2 || values.number("alpha") < 1.0f)
+        return {};
+    return "alpha is 1: the look alone is applied; a value below 1, say 0.99, reshapes and smooths as well";
+}
+
 void runScenario(EffectRun& run) {
     Image& image = run.image;
     std::vector<unsigned char> lookup = lookupOf(run);
@@ -66,6 +72,7 @@ std::vector<Effect> scenarioEffects() {
     effect.cube = Need::optional;
     effect.faces = Need::optional;
     effect.usesFaces = scenarioUsesFaces;
+    effect.caution = scenarioCaution;
     effect.example =
         "zel apply scenario portrait.jpg -o out.jpg --set type=portrait --set alpha=0.6 --set look=warm";
     effect.run = runScenario;

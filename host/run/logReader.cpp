@@ -52,12 +52,14 @@ void LogReader::flush() {
 void LogReader::takeLine(std::string line) {
     if (!line.empty() && line.back() == '\r') line.pop_back();
     if (!m_pending.empty() && isErrorTail(line)) {
-        const std::string message = std::exchange(m_pending, {});
+        std::string message = std::exchange(m_pending, {});
+        message.erase(message.find_last_not_of(' ') + 1);
         m_sink({LogLine::Kind::error, message.substr(clockPrefix(message)), line});
         return;
     }
-    releasePending();
+    // Some messages end with a line end of their own: their tail comes after an empty line.
     if (line.empty()) return;
+    releasePending();
     if (clockPrefix(line) > 0)
         m_pending = line;
     else if (startsWith(line, "[ERROR  ] "))

@@ -20,24 +20,27 @@ public:
     CInterFacePoint(const CInterFacePoint&) = delete;
     CInterFacePoint& operator=(const CInterFacePoint&) = delete;
 
-    /// Stores the number of faces; allocates nothing.
+    /// Stores the number of faces; allocates nothing. Operations see as many faces as were counted here.
     void SetFaceCount(int n) { faceCount = n; }
     int GetFaceCount() const { return faceCount; }
 
     /// Valid points in each block of GetInterPoints; set by the last AddFace.
     int GetInterPointCount() const { return interPointCount; }
 
-    /// The 310 points of a face, owned by this object; null where no face was added at that index.
-    /// A caller clamps its index with clampFaceIndex; a face count that promises more than was added, or an
-    /// index below 0, gets null too.
+    /// The 310 points of a face, owned by this object; null where no face was added at that index. A caller
+    /// clamps its index with clampFaceIndex; a face count that promises more than was added, or an index
+    /// below 0, gets null too.
+    /// @param face  index from 0 on
     Vector2f* GetInterPoints(int face) const {
         const auto index = static_cast<std::size_t>(face);
         return index < interPoints.size() ? interPoints[index] : nullptr;
     }
 
-    /// Copies 83 landmarks (in pixels) and derives the interpolated list of the face. Grows the object so
-    /// that index `face` exists; faces left out stay null. The same index again overwrites the face.
-    /// A null list or a negative index does nothing.
+    /// Copies 83 landmarks and derives the interpolated list of the face. Grows the object so that index
+    /// `face` exists; faces left out stay null. The same index again overwrites the face. Does not set the
+    /// face count: call SetFaceCount as well, or operations see no face.
+    /// @param points83  83 points in pixels, in the order told at ImageCoreFace; null does nothing
+    /// @param face      index from 0 on; negative does nothing
     void AddFace(const Vector2f* points83, int face);
 
 private:
@@ -50,6 +53,8 @@ private:
 };
 
 /// A face index out of range (negative, or not below the face count) selects face 0.
+/// @param face       an index
+/// @param faceCount  how many there are
 inline int clampFaceIndex(int face, int faceCount) {
     return face < 0 || face >= faceCount ? 0 : face;
 }

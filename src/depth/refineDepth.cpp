@@ -67,7 +67,8 @@ void solveByPicture(const PixelsView& image, Plane<Byte>& depth, const Plane<Byt
         solveDepth(guides ? guide.view() : PixelsView(), depth, confidence);
     } else {
         RgbaImage guide(width, height);
-        const bool guides = image.data && scaleArgb(image, guide.view(), YuvFilter::box);
+        const bool guides =
+            image.data && scaleArgb({image.data, image.width, image.height}, guide.view(), YuvFilter::box);
         solveDepth(guides ? guide.view() : PixelsView(), depth, confidence);
     }
 }

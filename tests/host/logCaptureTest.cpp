@@ -50,6 +50,7 @@ TEST(LogReader, TellsFormsApartHoweverTheBytesArrive) {
         "00001234 : loading\r\n"
         "00001235 : param error.\r\nsome/file.cpp(12)\r\n"
         "driver: (7) something\n"
+        "00001236 : Left Eye Detect failed \n\r\nbeautykernel/eyebright/eyebright.cpp(24)\r\n"
         "[ERROR  ] no shader\n[DEBUG  ] compiled\n"
         "00001236 : last\r\n";
     for (const std::size_t piece : {std::size_t{1}, std::size_t{7}, stream.size()}) {
@@ -58,15 +59,17 @@ TEST(LogReader, TellsFormsApartHoweverTheBytesArrive) {
         for (std::size_t at = 0; at < stream.size(); at += piece)
             reader.feed(stream.data() + at, std::min(piece, stream.size() - at));
         reader.flush();
-        ASSERT_EQ(lines.size(), 6u) << piece;
+        ASSERT_EQ(lines.size(), 7u) << piece;
         EXPECT_EQ(lines[0].kind, LogLine::Kind::remark);
         EXPECT_EQ(lines[1].kind, LogLine::Kind::error);
         EXPECT_EQ(lines[1].text, "param error.");
         EXPECT_EQ(lines[1].source, "some/file.cpp(12)");
         EXPECT_EQ(lines[2].kind, LogLine::Kind::foreign);
-        EXPECT_EQ(lines[3].text, "no shader");
-        EXPECT_EQ(lines[4].kind, LogLine::Kind::remark);
-        EXPECT_EQ(lines[5].text, "00001236 : last");
+        EXPECT_EQ(lines[3].text, "Left Eye Detect failed");
+        EXPECT_EQ(lines[3].source, "beautykernel/eyebright/eyebright.cpp(24)");
+        EXPECT_EQ(lines[4].text, "no shader");
+        EXPECT_EQ(lines[5].kind, LogLine::Kind::remark);
+        EXPECT_EQ(lines[6].text, "00001236 : last");
     }
 }
 

@@ -1,24 +1,27 @@
-# Run by ctest with BUILD, WORK, CLIENT, CXX and LIBDIR set. Fails on the first command that fails.
+# Run by ctest with BUILD, WORK, CLIENT, EXAMPLES, CXX and LIBDIR set. Fails on the first command that fails.
 cmake_minimum_required(VERSION 3.25)
 
 function(run)
-  execute_process(COMMAND ${ARGN} COMMAND_ERROR_IS_FATAL ANY OUTPUT_VARIABLE text)
+  execute_process(COMMAND ${ARGN} COMMAND_ERROR_IS_FATAL ANY OUTPUT_VARIABLE text ERROR_VARIABLE said)
   set(text "${text}" PARENT_SCOPE)
+  set(said "${said}" PARENT_SCOPE)
 endfunction()
 
+# The client, started where no assets lie: it has to find those of its library by itself.
 function(expectGreeting what)
   if(NOT text STREQUAL "2 x 1 pixels, 1 face\n")
     message(FATAL_ERROR "The client built through ${what} said: ${text}")
   endif()
+  if(said MATCHES "PSOverlay" OR NOT said MATCHES "stb load image")
+    message(FATAL_ERROR "The client built through ${what} did not find the assets: ${said}")
+  endif()
 endfunction()
 
+unset(ENV{ZEL_ASSETS})
 file(REMOVE_RECURSE ${WORK})
 run(${CMAKE_COMMAND} --install ${BUILD} --prefix ${WORK}/first)
 # Nothing in the tree may know the folder that it was installed to.
 file(RENAME ${WORK}/first ${WORK}/tree)
-if(NOT EXISTS ${WORK}/tree/share/zel_effects/style/base/PSOverlay.bin)
-  message(FATAL_ERROR "The style assets are not installed")
-endif()
 file(WRITE ${WORK}/two.pgm "P5 2 1 255\nAZ")
 
 run(${CMAKE_COMMAND} -S ${CLIENT} -B ${WORK}/client -G Ninja -D CMAKE_CXX_COMPILER=${CXX}
@@ -33,6 +36,11 @@ run(${CMAKE_COMMAND} --build ${WORK}/examples)
 run(${WORK}/examples/retouch ${WORK}/two.pgm ${WORK}/two.ppm)
 
 set(ENV{PKG_CONFIG_PATH} ${WORK}/tree/${LIBDIR}/pkgconfig)
+run(pkg-config --variable=assets zel_effects)
+string(STRIP "${text}" assets)
+if(NOT EXISTS ${assets}/style/base/PSOverlay.bin)
+  message(FATAL_ERROR "pkg-config names '${assets}', where no assets lie")
+endif()
 run(pkg-config --cflags --libs zel_effects)
 separate_arguments(flags UNIX_COMMAND "${text}")
 run(${CXX} -std=c++17 -Wall -Wextra -Werror ${CLIENT}/client.cpp -o ${WORK}/plain ${flags})

@@ -7,6 +7,8 @@
 
 #include "frame/zel_log.h"
 #include "platform/fileProbe.h"
+#include "platform/libraryFolder.h"
+#include "zellab/utils/assetFolders.h"
 
 namespace zellab {
 
@@ -15,15 +17,17 @@ namespace {
 /// A head that claims more bytes than this is damaged. The largest asset has a quarter of a megabyte.
 constexpr std::uint64_t kLargestAsset = std::uint64_t{1} << 30;
 
+/// Where this library, or a program that holds the same code, was loaded from. Asked while it is loaded: the
+/// path that the system keeps may count from the working directory of that moment.
+const std::string kLibraryFolder = platform::folderOfCode(&kLargestAsset);
+
 std::string& assetRoot() {
     static std::string root;
     return root;
 }
 
-std::string fullPath(const char* path) {
-    const std::string& root = assetRoot();
-    if (root.empty() || platform::pathExists(path)) return path;
-    return root + "/" + path;
+bool exists(const std::string& path) {
+    return platform::pathExists(path.c_str());
 }
 
 /// A signed little-endian word; 0 where the file ends.
@@ -57,8 +61,8 @@ unsigned char* ZelFileUtils::LoadPPM(const char* path, int* width, int* height, 
         ZEL_LOG_ERROR("ERROR: ZelFileUtils->LoadPPM file path is NULL");
         return nullptr;
     }
-    const std::string full = fullPath(path);
-    if (!platform::pathExists(full.c_str())) {
+    const std::string full = FindAsset(path);
+    if (full.empty()) {
         ZEL_LOG_DEBUG("ZelFileUtils->LoadPPM file not from sdcard or not exist!");
         return nullptr;
     }
@@ -69,6 +73,20 @@ unsigned char* ZelFileUtils::LoadPPM(const char* path, int* width, int* height, 
     if (width) *width = first;
     if (height) *height = second;
     return readPixels(file.get(), first, second, channels);
+}
+
+std::string ZelFileUtils::FindAsset(const char* path) {
+    if (exists(path)) return path;
+    if (!assetRoot().empty()) {
+        std::string below = assetRoot() + "/" + path;
+        if (exists(below)) return below;
+    }
+    if (*path == '/' || *path == '\0') return {};
+    for (const std::string& folder : assetFolders(kLibraryFolder)) {
+        std::string below = folder + "/" + path;
+        if (exists(below)) return below;
+    }
+    return {};
 }
 
 const char* ZelFileUtils::GetAssetRoot() {

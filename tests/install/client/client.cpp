@@ -9,6 +9,7 @@ int main(int count, char** arguments) {
         count > 1 ? arguments[1] : "", width, height, channels, false, true, 0, false, nullptr);
     if (!pixels) return EXIT_FAILURE;
     ZelImageCore::TableSkin::ImageProcessWithNatureSmooth(pixels, width, height, 12);
+    ZelImageCore::TableSkin::ImageProcessWithQornSkinRetouch(pixels, width, height, 0.7f, nullptr, nullptr);
 
     zellab::Vector2f landmarks[83] = {};  // in pixels, from a face detector
     zellab::CInterFacePoint faces;

@@ -8,6 +8,10 @@
 #include <fstream>
 #include <memory>
 
+#include "support/environment.h"
+#include "support/workingFolder.h"
+#include "zellab/utils/assetFolders.h"
+
 namespace {
 
 using zellab::ZelFileUtils;
@@ -100,6 +104,42 @@ TEST_F(StyleAsset, TheRootServesPathsThatDoNotExistByThemselves) {
     EXPECT_STREQ(ZelFileUtils::GetAssetRoot(), m_folder.c_str());
     EXPECT_EQ(*load("a.bin"), 'r');
     EXPECT_EQ(*load(own), 's');
+}
+
+TEST_F(StyleAsset, WhatTheToldPlacesLackIsSoughtInTheFolderOfTheEnvironment) {
+    write("a.bin", head(1, 1) + "told");
+    std::filesystem::create_directories(m_folder / "here");
+    const zeltest::WorkingFolder here(m_folder / "here");
+    {
+        const zeltest::Environment told("ZEL_ASSETS", m_folder.c_str());
+        const Pixels pixels = load("a.bin");
+        ASSERT_TRUE(pixels);
+        EXPECT_EQ(*pixels, 't');
+        EXPECT_EQ(m_log, "") << "nothing is missing";
+        EXPECT_FALSE(load("b.bin"));
+        EXPECT_NE(m_log.find("LoadPPM file not from sdcard or not exist!\r\n"), std::string::npos);
+        EXPECT_FALSE(load((m_folder / "here/a.bin").string())) << "a whole path is not sought elsewhere";
+        write("here/a.bin", head(1, 1) + "here");
+        EXPECT_EQ(*load("a.bin"), 'h') << "the told place comes first";
+        std::filesystem::remove(m_folder / "here/a.bin");
+    }
+    const zeltest::Environment off("ZEL_ASSETS", "");
+    EXPECT_FALSE(load("a.bin"));
+}
+
+TEST_F(StyleAsset, TheFoldersBesideTheProgramFollowTheEnvironment) {
+    {
+        const zeltest::Environment unset("ZEL_ASSETS", nullptr);
+        const zeltest::WorkingFolder here(m_folder);
+        EXPECT_TRUE(load("style/base/PSOverlay.bin")) << "the build tree's, seen from this program";
+        EXPECT_EQ(zellab::assetFolders("/lib").front(), "/lib/assets");
+        EXPECT_TRUE(zellab::assetFolders("").empty());
+    }
+    const zeltest::Environment told("ZEL_ASSETS", "/told");
+    const std::vector<std::string> folders = zellab::assetFolders("/lib");
+    EXPECT_EQ(folders.size(), 4u);
+    EXPECT_EQ(folders[0], "/told");
+    EXPECT_EQ(folders[1], "/lib/assets");
 }
 
 }  // namespace

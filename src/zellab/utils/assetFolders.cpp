@@ -1,0 +1,27 @@
+#include "zellab/utils/assetFolders.h"
+
+#include <cstdlib>
+
+namespace zellab {
+
+namespace {
+
+constexpr const char* kVariable = "ZEL_ASSETS";
+
+/// Beside the library, where the install tree puts them, and where the build tree does.
+constexpr const char* kFromLibrary[] = {"assets", ZEL_ASSETS_FROM_LIBRARY, "../assets"};
+
+}  // namespace
+
+std::vector<std::string> assetFolders(const std::string& libraryFolder) {
+    std::vector<std::string> folders;
+    if (const char* told = std::getenv(kVariable)) {
+        if (!*told) return {};
+        folders.emplace_back(told);
+    }
+    if (libraryFolder.empty()) return folders;
+    for (const char* place : kFromLibrary) folders.push_back(libraryFolder + "/" + place);
+    return folders;
+}
+
+}  // namespace zellab
