@@ -292,7 +292,7 @@ TEST(FaceInterpolation, OutlinesHoldTheWholeBrow) {
         for (const Positions& brow : kBrows) {
             std::vector<Vector2f> polygon;
             for (std::size_t i : brow) polygon.push_back(points[i]);
-            zellab::FillPolygonMask(outlines.data(), kWidth, kHeight, polygon, 1);
+            zellab::FillPolygonMask({outlines.data(), kWidth, kHeight}, polygon, 1);
         }
         double all = 0, inHulls = 0, inOutlines = 0, onEyes = 0;
         for (std::size_t i = 0; i < hulls.size(); ++i) {
