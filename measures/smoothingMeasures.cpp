@@ -125,7 +125,9 @@ void measure(unsigned seed, Sums& sums) {
     std::vector<unsigned char> after = before;
     const zellab::FaceData face = faceOf(portrait);
     // Levels are a global step, and would hide what the local ones do.
-    if (!zellab::CLazyBeauty().run(after.data(), kWidth, kHeight, false, true, kLevel, kLevel, 1, &face))
+    if (!zellab::CLazyBeauty().run(
+            {after.data(), kWidth, kHeight},
+            {.autoLevels = false, .repairSpots = true, .smoothLevel = kLevel, .overlayLevel = kLevel}, &face))
         std::exit(1);
     measureBackground(portrait, face, after, sums);
     for (const zel::Spot& mole : portrait.moleSpots) {

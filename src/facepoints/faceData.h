@@ -16,6 +16,12 @@ struct FaceData {
     unsigned char flagA = 0, flagB = 0;  // the meaning is the pipeline's
 };
 
+/// The interpolated points of a face; an index out of range selects face 0. Null without faces.
+inline const Vector2f* facePointsAt(const CInterFacePoint* faces, int index) {
+    if (!faces || faces->GetFaceCount() < 1) return nullptr;
+    return faces->GetInterPoints(clampFaceIndex(index, faces->GetFaceCount()));
+}
+
 /// A face's rectangle in pixels.
 CGRect faceRectInPixels(const ImageCoreFace& face, int width, int height);
 

@@ -26,7 +26,7 @@ void lazyBeauty(benchmark::State& state) {
     const zellab::FaceData face = oneFace(size);
     std::filesystem::current_path(ZEL_ASSETS);
     zelbench::runOnFreshPicture(state, size, zelbench::skinRgba(size), [&](unsigned char* image) {
-        if (!zellab::CLazyBeauty().run(image, size.width, size.height, true, true, 3, 3, 1, &face))
+        if (!zellab::CLazyBeauty().run({image, size.width, size.height}, {}, &face))
             state.SkipWithError("the assets are missing");
     });
 }

@@ -70,7 +70,7 @@ void circles(Scene& s, unsigned char* image) {
 }
 void skin(Scene& s, unsigned char* image) {
     zellab::FaceData face = zellab::makeFaceData(s.rect, *s.points, kFace, kWidth, kHeight);
-    zellab::CLazyBeauty().run(image, kWidth, kHeight, true, true, 3, 3, 1, &face);
+    zellab::CLazyBeauty().run({image, kWidth, kHeight}, {}, &face);
 }
 void look(Scene& s, unsigned char* image) {
     zellab::ApplyColorCube({image, kWidth, kHeight}, s.lookup.data());

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "zel_effects/zel_records.h"
+#include "zellab/imageproc/core/imageView.h"
 
 namespace zellab {
 
@@ -36,14 +37,14 @@ class CBlackEyeCleaner {
 public:
     /// Works on an RGBA picture in place. A rectangle smaller than the eye region is no face: it is logged,
     /// and nothing is done.
-    static void Run(unsigned char* image, int width, int height, const DarkCircleRun& run);
+    static void Run(ImageView image, const DarkCircleRun& run);
 };
 
 /// The second method, in the same order of stages: crescents that begin right below the lid and reach a
 /// little beyond the eye's corners, narrower blurs, and a mix that rounds.
 class CBlackEyeCleanerB {
 public:
-    static void Run(unsigned char* image, int width, int height, const DarkCircleRun& run);
+    static void Run(ImageView image, const DarkCircleRun& run);
 };
 
 }  // namespace zellab

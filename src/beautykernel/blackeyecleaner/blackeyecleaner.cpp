@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <array>
-#include <cstring>
 
 #include "beautykernel/blackeyecleaner/cheekRows.h"
 #include "beautykernel/blackeyecleaner/circleTables.h"
@@ -32,12 +31,9 @@ Plane<Byte> lumaPlane(ConstImageView image) {
     return plane;
 }
 
-std::vector<Byte> smoothCopy(ConstImageView image, int radius) {
-    std::vector<Byte> copy(sampleCount(image.width, image.height, 4));
-    const ImageView view(copy.data(), image.width, image.height);
-    for (int y = 0; y < image.height; ++y)
-        std::memcpy(view.row(y), image.row(y), static_cast<std::size_t>(image.width) * 4);
-    StackBlurRGBA({copy.data(), image.width, image.height}, radius);
+RgbaImage smoothCopy(ConstImageView image, int radius) {
+    RgbaImage copy = copyOf(image);
+    StackBlurRGBA(copy.view(), radius);
     return copy;
 }
 
@@ -45,15 +41,12 @@ std::vector<Byte> smoothCopy(ConstImageView image, int radius) {
 void repairSeamlessly(ImageView image, const EyeRegion& region, const Plane<Byte>& crescents,
                       float strength) {
     const PixelRect& crop = region.crop;
-    Plane<Byte> wide(crop.width, crop.height), whole(image.width, image.height);
-    std::copy_n(crescents.data(), wide.size(), wide.data());
+    Plane<Byte> wide = copyOf(crescents.view()), whole(image.width, image.height);
     MaxFilterHorizontal(wide.view(), kWidening);
     MaxFilterVertical(wide.view(), kWidening);
     cutEyes(wide, region);
-    for (int y = 0; y < crop.height; ++y)
-        std::memcpy(whole.view().row(crop.y + y) + crop.x, wide.view().row(y),
-                    static_cast<std::size_t>(crop.width));
-    PoissonEdit(image, {whole.data(), image.width, image.height}, strength);
+    copyPixels<Byte>(wide.view(), whole.view().crop(crop.x, crop.y, crop.width, crop.height));
+    PoissonEdit(image, whole.view(), strength);
 }
 
 /// Brightness below which a pixel of the face is no skin: the darkest 9 percent of its middle, and 20 levels
@@ -81,8 +74,7 @@ int skinThreshold(ConstImageView face) {
 Plane<Byte> keepPlane(ConstImageView crop, const Plane<Byte>& crescents, int threshold, int faceWidth,
                       const DarkCircleMethod& method) {
     const Plane<Byte> brightness = lumaPlane(crop);
-    Plane<Byte> keep(crop.width, crop.height);
-    std::copy_n(brightness.data(), keep.size(), keep.data());
+    Plane<Byte> keep = copyOf(brightness.view());
     StackBlurGray(keep.view(), faceWidth / 200 + 22);
     for (std::size_t i = 0; i < keep.size(); ++i) {
         const int l = brightness.data()[i];
@@ -98,8 +90,32 @@ Plane<Byte> keepPlane(ConstImageView crop, const Plane<Byte>& crescents, int thr
     return keep;
 }
 
-constexpr DarkCircleMethod kMethodA = {0.5f, 0.25f, 0.0f, 2.0f, 1.0f, 1.0f, 20, 5, 8, 60, 5, 15, false};
-constexpr DarkCircleMethod kMethodB = {-0.3f, -0.1f, 0.06f, 1.5f, 0.5f, 0.13f, 60, 2, 4, 90, 2, 4, true};
+constexpr DarkCircleMethod kMethodA = {.middleDrop = 0.5f,
+                                       .endDrop = 0.25f,
+                                       .reach = 0.0f,
+                                       .band = 2.0f,
+                                       .repairShare = 1.0f,
+                                       .fullLift = 1.0f,
+                                       .softDivisor = 20,
+                                       .softExtra = 5,
+                                       .softMin = 8,
+                                       .keepDivisor = 60,
+                                       .keepExtra = 5,
+                                       .keepMin = 15,
+                                       .keepsTexture = false};
+constexpr DarkCircleMethod kMethodB = {.middleDrop = -0.3f,
+                                       .endDrop = -0.1f,
+                                       .reach = 0.06f,
+                                       .band = 1.5f,
+                                       .repairShare = 0.5f,
+                                       .fullLift = 0.13f,
+                                       .softDivisor = 60,
+                                       .softExtra = 2,
+                                       .softMin = 4,
+                                       .keepDivisor = 90,
+                                       .keepExtra = 2,
+                                       .keepMin = 4,
+                                       .keepsTexture = true};
 
 /// Mixes a byte by a weight of 255, by a shift that loses a little.
 int shifted(int a, int b, int weight) {
@@ -124,15 +140,13 @@ int lifted(int value, int lift, int kept, int weight) {
 void mixTowardsCheek(ImageView crop, const CheekRows& cheeks, const Plane<Byte>& keep,
                      const Plane<Byte>& soft, int threshold, const DarkCircleMethod& method) {
     constexpr int kTextureRadius = 4;
-    const std::vector<Byte> smooth =
-        method.keepsTexture ? smoothCopy(crop, kTextureRadius) : std::vector<Byte>();
-    const ConstImageView broad(smooth.data(), crop.width, crop.height);
+    const RgbaImage smooth = method.keepsTexture ? smoothCopy(crop, kTextureRadius) : RgbaImage();
     for (int y = 0; y < crop.height; ++y)
         for (int x = 0; x < crop.width; ++x) {
             const int value = keep.view().row(y)[x], weight = soft.view().row(y)[x];
             const Byte* cheek = cheeks.colour(x);
             Byte* p = crop.at(x, y);
-            const Byte* around = method.keepsTexture ? broad.at(x, y) : p;
+            const Byte* around = method.keepsTexture ? smooth.view().at(x, y) : p;
             if (value == kUntouched || weight == 0 || std::max(lumaOf(p), lumaOf(around)) >= lumaOf(cheek))
                 continue;
             if (method.keepsTexture && lumaOf(p) < threshold) continue;  // lashes
@@ -154,11 +168,9 @@ int lashThreshold(const CheekRows& cheeks, int columns) {
     return static_cast<int>(kLashShare * static_cast<float>(sum) / static_cast<float>(columns));
 }
 
-void removeCircles(unsigned char* rgba, int width, int height, const DarkCircleRun& run,
-                   const DarkCircleMethod& method) {
-    const ImageView image(rgba, width, height);
+void removeCircles(ImageView image, const DarkCircleRun& run, const DarkCircleMethod& method) {
     if (!image.valid() || !run.points) return;
-    const std::optional<EyeRegion> region = findEyeRegion(width, height, run);
+    const std::optional<EyeRegion> region = findEyeRegion(image.width, image.height, run);
     if (!region) return;
     const UnderEyeMasks masks = drawUnderEyeMasks(*region, run, method);
     if (run.useEdges && allowsSeamlessRepair(image, *region, run.points))
@@ -176,12 +188,12 @@ void removeCircles(unsigned char* rgba, int width, int height, const DarkCircleR
 
 }  // namespace
 
-void CBlackEyeCleaner::Run(unsigned char* image, int width, int height, const DarkCircleRun& run) {
-    removeCircles(image, width, height, run, kMethodA);
+void CBlackEyeCleaner::Run(ImageView image, const DarkCircleRun& run) {
+    removeCircles(image, run, kMethodA);
 }
 
-void CBlackEyeCleanerB::Run(unsigned char* image, int width, int height, const DarkCircleRun& run) {
-    removeCircles(image, width, height, run, kMethodB);
+void CBlackEyeCleanerB::Run(ImageView image, const DarkCircleRun& run) {
+    removeCircles(image, run, kMethodB);
 }
 
 }  // namespace zellab

@@ -1,7 +1,6 @@
 #include "beautykernel/blackeyecleaner/cheekRows.h"
 
 #include <algorithm>
-#include <cstring>
 
 #include "zellab/imageproc/blur/stackBlur.h"
 
@@ -33,16 +32,13 @@ CheekRows::CheekRows(ConstImageView image, const EyeRegion& region)
     const int top = std::max(std::min(leftRow, rightRow) - radius, 0);
     const int bottom = std::min(std::max(leftRow, rightRow) + radius + 1, image.height);
     const int width = region.crop.width;
-    std::vector<Byte> band(sampleCount(width, bottom - top, 4));
-    const ImageView view(band.data(), width, bottom - top);
-    for (int y = top; y < bottom; ++y)
-        std::memcpy(view.row(y - top), image.at(region.crop.x, y), static_cast<std::size_t>(width) * 4);
-    StackBlurRGBA({band.data(), width, bottom - top}, radius);
+    RgbaImage band = copyOf(image.crop(region.crop.x, top, width, bottom - top));
+    StackBlurRGBA(band.view(), radius);
 
     const float between = (region.inCrop(region.points[5]).x + region.inCrop(region.points[10]).x) / 2.0f;
     for (int x = 0; x < width; ++x) {
         const int row = static_cast<float>(x) < between ? leftRow : rightRow;
-        std::copy_n(view.at(x, row - top), 4, &m_colours[static_cast<std::size_t>(x) * 4]);
+        std::copy_n(band.view().at(x, row - top), 4, &m_colours[static_cast<std::size_t>(x) * 4]);
     }
 }
 

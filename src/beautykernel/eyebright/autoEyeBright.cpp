@@ -1,22 +1,24 @@
 #include "beautykernel/eyebright/eyeBright.h"
-#include "zel_effects/interFacePoint.h"
+#include "facepoints/faceData.h"
 #include "zel_effects/zel_effects.h"
 
-namespace ZelImageCore {
-
-void TableSkin::ImageProcessWithAutoEyeBright(unsigned char* image, int width, int height, void* points,
-                                              int faceIndex, float overallGain, float bandOffset,
-                                              float reservedShade, float highlightGain, float whiteGain,
-                                              float darkTolerance, float irisGain, float filterRadius,
-                                              float filterEps, float filterScale) {
-    const auto* faces = static_cast<const zellab::CInterFacePoint*>(points);
-    if (!faces || faces->GetFaceCount() < 1) return;
-    const zellab::Vector2f* face =
-        faces->GetInterPoints(zellab::clampFaceIndex(faceIndex, faces->GetFaceCount()));
+void ZelImageCore::TableSkin::ImageProcessWithAutoEyeBright(
+    unsigned char* image, int width, int height, void* points, int faceIndex, float overallGain,
+    float bandOffset, float reservedShade, float highlightGain, float whiteGain, float darkTolerance,
+    float irisGain, float filterRadius, float filterEps, float filterScale) {
+    using namespace zellab;
+    constexpr float kPercent = 100.0f;
+    const Vector2f* face = facePointsAt(static_cast<const CInterFacePoint*>(points), faceIndex);
     if (!face) return;
-    zellab::EyeBright().Run(image, width, height, overallGain, bandOffset, reservedShade, highlightGain,
-                            whiteGain, darkTolerance, irisGain, filterRadius, filterEps, filterScale,
-                            &face->x);
+    EyeBright::Run({image, width, height}, face,
+                   {.overallGain = overallGain / kPercent,
+                    .bandOffset = bandOffset / kPercent,
+                    .reservedShade = reservedShade / kPercent,
+                    .highlightGain = highlightGain / kPercent,
+                    .whiteGain = whiteGain / kPercent,
+                    .darkTolerance = darkTolerance / kPercent,
+                    .irisGain = irisGain / kPercent,
+                    .filterRadius = filterRadius,
+                    .filterEps = filterEps,
+                    .filterScale = filterScale});
 }
-
-}  // namespace ZelImageCore

@@ -4,7 +4,8 @@
 
 namespace zellab {
 
-/// The tuning of one call. The first seven come as percentages and are kept as shares.
+/// The tuning of one call. The first seven are shares, 1 being all; the last three are the exponent, the
+/// scale and the factor of the colour guided filter.
 struct EyeTuning {
     float overallGain, bandOffset, reservedShade, highlightGain, whiteGain, darkTolerance, irisGain;
     float filterRadius, filterEps, filterScale;

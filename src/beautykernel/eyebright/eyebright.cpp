@@ -55,23 +55,9 @@ private:
 
 }  // namespace
 
-void EyeBright::Run(unsigned char* image, int width, int height, float overallGain, float bandOffset,
-                    float reservedShade, float highlightGain, float whiteGain, float darkTolerance,
-                    float irisGain, float filterRadius, float filterEps, float filterScale,
-                    const float* points) {
-    const ImageView picture(image, width, height);
-    const EyeTuning tuning = {overallGain / 100.0f,
-                              bandOffset / 100.0f,
-                              reservedShade / 100.0f,
-                              highlightGain / 100.0f,
-                              whiteGain / 100.0f,
-                              darkTolerance / 100.0f,
-                              irisGain / 100.0f,
-                              filterRadius,
-                              filterEps,
-                              filterScale};
-    if (!picture.valid() || !points || !allFinite(tuning)) return;
-    Eyes(picture, reinterpret_cast<const Vector2f*>(points)).brighten(tuning);
+void EyeBright::Run(ImageView image, const Vector2f* points, const EyeTuning& tuning) {
+    if (!image.valid() || !points || !allFinite(tuning)) return;
+    Eyes(image, points).brighten(tuning);
 }
 
 void EyeBright::FuseEyeProcessImage(const EyeCut& eye, ImageView picture, float overallGain) {
@@ -94,6 +80,20 @@ void EyeBright::FuseEyeProcessImage(const EyeCut& eye, ImageView picture, float 
                 target[c] = truncateToByte(static_cast<float>(source[c]) * weight +
                                            static_cast<float>(target[c]) * (1.0f - weight));
         }
+}
+
+void brightenEyes(ImageView image, const Vector2f* points) {
+    EyeBright::Run(image, points,
+                   {.overallGain = 1.0f,
+                    .bandOffset = 0.0f,
+                    .reservedShade = 0.0f,
+                    .highlightGain = 0.4f,
+                    .whiteGain = 0.7f,
+                    .darkTolerance = 0.0f,
+                    .irisGain = 0.4f,
+                    .filterRadius = 1.0f,
+                    .filterEps = 0.4f,
+                    .filterScale = 1.0f});
 }
 
 }  // namespace zellab

@@ -2,8 +2,10 @@
 #include <cmath>
 #include <vector>
 
+#include "beautykernel/eyebright/eyeBright.h"
 #include "beautykernel/facebeauty/facebeauty.h"
 #include "beautykernel/skintools/skinOperation.h"
+#include "facepoints/faceData.h"
 #include "zel_effects/zel_effects.h"
 #include "zellab/imageproc/core/combinePixels.h"
 #include "zellab/imageproc/tone/levels.h"
@@ -28,7 +30,7 @@ void retouchSkin(ImageView image, float strength, const ImageCoreFaceInfo* faceI
     CInterFacePoint points;
     addLimitedFaces(points, faceInfo, image.width, image.height);
     AutoLevels(image);
-    brightenEyes(image, points);
+    brightenEyes(image, facePointsAt(&points, 0));
 
     std::vector<Byte> work(image.data, image.data + sampleCount(image.width, image.height, 4));
     FaceData face;

@@ -74,14 +74,13 @@ Plane<Byte> greyOf(ConstImageView image) {
 /// What the final mix needs, from the lifted work image. Takes the high pass over.
 SmoothPlanes smoothPlanes(ConstImageView work, PlaneView<const Byte> mask, const FaceData* face,
                           Plane<Byte> highPass, const Path& path) {
-    const int w = work.width, h = work.height;
     const Plane<Byte> grey = greyOf(work);
     SmoothPlanes planes;
     const std::function<void()> steps[] = {
         [&] { planes.weight = detailWeight(grey.view(), mask, face, path.detailBias); },
         [&] {
-            planes.blurred.assign(work.data, work.data + sampleCount(w, h, 4));
-            RecursiveGaussianBlur(ImageView(planes.blurred.data(), w, h), kSmoothSigma, kSmoothSigma);
+            planes.blurred = copyOf(work);
+            RecursiveGaussianBlur(planes.blurred.view(), kSmoothSigma, kSmoothSigma);
         },
         [&] {
             planes.edges = equalisedEdges(grey.view());
@@ -101,22 +100,17 @@ SmoothPlanes smoothPlanes(ConstImageView work, PlaneView<const Byte> mask, const
 
 /// The mask without the features of the face: repairs keep away from them.
 Plane<Byte> withoutFeatures(PlaneView<const Byte> mask, const FaceData* face) {
-    Plane<Byte> search(mask.width, mask.height);
-    std::copy_n(mask.data, search.size(), search.data());
+    Plane<Byte> search = copyOf(mask);
     if (face)
         CFeatureMaskPainter::Paint(search.data(), mask.width, mask.height, face->points, kAllFeatures, 0);
     return search;
 }
 
-/// A smaller copy of a picture, owned.
-struct SmallCopy {
-    std::vector<Byte> pixels;
-    ImageView view;
-    SmallCopy(ConstImageView image, const WorkSize& size)
-        : pixels(sampleCount(size.width, size.height, 4)), view(pixels.data(), size.width, size.height) {
-        ScaleBilinearThreaded(image, ImageView(pixels.data(), size.width, size.height));
-    }
-};
+RgbaImage smallCopy(ConstImageView image, const WorkSize& size) {
+    RgbaImage copy(size.width, size.height);
+    ScaleBilinearThreaded(image, copy.view());
+    return copy;
+}
 
 /// Pastes the spots and lifts the shadows: one walk through the full picture, row by row.
 void pasteAndLift(ImageView image, const SpotPaste* spots, Plane<Byte>& shadow,
@@ -133,23 +127,19 @@ void pasteAndLift(ImageView image, const SpotPaste* spots, Plane<Byte>& shadow,
     });
 }
 
-struct Levels {
-    int smooth, overlay;
-};
-
-void runDirect(ImageView image, bool spots, const Levels& levels, const FaceData* face,
+void runDirect(ImageView image, const LazyBeautyParams& params, const FaceData* face,
                const OverlayTable& overlay) {
     const SkinColourMask skin = skinMaskFromColor(image, face ? 1 : 0, face, kMaskRadii);
-    if (spots) repairSpots(image, skin.mask.view(), face, nullptr);
+    if (params.repairSpots) repairSpots(image, skin.mask.view(), face, nullptr);
     ShadowPlanes shadows =
         shadowPlanes(overlayLightness(image, overlay, kDirect.lightness), skin.mask.view(), kShadowRadius);
-    mapByPlane(image, shadows.shadow.view(), shadowLiftTable(skin.mean, levels.smooth));
+    mapByPlane(image, shadows.shadow.view(), shadowLiftTable(skin.mean, params.smoothLevel));
     const SmoothPlanes planes =
         smoothPlanes(image, skin.mask.view(), face, std::move(shadows.highPass), kDirect);
-    mixSmooth(image, planes, overlay, levels.overlay);
+    mixSmooth(image, planes, overlay, params.overlayLevel);
 }
 
-void runScaled(ImageView image, bool spots, const Levels& levels, const FaceData* fullFace,
+void runScaled(ImageView image, const LazyBeautyParams& params, const FaceData* fullFace,
                const OverlayTable& overlay) {
     const WorkSize size = workSizeFor(image.width, image.height);
     FaceData smallFace;
@@ -158,42 +148,39 @@ void runScaled(ImageView image, bool spots, const Levels& levels, const FaceData
         smallFace = scaledFace(*fullFace, size.scale);
         face = &smallFace;
     }
-    SmallCopy before(image, size);
-    const SkinColourMask skin = skinMaskFromColor(before.view, face ? 1 : 0, face, kMaskRadii);
+    RgbaImage before = smallCopy(image, size);
+    const SkinColourMask skin = skinMaskFromColor(before.view(), face ? 1 : 0, face, kMaskRadii);
     std::optional<SpotPaste> paste;
-    if (spots)
-        paste.emplace(before.view, withoutFeatures(skin.mask.view(), face).view(), face, image.width,
+    if (params.repairSpots)
+        paste.emplace(before.view(), withoutFeatures(skin.mask.view(), face).view(), face, image.width,
                       image.height);
-    ShadowPlanes shadows = shadowPlanes(overlayLightness(before.view, overlay, kScaled.lightness),
+    ShadowPlanes shadows = shadowPlanes(overlayLightness(before.view(), overlay, kScaled.lightness),
                                         skin.mask.view(), kShadowRadius);
-    pasteAndLift(image, paste ? &*paste : nullptr, shadows.shadow, shadowLiftTable(skin.mean, levels.smooth));
-    const SmallCopy lifted(image, size);
+    pasteAndLift(image, paste ? &*paste : nullptr, shadows.shadow,
+                 shadowLiftTable(skin.mean, params.smoothLevel));
+    const RgbaImage lifted = smallCopy(image, size);
     const SmoothPlanes planes =
-        smoothPlanes(lifted.view, skin.mask.view(), face, std::move(shadows.highPass), kScaled);
-    mixSmooth(image, planes, overlay, levels.overlay);
+        smoothPlanes(lifted.view(), skin.mask.view(), face, std::move(shadows.highPass), kScaled);
+    mixSmooth(image, planes, overlay, params.overlayLevel);
 }
 
 }  // namespace
 
-bool CLazyBeauty::run(unsigned char* image, int width, int height, bool autoLevels, bool repairSpots,
-                      int smoothLevel, int overlayLevel, int faceCount, const FaceData* faces) {
+bool CLazyBeauty::run(ImageView image, const LazyBeautyParams& params, const FaceData* face) {
     if (!m_overlay.isLoaded() && !m_overlay.load()) {
         ZEL_LOG_ERROR_AT("beautykernel/lazybeauty/lazybeauty.cpp", 52,
                          "ERROR:CLazyBeauty run ,failed to load PSOverlay.png from style");
         return false;
     }
-    const ImageView picture(image, width, height);
-    if (!picture.valid()) return false;
-    if (autoLevels) AutoLevels(picture);
-    const FaceData* face = faces && faceCount > 0 ? faces : nullptr;
-    const Levels levels{smoothLevel, overlayLevel};
-    const bool direct = width <= kDirectWidth && height <= kDirectHeight;
+    if (!image.valid()) return false;
+    if (params.autoLevels) AutoLevels(image);
+    const bool direct = image.width <= kDirectWidth && image.height <= kDirectHeight;
     if (direct) {
-        runDirect(picture, repairSpots, levels, face, m_overlay);
+        runDirect(image, params, face, m_overlay);
     } else {
-        runScaled(picture, repairSpots, levels, face, m_overlay);
+        runScaled(image, params, face, m_overlay);
     }
-    UnsharpMask(picture, (direct ? kDirect : kScaled).unsharpPercent, kUnsharpRadius, 0);
+    UnsharpMask(image, (direct ? kDirect : kScaled).unsharpPercent, kUnsharpRadius, 0);
     return true;
 }
 

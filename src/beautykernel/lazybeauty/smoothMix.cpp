@@ -31,7 +31,7 @@ struct SplitPlanes {
         for (std::size_t c = 0; c < 3; ++c) {
             colours[c] = Plane<Byte>(width, height);
             for (std::size_t i = 0; i < colours[c].size(); ++i)
-                colours[c].data()[i] = planes.blurred[4 * i + c];
+                colours[c].data()[i] = planes.blurred.data()[4 * i + c];
             data[c] = colours[c].data();
         }
         data[kWeight] = planes.weight.data();

@@ -8,10 +8,10 @@ namespace zellab {
 
 /// What the smoothing is decided on: planes of one size, that of the picture or of a smaller copy of it.
 struct SmoothPlanes {
-    std::vector<Byte> blurred;  // RGBA, the colours that are blended in
-    Plane<Byte> weight;         // of the blurred colours
-    Plane<Byte> edges;          // 255 keeps the picture
-    Plane<Byte> highPass;       // blend of the overlay
+    RgbaImage blurred;     // the colours that are blended in
+    Plane<Byte> weight;    // of the blurred colours
+    Plane<Byte> edges;     // 255 keeps the picture
+    Plane<Byte> highPass;  // blend of the overlay
 };
 
 /// Blends the blurred colours into the picture by weight and edges and overlays the result with the high

@@ -4,8 +4,8 @@
 #include <cstdint>
 #include <mutex>
 
-#include "zellab/imageproc/tone/colourHistograms.h"
 #include "zellab/imageproc/core/parallelRows.h"
+#include "zellab/imageproc/tone/colourHistograms.h"
 #include "zellab/imageproc/tone/toneTables.h"
 
 namespace zellab {
@@ -73,16 +73,15 @@ ByteTable channelTable(const Histogram& counts, std::uint64_t pixels, std::uint6
 
 }  // namespace
 
-void defog(unsigned char* image, int width, int height) {
-    const ImageView picture(image, width, height);
-    if (!picture.valid()) return;
-    const auto pixels = static_cast<std::uint64_t>(sampleCount(width, height));
-    const auto clip =
-        static_cast<std::uint64_t>(static_cast<float>(width) * static_cast<float>(height) * kClippedShare);
+void defog(ImageView image) {
+    if (!image.valid()) return;
+    const auto pixels = static_cast<std::uint64_t>(sampleCount(image.width, image.height));
+    const auto clip = static_cast<std::uint64_t>(static_cast<float>(image.width) *
+                                                 static_cast<float>(image.height) * kClippedShare);
     std::array<ByteTable, 3> tables;
-    const ColourHistograms counts = histograms(picture);
+    const ColourHistograms counts = histograms(image);
     for (std::size_t c = 0; c < tables.size(); ++c) tables[c] = channelTable(counts[c], pixels, clip);
-    mapPixels(picture, {tables[0].data(), tables[1].data(), tables[2].data()});
+    mapPixels(image, {tables[0].data(), tables[1].data(), tables[2].data()});
 }
 
 }  // namespace zellab

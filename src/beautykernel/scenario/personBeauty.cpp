@@ -1,59 +1,49 @@
 #include "beautykernel/scenario/personBeauty.h"
 
-#include <cstring>
-
+#include "ZelEffectsCore/ZelEffect/EyeZoomRender/eyeMeshWarp.h"
+#include "ZelEffectsCore/ZelEffect/FaceSlimRender/faceMeshWarp.h"
+#include "beautykernel/blackeyecleaner/darkCircles.h"
 #include "beautykernel/lazybeauty/lazybeauty.h"
 #include "facepoints/faceData.h"
-#include "zel_effects/zel_effects.h"
-#include "zellab/imageproc/core/imageView.h"
+#include "zellab/imageproc/core/ownedImage.h"
 
 namespace zellab {
 
 namespace {
 
-constexpr int kFirstFace = 0;
-
-/// Shape of the slimmed face: strength, then the weights and pulls in the order of the call.
-void slim(unsigned char* image, int width, int height, CInterFacePoint* points) {
-    constexpr float kStrength = 0.5f, kOuter = 0.35f, kMiddle = 0.7f, kInner = 0.6f;
-    constexpr float kUpper = 0.2f, kLower = 0.4f, kJaw = 0.34f, kChin = -0.5f;
-    CFaceSlimRender::autoSlimFace(image, width, height, points, kStrength, kOuter, kMiddle, kInner, kUpper,
-                                  kLower, kJaw, kChin, kFirstFace);
-}
-
-void enlargeEyes(unsigned char* image, int width, int height, CInterFacePoint* points) {
-    constexpr float kStrength = 0.4f, kRatioLimit = 0.9f, kZoom = 0.2f, kRing = 1.0f;
-    CEyeZoomRender::autoZoomEye(image, width, height, points, kStrength, kRatioLimit, kZoom, kRing,
-                                kFirstFace);
-}
-
-void smoothSkin(unsigned char* image, int width, int height, FaceData& face) {
-    constexpr bool kAutoLevels = true, kRepairSpots = true;
-    constexpr int kSmoothLevel = 3, kOverlayLevel = 3;
-    CLazyBeauty().run(image, width, height, kAutoLevels, kRepairSpots, kSmoothLevel, kOverlayLevel, 1, &face);
-}
+constexpr FaceSlimFactors kSlimming = {.strength = 0.5f,
+                                       .outerWeight = 0.35f,
+                                       .middleWeight = 0.7f,
+                                       .innerWeight = 0.6f,
+                                       .upperFactor = 0.2f,
+                                       .lowerFactor = 0.4f,
+                                       .jawFactor = 0.34f,
+                                       .chinFactor = -0.5f};
+constexpr EyeZoomFactors kEnlarging = {
+    .strength = 0.4f, .eyeRatioLimit = 0.9f, .zoomFactor = 0.2f, .ringScale = 1.0f};
+constexpr float kCircleStrength = 0.55f;
+constexpr LazyBeautyParams kSmoothing = {
+    .autoLevels = true, .repairSpots = true, .smoothLevel = 3, .overlayLevel = 3};
 
 }  // namespace
 
-void personBeauty(unsigned char* image, int width, int height, const ImageCoreFaceInfo* faceInfo,
-                  unsigned char* blendSource) {
-    constexpr float kCircleStrength = 0.55f;
-    constexpr int kCircleMethod = 0;
-    if (!image || width < 1 || height < 1 || !faceInfo || !blendSource || faceInfo->faceCount < 1) return;
+void personBeauty(ImageView image, const ImageCoreFaceInfo* faceInfo, ImageView blendSource) {
+    constexpr int kFirstFace = 0;
+    if (!image.valid() || !blendSource.valid() || !faceInfo || faceInfo->faceCount < 1) return;
     const ImageCoreFace& face = faceInfo->faces()[kFirstFace];
-    CGRect rect = faceRectInPixels(face, width, height);
+    CGRect rect = faceRectInPixels(face, image.width, image.height);
     CInterFacePoint points;
     points.SetFaceCount(1);
-    points.AddFace(landmarksInPixels(face, width, height).data(), kFirstFace);
+    points.AddFace(landmarksInPixels(face, image.width, image.height).data(), kFirstFace);
+    const Vector2f* facePoints = facePointsAt(&points, kFirstFace);
 
-    slim(image, width, height, &points);
-    enlargeEyes(image, width, height, &points);
-    // Limits the rectangle to the picture, and what follows uses the limited one.
-    ZelImageCore::TableSkin::ImageProcessWithAutoRemoveBlackCircle(
-        image, width, height, rect, &points, kFirstFace, kCircleStrength, kCircleMethod);
-    std::memcpy(blendSource, image, sampleCount(width, height, 4));
-    FaceData record = makeFaceData(rect, points, kFirstFace, width, height);
-    smoothSkin(image, width, height, record);
+    slimFaceByMesh(image, facePoints, kSlimming);
+    zoomEyesByMesh(image, facePoints, kEnlarging);
+    limitToPicture(rect, image.width, image.height);
+    removeDarkCircles(image, rect, facePoints, kCircleStrength, kDarkCircleMethodA);
+    copyPixels(image, blendSource);
+    const FaceData record = makeFaceData(rect, points, kFirstFace, image.width, image.height);
+    CLazyBeauty().run(image, kSmoothing, &record);
 }
 
 }  // namespace zellab

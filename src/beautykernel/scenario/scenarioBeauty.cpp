@@ -1,12 +1,9 @@
-#include <cstring>
-#include <memory>
-
 #include "beautykernel/scenario/defog.h"
 #include "beautykernel/scenario/personBeauty.h"
 #include "zel_effects/zel_effects.h"
 #include "zellab/imageproc/colour/colorCube.h"
-#include "zellab/imageproc/core/imageView.h"
 #include "zellab/imageproc/core/mixByAlpha.h"
+#include "zellab/imageproc/core/ownedImage.h"
 #include "zellab/imageproc/sharpen/unsharpMask.h"
 #include "zellab/zelfilteronline/zellabSharp.h"
 
@@ -18,16 +15,16 @@ namespace {
 /// from.
 constexpr float kFullStrength = 0x1.ffffdep-1f;
 
-void sharpen(unsigned char* image, int width, int height) {
+void sharpen(zellab::ImageView image) {
     constexpr float kFine = 0.6f, kStructure = 0.6f;
-    zelfilteronline::CZellabSharp().Run({image, width, height}, kFine, kStructure, true);
+    zelfilteronline::CZellabSharp().Run(image, kFine, kStructure, true);
 }
 
-void unsharp(unsigned char* image, int width, int height) {
+void unsharp(zellab::ImageView image) {
     constexpr int kPercent = 100;
     constexpr float kRadius = 2.0f;
     constexpr unsigned char kThreshold = 7;
-    zellab::UnsharpMask(zellab::ImageView(image, width, height), kPercent, kRadius, kThreshold);
+    zellab::UnsharpMask(image, kPercent, kRadius, kThreshold);
 }
 
 }  // namespace
@@ -42,48 +39,47 @@ bool CScenarioBeauty::Run(unsigned char* image, int width, int height, eScenario
     const zellab::ImageView picture(image, width, height);
     if (!picture.valid()) return false;
 
-    std::unique_ptr<unsigned char[]> blendSource;
+    zellab::RgbaImage blendSource;
     if (alpha < kFullStrength) {
-        const std::size_t bytes = zellab::sampleCount(width, height, 4);
-        blendSource.reset(new unsigned char[bytes]);
         // With a face the portrait recipe writes the reshaped picture over it.
         const bool isOverwritten = type == eScenario2 && faceInfo && faceInfo->faceCount >= 1;
-        if (!isOverwritten) std::memcpy(blendSource.get(), image, bytes);
+        blendSource = isOverwritten ? zellab::RgbaImage(width, height) : zellab::copyOf(picture);
     }
     switch (type) {
         case eScenario1:
         case eScenario3:
         case eScenario4:
             zellab::ApplyColorCube(picture, lookup);
-            sharpen(image, width, height);
+            sharpen(picture);
             break;
         case eScenario2:
             // At full strength there is no blend source, and without one the filter does nothing.
-            PersonBeautyFilter(image, width, height, faceInfo, blendSource.get());
+            // At full strength there is no blend source, and without one the recipe does nothing.
+            zellab::personBeauty(picture, faceInfo, blendSource.view());
             zellab::ApplyColorCube(picture, lookup);
             break;
         case eScenario5:
         case eScenario7:
             zellab::ApplyColorCube(picture, lookup);
-            unsharp(image, width, height);
+            unsharp(picture);
             break;
         case eScenario6:
-            Defog(image, width, height);
+            zellab::defog(picture);
             break;
         default:
             break;
     }
-    if (blendSource) zellab::MixByAlpha(picture, {blendSource.get(), width, height}, picture, alpha);
+    if (alpha < kFullStrength) zellab::MixByAlpha(picture, blendSource.view(), picture, alpha);
     return true;
 }
 
 void CScenarioBeauty::Defog(unsigned char* image, int width, int height) {
-    zellab::defog(image, width, height);
+    zellab::defog({image, width, height});
 }
 
 void CScenarioBeauty::PersonBeautyFilter(unsigned char* image, int width, int height,
                                          ImageCoreFaceInfo* faceInfo, unsigned char* blendSource) {
-    zellab::personBeauty(image, width, height, faceInfo, blendSource);
+    zellab::personBeauty({image, width, height}, faceInfo, {blendSource, width, height});
 }
 
 }  // namespace ZelImageCore

@@ -3,7 +3,6 @@
 #include <algorithm>
 
 #include "facepoints/faceData.h"
-#include "zel_effects/zel_effects.h"
 #include "zellab/imageproc/core/floatToInt.h"
 #include "zellab/imageproc/core/parallelRows.h"
 #include "zellab/imageproc/tone/sfCurve.h"
@@ -20,15 +19,6 @@ void addLimitedFaces(CInterFacePoint& points, const ImageCoreFaceInfo* faceInfo,
             for (float& coordinate : point) coordinate = limited(coordinate);
         points.AddFace(landmarksInPixels(face, width, height).data(), i);
     }
-}
-
-void brightenEyes(ImageView image, CInterFacePoint& points) {
-    constexpr float kOverall = 100, kBandOffset = 0, kReserved = 0, kHighlight = 40, kWhites = 70,
-                    kDarkTolerance = 0, kIris = 40;
-    constexpr float kFilterRadius = 1.0f, kFilterEps = 0.4f, kFilterScale = 1.0f;
-    ZelImageCore::TableSkin::ImageProcessWithAutoEyeBright(
-        image.data, image.width, image.height, &points, 0, kOverall, kBandOffset, kReserved, kHighlight,
-        kWhites, kDarkTolerance, kIris, kFilterRadius, kFilterEps, kFilterScale);
 }
 
 ByteTable brightnessCurve(int height) {

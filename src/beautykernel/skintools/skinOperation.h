@@ -13,9 +13,6 @@ namespace zellab {
 /// one of zeros is added, and the count is 0.
 void addLimitedFaces(CInterFacePoint& points, const ImageCoreFaceInfo* faceInfo, int width, int height);
 
-/// Brightens the eyes of face 0, with the amounts that the skin operations use.
-void brightenEyes(ImageView image, CInterFacePoint& points);
-
 /// The curve through (0, 0), (130, height) and (255, 255).
 ByteTable brightnessCurve(int height);
 

@@ -3,7 +3,9 @@
 #include <cstring>
 #include <vector>
 
+#include "beautykernel/eyebright/eyeBright.h"
 #include "beautykernel/skintools/skinOperation.h"
+#include "facepoints/faceData.h"
 #include "zel_effects/zel_effects.h"
 #include "zellab/imageproc/tone/levels.h"
 #include "zellab/imageproc/tone/toneBlend.h"
@@ -24,7 +26,7 @@ void ZelImageCore::TableSkin::ImageProcessWithQornSkinWhitening(unsigned char* i
         CInterFacePoint points;
         addLimitedFaces(points, faceInfo, width, height);
         AutoLevels(picture);
-        brightenEyes(picture, points);
+        brightenEyes(picture, facePointsAt(&points, 0));
     }
     mapPixels(picture, brightnessCurve(brightnessHeight(level)).data());
     ColorTemperatureBlend(picture, temperature, 0);

@@ -18,8 +18,12 @@ using zeltest::faceLike;
 using zeltest::Size;
 
 bool run(Bytes& rgba, Size size, const slow::LazySettings& set, const FaceData* face) {
-    return CLazyBeauty().run(rgba.data(), size.width, size.height, set.autoLevels, set.repairSpots,
-                             set.smooth, set.overlay, face ? 1 : 0, face);
+    return CLazyBeauty().run({rgba.data(), size.width, size.height},
+                             {.autoLevels = set.autoLevels,
+                              .repairSpots = set.repairSpots,
+                              .smoothLevel = set.smooth,
+                              .overlayLevel = set.overlay},
+                             face);
 }
 
 /// Both roads, with and without a face: sizes below, at and beyond those of the small copy.
@@ -77,13 +81,12 @@ TEST(LazyBeauty, TheTableIsKeptAndBadPicturesAreRefused) {
     const Bytes before = rgba;
     {
         const zeltest::WithAssets assets;
-        EXPECT_FALSE(beauty.run(nullptr, 30, 30, true, true, 3, 3, 0, nullptr));
+        EXPECT_FALSE(beauty.run({nullptr, 30, 30}, {}, nullptr));
     }
-    EXPECT_FALSE(beauty.run(rgba.data(), 0, 30, true, true, 3, 3, 0, nullptr));
-    EXPECT_FALSE(beauty.run(rgba.data(), 30, -1, true, true, 3, 3, 0, nullptr));
+    EXPECT_FALSE(beauty.run({rgba.data(), 0, 30}, {}, nullptr));
+    EXPECT_FALSE(beauty.run({rgba.data(), 30, -1}, {}, nullptr));
     EXPECT_EQ(rgba, before);
-    EXPECT_TRUE(beauty.run(rgba.data(), 30, 30, true, true, 3, 3, 0, nullptr))
-        << "the folder is gone, the table is not";
+    EXPECT_TRUE(beauty.run({rgba.data(), 30, 30}, {}, nullptr)) << "the folder is gone, the table is not";
     EXPECT_NE(rgba, before);
 }
 

@@ -142,10 +142,10 @@ TEST(Defog, MatchesTheSortedStretch) {
             if (kind == 1)
                 for (unsigned char& b : pixels) b = static_cast<unsigned char>(60 + b / 3);
             const Bytes expected = slowDefog(pixels);
-            zellab::defog(pixels.data(), w, h);
+            zellab::defog({pixels.data(), w, h});
             ASSERT_EQ(pixels, expected) << w << " by " << h << ", kind " << kind;
         }
-    zellab::defog(nullptr, 4, 4);
+    zellab::defog({nullptr, 4, 4});
 }
 
 }  // namespace

@@ -2,8 +2,8 @@
 
 #include <cmath>
 
-#include "zellab/geometry/curveTools.h"
 #include "ZelEffectsCore/ZelEffect/mesh_warp/triangleWarp.h"
+#include "zellab/geometry/curveTools.h"
 
 namespace zellab {
 
@@ -89,6 +89,10 @@ void EyeMeshWarp::scaleEye(Vector2f centre, std::size_t firstVertex, float zoom,
 
 void EyeMeshWarp::draw(const ImageView& image) const {
     warpInPlace(image, m_source.data(), m_target.data(), kTriangles.data(), static_cast<int>(kTriangleCount));
+}
+
+void zoomEyesByMesh(ImageView image, const Vector2f* facePoints, const EyeZoomFactors& factors) {
+    if (image.valid() && facePoints) EyeMeshWarp(facePoints, factors).draw(image);
 }
 
 }  // namespace zellab

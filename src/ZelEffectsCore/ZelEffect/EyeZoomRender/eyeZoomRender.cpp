@@ -1,6 +1,7 @@
 #include "ZelEffectsCore/ZelEffect/EyeZoomRender/eyeMeshWarp.h"
 #include "ZelEffectsCore/ZelEffect/liquify/brushArguments.h"
 #include "ZelEffectsCore/ZelEffect/liquify/liquify.h"
+#include "facepoints/faceData.h"
 #include "frame/zel_log.h"
 #include "zel_effects/zel_effects.h"
 
@@ -37,11 +38,10 @@ bool CEyeZoomRender::autoZoomEye(unsigned char* image, int width, int height, ze
 bool CEyeZoomRender::autoZoomEye(unsigned char* image, int width, int height, zellab::CInterFacePoint* points,
                                  float strength, float eyeRatioLimit, float zoomFactor, float ringScale,
                                  int faceIndex) {
-    if (!points || !image || width < 1 || height < 1 || points->GetFaceCount() < 1) return true;
-    const zellab::Vector2f* face =
-        points->GetInterPoints(zellab::clampFaceIndex(faceIndex, points->GetFaceCount()));
-    if (!face) return true;
-    const zellab::EyeMeshWarp warp(face, {strength, eyeRatioLimit, zoomFactor, ringScale});
-    warp.draw(zellab::ImageView(image, width, height));
+    zellab::zoomEyesByMesh({image, width, height}, zellab::facePointsAt(points, faceIndex),
+                           {.strength = strength,
+                            .eyeRatioLimit = eyeRatioLimit,
+                            .zoomFactor = zoomFactor,
+                            .ringScale = ringScale});
     return true;
 }

@@ -215,4 +215,11 @@ void FaceMeshWarp::draw(const ImageView& image) const {
     warpInPlace(image, m_source.data(), m_target.data(), kTriangles.data(), static_cast<int>(kTriangleCount));
 }
 
+void slimFaceByMesh(ImageView image, const Vector2f* facePoints, const FaceSlimFactors& factors) {
+    if (!image.valid() || !facePoints) return;
+    FaceMeshWarp warp(facePoints);
+    warp.deform(factors, image.width, image.height);
+    warp.draw(image);
+}
+
 }  // namespace zellab

@@ -55,4 +55,7 @@ private:
     std::array<Vector2f, kVertexCount> m_source, m_target;
 };
 
+/// Slims one face in place by its mesh. Null points or an empty picture change nothing.
+void slimFaceByMesh(ImageView image, const Vector2f* facePoints, const FaceSlimFactors& factors);
+
 }  // namespace zellab

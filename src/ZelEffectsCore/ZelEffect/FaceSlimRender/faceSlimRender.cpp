@@ -1,6 +1,7 @@
 #include "ZelEffectsCore/ZelEffect/FaceSlimRender/faceMeshWarp.h"
 #include "ZelEffectsCore/ZelEffect/liquify/brushArguments.h"
 #include "ZelEffectsCore/ZelEffect/liquify/liquify.h"
+#include "facepoints/faceData.h"
 #include "frame/zel_log.h"
 #include "zel_effects/zel_effects.h"
 
@@ -39,14 +40,14 @@ bool CFaceSlimRender::autoSlimFace(unsigned char* image, int width, int height,
                                    zellab::CInterFacePoint* points, float strength, float outerWeight,
                                    float middleWeight, float innerWeight, float upperFactor,
                                    float lowerFactor, float jawFactor, float chinFactor, int faceIndex) {
-    if (!points || !image || width < 1 || height < 1 || points->GetFaceCount() < 1) return true;
-    const zellab::Vector2f* face =
-        points->GetInterPoints(zellab::clampFaceIndex(faceIndex, points->GetFaceCount()));
-    if (!face) return true;
-    zellab::FaceMeshWarp warp(face);
-    warp.deform(
-        {strength, outerWeight, middleWeight, innerWeight, upperFactor, lowerFactor, jawFactor, chinFactor},
-        width, height);
-    warp.draw(zellab::ImageView(image, width, height));
+    zellab::slimFaceByMesh({image, width, height}, zellab::facePointsAt(points, faceIndex),
+                           {.strength = strength,
+                            .outerWeight = outerWeight,
+                            .middleWeight = middleWeight,
+                            .innerWeight = innerWeight,
+                            .upperFactor = upperFactor,
+                            .lowerFactor = lowerFactor,
+                            .jawFactor = jawFactor,
+                            .chinFactor = chinFactor});
     return true;
 }
