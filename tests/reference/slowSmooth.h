@@ -61,9 +61,9 @@ inline void surfaceBlur(Bytes& rgba, int width, int height, int radius, int thre
     const int r = std::min(radius, 100), s = ((2 * r + 1) * (2 * r + 1) + 2) >> 2;
     const Bytes original = rgba;
     std::vector<int> weights;
-    for (float v = 255.0f; weights.size() < 256; v -= 96.0f / static_cast<float>(threshold)) {
-        if (v < -0.4f) break;
-        weights.push_back(static_cast<int>(v + 0.4f));
+    for (double v = 255.0; weights.size() < 256; v -= 96.0 / threshold) {
+        if (v < -0.4) break;
+        weights.push_back(static_cast<int>(v + 0.4));
     }
     const auto inside = [&](int dx, int dy, float more) {
         if (std::abs(dy) > r) return false;

@@ -1,3 +1,5 @@
+#include <cmath>
+
 #include "ZelEffectsCore/ZelEffect/FaceSlimRender/faceMeshWarp.h"
 #include "ZelEffectsCore/ZelEffect/liquify/brushArguments.h"
 #include "ZelEffectsCore/ZelEffect/liquify/liquify.h"
@@ -19,6 +21,7 @@ bool CFaceSlimRender::slimFace(unsigned char* image, int width, int height, floa
                       static_cast<double>(radiusPx));
         return false;
     }
+    if (std::isnan(radius) || std::isnan(strength)) return true;  // no number, no brush
     constexpr int kPush = 2;
     zellab::CLiquify brush;
     brush.setImage({image, width, height});

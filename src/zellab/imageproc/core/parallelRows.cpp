@@ -3,6 +3,8 @@
 #include <atomic>
 #include <exception>
 #include <mutex>
+#include <new>
+#include <system_error>
 #include <thread>
 #include <vector>
 
@@ -47,10 +49,18 @@ public:
     ~JoinedThreads() {
         for (std::thread& thread : m_threads) thread.join();
     }
+    /// Returns whether the thread runs: the system may have no thread left, or no memory for one.
     template <typename Work>
-    void start(const Work& work) {
-        m_threads.reserve(m_threads.size() + 1);
-        m_threads.emplace_back(work);
+    bool start(const Work& work) {
+        try {
+            m_threads.reserve(m_threads.size() + 1);
+            m_threads.emplace_back(work);
+            return true;
+        } catch (const std::system_error&) {
+            return false;
+        } catch (const std::bad_alloc&) {
+            return false;
+        }
     }
 
 private:
@@ -59,14 +69,17 @@ private:
 
 }  // namespace
 
-void runTasks(int count, int workers, const std::function<void(int)>& task) {
+int runTasks(int count, int workers, const std::function<void(int)>& task) {
     TaskRun run(count, task);
+    int missing = 0;
     {
         JoinedThreads threads;
-        for (int i = 1; i < std::min(count, workers); ++i) threads.start([&run] { run.work(); });
+        for (int i = 1; i < std::min(count, workers); ++i)
+            if (!threads.start([&run] { run.work(); })) ++missing;
         run.work();
     }
     run.rethrow();
+    return missing;
 }
 
 int rowWorkers(int height) {

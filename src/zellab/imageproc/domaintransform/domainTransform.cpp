@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "frame/processorCount.h"
+#include "frame/zel_log.h"
 #include "platform/simdLevel.h"
 #include "zellab/imageproc/core/imageView.h"
 #include "zellab/imageproc/core/ownedImage.h"
@@ -173,15 +174,19 @@ public:
     }
 
     void filter(const Decay& decay) {
-        runTasks((m_height - 1) / static_cast<int>(kPixels) + 1, m_workers,
-                 [&](int block) { filterRows(block, decay); });
-        runTasks((m_width - 1) / static_cast<int>(kPixels) + 1, m_workers,
-                 [&](int block) { filterColumns(block, decay); });
+        runBlocks(m_height, [&](int block) { filterRows(block, decay); });
+        runBlocks(m_width, [&](int block) { filterColumns(block, decay); });
     }
 
 private:
     /// Lines of a block.
     static constexpr std::size_t kPixels = kLanes / kChannels;
+
+    template <typename Filter>
+    void runBlocks(int lines, const Filter& filterBlock) const {
+        const int missing = runTasks((lines - 1) / static_cast<int>(kPixels) + 1, m_workers, filterBlock);
+        for (int thread = 0; thread < missing; ++thread) ZEL_LOG_ERROR("error creating thread.");
+    }
 
     void fillDifferences(int y) {
         const Byte* row = m_data + y * m_stride;

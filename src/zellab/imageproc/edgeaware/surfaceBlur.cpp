@@ -33,13 +33,15 @@ struct Weights {
 
     explicit Weights(int threshold) {
         std::array<int, kLevels> byDistance{};
-        const float step = 96.0f / static_cast<float>(threshold);
-        float value = 255.0f;
+        // Double precision, where a float step is single elsewhere: at the usual threshold of 10 every fifth
+        // weight ends on a whole number, and single precision falls one short of it.
+        const double step = 96.0 / threshold;
+        double value = 255.0;
         int count = 0;
         do {
-            byDistance[static_cast<std::size_t>(count++)] = static_cast<int>(value + 0.4f);
+            byDistance[static_cast<std::size_t>(count++)] = static_cast<int>(value + 0.4);
             value -= step;
-        } while (!(value < -0.4f) && count < kLevels);
+        } while (!(value < -0.4) && count < kLevels);
         reach = count - 1;
         const int length = (2 * reach + kVector) / kVector * kVector;
         weight.resize(static_cast<std::size_t>(length));

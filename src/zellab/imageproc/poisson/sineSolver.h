@@ -10,6 +10,10 @@ namespace zellab {
 /// for each of the (width - 2) by (height - 2) interior samples, the sum of the four neighbours less four
 /// times the sample is given. The sine transform diagonalises that operator, so a solve is two transforms and
 /// one division a coefficient, in single precision. One solver serves any number of channels.
+///
+/// FFTW ends the process where an allocation of its own fails. Before it is called, the memory that it takes
+/// is asked for, and std::bad_alloc thrown where there is none; only what other threads take between the
+/// question and the call can still end the process.
 class SineSolver {
 public:
     /// Needs width and height of at least 3. Plans with FFTW_ESTIMATE: the plan, and so the rounding, must

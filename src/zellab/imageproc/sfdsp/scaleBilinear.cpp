@@ -1,5 +1,6 @@
 #include "zellab/imageproc/sfdsp/scaleBilinear.h"
 
+#include "frame/zel_log.h"
 #include "zellab/imageproc/core/ownedImage.h"
 #include "zellab/imageproc/core/parallelRows.h"
 #include "zellab/imageproc/sfdsp/bilinearRows.h"
@@ -16,10 +17,11 @@ bool scale(const From& source, const To& target) {
         return false;
     }
     const BilinearRows rows(source, target.width, target.height);
-    parallelRows(target.height, [&](int begin, int end) {
+    const int missing = parallelRows(target.height, [&](int begin, int end) {
         BilinearRows::Scratch scratch;
         for (int y = begin; y < end; ++y) rows.scale(y, scratch, target.row(y));
     });
+    for (int thread = 1; thread <= missing; ++thread) ZEL_LOG_ERROR("error creating thread.%d", thread);
     return true;
 }
 

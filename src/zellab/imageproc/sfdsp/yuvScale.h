@@ -18,7 +18,9 @@ enum class YuvFilter {
 inline constexpr int kYuvScaleLongestSide = 32768;
 
 /// Scales four-byte pixels, all four bytes alike, in whatever order they stand. Returns false, the target
-/// untouched, for a view that is not valid or a side above kYuvScaleLongestSide.
+/// untouched, for a view that is not valid or a side above kYuvScaleLongestSide. The scaler reads from null
+/// where its rows cannot be had: their memory is asked for first, and std::bad_alloc thrown where there is
+/// none. What other threads take between the question and the call is not held back.
 bool scaleArgb(ConstImageView source, ImageView target, YuvFilter filter);
 
 /// Scales a plane in the same way.

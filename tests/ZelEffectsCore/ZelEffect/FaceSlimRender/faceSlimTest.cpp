@@ -6,9 +6,9 @@
 #include "../meshCover.h"
 #include "ZelEffectsCore/ZelEffect/FaceSlimRender/faceMeshWarp.h"
 #include "frame/processorCount.h"
-#include "zel_effects/zel_effects.h"
 #include "support/randomImage.h"
 #include "support/standardFace.h"
+#include "zel_effects/zel_effects.h"
 
 namespace {
 
@@ -174,6 +174,10 @@ TEST(SlimFace, ChecksItsRadiusAndSaysSo) {
               std::string::npos);
     EXPECT_TRUE(CFaceSlimRender::slimFace(picture.data(), 100, 50, 1.2f, 0.5f, 0.6f, 0.5f, 0.1f, 80));
     EXPECT_TRUE(CFaceSlimRender::slimFace(picture.data(), 100, 50, 0.3f, 0.5f, 0.6f, 0.5f, 0.1f, 0.9f));
+    EXPECT_TRUE(
+        CFaceSlimRender::slimFace(picture.data(), 100, 50, 0.3f, 0.5f, 0.6f, 0.5f, 0.1f, std::nanf("")));
+    EXPECT_TRUE(
+        CFaceSlimRender::slimFace(picture.data(), 100, 50, 0.3f, 0.5f, 0.6f, 0.5f, std::nanf(""), 80));
     EXPECT_TRUE(picture == before);
     EXPECT_TRUE(CFaceSlimRender::slimFace(picture.data(), 100, 50, 0.3f, 0.5f, 0.4f, 0.5f, 0.02f, 80));
     EXPECT_FALSE(picture == before);

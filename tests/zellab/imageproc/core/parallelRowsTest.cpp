@@ -4,7 +4,10 @@
 
 #include <atomic>
 #include <stdexcept>
+#include <thread>
 #include <vector>
+
+#include "support/noThreads.h"
 
 namespace {
 
@@ -36,6 +39,17 @@ TEST(RunTasks, TheFirstExceptionReachesTheCallerAfterAllThreadsEnded) {
                           }),
                  std::runtime_error);
     EXPECT_EQ(running, 0);
+}
+
+TEST(RunTasks, WithoutThreadsTheCallerDoesEveryTask) {
+    const zeltest::NoThreads none;
+    const std::thread::id caller = std::this_thread::get_id();
+    std::vector<int> done(50, 0);
+    runTasks(50, 4, [&](int i) {
+        EXPECT_EQ(std::this_thread::get_id(), caller);
+        ++done[static_cast<std::size_t>(i)];
+    });
+    EXPECT_EQ(done, std::vector<int>(50, 1));
 }
 
 }  // namespace

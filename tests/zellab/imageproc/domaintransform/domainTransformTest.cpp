@@ -7,7 +7,9 @@
 #include <cstdlib>
 #include <limits>
 
+#include "frame/processorCount.h"
 #include "support/guardedBytes.h"
+#include "support/noThreads.h"
 #include "support/randomImage.h"
 
 namespace {
@@ -73,6 +75,15 @@ TEST(DomainTransform, FlatPicturesAndUselessArgumentsChangeNothing) {
     DomainTransformRGBA({nullptr, 33, 70}, 16, 50, 3, true);
     DomainTransformPlane({same.data(), 33, 0}, 16, 50, 3, true);
     EXPECT_EQ(same, noise);
+}
+
+TEST(DomainTransform, WithoutThreadsNoBandIsLeftAndTheLogSaysSo) {
+    const zellab::WorkerCount workers(3);
+    const Bytes noise = zeltest::randomRgba(90, 130, 6), expected = filtered(noise, 90, 16, 50, 3);
+    const zeltest::NoThreads none;
+    testing::internal::CaptureStderr();
+    EXPECT_EQ(filtered(noise, 90, 16, 50, 3), expected);
+    EXPECT_NE(testing::internal::GetCapturedStderr().find("error creating thread.\r\n"), std::string::npos);
 }
 
 TEST(DomainTransform, OddShapesAndSigmasStayInside) {

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <climits>
+#include <cstdlib>
 
 #include "support/guardedBytes.h"
 #include "support/randomImage.h"
@@ -58,6 +59,27 @@ TEST(SurfaceBlur, WeighsByDistanceInValue) {
     EXPECT_EQ(middleOf(101, 100, 101), 100);
     EXPECT_EQ(middleOf(2, 0, 2), 2);  // black never counts, so its neighbours decide
     EXPECT_EQ(middleOf(3, 0, 3), 0);  // unless they are out of reach as well
+}
+
+// At threshold 10 the weights are 255.4 - 9.6 d, truncated: a whole 217 at distance 4. A radius of 1 holds
+// one neighbour on either side.
+TEST(SurfaceBlur, WeightsThatEndOnAWholeNumberKeepIt) {
+    constexpr int kCentre = 100;
+    for (const int far : {4, 9, 14, 19, 24}) {
+        const auto weight = [](int distance) { return (2554 - 96 * distance) / 10; };
+        for (int near = -26; near <= 26; ++near) {
+            Bytes row(9 * 4, 0);
+            row[3 * 4] = static_cast<unsigned char>(kCentre + near);
+            row[4 * 4] = kCentre;
+            row[5 * 4] = static_cast<unsigned char>(kCentre + far);
+            const int twice = near == 0 ? 2 : 1;  // a value equal to the centre counts on both ways
+            const int weights[] = {2 * weight(0), twice * weight(std::abs(near)), weight(far)};
+            const int sum = weights[0] + weights[1] + weights[2];
+            const int moment =
+                weights[0] * kCentre + weights[1] * (kCentre + near) + weights[2] * (kCentre + far);
+            ASSERT_EQ(blurred(row, 9, 1, 10)[4 * 4], (moment + sum / 2) / sum) << near << ' ' << far;
+        }
+    }
 }
 
 TEST(SurfaceBlur, TheMaskChoosesWhatIsReplaced) {

@@ -4,8 +4,10 @@
 #include <cmath>
 #include <cstdlib>
 
+#include "frame/processorCount.h"
 #include "support/everyMachine.h"
 #include "support/guardedBytes.h"
+#include "support/noThreads.h"
 #include "support/randomImage.h"
 #include "support/views.h"
 #include "zellab/imageproc/core/imageView.h"
@@ -101,6 +103,23 @@ TEST(Scalers, EqualSizesCopyAndBadArgumentsLeaveTheTarget) {
     EXPECT_FALSE(resample(nullptr, 9, 5, guarded.data(), 3, 3, 4, 0));
     EXPECT_FALSE(resample(source.data(), 9, 5, nullptr, 3, 3, 4, 0));
     EXPECT_TRUE(guarded.allAre(0x66));
+}
+
+TEST(Scalers, WithoutThreadsNoRowIsLeftAndTheLogSaysSo) {
+    const zellab::WorkerCount workers(3);
+    const Bytes source = zeltest::randomRgba(90, 80, 4);
+    const auto both = [&] {
+        Bytes target(sampleCount(120, 200, 4));
+        EXPECT_TRUE(scaleBilinear(source.data(), 90, 80, target.data(), 120, 200, 4));
+        return std::pair{target, resize(source, 90, 80, 120, 200, 4, 3)};
+    };
+    const auto expected = both();
+    const zeltest::NoThreads none;
+    testing::internal::CaptureStderr();
+    EXPECT_EQ(both(), expected);
+    const std::string log = testing::internal::GetCapturedStderr();
+    EXPECT_NE(log.find("error creating thread.1"), std::string::npos);
+    EXPECT_NE(log.find("error creating thread.2"), std::string::npos);
 }
 
 TEST(Scalers, LongThinPicturesStayInside) {
