@@ -1,9 +1,10 @@
 #!/usr/bin/env python3
 """Writes the seed corpus of the fuzzers: for the loader one tiny file of every image format, each behind the two
 option bytes that its fuzzers read (flags, size limit), face data of no, one and two faces, shader files,
-style assets and networks. Each fuzzer gets a folder of its own name.
+style assets, networks and landmarks for the reshapers. Each fuzzer gets a folder of its own name.
 Usage: makeSeeds.py FOLDER"""
 import json
+import math
 import pathlib
 import struct
 import sys
@@ -248,7 +249,19 @@ def write_style_seeds(folder):
     (folder / "negative").write_bytes(bytes([3]) + struct.pack("<ii", -WIDTH, HEIGHT))
 
 
+def write_reshape_seeds(folder):
+    """Sides, eight factors and 83 landmarks: a face of a ring of points, and nothing but a picture."""
+    folder.mkdir(parents=True, exist_ok=True)
+    ring = [side + (20 + i % 5) * math.sin(i / 83 * 2 * math.pi + phase) for i in range(83)
+            for side, phase in ((32.0, 0.0), (30.0, math.pi / 2))]
+    coarse = [round(value * 4) / 4 for value in ring]  # so that the lowest byte is even
+    for name, factors in (("gentle", [0.5] * 8), ("strong", [1.0] * 8), ("places", [24.0, 30.0, 40.0, 30.0, 8.0, 0.5, 0, 0])):
+        (folder / name).write_bytes(bytes([63, 59]) + struct.pack("<174f", *factors, *coarse))
+    (folder / "empty").write_bytes(bytes([7, 0]))
+
+
 def main():
+    write_reshape_seeds(pathlib.Path(sys.argv[1]) / "fuzz_reshape")
     write_model_seeds(pathlib.Path(sys.argv[1]) / "fuzz_model_head")
     write_style_seeds(pathlib.Path(sys.argv[1]) / "fuzz_style_asset")
     write_shader_seeds(pathlib.Path(sys.argv[1]) / "fuzz_shader_store")
