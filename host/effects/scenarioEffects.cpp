@@ -2,6 +2,7 @@
 #include <array>
 
 #include "../cube/cubeFile.h"
+#include "../pictures/blockEdges.h"
 #include "effectLists.h"
 #include "effectParts.h"
 #include "zel_effects/zel_effects.h"
@@ -47,6 +48,7 @@ std::string scenarioCaution(const ParameterValues& values) {
 void runScenario(EffectRun& run) {
     Image& image = run.image;
     std::vector<unsigned char> lookup = lookupOf(run);
+    softenBlockEdges(image);  // every recipe sharpens or stretches, and would do so with the blocks
     FaceInfoBlock faces(run.faces);
     ZelImageCore::CScenarioBeauty beauty;
     if (!beauty.Run(image.rgba.data(), image.width, image.height, scenarioOf(run.values.text("type")),
@@ -67,7 +69,7 @@ std::vector<Effect> scenarioEffects() {
         numberParameter(
             "alpha", 0, 1, "0.6",
             "strength; of portrait the reshaping is full below 1, and at 1 the look alone is applied"),
-        choiceParameter("look", {"identity", "warm", "cool", "clear", "soft", "film", "mono"}, "identity",
+        choiceParameter("look", {"identity", "warm", "cool", "clear", "soft", "film", "mono"}, "clear",
                         "named colour look, where no --cube is given")};
     effect.cube = Need::optional;
     effect.faces = Need::optional;

@@ -1,4 +1,5 @@
 #include "../cube/cubeFile.h"
+#include "../pictures/blockEdges.h"
 #include "effectLists.h"
 #include "effectParts.h"
 #include "zel_effects/zel_effects.h"
@@ -18,6 +19,7 @@ unsigned char* maskOf(const EffectRun& run) {
 
 void runRetouch(EffectRun& run) {
     Image& image = run.image;
+    softenBlockEdges(image);  // levels are stretched, and blocks with them
     FaceInfoBlock faces(run.faces);
     TableSkin::ImageProcessWithQornSkinRetouch(image.rgba.data(), image.width, image.height,
                                                run.values.number("strength"), faces.get(), maskOf(run));
@@ -25,6 +27,7 @@ void runRetouch(EffectRun& run) {
 
 void runWhitening(EffectRun& run) {
     Image& image = run.image;
+    softenBlockEdges(image);
     FaceInfoBlock faces(run.faces);
     float params[] = {run.values.number("level"), run.values.number("strength")};
     unsigned char* prepared =
@@ -51,7 +54,8 @@ void runSkinColor(EffectRun& run) {
 }
 
 Parameter brightnessParameter(const char* help) {
-    return numberParameter("level", 0, 10, "3", help);
+    // Each level lifts by about three; light pictures that fill the range already bleach from the second on.
+    return numberParameter("level", 0, 10, "1", help);
 }
 
 Effect retouchEffect() {

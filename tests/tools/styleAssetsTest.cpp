@@ -1,8 +1,10 @@
 #include <gtest/gtest.h>
 
 #include <cstdlib>
+#include <fstream>
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "beautykernel/skintools/overlayTable.h"
 #include "support/randomImage.h"
@@ -69,6 +71,36 @@ TEST(StyleAssets, LooksAreGentle) {
             for (std::size_t v = 1; v < 256; ++v) EXPECT_GE(greys[v * 4 + c], greys[v * 4 - 4 + c]) << v;
         }
         for (std::size_t v = 0; v < 256; ++v) EXPECT_LE(std::abs(greys[v * 4] - greys[v * 4 + 2]), 6) << v;
+    }
+}
+
+/// The greys of a look of the command, 16 of them, in 0..1: the green of equal red, green and blue.
+std::vector<float> greysOfLook(const std::string& name) {
+    constexpr int kSteps = 16;
+    const zeltest::WithAssets assets;
+    std::ifstream file("looks/" + name + ".cube");
+    std::string line;
+    std::vector<float> greys;
+    for (int i = -2; std::getline(file, line); ++i)  // behind the title and the size
+        if (i >= 0 && i % (kSteps * kSteps + kSteps + 1) == 0)
+            greys.push_back(std::stof(line.substr(line.find(' '))));
+    return greys;
+}
+
+// Pictures whose shadows or lights carry them lose neither to a look.
+TEST(StyleAssets, NamedLooksDrownNoShadowAndBleachNoLight) {
+    for (const char* name : {"identity", "warm", "cool", "clear", "soft", "film", "mono"}) {
+        SCOPED_TRACE(name);
+        const std::vector<float> greys = greysOfLook(name);
+        ASSERT_EQ(greys.size(), 16u);
+        const float step = 1.0f / 15;
+        for (std::size_t i = 1; i < 16; ++i) EXPECT_GT(greys[i], greys[i - 1] + 0.5f * step) << i;
+        for (std::size_t i = 0; i < 3; ++i) {
+            EXPECT_GE(greys[i], static_cast<float>(i) * step - 0.02f) << i;
+            EXPECT_LE(greys[15 - i], static_cast<float>(15 - i) * step + 0.02f) << 15 - i;
+        }
+        EXPECT_GE(greys[1], step - 0.002f);
+        EXPECT_LE(greys[14], 14 * step + 0.01f);
     }
 }
 

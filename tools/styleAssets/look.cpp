@@ -17,10 +17,20 @@ float midTone(float v) {
     return 4.0f * v * (1.0f - v);
 }
 
+float sCurve(float v) {
+    return v * v * (3.0f - 2.0f * v);
+}
+
+/// 0 at black and white, 1 in the middle: what is left of the contrast under a full guard.
+float awayFromEnds(float v) {
+    constexpr float kReach = 0.35f;  // of the range, from either end
+    return sCurve(std::clamp(v / kReach, 0.0f, 1.0f)) * sCurve(std::clamp((1.0f - v) / kReach, 0.0f, 1.0f));
+}
+
 /// Lift, then contrast about the middle, then the raised black.
 float toned(float v, const Look& look) {
     v += look.lift * midTone(v);
-    v += look.contrast * (v * v * (3.0f - 2.0f * v) - v);
+    v += look.contrast * (sCurve(v) - v) * (1.0f + look.guard * (awayFromEnds(v) - 1.0f));
     return look.matte + v * (1.0f - look.matte);
 }
 

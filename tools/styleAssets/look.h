@@ -13,6 +13,7 @@ struct Look {
     float rose;        // green down in the mid tones, which takes the yellow out of skin
     float saturation;  // change of the distance from grey, as a factor less 1
     float matte;       // black is raised by this share of the range
+    float guard = 0;   // 1 keeps the contrast off the ends of the range: no shadow drowns, no light bleaches
 };
 
 /// Red, green, blue in 0..1.

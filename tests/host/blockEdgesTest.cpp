@@ -1,0 +1,81 @@
+#include "pictures/blockEdges.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+
+#include "hostSupport.h"
+
+namespace {
+
+using zel::Image;
+
+constexpr int kWidth = 84, kHeight = 68;  // the last blocks are cut
+
+/// A slope of every colour with a dark bar down its middle.
+Image slope() {
+    Image image = zeltest::testImage(kWidth, kHeight, 3);
+    for (int y = 0; y < kHeight; ++y)
+        for (int x = 0; x < kWidth; ++x) {
+            unsigned char* p = &image.rgba[static_cast<std::size_t>(y * kWidth + x) * 4];
+            const bool bar = x >= 42 && x < 46;
+            p[0] = static_cast<unsigned char>(bar ? 20 : 90 + x + y / 2);
+            p[1] = static_cast<unsigned char>(bar ? 20 : 80 + x / 2 + y);
+            p[2] = static_cast<unsigned char>(bar ? 20 : 70 + x / 2 + y / 2);
+        }
+    return image;
+}
+
+/// What the coarsest JPEG file leaves of it: each block in its own mean colour, but for the bar.
+Image inBlocks(const Image& image, int offsetX, int offsetY) {
+    Image blocks = image;
+    for (int y = 0; y < kHeight; ++y)
+        for (int x = 0; x < kWidth; ++x) {
+            if (x >= 42 && x < 46) continue;
+            const auto middle = [](int at, int offset, int size) {
+                const int begin = static_cast<int>(std::floor((at - offset) / 8.0)) * 8 + offset;
+                return std::min(std::max(begin + 3, 0), size - 1);
+            };
+            const int mx = middle(x, offsetX, kWidth), my = middle(y, offsetY, kHeight);
+            if (mx >= 42 && mx < 46) continue;
+            for (std::size_t c = 0; c < 3; ++c)
+                blocks.rgba[static_cast<std::size_t>(y * kWidth + x) * 4 + c] =
+                    image.rgba[static_cast<std::size_t>(my * kWidth + mx) * 4 + c];
+        }
+    return blocks;
+}
+
+double distance(const Image& a, const Image& b) {
+    double sum = 0;
+    for (std::size_t i = 0; i < a.rgba.size(); ++i) sum += std::abs(a.rgba[i] - b.rgba[i]);
+    return sum / static_cast<double>(a.rgba.size());
+}
+
+// A turned picture has its cut blocks at the first pixels instead of the last.
+TEST(BlockEdges, BecomeSlopesAndTheBarStays) {
+    const Image truth = slope();
+    for (const auto& [x, y] : {std::pair{0, 0}, {kWidth % 8, kHeight % 8}, {0, kHeight % 8}}) {
+        SCOPED_TRACE(testing::Message() << x << ", " << y);
+        const Image before = inBlocks(truth, x, y);
+        Image after = before;
+        softenBlockEdges(after);
+        EXPECT_GT(blockiness(before), 3);
+        EXPECT_LT(blockiness(after), blockiness(before) / 2);
+        EXPECT_LT(distance(after, truth), distance(before, truth) * 0.8);
+        for (int row = 0; row < kHeight; ++row)
+            for (int column = 42; column < 46; ++column) {
+                const auto i = static_cast<std::size_t>(row * kWidth + column) * 4;
+                for (std::size_t c = 0; c < 4; ++c) ASSERT_EQ(after.rgba[i + c], truth.rgba[i + c]);
+            }
+    }
+}
+
+TEST(BlockEdges, PicturesWithoutBlocksKeepEveryByte) {
+    for (const Image& image : {slope(), zeltest::testImage(101, 77, 9), zeltest::testImage(9, 400, 4)}) {
+        Image after = image;
+        softenBlockEdges(after);
+        EXPECT_EQ(after.rgba, image.rgba);
+    }
+}
+
+}  // namespace
