@@ -28,6 +28,7 @@ struct Parameter {
     std::string defaultValue;          // as typed on the command line; empty: must be given
     std::string help;                  // one line
     std::vector<std::string> choices;  // choice: the accepted words
+    bool offFirstPage = false;         // told by the manual alone, not where the effect is introduced
 };
 
 /// The values of one run, checked against their Parameter; every parameter has one.

@@ -59,14 +59,15 @@ std::vector<std::string> needLines(const Effect& effect) {
     return lines;
 }
 
-/// The parameter lines of one effect, indented.
+/// The parameter lines of one effect, indented, without those that the manual alone tells.
 std::string parameterLines(const Effect& effect) {
     std::size_t width = 0;
     for (const auto& parameter : effect.parameters) width = std::max(width, parameter.name.size() + 2);
     std::string text;
     for (const auto& parameter : effect.parameters)
-        text +=
-            "  " + padded(parameter.name, width) + parameter.help + " (" + describeRange(parameter) + ")\n";
+        if (!parameter.offFirstPage)
+            text += "  " + padded(parameter.name, width) + parameter.help + " (" + describeRange(parameter) +
+                    ")\n";
     return text;
 }
 

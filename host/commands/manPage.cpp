@@ -116,6 +116,8 @@ std::string manPage(const CLI::App& app) {
     for (const CLI::App* command : commands) page += commandSection(*command);
     page += effectSection() + kFaceData + ".SH EXIT STATUS\n";
     for (const auto& [status, meaning] : kExitStatuses) page += entry(std::to_string(status), meaning);
+    page += ".SH ENVIRONMENT\n" +
+            entry("ZEL_ASSETS", "folder with the library's assets, where --assets is not given");
     return page;
 }
 

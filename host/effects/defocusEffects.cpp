@@ -7,6 +7,7 @@
 #include "depth/portraitDepth.h"
 #include "effectLists.h"
 #include "effectParts.h"
+#include "liveliness.h"
 #include "zel_effects/offscreenContext.h"
 #include "zel_effects/zel_effects.h"
 
@@ -69,6 +70,12 @@ void setShape(Render& render, const EffectRun& run) {
     }
 }
 
+/// The depth plane of a render at the size of the picture.
+std::vector<unsigned char> nearnessOf(const Render& render, const Image& image) {
+    return zellab::scaleDepthPlane({render.DepthPlane(), render.DepthPlaneWidth(), render.DepthPlaneHeight()},
+                                   image.width, image.height);
+}
+
 void setDepth(Render& render, EffectRun& run) {
     Image& image = run.image;
     if (run.depth) {
@@ -83,11 +90,26 @@ void setDepth(Render& render, EffectRun& run) {
             throw Failure("its depth cannot be estimated");
         render.Release();
     }
-    if (!run.depthOut) return;
-    *run.depthOut = {
-        image.width, image.height,
-        zellab::scaleDepthPlane({render.DepthPlane(), render.DepthPlaneWidth(), render.DepthPlaneHeight()},
-                                image.width, image.height)};
+    if (run.depthOut) *run.depthOut = {image.width, image.height, nearnessOf(render, image)};
+}
+
+/// What the library has no parameter for, on the finished picture: the ground livelier than the subject.
+void enlivenGround(Render& render, EffectRun& run, const FocusFraction& focus, bool usesDepth) {
+    const float amount = run.values.number("liveliness");
+    if (!(amount > 0.0f)) return;
+    Image& image = run.image;
+    if (!usesDepth) {
+        enliven(image, {}, 0, amount);
+        return;
+    }
+    const std::vector<unsigned char> nearness = nearnessOf(render, image);
+    const auto pixel = [](float fraction, int size) {
+        return std::min(static_cast<int>(fraction * static_cast<float>(size)), size - 1);
+    };
+    enliven(image, nearness,
+            nearnessAround(nearness, image.width, image.height, pixel(focus.x, image.width),
+                           pixel(focus.y, image.height)),
+            amount);
 }
 
 /// The form at full resolution, which has all parameters of the look.
@@ -131,6 +153,7 @@ void runDefocus(EffectRun& run) {
     const bool full = usesDepth && run.values.text("resolution") == "full";
     if (!(full ? renderFull(render, run, faces, focus) : renderPreview(render, run, faces, focus)))
         throw FileFailure(std::string(kResourceFolder) + "/shader.3.bin", "is missing or damaged");
+    enlivenGround(render, run, focus, usesDepth);
 }
 
 Effect defocus() {
@@ -147,8 +170,11 @@ Effect defocus() {
                         "exponent of brightness: above 1 only the brightest lights bloom"),
         numberParameter("intensity", 0, 1, "0.5", "strength of the lights' bloom"),
         numberParameter("highlights", 0, 3, "1", "how far bright pixels outweigh the rest"),
-        numberParameter("vivid", 0, 1, "0",
-                        "how far colourful pixels outweigh grey ones; above 0 the blur itself turns grey"),
+        offFirstPage(numberParameter("vivid", 0, 1, "0",
+                                     "how far colourful pixels outweigh grey ones; above 0 the blur itself "
+                                     "turns grey: see liveliness")),
+        numberParameter("liveliness", 0, 1, "0",
+                        "stronger colours and brighter lights in what is out of focus"),
         choiceParameter("resolution", {"full", "preview"}, "full",
                         "preview works on a smaller copy, with amount 1 and highlights 3"),
         toggleParameter("useDepth", "true", "false blurs everything by one radius, as preview does")};

@@ -3,9 +3,11 @@
 #include <memory>
 #include <string>
 
+#include "../cube/cubeFile.h"
 #include "../effect.h"
 #include "../effectChecks.h"
 #include "../faceRecords.h"
+#include "../pictures/readPicture.h"
 
 /// What the families of effects share: ways to declare parameters, and the walk over the faces of a picture.
 
@@ -13,30 +15,47 @@ namespace zel {
 
 inline Parameter numberParameter(const char* name, double minimum, double maximum, const char* defaultValue,
                                  const char* help) {
-    return {name, ParameterKind::number, minimum, maximum, defaultValue, help, {}};
+    return {name, ParameterKind::number, minimum, maximum, defaultValue, help, {}, false};
 }
 
 inline Parameter integerParameter(const char* name, double minimum, double maximum, const char* defaultValue,
                                   const char* help) {
-    return {name, ParameterKind::integer, minimum, maximum, defaultValue, help, {}};
+    return {name, ParameterKind::integer, minimum, maximum, defaultValue, help, {}, false};
 }
 
 inline Parameter choiceParameter(const char* name, std::vector<std::string> choices, const char* defaultValue,
                                  const char* help) {
-    return {name, ParameterKind::choice, 0, 0, defaultValue, help, std::move(choices)};
+    return {name, ParameterKind::choice, 0, 0, defaultValue, help, std::move(choices), false};
 }
 
 inline Parameter toggleParameter(const char* name, const char* defaultValue, const char* help) {
-    return {name, ParameterKind::toggle, 0, 0, defaultValue, help, {}};
+    return {name, ParameterKind::toggle, 0, 0, defaultValue, help, {}, false};
 }
 
 inline Parameter textParameter(const char* name, const char* defaultValue, const char* help) {
-    return {name, ParameterKind::text, 0, 0, defaultValue, help, {}};
+    return {name, ParameterKind::text, 0, 0, defaultValue, help, {}, false};
+}
+
+/// A parameter that stays for those who know it.
+inline Parameter offFirstPage(Parameter parameter) {
+    parameter.offFirstPage = true;
+    return parameter;
 }
 
 inline Parameter faceIndexParameter() {
     constexpr double kLastFace = 1023;
     return integerParameter("faceIndex", -1, kLastFace, "-1", "which face; -1: all of them in turn");
+}
+
+/// The lookup of --cube, or of an asset, beside which the command stands. A failure of the asset names its file,
+/// since no user has typed it.
+inline std::vector<unsigned char> lookupOf(const EffectRun& run, const std::string& asset) {
+    if (!run.cube.empty()) return cubePicture(readCubeFile(run.cube));
+    try {
+        return cubePicture(readCubeFile(asset));
+    } catch (const Failure& failure) {
+        throw FileFailure(asset, failure.what());
+    }
 }
 
 /// Calls call(points, index) for the face that was asked for, or for each in turn; false means that the

@@ -1,7 +1,6 @@
 #include <algorithm>
 #include <array>
 
-#include "../cube/cubeFile.h"
 #include "../pictures/blockEdges.h"
 #include "effectLists.h"
 #include "effectParts.h"
@@ -27,13 +26,6 @@ std::vector<std::string> scenarioWords() {
     return words;
 }
 
-/// The look as the library takes it, from --cube or by its name: a named one is a .cube file among the
-/// assets, beside which the command stands.
-std::vector<unsigned char> lookupOf(const EffectRun& run) {
-    return cubePicture(
-        readCubeFile(!run.cube.empty() ? run.cube : "looks/" + run.values.text("look") + ".cube"));
-}
-
 /// The portrait recipe alone reshapes and smooths, and at full strength even that is only a look.
 bool scenarioUsesFaces(const ParameterValues& values) {
     return scenarioOf(values.text("type")) == ZelImageCore::eScenario2 && values.number("alpha") < 1.0f;
@@ -47,7 +39,7 @@ std::string scenarioCaution(const ParameterValues& values) {
 
 void runScenario(EffectRun& run) {
     Image& image = run.image;
-    std::vector<unsigned char> lookup = lookupOf(run);
+    std::vector<unsigned char> lookup = lookupOf(run, "looks/" + run.values.text("look") + ".cube");
     softenBlockEdges(image);  // every recipe sharpens or stretches, and would do so with the blocks
     FaceInfoBlock faces(run.faces);
     ZelImageCore::CScenarioBeauty beauty;

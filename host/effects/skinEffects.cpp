@@ -1,4 +1,3 @@
-#include "../cube/cubeFile.h"
 #include "../pictures/blockEdges.h"
 #include "effectLists.h"
 #include "effectParts.h"
@@ -46,8 +45,7 @@ void runSkin(EffectRun& run) {
 void runSkinColor(EffectRun& run) {
     constexpr int kTableSide = 64;
     Image& image = run.image;
-    const std::vector<unsigned char> table =
-        cubePicture(readCubeFile(run.cube.empty() ? "looks/identity.cube" : run.cube));
+    const std::vector<unsigned char> table = lookupOf(run, "looks/identity.cube");
     TableSkin::ImageProcessWithSkinColor(image.rgba.data(), image.width, image.height,
                                          run.values.number("strength"), run.values.number("level"),
                                          table.data(), kTableSide, kTableSide);

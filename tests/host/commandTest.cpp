@@ -10,11 +10,13 @@
 #include "pictures/exifBlock.h"
 #include "pictures/readPicture.h"
 #include "pictures/writePicture.h"
+#include "support/environment.h"
 
 namespace {
 
 using namespace zeltest;
 using testing::HasSubstr;
+using testing::Not;
 
 int lineCount(const std::string& text) {
     return static_cast<int>(std::count(text.begin(), text.end(), '\n'));
@@ -72,7 +74,11 @@ TEST(Command, HelpTeachesByExampleAndListsEveryEffect) {
         EXPECT_EQ(help.status, 0);
         EXPECT_EQ(help.err, "");
         EXPECT_THAT(help.out, HasSubstr(effect.example));
-        for (const auto& parameter : effect.parameters) EXPECT_THAT(help.out, HasSubstr(parameter.name));
+        for (const auto& parameter : effect.parameters) {
+            const bool told = help.out.find("\n  " + parameter.name + " ") != std::string::npos;
+            EXPECT_EQ(told, !parameter.offFirstPage) << effect.name << ": " << parameter.name;
+            EXPECT_THAT(man, HasSubstr(parameter.name));
+        }
     }
     EXPECT_THAT(apply, HasSubstr("zel apply nature-smooth portrait.jpg -o smooth.jpg"));
     for (const char* section :
@@ -238,6 +244,37 @@ TEST(Command, DrawsAPortraitWithFacesAndTruth) {
     const zel::Mask moles = zel::readMask(folder / "t/deep/moles.png");
     EXPECT_TRUE(std::any_of(moles.samples.begin(), moles.samples.end(), [](auto m) { return m > 0; }));
     EXPECT_EQ(runZel(folder, words + "-o none/p.png").status, 1);
+}
+
+TEST(Assets, TheEnvironmentTellsTheFolderWhereNoOptionDoes) {
+    const TemporaryFolder folder;
+    zel::writePicture(folder / "a.png", testImage(24, 18, 3));
+    const std::string words = "apply scenario a.png -o o.png --set type=scenery";
+    {
+        const Environment told("ZEL_ASSETS", (folder / "none").c_str());
+        const ProgramRun run = runZel(folder, words);
+        EXPECT_EQ(run.status, 1);
+        EXPECT_THAT(run.err, HasSubstr("ZEL_ASSETS names no folder"));
+    }
+    std::filesystem::create_directories(folder / "mine");
+    const Environment told("ZEL_ASSETS", (folder / "mine").c_str());
+    const ProgramRun run = runZel(folder, words);
+    EXPECT_EQ(run.status, 1);
+    EXPECT_THAT(run.err, HasSubstr("looks/identity.cube"));
+    EXPECT_EQ(runZel(folder, "apply mosaic a.png -o o.png").status, 0) << "needs none";
+}
+
+TEST(Scenario, AtFullStrengthThePortraitRecipeIsCautionedAgainst) {
+    const TemporaryFolder folder;
+    zel::writePicture(folder / "a.png", testImage(24, 18, 3));
+    const auto says = [&](const std::string& set) {
+        const ProgramRun run = runZel(folder, "apply scenario a.png -o o.png --set look=warm " + set);
+        EXPECT_EQ(run.status, 0) << run.err;
+        return run.err;
+    };
+    EXPECT_THAT(says("--set alpha=1"), HasSubstr("zel: note: alpha is 1: the look alone is applied"));
+    EXPECT_THAT(says("--set alpha=0.9 --set type=haze"), Not(HasSubstr("alpha")));
+    EXPECT_THAT(says("--set alpha=1 --set type=travel"), Not(HasSubstr("alpha")));
 }
 
 }  // namespace

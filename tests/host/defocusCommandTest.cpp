@@ -53,6 +53,33 @@ TEST_F(DefocusCommand, AGivenDepthMapDecidesWhatIsBlurred) {
     EXPECT_GT(change("o.png", 100, 60), 2);
 }
 
+TEST_F(DefocusCommand, LivelinessStrengthensTheGroundAndLeavesTheSubject) {
+    const std::string words =
+        "apply defocus a.png -o o.png --depth near-right.png --quiet --set focus=0.9,0.5 --set liveliness=";
+    const auto result = [&](const char* amount) {
+        EXPECT_EQ(runZel(folder, words + amount).status, 0);
+        return zel::readPicture(folder / "o.png", false).image.rgba;
+    };
+    const Bytes plain = result("0"), lively = result("1");
+    // Mean distance of the strongest channel to the weakest, and the mean of the strongest.
+    const auto look = [&](const Bytes& rgba, int left, int across) {
+        double colour = 0, light = 0;
+        for (int y = 0; y < kHeight; ++y)
+            for (int x = left; x < left + across; ++x) {
+                const unsigned char* p = &rgba[4 * static_cast<std::size_t>(y * kWidth + x)];
+                colour += std::max({p[0], p[1], p[2]}) - std::min({p[0], p[1], p[2]});
+                light += std::max({p[0], p[1], p[2]});
+            }
+        return std::pair{colour / (kHeight * across), light / (kHeight * across)};
+    };
+    EXPECT_EQ(look(lively, 100, 60), look(plain, 100, 60)) << "the subject";
+    EXPECT_GT(look(lively, 0, 60).first, 1.2 * look(plain, 0, 60).first);
+    EXPECT_GT(look(lively, 0, 60).second, look(plain, 0, 60).second);
+    EXPECT_THAT(runZel(folder, "apply defocus --help").out,
+                testing::AllOf(HasSubstr("liveliness"), testing::Not(HasSubstr("vivid"))));
+    EXPECT_EQ(runZel(folder, words + "0 --set vivid=0.2").status, 0) << "old command lines go on";
+}
+
 TEST_F(DefocusCommand, EstimatesDepthWhereNoneIsGiven) {
     const ProgramRun run = runZel(folder, "apply defocus a.png -o o.png --depth-out d.png");
     ASSERT_EQ(run.status, 0) << run.err;
