@@ -184,8 +184,7 @@ void BokehScene::prepareRadii(Frame& frame) {
                               kDisparityGuideRadius, kGuideEpsilon, kGuideScale);
         }
         const FocusPoint focus{limitedFraction(frame.job.focus.y), limitedFraction(frame.job.focus.x)};
-        const FocusBand band =
-            decideFocus(frame.disparity.view(), frame.job.focusPoints, focus, frame.strength);
+        const FocusBand band = decideFocus(frame.disparityMap, frame.job.focusPoints, focus, frame.strength);
         frame.radii = radiiByDepth(frame.disparityMap, band, frame.strength);
     }
     frame.fillRadii(frame.radii.working);
