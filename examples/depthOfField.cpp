@@ -27,9 +27,9 @@ int main(int argc, char** argv) {
     if (!context.isCurrent()) return std::fprintf(stderr, "no OpenGL: %s failed\n", context.failedCall()), 1;
 
     float face[] = {0.3f, 0.2f, 0.4f, 0.4f};  // x, y, width, height as fractions of the picture
-    const bool rendered = render.Run(picture.pixels.get(), picture.width, picture.height, 1, face, 0.5f, 0.4f,
-                                     /*blurLevel=*/60, /*highlights=*/1.0f, /*useHairMask=*/false,
-                                     /*hasCurrentContext=*/true, /*amount=*/1.0f, /*intensity=*/0.5f,
-                                     /*vivid=*/0.0f);
+    render.Run(picture.pixels.get(), picture.width, picture.height, 1, face, 0.5f, 0.4f, /*blurLevel=*/60,
+               /*highlights=*/1.0f, /*useHairMask=*/false, /*hasCurrentContext=*/true, /*amount=*/1.0f,
+               /*intensity=*/0.5f, /*vivid=*/0.0f);
+    const bool rendered = render.LastOutcome() == DefocusCore::ZelDepthDefocusRender::Outcome::drawn;
     return rendered && writePpm(argv[3], picture.pixels.get(), picture.width, picture.height) ? 0 : 1;
 }

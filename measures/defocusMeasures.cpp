@@ -8,8 +8,8 @@
 #include <string>
 
 #include "defocusTruth.h"
-#include "zel_effects/zel_effects.h"
 #include "zel_effects/offscreenContext.h"
+#include "zel_effects/zel_effects.h"
 
 namespace {
 
@@ -42,8 +42,10 @@ Rgba render(const std::string& assets, const LayeredPortrait& layers, bool withH
     FaceBox face = faceBoxOf(portrait);
     Rgba image = portrait.image.rgba;
     const zellab::OffscreenContext context;
-    if (!context.isCurrent() || !effect.Run(image.data(), width, height, 1, face.values, face.centreX(),
-                                            face.centreY(), kLevel, 0.0f, withHair, true, 1.0f, 0.0f, 0.0f)) {
+    if (context.isCurrent())
+        effect.Run(image.data(), width, height, 1, face.values, face.centreX(), face.centreY(), kLevel, 0.0f,
+                   withHair, true, 1.0f, 0.0f, 0.0f);
+    if (effect.LastOutcome() != DefocusCore::ZelDepthDefocusRender::Outcome::drawn) {
         std::fprintf(stderr, "no picture could be rendered\n");
         std::exit(1);
     }

@@ -19,12 +19,13 @@ const vec2 kStrip = vec2(1056.0, 176.0);
 const float kFrames = 6.0;
 const float kUsedShare = 0.6875;  // of a frame's side
 const float kLargestRadius = 30.0;
+const float kNudge = 1.0 / 1024.0;  // texels; places that are whole but for rounding belong to their own texel
 
 // The record of a pixel (in working pixels, with its half): the direction from the centre in twentieths of a
 // turn, then the sixth of the way to the corner.
 int spinRecord(vec2 position) {
-    vec2 size = 1.0 / reso;
-    vec2 place = 2.0 * position - floor(size + 0.5);
+    vec2 size = floor(1.0 / reso + 0.5);
+    vec2 place = 2.0 * position - size;
     vec2 side = abs(place);
     // Tangents of 9, 27, 45, 63 and 81 degrees.
     int quarter = int(side.y > 0.15838444 * side.x) + int(side.y > 0.50952545 * side.x) + int(side.y > side.x) +
@@ -48,7 +49,7 @@ float kernelWeight(float reach, vec2 offset, vec2 position, bool spins) {
     } else {
         cell = vec2((place.x + 0.5) / kFrames, place.y + 0.5);
     }
-    return texture(tex_bokeh, (floor(cell * kStrip) + 0.5) / kStrip).r;
+    return texture(tex_bokeh, (floor(cell * kStrip + kNudge) + 0.5) / kStrip).r;
 }
 
 // Moves the average away from its grey if the look is vivid.

@@ -132,6 +132,26 @@ bool renderPreview(Render& render, EffectRun& run, std::vector<float>& faces, co
                       values.number("intensity"), values.number("vivid"));
 }
 
+/// Turns a picture that was not drawn into the error that it is: the render itself reports some of these as
+/// done and leaves the picture as it was.
+void requireDrawn(const Render& render, bool ran) {
+    const std::string shaderFile = std::string(kResourceFolder) + "/shader.3.bin";
+    if (!ran) throw FileFailure(shaderFile, "is missing or damaged");
+    switch (render.LastOutcome()) {
+        case Render::Outcome::drawn:
+            return;
+        case Render::Outcome::noContext:
+            throw Failure("depth of field needs OpenGL 3.3, and the context that can be had here is older");
+        case Render::Outcome::faultyShaders:
+            throw FileFailure(shaderFile, "lacks a shader or holds one that the OpenGL driver refuses");
+        case Render::Outcome::tooLarge:
+            throw Failure("is too large for the OpenGL driver; depth of field needs it smaller");
+        case Render::Outcome::none:
+            break;
+    }
+    throw Failure("the library refused the picture");
+}
+
 void runDefocus(EffectRun& run) {
     const FocusFraction focus = focusOf(run);
     const bool usesDepth = run.values.toggle("useDepth");
@@ -151,8 +171,8 @@ void runDefocus(EffectRun& run) {
     run.progress("rendering", 0.5);
     std::vector<float> faces = faceRectangles(run.faces);
     const bool full = usesDepth && run.values.text("resolution") == "full";
-    if (!(full ? renderFull(render, run, faces, focus) : renderPreview(render, run, faces, focus)))
-        throw FileFailure(std::string(kResourceFolder) + "/shader.3.bin", "is missing or damaged");
+    requireDrawn(render,
+                 full ? renderFull(render, run, faces, focus) : renderPreview(render, run, faces, focus));
     enlivenGround(render, run, focus, usesDepth);
 }
 

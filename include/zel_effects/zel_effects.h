@@ -619,6 +619,17 @@ public:
         return true;
     }
 
+    /// What became of the picture of the last Run on this object, whatever Run returned. A picture that was
+    /// not drawn is as it was, and the log has one line that says why.
+    enum class Outcome : unsigned char {
+        none,           ///< no Run yet, or one whose arguments were refused
+        drawn,
+        noContext,      ///< no context of OpenGL 3.3 or later was current
+        faultyShaders,  ///< the shader file lacks one, or the driver refuses one
+        tooLarge,       ///< OpenGL has no textures of this size here
+    };
+    Outcome LastOutcome() const { return static_cast<Outcome>(m_outcome); }
+
 private:
     friend struct DefocusInternals;
 
@@ -632,6 +643,7 @@ private:
     int m_bokehWidth = 0;
     int m_bokehHeight = 0;
     unsigned char m_spin = 0;
+    unsigned char m_outcome = 0;
     std::string m_reserved;
     unsigned char* m_depth = nullptr;
     int m_depthWidth = 0;

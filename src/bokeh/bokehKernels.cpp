@@ -3,6 +3,7 @@
 #include <cmath>
 
 #include "frame/processorCount.h"
+#include "zellab/imageproc/core/parallelRows.h"
 
 namespace zellab::Bokeh {
 
@@ -13,9 +14,14 @@ float frameOffset(int index, int n) {
     return (static_cast<float>(index) / static_cast<float>(n - 1) - 0.5f) * kUsedShare;
 }
 
+/// Strip pixels. Many places are whole numbers but for the rounding of a float, which may leave them just
+/// below: this picks their own pixel, here and in the shaders.
+constexpr float kNudge = 1.0f / 1024.0f;
+
 /// Never beyond the frame: a corner of the used share lies 0.486 of a side from the middle, however turned.
 Byte stripByte(const StripView& strip, float row, float column) {
-    return strip.row(static_cast<int>(std::floor(row)))[static_cast<int>(std::floor(column))];
+    return strip.row(
+        static_cast<int>(std::floor(row + kNudge)))[static_cast<int>(std::floor(column + kNudge))];
 }
 
 }  // namespace
@@ -41,8 +47,7 @@ KernelSet::KernelSet(const StripView& strip, int records, int smallest, int larg
     std::size_t bytes = kPitch;  // the row of zeros that every unplaced row stands for
     for (int record = 0; record < records; ++record) bytes = placeRows(record, bytes);
     m_bytes.resize(bytes);
-#pragma omp parallel for schedule(static) num_threads(ProcessorCountForRows(records))
-    for (int record = 0; record < records; ++record) fillRecord(strip, record, turned);
+    runTasks(records, ProcessorCountForRows(records), [&](int record) { fillRecord(strip, record, turned); });
 }
 
 std::size_t KernelSet::placeRows(int record, std::size_t next) {

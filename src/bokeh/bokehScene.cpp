@@ -80,8 +80,28 @@ bool BokehScene::create(const std::string& resourceDir) {
     return m_shaders.load(resourceDir);
 }
 
-bool BokehScene::render(const RenderJob& job) {
-    if (!gl::glUsable()) return false;
+RenderOutcome BokehScene::render(const RenderJob& job) {
+    const RenderOutcome outcome = draw(job);
+    if (outcome == RenderOutcome::noContext)
+        sceneLog().error("nothing rendered: no context of OpenGL 3.3 or later is current");
+    if (outcome == RenderOutcome::faultyShaders)
+        sceneLog().error("nothing rendered: a shader is missing or does not link");
+    if (outcome == RenderOutcome::tooLarge)
+        sceneLog().error("nothing rendered: OpenGL has no textures of %d x %d here", job.source.width,
+                         job.source.height);
+    return outcome;
+}
+
+/// The pass functions tell that they did not draw, not why; without an unsound shader it is for want of a
+/// texture.
+RenderOutcome BokehScene::draw(const RenderJob& job) {
+    if (!gl::glUsable()) return RenderOutcome::noContext;
+    GLint longest = 0;
+    gl::glCore().getIntegerv(GL_MAX_TEXTURE_SIZE, &longest);
+    if (std::max(job.source.width, job.source.height) > longest) return RenderOutcome::tooLarge;
+    const auto failure = [this] {
+        return m_shaders.isSound() ? RenderOutcome::tooLarge : RenderOutcome::faultyShaders;
+    };
     const int width = job.source.width, height = job.source.height;
     Frame frame(job);
     prepareKernel(frame);
@@ -96,9 +116,10 @@ bool BokehScene::render(const RenderJob& job) {
     const int smallWidth = frame.smallWidth(), smallHeight = frame.smallHeight();
     frame.smallPixels = RgbaImage(smallWidth, smallHeight);
     frame.small = byteTexture(smallWidth, smallHeight, kOrderRgba, nullptr);
+    if (!frame.photograph.isComplete() || !frame.small.isComplete()) return RenderOutcome::tooLarge;
     if (!downscale(m_shaders, frame.photograph, frame.small) ||
         !frame.small.read(0, 0, smallWidth, smallHeight, frame.smallPixels.data()))
-        return false;  // without its programs the render would show whatever the memory held
+        return failure();
     prepareRadii(frame);
     frame.soft = byteTexture(smallWidth, smallHeight, kOrderRgba, nullptr);
     if ((frame.radii.largest <= kNoRadius && !job.constantRadius) || !convolve(frame))
@@ -108,13 +129,15 @@ bool BokehScene::render(const RenderJob& job) {
     frame.radius.write(0, 0, smallWidth, smallHeight, frame.radiusPlane.data());
     frame.logFocusPoints();
     const Texture2D out = byteTexture(width, height, kOrderRgba, nullptr);
-    if (!compose(m_shaders, {frame.soft, m_noise, frame.photograph, frame.radius, frame.kernel}, kDispersion,
-                 frame.strength.scaleRatio, out))
-        return false;
-    // Without hair the blend would only copy the picture, which takes a sixth of a render in software.
-    if (!frame.hasHair()) return out.read(0, 0, width, height, job.target.data);
-    return composeHair(m_shaders, out, frame.hair, frame.photograph) &&
-           frame.photograph.read(0, 0, width, height, job.target.data);
+    if (!out.isComplete()) return RenderOutcome::tooLarge;
+    const bool composed =
+        compose(m_shaders, {frame.soft, m_noise, frame.photograph, frame.radius, frame.kernel}, kDispersion,
+                frame.strength.scaleRatio, out) &&
+        // Without hair the blend would only copy the picture, which takes a sixth of a render in software.
+        (!frame.hasHair() || composeHair(m_shaders, out, frame.hair, frame.photograph));
+    if (!composed || !m_shaders.isSound()) return failure();
+    const Texture2D& result = frame.hasHair() ? frame.photograph : out;
+    return result.read(0, 0, width, height, job.target.data) ? RenderOutcome::drawn : failure();
 }
 
 void BokehScene::prepareKernel(Frame& frame) {
@@ -158,8 +181,7 @@ void BokehScene::prepareRadii(Frame& frame) {
                               kGuideEpsilon, kGuideScale);
         }
         const FocusPoint focus{limitedFraction(frame.job.focus.y), limitedFraction(frame.job.focus.x)};
-        const FocusBand band =
-            decideFocus(frame.disparity.view(), frame.job.focusPoints, focus, frame.strength);
+        const FocusBand band = decideFocus(frame.disparityMap, frame.job.focusPoints, focus, frame.strength);
         frame.radii = radiiByDepth(frame.disparityMap, band, frame.strength);
     }
     frame.fillRadii(frame.radii.working);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <string>
 #include <vector>
 
@@ -35,6 +36,9 @@ struct RenderJob {
     PlaneView<const Byte> kernel;     ///< the shape, by the type; of any size, and scaled to what is read
 };
 
+/// What became of a render. All but `drawn` leave the target alone and put one line into the log.
+enum class RenderOutcome : std::uint8_t { drawn = 1, noContext, faultyShaders, tooLarge };
+
 /// One blurred picture from a picture, its disparity and a shape of bokeh. Lives for one render, on the
 /// thread whose OpenGL context is current from create() to the destructor.
 class BokehScene {
@@ -49,12 +53,12 @@ public:
     /// @return whether the shader file was read whole; without it a render draws nothing
     bool create(const std::string& resourceDir);
 
-    /// @return whether the target was written; it is left alone where OpenGL cannot be had
-    bool render(const RenderJob& job);
+    RenderOutcome render(const RenderJob& job);
 
 private:
     struct Frame;
 
+    RenderOutcome draw(const RenderJob& job);
     static void prepareKernel(Frame& frame);
     static void prepareHair(Frame& frame);
     static void prepareRadii(Frame& frame);

@@ -1,4 +1,4 @@
-#include <cstring>
+#include <string>
 
 #include "bokeh/passDraw.h"
 #include "bokeh/passTables.h"
@@ -82,8 +82,10 @@ bool convolve(ShaderCache& cache, const ConvolutionTextures& textures, const Con
     const TileGrid grid(target.width(), target.height());
     std::atomic<int> next{0};
     std::future<std::vector<CpuTile>> chore = startTileChore(processor, next);
+    if (!chore.valid()) passLog().error("Fail to schedule the chore!");
     const bool painted = cpuOnly || paintTiles(program, target, grid, next);
-    layTiles(chore.get(), target);
+    // Without its thread the processor's work is this one's: nothing if OpenGL has painted, else all of it.
+    layTiles(chore.valid() ? chore.get() : computeTiles(processor, next, 1), target);
     return painted;
 }
 
@@ -105,13 +107,20 @@ bool convolveFree(ShaderCache& cache, const ConvolutionTextures& textures, const
     return drawOver(target, program);
 }
 
-bool rendersOnProcessor() {
-    if (!gl::glUsable()) return false;
-    const auto* const renderer = reinterpret_cast<const char*>(gl::glCore().getString(GL_RENDERER));
-    if (!renderer) return false;
-    for (const char* const name : {"llvmpipe", "softpipe", "SWR", "SwiftShader", "GDI Generic"})
-        if (std::strstr(renderer, name)) return true;
+bool isSoftwareRenderer(const char* name) {
+    if (!name) return false;
+    std::string lower(name);
+    for (char& c : lower)
+        if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
+    for (const char* const software :
+         {"llvmpipe", "softpipe", "swr", "swiftshader", "gdi generic", "microsoft basic render driver"})
+        if (lower.find(software) != lower.npos) return true;
     return false;
+}
+
+bool rendersOnProcessor() {
+    return gl::glUsable() &&
+           isSoftwareRenderer(reinterpret_cast<const char*>(gl::glCore().getString(GL_RENDERER)));
 }
 
 }  // namespace zellab::Bokeh

@@ -29,7 +29,7 @@ struct CpuTile {
 
 /// Starts the asynchronous chore that claims tile numbers from `next` until there are none left and computes
 /// each on the processor. It alone owns the list until the future is read.
-/// Throws std::system_error ("Fail to schedule the chore!") when no thread can be had.
+/// @return a future that is not valid where no thread can be had; no tile is claimed then
 std::future<std::vector<CpuTile>> startTileChore(const ConvolutionSource& source, std::atomic<int>& next);
 
 /// The chore's work, on the calling thread and its team.

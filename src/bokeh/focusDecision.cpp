@@ -73,8 +73,9 @@ void fitToPoint(const FocusBand& band, BlurStrength& strength) {
 
 }  // namespace
 
-FocusBand decideFocus(PlaneView<const Byte> disparity, const std::vector<FocusPoint>& faces, FocusPoint focus,
+FocusBand decideFocus(const DisparityMap& map, const std::vector<FocusPoint>& faces, FocusPoint focus,
                       BlurStrength& strength) {
+    const PlaneView<const Byte> disparity = map.view();
     float lowest = 255.0f, highest = 0.0f, nearestFace = 0.0f;
     for (const FocusPoint& face : faces) {
         const int median = medianAround(disparity, face);

@@ -3,8 +3,8 @@
 #include <vector>
 
 #include "bokeh/blurStrength.h"
+#include "bokeh/disparityMap.h"
 #include "bokeh/focusPoints.h"
-#include "zellab/imageproc/core/imageView.h"
 
 namespace zellab::Bokeh {
 
@@ -17,9 +17,10 @@ struct FocusBand {
 
 /// Decides what is in focus from the medians of the disparity around the faces and around the focus point,
 /// and fits `strength.radiusPerDisparity` to the band.
-/// @param disparity  larger is nearer; may be empty
+/// @param disparity  as the host gave it, in its own size: the working picture's size, which the resolution
+///                   of the render decides, must not move the focus; may be empty
 /// @param focus      0..1; counts where it doesn't lie on a face's depth
-FocusBand decideFocus(PlaneView<const Byte> disparity, const std::vector<FocusPoint>& faces, FocusPoint focus,
+FocusBand decideFocus(const DisparityMap& disparity, const std::vector<FocusPoint>& faces, FocusPoint focus,
                       BlurStrength& strength);
 
 }  // namespace zellab::Bokeh

@@ -41,14 +41,16 @@ struct ConvolutionTextures {
 /// counter. `processor` describes the same picture for the processor's side, and says all that the shader is
 /// told: without a radius plane the radius is constant, with a spin plane the kernels spin. `cpuOnly` leaves
 /// every tile to the processor, which is the faster way where OpenGL itself runs on it.
-/// A strip of the wrong size leaves every tile to OpenGL.
-/// Throws std::system_error when the chore gets no thread.
+/// A strip of the wrong size leaves every tile to OpenGL. Where the chore gets no thread, the calling thread
+/// does all the work, with a line in the log.
 bool convolve(ShaderCache& cache, const ConvolutionTextures& textures, const ConvolutionSource& processor,
               bool cpuOnly, const Texture2D& target);
 
 /// Whether the driver of the current context is a software rasteriser. Tiles are then better left to the
 /// processor's own loops.
 bool rendersOnProcessor();
+/// The same from what a driver calls itself; null is no software.
+bool isSoftwareRenderer(const char* name);
 
 /// How the free shape bends over the field; 0 leaves it alone.
 struct FreeShape {

@@ -4,6 +4,8 @@
 #include <atomic>
 #include <cstdlib>
 
+#include "zellab/imageproc/core/parallelRows.h"
+
 namespace zellab::Bokeh {
 
 namespace {
@@ -98,20 +100,21 @@ void TileGather::preparePairs() {
     m_pairs.pairs.resize(count);
     m_pairs.radii.resize(2 * count);
     std::atomic<bool> wide{false};
-#pragma omp parallel for schedule(static) num_threads(m_workers)
-    for (int y = 0; y < height; ++y)
-        if (preparePairRow(m_source, m_pairs, y)) wide.store(true, std::memory_order_relaxed);
+    parallelRows(height, m_workers, [&](int begin, int end) {
+        for (int y = begin; y < end; ++y)
+            if (preparePairRow(m_source, m_pairs, y)) wide.store(true, std::memory_order_relaxed);
+    });
     m_pairs.wide = wide.load();
 }
 
 void TileGather::gather(const Tile& tile, const ImageView& target) const {
-#pragma omp parallel for schedule(dynamic) num_threads(m_workers)
-    for (int row = 0; row < tile.height; ++row) {
+    // Row by row: radii differ so much that bands would leave workers waiting.
+    runTasks(tile.height, m_workers, [&](int row) {
         if (m_pairs.across > 0)
             gatherRowAvx2(m_source, m_pairs, tile, tile.y + row, target.row(row));
         else
             gatherRow(m_source, tile, tile.y + row, target.row(row));
-    }
+    });
 }
 
 }  // namespace zellab::Bokeh

@@ -58,19 +58,14 @@ bool loaderIsComplete() {
 }
 
 /// What is wrong with the context that is current, or null. Each is asked for itself: drivers make the
-/// highest version that is compatible, and a host may have several. The text alone, because a context of
-/// OpenGL ES (whose text does not begin with a digit) may refuse to be asked for numbers.
+/// highest version that is compatible, and a host may have several. The text alone is asked for: a context of
+/// OpenGL ES may refuse the question for numbers.
 const char* contextFault() {
     decltype(&::glGetString) getString = nullptr;
     if (!platform::currentGlContext().context || !resolve(getString, "glGetString"))
         return "Missing GL version";
     const auto* const text = reinterpret_cast<const char*>(getString(GL_VERSION));
-    if (!text) return "Missing GL version";
-    int major = 0, minor = 0;
-    const char* const end = text + std::strlen(text);
-    const auto whole = std::from_chars(text, end, major);
-    if (whole.ec == std::errc() && whole.ptr != end) std::from_chars(whole.ptr + 1, end, minor);
-    return major > 3 || (major == 3 && minor >= 3) ? nullptr : "OpenGL 3.3 is not available";
+    return isOpenGl33(text) ? nullptr : "OpenGL 3.3 is not available";
 }
 
 }  // namespace
@@ -91,6 +86,16 @@ const char* loadEntryPoints() {
     if (!loadCore(g_core) || !loaderIsComplete()) return "an entry point is missing";
     g_loaded = true;
     return nullptr;
+}
+
+bool isOpenGl33(const char* versionText) {
+    if (!versionText) return false;
+    int major = 0, minor = 0;
+    const char* const end = versionText + std::strlen(versionText);
+    const auto whole = std::from_chars(versionText, end, major);  // "OpenGL ES ..." begins with no number
+    if (whole.ec != std::errc()) return false;
+    if (whole.ptr != end) std::from_chars(whole.ptr + 1, end, minor);
+    return major > 3 || (major == 3 && minor >= 3);
 }
 
 bool glUsable() {

@@ -49,6 +49,9 @@ const GlCore& glCore();
 /// @return null on success, else what is wrong
 const char* loadEntryPoints();
 
+/// Whether a context that tells this version is one of OpenGL 3.3 or later; null is none.
+bool isOpenGl33(const char* versionText);
+
 /// Whether OpenGL may be called on this thread: a good enough context is current and all entry points are
 /// there. Loads them if need be. Every operation that calls OpenGL asks this first.
 bool glUsable();

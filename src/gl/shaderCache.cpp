@@ -34,20 +34,24 @@ bool ShaderCache::source(const char* kind, std::uint32_t key, std::string& text)
 ShaderProgram ShaderCache::program(std::uint32_t fragmentKey, std::uint32_t vertexKey) {
     const auto known = m_programs.find({vertexKey, fragmentKey});
     if (known != m_programs.end()) return known->second;
+    ShaderProgram made = make(fragmentKey, vertexKey);
+    m_sound = m_sound && made.isLinked();
+    if (made.isValid()) m_programs.emplace(std::pair{vertexKey, fragmentKey}, made);
+    return made;
+}
+
+ShaderProgram ShaderCache::make(std::uint32_t fragmentKey, std::uint32_t vertexKey) const {
     std::string vertex = kBuiltinVertex, fragment;
     if (vertexKey != 0 && !source("vertex", vertexKey, vertex)) return {};
     if (!source("fragment", fragmentKey, fragment)) return {};
     ShaderProgram made(kVersionLine + vertex, kVersionLine + fragment);
-    if (!made.isValid()) {
-        shaderLog().error("fail to create program [%08X,%08X]", vertexKey, fragmentKey);
-        return {};
-    }
-    m_programs.emplace(std::pair{vertexKey, fragmentKey}, made);
+    if (!made.isValid()) shaderLog().error("fail to create program [%08X,%08X]", vertexKey, fragmentKey);
     return made;
 }
 
 void ShaderCache::release() {
     m_programs.clear();
+    m_sound = true;
     shaderLog().debug("release shader cache");
     m_store.clear();
 }

@@ -19,6 +19,8 @@ public:
     /// The program of a fragment shader, and of a vertex shader or the built-in one for key 0. Empty with a
     /// line in the log where a shader is missing; a request that failed is tried anew the next time.
     ShaderProgram program(std::uint32_t fragmentKey, std::uint32_t vertexKey = 0);
+    /// Whether every program that was asked for so far is there and linked.
+    bool isSound() const { return m_sound; }
     /// Drops all programs and entries.
     void release();
 
@@ -26,8 +28,10 @@ public:
     std::size_t programCount() const { return m_programs.size(); }
 
 private:
+    ShaderProgram make(std::uint32_t fragmentKey, std::uint32_t vertexKey) const;
     bool source(const char* kind, std::uint32_t key, std::string& text) const;
 
+    bool m_sound = true;
     ShaderStore m_store;
     std::map<std::pair<std::uint32_t, std::uint32_t>, ShaderProgram> m_programs;
 };

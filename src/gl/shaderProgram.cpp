@@ -98,6 +98,9 @@ ShaderProgram::ShaderProgram(const std::string& vertexSource, const std::string&
     if (program == 0) return;
     m_record = {new ProgramRecord, releaseProgram};
     m_record->program = program;
+    GLint linked = 0;
+    glGetProgramiv(program, GL_LINK_STATUS, &linked);
+    m_record->linked = linked == GL_TRUE;
     makeQuad(*m_record);
 }
 

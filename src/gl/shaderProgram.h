@@ -22,6 +22,7 @@ struct ProgramRecord {
     GLuint vertexBuffer = 0;
     GLuint elementBuffer = 0;
     GLuint program = 0;
+    bool linked = false;
 };
 
 /// A linked program with values for its uniforms. Copies share the GL objects; each has values of its own,
@@ -35,6 +36,8 @@ public:
     ShaderProgram(const std::string& vertexSource, const std::string& fragmentSource);
 
     bool isValid() const { return m_record != nullptr; }
+    /// Whether the driver took it; only then does a draw paint what its text says.
+    bool isLinked() const { return m_record && m_record->linked; }
 
     ShaderProgram& setFloat(const char* name, float x);
     ShaderProgram& setVec2(const char* name, float x, float y);

@@ -90,15 +90,15 @@ GLuint makeTexture(const ITexture2D& record, GLenum internal, int unpackRowLengt
     return texture;
 }
 
-/// Its status is told and not kept: a texture that cannot be drawn into may still be sampled.
-GLuint makeFramebuffer(GLuint texture) {
-    GLuint framebuffer = 0;
-    glGenFramebuffers(1, &framebuffer);
-    glBindFramebuffer(GL_FRAMEBUFFER, framebuffer);
-    glFramebufferTexture2D(GL_FRAMEBUFFER, GL_COLOR_ATTACHMENT0, GL_TEXTURE_2D, texture, 0);
-    if (const char* fault = framebufferFault(glCheckFramebufferStatus(GL_FRAMEBUFFER)))
-        textureLog().error("%s", fault);
-    return framebuffer;
+/// Whatever its status: a texture that cannot be drawn into may still be sampled.
+void makeFramebuffer(ITexture2D& record) {
+    glGenFramebuffers(1, &record.framebuffer);
+    glBindFramebuffer(GL_FRAMEBUFFER, record.framebuffer);
+    glFramebufferTexture2D(GL_FRAMEBUFFER, GL_COLOR_ATTACHMENT0, GL_TEXTURE_2D, record.texture, 0);
+    const GLenum status = glCheckFramebufferStatus(GL_FRAMEBUFFER);
+    record.complete = status == GL_FRAMEBUFFER_COMPLETE;
+    if (const char* fault = framebufferFault(status)) textureLog().error("%s", fault);
+    glBindFramebuffer(GL_FRAMEBUFFER, 0);
 }
 
 void release(ITexture2D* record) {
@@ -177,8 +177,7 @@ Texture2D::Texture2D(int width, int height, int unpackRowLength, int channelOrde
     }
     if (!glUsable()) return;
     m_record->texture = makeTexture(*m_record, internal, unpackRowLength, data);
-    m_record->framebuffer = makeFramebuffer(m_record->texture);
-    glBindFramebuffer(GL_FRAMEBUFFER, 0);
+    makeFramebuffer(*m_record);
     glCore().bindTexture(GL_TEXTURE_2D, 0);
 }
 

@@ -24,6 +24,8 @@ struct ITexture2D {
     GLuint texture = 0;
     /// 0: none.
     GLuint framebuffer = 0;
+    /// Whether the driver has made it as large as it was asked for: it can be drawn into.
+    bool complete = false;
     GlParameters parameters;
 };
 
@@ -60,6 +62,8 @@ public:
     int width() const { return m_record ? m_record->width : 0; }
     int height() const { return m_record ? m_record->height : 0; }
     bool isEmpty() const;
+    /// Whether the driver had room for it. What is not complete is drawn into without effect.
+    bool isComplete() const { return m_record && m_record->complete; }
 
     /// Wishes; they reach the texture when it is bound.
     Texture2D& setMinFilter(GLint filter) { return setParameter(GL_TEXTURE_MIN_FILTER, filter); }

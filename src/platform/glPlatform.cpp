@@ -3,6 +3,7 @@
 #include "platform/glPlatform.h"
 
 #include <array>
+#include <mutex>
 #include <string_view>
 #include <vector>
 
@@ -139,6 +140,10 @@ GlContext currentGlxContext() {
 }  // namespace
 
 GlCreation createGlContext(const GlContext* share) {
+    // A display belongs to the process, and its extension text is written anew by every initialisation: one
+    // thread's must not meet another that reads.
+    static std::mutex mutex;
+    const std::lock_guard guard(mutex);
     const EglLibrary* egl = eglLibrary();
     if (!egl) return {{}, "dlopen libEGL.so.1"};
     if (share && !share->context) return {{}, "eglCreateContext"};

@@ -122,4 +122,38 @@ TEST_F(DefocusPictures, FocusMovesToTheBackground) {
               3);
 }
 
+/// The line that tells the band in focus.
+std::string bandLine(const std::string& log) {
+    const std::size_t at = log.find("disparity: [");
+    return at == log.npos ? "none" : log.substr(at, log.find('\n', at) - at);
+}
+
+// A thing a few samples of the depth plane wide fills the window around the focus point or not, by the size
+// of the picture that is looked at.
+TEST(DefocusFocus, PreviewAndFinalChooseTheSame) {
+    constexpr int kLong = 2000, kShort = 160, kDepthWidth = 384, kDepthHeight = 31;  // working sizes 720, 878
+    const zellab::OffscreenContext context;
+    if (!context.isCurrent()) GTEST_SKIP() << "no OpenGL here: " << context.failedCall();
+    Bytes strip = DefocusScene::shape(), picture = randomRgba(kLong, kShort, 3), copy = picture;
+    Bytes depth(kDepthWidth * kDepthHeight, 60);
+    for (std::size_t i = 0; i < depth.size(); ++i)
+        if (std::abs(static_cast<int>(i % kDepthWidth) - kDepthWidth / 2) <= 4) depth[i] = 190;
+    Render render;
+    render.setResourcePath("", ZEL_ASSETS "/bokeh");
+    render.SetBokehImage("half", strip.data(), 1056, 176);
+    render.SetDepthPlane(depth.data(), kDepthWidth, kDepthHeight);
+    std::string preview, full;
+    {
+        StreamCapture log(stderr);
+        render.Run(copy.data(), kLong, kShort, picture.data(), kLong, kShort, 0, nullptr, 0.5f, 0.5f, true,
+                   60, 0.0f, nullptr, false, false, true, 0.0f, 0.5f, 0.0f);
+        preview = bandLine(log.text());
+    }
+    StreamCapture log(stderr);
+    render.Run(copy.data(), kLong, kShort, 0, nullptr, 0.5f, 0.5f, 60, 3.0f, false, true, 1.0f, 0.5f, 0.0f);
+    full = bandLine(log.text());
+    EXPECT_EQ(full, preview);
+    EXPECT_EQ(full, "disparity: [58, 64]") << "what fills most of the window of the plane itself";
+}
+
 }  // namespace

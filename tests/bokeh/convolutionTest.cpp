@@ -1,8 +1,13 @@
 #include <gtest/gtest.h>
 
+#include <system_error>
+#include <thread>
+
 #include "bokeh/passes.h"
 #include "bokeh/spinIndex.h"
 #include "glScene.h"
+#include "support/noThreads.h"
+#include "support/streamCapture.h"
 #include "zellab/imageproc/core/ownedImage.h"
 
 namespace {
@@ -78,6 +83,34 @@ TEST_F(Convolution, WhoeverWinsTheTilesThePictureIsTheSame) {
     const auto d = zeltest::differenceOf(convolved(c, false), processor);
     EXPECT_LE(d.largest, 2);
     EXPECT_LT(d.mean, 0.3);
+}
+
+TEST_F(Convolution, WithoutAThreadForTheChoreNothingIsLeftUndone) {
+    const BokehCase c = randomCase(520, 270, 9, false, {1, 0.5f, 1, 0.5f}, 70);
+    const Bytes expected = convolved(c, true);
+    zeltest::StreamCapture log(stderr);
+    const zeltest::NoThreads alone;
+    ASSERT_THROW(std::thread([] {}), std::system_error);
+    EXPECT_EQ(convolved(c, true), expected) << "the calling thread computes the tiles";
+    EXPECT_LE(zeltest::differenceOf(convolved(c, false), expected).largest, 2) << "OpenGL paints them all";
+    EXPECT_NE(log.text().find("[ERROR  ] Fail to schedule the chore!\n"), std::string::npos);
+}
+
+// A pixel that lies on the very edge between two frames of a spinning kernel, in sizes whose inverse's
+// inverse is not the size again.
+TEST_F(Convolution, BothSidesPutTheEdgeBetweenFramesAtTheSamePixel) {
+    constexpr int kWide = 122, kHigh = 122;
+    BokehCase c = randomCase(kWide, kHigh, 3, true, {1, 0, 0, 0}, 80);
+    std::fill(c.radius.begin(), c.radius.end(), static_cast<unsigned char>(3));
+    for (std::size_t i = 0; i < c.strip.size(); ++i) c.strip[i] = i % 1056 / 176 < 3 ? 10 : 250;
+    std::fill(c.rgba.begin(), c.rgba.end(), static_cast<unsigned char>(0));
+    for (const auto& [x, y] : {std::pair{91, 91}, {91, 30}, {30, 91}, {30, 30}})  // half of the way out
+        std::fill_n(c.rgba.begin() + 4 * (y * kWide + x), 3, static_cast<unsigned char>(255));
+    ConvolutionSource noStrip = c.source();
+    noStrip.kernel = {};
+    const Texture2D target = zeltest::rgbaTexture(kWide, kHigh, nullptr);
+    ASSERT_TRUE(convolve(cache, texturesOf(c), noStrip, false, target));
+    EXPECT_LE(zeltest::differenceOf(zeltest::readRgba(target), convolved(c, true)).largest, 2);
 }
 
 TEST_F(Convolution, WhatDoesNotFitDrawsNothing) {

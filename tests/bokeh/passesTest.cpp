@@ -186,6 +186,16 @@ TEST_F(Passes, TheIdentityLookupChangesNothing) {
     EXPECT_LE(zeltest::differenceOf(readRgba(target), picture).largest, 2);
 }
 
+TEST(Renderers, ThoseInSoftwareAreKnownByTheirNamesInAnyCase) {
+    for (const char* name :
+         {"llvmpipe (LLVM 15.0.6, 256 bits)", "LLVMPIPE", "softpipe", "SWR (x)", "Google SwiftShader",
+          "GDI Generic", "Microsoft Basic Render Driver", "D3D12 (Microsoft Basic Render Driver)"})
+        EXPECT_TRUE(isSoftwareRenderer(name)) << name;
+    for (const char* name : {"", "Quadro 4000/PCIe/SSE2", "HD Graphics 620 (KBL GT2)"})
+        EXPECT_FALSE(isSoftwareRenderer(name)) << name;
+    EXPECT_FALSE(isSoftwareRenderer(nullptr));
+}
+
 TEST(PassTables, HoldTheirFamiliesOfValues) {
     const auto still = spinTable(false), turning = spinTable(true);
     for (int i = 0; i < 120; ++i) {

@@ -45,18 +45,18 @@ TEST(RadiiMatchSlow, OnScenesOfEveryKind) {
         strength.radius = 150 * fraction(random);
         strength.radiusPerDisparity = 6 * fraction(random) * fraction(random);
         strength.ratio = 0.4f + 3 * fraction(random);
-        const slow::Focus expected = slow::decide(plane, width, height, slowFaces, {focus.y, focus.x},
-                                                  strength.radius, strength.radiusPerDisparity);
-        const PlaneView<const Byte> view{plane.data(), width, height};
-        const FocusBand band = decideFocus(view, faces, focus, strength);
+        const slow::Focus expected =
+            slow::decide(slow::withoutEnds(plane), width, height, slowFaces, {focus.y, focus.x},
+                         strength.radius, strength.radiusPerDisparity);
+        DisparityMap map;
+        map.set({plane.data(), width, height});
+        const FocusBand band = decideFocus(map, faces, focus, strength);
         ASSERT_EQ(band.onFace, expected.onFace) << scene;
         ASSERT_EQ(band.lowest, expected.lowest) << scene;
         ASSERT_EQ(band.highest, expected.highest) << scene;
         ASSERT_EQ(strength.radiusPerDisparity, expected.perDisparity) << scene;
         onFace += band.onFace;
 
-        DisparityMap map;
-        map.set(view);
         const RadiusTables tables = radiiByDepth(map, band, strength);
         for (int i = 0; i < 256; ++i) {
             const slow::Radius radius =

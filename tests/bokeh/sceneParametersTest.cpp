@@ -21,6 +21,12 @@ Plane<Byte> filled(int width, int height, Byte value) {
     return plane;
 }
 
+DisparityMap mapOf(const Plane<Byte>& plane) {
+    DisparityMap map;
+    map.set(plane.view());
+    return map;
+}
+
 TEST(DisparityMap, CutsTheOutermostPercentAtBothEnds) {
     Plane<Byte> plane = filled(20, 10, 100);  // 200 pixels: two may be cut at either end
     plane.data()[0] = 3;
@@ -108,14 +114,14 @@ TEST(FocusDecision, OnAFaceTheBandHoldsTheFacesDepths) {
     BlurStrength strength;
     strength.radius = 60.0f;
     strength.radiusPerDisparity = 0.6f;
-    const FocusBand band = decideFocus(plane.view(), {{0.5f, 0.5f}}, {0.5f, 0.45f}, strength);
+    const FocusBand band = decideFocus(mapOf(plane), {{0.5f, 0.5f}}, {0.5f, 0.45f}, strength);
     EXPECT_TRUE(band.onFace);
     // k = 200 / 750: near 201 - 53.333 / 1.26667 = 158.89, far 202 + 53.333 / 0.73333 = 274.7, cut to 255.
     EXPECT_EQ(band.lowest, 158);
     EXPECT_EQ(band.highest, 255);
     EXPECT_NEAR(strength.radiusPerDisparity, 60.0f / 158.0f, 1e-5f);  // 0.6 is above 60 / 158
     strength.radiusPerDisparity = 0.3f;
-    decideFocus(plane.view(), {{0.5f, 0.5f}}, {0.5f, 0.45f}, strength);
+    decideFocus(mapOf(plane), {{0.5f, 0.5f}}, {0.5f, 0.45f}, strength);
     EXPECT_NEAR(strength.radiusPerDisparity, 158.8947f / 158.0f * 0.3f, 1e-5f);
 }
 
@@ -126,14 +132,14 @@ TEST(FocusDecision, ElsewhereThePointDecides) {
     strength.radius = 60.0f;
     strength.radiusPerDisparity = 0.6f;
     // The face lies too far back to count; the point stands alone.
-    const FocusBand band = decideFocus(plane.view(), {{0.2f, 0.2f}}, {0.9f, 0.9f}, strength);
+    const FocusBand band = decideFocus(mapOf(plane), {{0.2f, 0.2f}}, {0.9f, 0.9f}, strength);
     EXPECT_FALSE(band.onFace);
     // k = 0.06: 91 - 5.4 / 1.06 = 85.9, 92 + 5.4 / 0.94 = 97.7.
     EXPECT_EQ(band.lowest, 85);
     EXPECT_EQ(band.highest, 97);
     EXPECT_NEAR(strength.radiusPerDisparity, 0.6f, 1e-6f);  // 60 / 85 is above it
     Plane<Byte> far = filled(50, 50, 0);
-    const FocusBand zero = decideFocus(far.view(), {}, {1.0f, 1.0f}, strength);
+    const FocusBand zero = decideFocus(mapOf(far), {}, {1.0f, 1.0f}, strength);
     EXPECT_EQ(zero.lowest, 1);
     EXPECT_EQ(zero.highest, 2);
 }
@@ -143,8 +149,8 @@ TEST(FocusDecision, SurvivesPointsAndPlanesOfAnyKind) {
     const float nan = std::numeric_limits<float>::quiet_NaN();
     for (const float odd : {nan, -1e30f, 1e30f, 3.0f, -3.0f}) {
         BlurStrength strength;
-        decideFocus(plane.view(), {{odd, odd}}, {odd, odd}, strength);
-        decideFocus({}, {{odd, odd}}, {odd, odd}, strength);
+        decideFocus(mapOf(plane), {{odd, odd}}, {odd, odd}, strength);
+        decideFocus(DisparityMap(), {{odd, odd}}, {odd, odd}, strength);
         EXPECT_TRUE(std::isfinite(strength.radiusPerDisparity));
     }
 }

@@ -53,6 +53,15 @@ TEST(Utils, ReadsTheShadingLanguageVersion) {
         EXPECT_EQ(Utils::parseShadingLanguageVersion(c.text), c.version) << (c.text ? c.text : "null");
 }
 
+TEST(GlVersion, OnlyDesktopContextsFrom33OnWillDo) {
+    for (const char* text : {"3.3", "3.3 (Core Profile) x 22.3", "3.10.1", "4.0.0", "10.0"})
+        EXPECT_TRUE(isOpenGl33(text)) << text;
+    for (const char* text :
+         {"3.2.9", "3", "2.1 x 22.3", "1.4 (3.3)", "OpenGL ES 3.2 x", "OpenGL ES-CM 4.4", "", "x"})
+        EXPECT_FALSE(isOpenGl33(text)) << text;
+    EXPECT_FALSE(isOpenGl33(nullptr));
+}
+
 TEST(Environment, AnEmptyHolderIsInvalidAndHarmless) {
     const EnvironmentHolder holder;
     EXPECT_FALSE(holder.isValid());

@@ -137,6 +137,23 @@ TEST_F(DefocusCommand, WithoutOpenGlOneClearLineSaysSo) {
     }
 }
 
+// Longer than any driver's textures. The library reports such a render as done; the command must not.
+TEST_F(DefocusCommand, APictureThatIsTooLongForOpenGlIsAnErrorAndLeavesTheOldOne) {
+    zel::Image strip{40000, 3, Bytes(std::size_t{4} * 40000 * 3, 77), {}, {}};
+    zel::writePicture(folder / "long.png", strip);
+    zel::writePicture(folder / "o.png", picture);
+    for (const char* resolution : {"full", "preview"}) {
+        const ProgramRun run =
+            runZel(folder, std::string("apply defocus long.png -o o.png --depth near-right.png --quiet "
+                                       "--set resolution=") +
+                               resolution);
+        EXPECT_EQ(run.status, 1) << resolution;
+        EXPECT_THAT(run.err, HasSubstr("long.png: is too large for the OpenGL driver")) << run.err;
+        EXPECT_EQ(std::count(run.err.begin(), run.err.end(), '\n'), 1) << run.err;
+        EXPECT_EQ(change("o.png", 0, kWidth), 0);
+    }
+}
+
 TEST_F(DefocusCommand, MixMaskMixesByTheMask) {
     zel::Image other = picture;
     for (auto& c : other.rgba) c = static_cast<unsigned char>(255 - c);

@@ -24,13 +24,20 @@ inline Bytes bokehKernel(const Bytes& strip, int n, bool turned, int record) {
     const float f = static_cast<float>(record % 6), s = 0.6875f;
     for (int i = 0; i < n; ++i)
         for (int j = 0; j < n; ++j) {
+            if (!turned) {
+                // In whole numbers: ((i / (n - 1) - 0.5) * 0.6875 + 0.5) * 176 = 27.5 + 121 i / (n - 1).
+                const auto place = [n](int k) {
+                    return static_cast<std::size_t>((55 * (n - 1) + 242 * k) / (2 * (n - 1)));
+                };
+                kernel.push_back(strip[place(i) * 1056 + place(j)]);
+                continue;
+            }
             const float u = (static_cast<float>(i) / static_cast<float>(n - 1) - 0.5f) * s;
             const float v = (static_cast<float>(j) / static_cast<float>(n - 1) - 0.5f) * s;
-            float row = std::floor((u + 0.5f) * 176.0f), column = std::floor((v + 0.5f) / 6.0f * 1056.0f);
-            if (turned) {
-                column = std::floor((v * std::cos(a) - u * std::sin(a) + 0.5f + f) / 6.0f * 1056.0f);
-                row = std::floor((v * std::sin(a) + u * std::cos(a) + 0.5f) * 176.0f);
-            }
+            const float tiny = 1.0f / 1024.0f;  // whole but for rounding is whole
+            const float column =
+                std::floor((v * std::cos(a) - u * std::sin(a) + 0.5f + f) / 6.0f * 1056.0f + tiny);
+            const float row = std::floor((v * std::sin(a) + u * std::cos(a) + 0.5f) * 176.0f + tiny);
             kernel.push_back(strip[static_cast<std::size_t>(row) * 1056 + static_cast<std::size_t>(column)]);
         }
     return kernel;

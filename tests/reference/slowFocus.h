@@ -32,6 +32,17 @@ inline int windowMedian(const std::vector<unsigned char>& plane, int width, int 
     return half == 0 ? 0 : window[half - 1];
 }
 
+/// The plane with its lowest and highest percent cut off, value by value from either end.
+inline std::vector<unsigned char> withoutEnds(std::vector<unsigned char> plane) {
+    std::vector<unsigned char> sorted = plane;
+    std::sort(sorted.begin(), sorted.end());
+    const auto cut = static_cast<std::size_t>(static_cast<float>(plane.size()) * 0.01f);
+    if (cut == 0) return plane;
+    const unsigned char low = sorted[cut - 1], high = sorted[sorted.size() - cut];
+    for (unsigned char& value : plane) value = std::clamp(value, low, high);
+    return plane;
+}
+
 inline float nearEnd(float m, float k) {
     return std::max(m + 1.0f - k * m / (k + 1.0f), 0.0f);
 }

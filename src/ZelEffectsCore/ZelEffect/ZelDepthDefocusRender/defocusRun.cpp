@@ -23,6 +23,7 @@ using zellab::PlaneView;
 using zellab::RgbaImage;
 using zellab::Bokeh::BokehScene;
 using zellab::Bokeh::RenderJob;
+using zellab::Bokeh::RenderOutcome;
 
 constexpr char kRunName[] = "DefocusCore::ZelDepthDefocusRender::Run";
 
@@ -43,16 +44,27 @@ Plane<Byte> kernelOf(ConstImageView shape) {
 }
 
 /// Renders, and scales where the target has another size.
-void renderScene(BokehScene& scene, RenderJob job) {
+RenderOutcome renderScene(BokehScene& scene, RenderJob job) {
     const ConstImageView source = job.source;
     const ImageView target = job.target;
-    if (source.width == target.width && source.height == target.height) {
-        scene.render(job);
-        return;
-    }
+    if (source.width == target.width && source.height == target.height) return scene.render(job);
     RgbaImage rendered(source.width, source.height);
     job.target = rendered.view();
-    if (scene.render(job)) zellab::scaleArgb(rendered.view(), target, zellab::YuvFilter::none);
+    const RenderOutcome outcome = scene.render(job);
+    if (outcome == RenderOutcome::drawn)
+        zellab::scaleArgb(rendered.view(), target, zellab::YuvFilter::none);
+    return outcome;
+}
+
+/// The host's words for what became of a render have the scene's numbers.
+unsigned char numberOf(RenderOutcome outcome) {
+    using Outcome = ZelDepthDefocusRender::Outcome;
+    static_assert(static_cast<int>(Outcome::drawn) == static_cast<int>(RenderOutcome::drawn) &&
+                  static_cast<int>(Outcome::noContext) == static_cast<int>(RenderOutcome::noContext) &&
+                  static_cast<int>(Outcome::faultyShaders) ==
+                      static_cast<int>(RenderOutcome::faultyShaders) &&
+                  static_cast<int>(Outcome::tooLarge) == static_cast<int>(RenderOutcome::tooLarge));
+    return static_cast<unsigned char>(outcome);
 }
 
 }  // namespace
@@ -93,6 +105,7 @@ bool ZelDepthDefocusRender::Run(unsigned char* image, int width, int height, int
 }
 
 bool DefocusInternals::run(ZelDepthDefocusRender& render, const RunRequest& request) {
+    render.m_outcome = 0;
     if (!request.source.valid() || !request.target.valid()) {
         ZEL_LOG_ERROR("%s(%d) param error.", kRunName, __LINE__);
         return false;
@@ -115,8 +128,8 @@ bool DefocusInternals::run(ZelDepthDefocusRender& render, const RunRequest& requ
         PlaneView<const Byte> hairMask;
         if (request.useHairMask)
             hairMask = {render.m_hairMask, render.m_hairMaskWidth, render.m_hairMaskHeight};
-        renderScene(*scene,
-                    {.source = request.source,
+        render.m_outcome = numberOf(renderScene(
+            *scene, {.source = request.source,
                      .target = request.target,
                      .focusPoints = zellab::Bokeh::focusPointsOfFaces(request.faceCount, request.faces),
                      .focus = request.focus,
@@ -128,7 +141,7 @@ bool DefocusInternals::run(ZelDepthDefocusRender& render, const RunRequest& requ
                      .constantRadius = !request.useDepth,
                      .disparity = {render.m_depth, render.m_depthWidth, render.m_depthHeight},
                      .hairMask = hairMask,
-                     .kernel = kernel.view()});
+                     .kernel = kernel.view()}));
     }
     if (!request.hasCurrentContext) zellab::gl::EnvironmentHolder::doneCurrent();
     render.m_spin = 0;
