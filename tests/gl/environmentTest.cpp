@@ -53,15 +53,6 @@ TEST(Utils, ReadsTheShadingLanguageVersion) {
         EXPECT_EQ(Utils::parseShadingLanguageVersion(c.text), c.version) << (c.text ? c.text : "null");
 }
 
-TEST(Environment, AnEmptyHolderIsInvalidAndHarmless) {
-    const EnvironmentHolder holder;
-    EXPECT_FALSE(holder.isValid());
-    holder.makeCurrent();
-    EnvironmentHolder::doneCurrent();
-    EXPECT_FALSE(checkGlEnv());
-    EXPECT_EQ(Utils::shadingLanguageVersion(), -1);
-}
-
 TEST(Environment, SharesTexturesAndTakesTheFlagOfItsShare) {
     const EnvironmentHolder first(0, nullptr, false);
     ASSERT_TRUE(first.isValid());
