@@ -4,17 +4,10 @@
 
 #include "zellab/geometry/curveTools.h"
 #include "zellab/geometry/pointDeform.h"
-#include "zellab/geometry/linearSolve.h"
 
 namespace {
 
 using namespace zellab;
-
-TEST(SolveLinearGauss, ReportsASingularSystem) {
-    double matrix[2][2] = {{1, 2}, {2, 4}};
-    double rhs[2] = {1, 2};
-    EXPECT_EQ(SolveLinearGauss(matrix[0], sizeof matrix[0], 2, rhs, sizeof rhs[0], 1), 0);
-}
 
 TEST(ChordLagrangeResample, FollowsAParabolaInItsChordsFrame) {
     // (0,0), (4,2), (10,0) on y = x (10 - x) / 12, turned by a quarter: (x, y) -> (-y, x).
