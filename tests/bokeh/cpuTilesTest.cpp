@@ -113,31 +113,6 @@ TEST(CpuTiles, FullWindowsOfTheBrightestWeightsKeepTheirSums) {
     EXPECT_EQ(chorePicture(c), c.rgba);
 }
 
-// The two ways in which a neighbour may stay out, and radii that no kernel has.
-TEST(CpuTiles, ANeighbourNeedsToReachThePixelAndToBeSeenByIt) {
-    const int side = 21, middle = 10 * side + 10;
-    const auto withRadii = [&](int others, int own) {
-        BokehCase c{side,
-                    side,
-                    Bytes(side * side * 4, 0),
-                    Bytes(side * side, static_cast<unsigned char>(others)),
-                    Bytes(1056 * 176, 255),
-                    {},
-                    {1, 0, 0, 0}};
-        std::fill_n(c.rgba.begin() + 4 * middle, 3, 255);
-        c.radius[middle] = static_cast<unsigned char>(own);
-        return chorePicture(c);
-    };
-    EXPECT_EQ(withRadii(8, 3)[4 * (middle + 4)], 0) << "radius 3 does not reach 4 pixels far";
-    EXPECT_GT(withRadii(8, 3)[4 * (middle + 3)], 0);
-    EXPECT_EQ(withRadii(3, 8)[4 * (middle + 4)], 0) << "a pixel of radius 3 does not look 4 pixels far";
-    EXPECT_EQ(withRadii(0, 255)[4 * middle], 255) << "radius 255 counts as 30";
-    BokehCase empty{5, 5, zeltest::randomRgba(5, 5, 6), Bytes(25, 2), Bytes(1056 * 176, 0), {}, {1, 0, 0, 0}};
-    Bytes kept = empty.rgba;
-    for (std::size_t i = 3; i < kept.size(); i += 4) kept[i] = 255;
-    EXPECT_EQ(chorePicture(empty), kept) << "where nothing weighs anything the pixel stays";
-}
-
 TEST(CpuTiles, TilesCoverThePictureOnceAndAreSharedThroughTheCounter) {
     EXPECT_EQ(TileGrid(256, 1).across(), 1);
     EXPECT_EQ(TileGrid(257, 1).across(), 2);

@@ -2,7 +2,6 @@
 
 #include <cmath>
 #include <limits>
-#include <numeric>
 #include <vector>
 
 #include "bokeh/blurStrength.h"
@@ -108,107 +107,14 @@ TEST(BlurStrength, TheSliderIsMappedInThreePieces) {
     EXPECT_TRUE(std::isfinite(radiusAt(std::numeric_limits<int>::max())));
 }
 
-TEST(FocusDecision, OnAFaceTheBandHoldsTheFacesDepths) {
-    Plane<Byte> plane = filled(100, 80, 50);
-    for (int y = 20; y < 60; ++y) std::fill_n(plane.view().row(y) + 30, 40, Byte{200});
-    BlurStrength strength;
-    strength.radius = 60.0f;
-    strength.radiusPerDisparity = 0.6f;
-    const FocusBand band = decideFocus(mapOf(plane), {{0.5f, 0.5f}}, {0.5f, 0.45f}, strength);
-    EXPECT_TRUE(band.onFace);
-    // k = 200 / 750: near 201 - 53.333 / 1.26667 = 158.89, far 202 + 53.333 / 0.73333 = 274.7, cut to 255.
-    EXPECT_EQ(band.lowest, 158);
-    EXPECT_EQ(band.highest, 255);
-    EXPECT_NEAR(strength.radiusPerDisparity, 60.0f / 158.0f, 1e-5f);  // 0.6 is above 60 / 158
-    strength.radiusPerDisparity = 0.3f;
-    decideFocus(mapOf(plane), {{0.5f, 0.5f}}, {0.5f, 0.45f}, strength);
-    EXPECT_NEAR(strength.radiusPerDisparity, 158.8947f / 158.0f * 0.3f, 1e-5f);
-}
-
-TEST(FocusDecision, ElsewhereThePointDecides) {
-    Plane<Byte> plane = filled(100, 80, 90);
-    for (int y = 0; y < 40; ++y) std::fill_n(plane.view().row(y), 50, Byte{20});
-    BlurStrength strength;
-    strength.radius = 60.0f;
-    strength.radiusPerDisparity = 0.6f;
-    // The face lies too far back to count; the point stands alone.
-    const FocusBand band = decideFocus(mapOf(plane), {{0.2f, 0.2f}}, {0.9f, 0.9f}, strength);
-    EXPECT_FALSE(band.onFace);
-    // k = 0.06: 91 - 5.4 / 1.06 = 85.9, 92 + 5.4 / 0.94 = 97.7.
-    EXPECT_EQ(band.lowest, 85);
-    EXPECT_EQ(band.highest, 97);
-    EXPECT_NEAR(strength.radiusPerDisparity, 0.6f, 1e-6f);  // 60 / 85 is above it
-    Plane<Byte> far = filled(50, 50, 0);
-    const FocusBand zero = decideFocus(mapOf(far), {}, {1.0f, 1.0f}, strength);
-    EXPECT_EQ(zero.lowest, 1);
-    EXPECT_EQ(zero.highest, 2);
-}
-
-TEST(FocusDecision, SurvivesPointsAndPlanesOfAnyKind) {
-    Plane<Byte> plane = filled(7, 5, 120);
-    const float nan = std::numeric_limits<float>::quiet_NaN();
-    for (const float odd : {nan, -1e30f, 1e30f, 3.0f, -3.0f}) {
-        BlurStrength strength;
-        decideFocus(mapOf(plane), {{odd, odd}}, {odd, odd}, strength);
-        decideFocus(DisparityMap(), {{odd, odd}}, {odd, odd}, strength);
-        EXPECT_TRUE(std::isfinite(strength.radiusPerDisparity));
-    }
-}
-
-class Radii : public testing::Test {
-protected:
-    static DisparityMap ramp() {
-        Plane<Byte> plane(256, 1);
-        std::iota(plane.data(), plane.data() + 256, Byte{0});
-        DisparityMap map;
-        map.set(plane.view());  // 1 .. 254
-        return map;
-    }
-    static BlurStrength strengthOf(float perDisparity, float ratio) {
+TEST(Radii, ConstantRadiusIsTheSameEverywhere) {
+    const auto strengthOf = [](float perDisparity, float ratio) {
         BlurStrength strength;
         strength.radius = 100.0f * perDisparity;
         strength.radiusPerDisparity = perDisparity;
         strength.ratio = ratio;
         return strength;
-    }
-};
-
-TEST_F(Radii, GrowWithTheDistanceFromTheBand) {
-    const auto tables = radiiByDepth(ramp(), {true, 204, 230}, strengthOf(0.1f, 2.0f));
-    // Behind: gain (1 - 204 / 255) * 0.5 + 0.8 = 0.9, slope 0.05; in front 0.2.
-    EXPECT_EQ(tables.working[210], 0);
-    EXPECT_EQ(tables.working[104], 2);  // 100 * 0.045 = 4.5, less the two that stay sharp
-    EXPECT_EQ(tables.full[104], 9);     // 4.5 * 2
-    EXPECT_EQ(tables.working[254], 0);  // 24 * 0.01
-    EXPECT_NEAR(tables.largest, 203 * 0.045f, 1e-4f);
-    EXPECT_EQ(tables.working[0], tables.working[1]);  // nothing passes the largest
-}
-
-TEST_F(Radii, StopAtThirtyWorkingPixelsOnBothSides) {
-    for (const FocusBand band :
-         {FocusBand{true, 200, 220}, FocusBand{true, 2, 10}, FocusBand{false, 200, 220}}) {
-        const auto tables = radiiByDepth(ramp(), band, strengthOf(5.0f, 1.0f));
-        EXPECT_NEAR(tables.largest, 30.0f, 1e-3f);
-        for (const Byte radius : tables.working) EXPECT_LE(radius, 28);
-    }
-}
-
-TEST_F(Radii, WithoutAFaceTheBackgroundIsStretched) {
-    const auto straight = radiiByDepth(ramp(), {true, 204, 230}, strengthOf(0.2f, 1.0f));
-    const auto bent = radiiByDepth(ramp(), {false, 204, 230}, strengthOf(0.2f, 1.0f));
-    EXPECT_EQ(bent.full[1], straight.full[1]);  // the far end stays
-    const float top = 203 * 0.18f;              // capped: 30
-    EXPECT_GT(top, 30.0f);
-    EXPECT_EQ(bent.full[104], static_cast<int>(std::pow(100.0f / 203.0f, 1.2f) * 30.0f));
-    // A map that holds nothing behind the band has no top to stretch to.
-    Plane<Byte> near = filled(20, 20, 240);
-    DisparityMap map;
-    map.set(near.view());
-    const auto sharp = radiiByDepth(map, {false, 204, 230}, strengthOf(0.2f, 1.0f));
-    EXPECT_EQ(sharp.working[10], 0);
-}
-
-TEST_F(Radii, ConstantRadiusIsTheSameEverywhere) {
+    };
     const auto tables = constantRadii(strengthOf(0.255f, 2.0f));  // 25.5 / 2 - 2 = 10.75
     EXPECT_EQ(tables.working[0], 10);
     EXPECT_EQ(tables.working[255], 10);

@@ -197,23 +197,4 @@ TEST(DepthEstimators, CallTheBackEndInTheirOrder) {
                                           "Tavio Run Failed!", "run_tavio -"})));
 }
 
-TEST(PortraitDepth, AwkwardPicturesAndMasksGoThrough) {
-    const ScratchFolder folder;
-    TinyModel tiny;
-    tiny.input = {1, 3, 32, 48};
-    zellab::PortraitDepth depth;
-    const Bytes picture = randomRgba(5, 5000, 2), mask = randomPlane(3, 7, 1);
-    EXPECT_FALSE(depth.estimate({picture.data(), 1, 1}, {}).estimated) << "no network yet";
-    ASSERT_TRUE(depth.load(folder.write("m.onnx", tinyOnnx(tiny)).c_str()));
-    for (const auto& [width, height] : {std::pair{1, 1}, {5, 5000}, {1, 5000}, {160, 31}}) {
-        const auto planes = depth.estimate({picture.data(), width, height}, {mask.data(), 3, 7});
-        EXPECT_TRUE(planes.estimated);
-        EXPECT_EQ(planes.refined.size(), 384u * 384u);
-        EXPECT_EQ(zellab::scaleDepthPlane(planes.refined.view(), width, height).size(),
-                  static_cast<std::size_t>(width * height));
-    }
-    EXPECT_FALSE(depth.estimate({nullptr, 5, 5}, {}).estimated);
-    EXPECT_FALSE(depth.estimate({picture.data(), 0, 5}, {}).estimated);
-}
-
 }  // namespace

@@ -24,14 +24,6 @@ TEST(InterFacePoint, AFaceAboveTheEndLeavesTheSlotsBetweenNull) {
     EXPECT_NE(faces.GetInterPoints(2), nullptr);
 }
 
-TEST(InterFacePoint, TheSameIndexAgainKeepsTheBlock) {
-    CInterFacePoint faces;
-    faces.AddFace(someLandmarks().data(), 0);
-    const Vector2f* block = faces.GetInterPoints(0);
-    faces.AddFace(someLandmarks().data(), 0);
-    EXPECT_EQ(faces.GetInterPoints(0), block);
-}
-
 TEST(InterFacePoint, NullListsAndNegativeIndicesDoNothing) {
     CInterFacePoint faces;
     faces.AddFace(nullptr, 0);

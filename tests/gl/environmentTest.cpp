@@ -62,15 +62,6 @@ TEST(GlVersion, OnlyDesktopContextsFrom33OnWillDo) {
     EXPECT_FALSE(isOpenGl33(nullptr));
 }
 
-TEST(Environment, AnEmptyHolderIsInvalidAndHarmless) {
-    const EnvironmentHolder holder;
-    EXPECT_FALSE(holder.isValid());
-    holder.makeCurrent();
-    EnvironmentHolder::doneCurrent();
-    EXPECT_FALSE(checkGlEnv());
-    EXPECT_EQ(Utils::shadingLanguageVersion(), -1);
-}
-
 TEST(Environment, SharesTexturesAndTakesTheFlagOfItsShare) {
     const EnvironmentHolder first(0, nullptr, false);
     ASSERT_TRUE(first.isValid());

@@ -6,7 +6,6 @@
 #include <set>
 
 #include "effectChecks.h"
-#include "nearestWord.h"
 
 namespace {
 
@@ -73,16 +72,6 @@ TEST(EffectRegistry, EveryEffectIsCompleteAndItsDefaultsAreInRange) {
         }
     }
     EXPECT_THROW(zel::findEffect(""), zel::UsageError);
-}
-
-TEST(NearestWord, FindsSlipsAndLeavesStrangersAlone) {
-    const std::vector<std::string> words = {"bright", "mascara", "nature-smooth", "sharp"};
-    EXPECT_EQ(zel::nearestWord("brigth", words), "bright");
-    EXPECT_EQ(zel::nearestWord("shrap", words), "sharp");
-    EXPECT_EQ(zel::nearestWord("masscarra", words), "mascara");
-    EXPECT_EQ(zel::nearestWord("smooth", words), "nature-smooth");
-    EXPECT_EQ(zel::nearestWord("defocus", words), "");
-    EXPECT_EQ(zel::nearestWord(std::string(100000, 'a'), words), "");
 }
 
 TEST(EffectChecks, TellBothSizesAndMissingFaces) {

@@ -63,12 +63,10 @@ TEST(FacesJson, SaysWhatIsWrongAndWhere) {
         std::string json, says;
     } cases[] = {
         {"", "is not JSON"},
-        {"{\"image\":", "is not JSON"},
         {replaced(good, "\"width\":640", "\"width\":NaN"), "is not JSON"},
         {"[1]", "an object is needed"},
         {replaced(good, "\"image\"", "\"picture\""), "\"image\" is missing"},
         {replaced(good, "\"width\":640", "\"width\":0"), "image: width"},
-        {replaced(good, "\"width\":640", "\"width\":\"640\""), "image: width"},
         {replaced(good, "\"rect\":[", "\"rect\":[0,"), "face 0: rect: 4 numbers are needed, there are 5"},
         {replaced(good, firstPoint + ",", ""), "face 0: points: 83 pairs are needed, there are 82"},
         {replaced(good, firstPoint, "[0.5]"), "face 0: point 0: 2 numbers are needed"},
@@ -77,7 +75,6 @@ TEST(FacesJson, SaysWhatIsWrongAndWhere) {
         {replaced(good, firstPoint, "[1e999,0]"), "too large"},
         {replaced(good, "\"rect\":[0.1,0.2,", "\"rect\":[0.1,0.2,-"), "above 0"},
         {R"({"image":{"width":1,"height":1},"faces":{}})", "faces: must be a list"},
-        {R"({"image":{"width":1,"height":1},"faces":[7]})", "face 0"},
     };
     for (const auto& c : cases) {
         const std::string said = failureOf(c.json);

@@ -1,50 +1,20 @@
 #pragma once
 
-#include <unistd.h>
-
 #include <sys/wait.h>
 #include <cstdlib>
 #include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <string>
 
 #include "portrait/image.h"
-#include "support/randomImage.h"
+#include "support/scratchFolder.h"
 
 namespace zeltest {
 
-/// A folder of its own for one test, removed with everything in it.
-class TemporaryFolder {
-public:
-    TemporaryFolder() {
-        std::string name = (std::filesystem::temp_directory_path() / "zel-test-XXXXXX").string();
-        if (!mkdtemp(name.data())) std::abort();
-        m_path = name;
-    }
-    ~TemporaryFolder() { std::filesystem::remove_all(m_path); }
-    TemporaryFolder(const TemporaryFolder&) = delete;
-    TemporaryFolder& operator=(const TemporaryFolder&) = delete;
-    std::string operator/(const std::string& name) const { return (m_path / name).string(); }
-    const std::filesystem::path& path() const { return m_path; }
-
-private:
-    std::filesystem::path m_path;
-};
-
-inline Bytes readBytes(const std::string& path) {
-    std::ifstream file(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), {}};
-}
+using TemporaryFolder = ScratchFolder;
 
 inline std::string readText(const std::string& path) {
     const Bytes bytes = readBytes(path);
     return {bytes.begin(), bytes.end()};
-}
-
-inline void writeBytes(const std::string& path, const Bytes& bytes) {
-    std::ofstream(path, std::ios::binary)
-        .write(reinterpret_cast<const char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
 }
 
 /// A picture with shapes and edges; opaque unless asked.

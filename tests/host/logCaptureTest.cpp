@@ -1,17 +1,15 @@
 #include "run/logCapture.h"
 
-#include <fcntl.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <unistd.h>
 
 #include <cstdio>
 #include <optional>
-#include <thread>
 
 #include "hostSupport.h"
 #include "run/jobs.h"
 #include "run/logReader.h"
+#include "support/streamCapture.h"
 
 namespace {
 
@@ -19,31 +17,6 @@ using namespace zeltest;
 using testing::HasSubstr;
 using testing::Not;
 using zel::LogLine;
-
-/// Leads standard output and error into files while it lives.
-class RedirectedStreams {
-public:
-    explicit RedirectedStreams(const TemporaryFolder& folder) {
-        std::fflush(nullptr);
-        for (const int fd : {1, 2}) {
-            m_saved[fd - 1] = dup(fd);
-            const std::string path = folder / (fd == 1 ? "out" : "err");
-            const int file = open(path.c_str(), O_CREAT | O_WRONLY | O_APPEND, 0600);
-            dup2(file, fd);
-            close(file);
-        }
-    }
-    ~RedirectedStreams() {
-        std::fflush(nullptr);
-        for (const int fd : {1, 2}) {
-            dup2(m_saved[fd - 1], fd);
-            close(m_saved[fd - 1]);
-        }
-    }
-
-private:
-    int m_saved[2];
-};
 
 TEST(LogReader, TellsFormsApartHoweverTheBytesArrive) {
     const std::string stream =
@@ -75,9 +48,8 @@ TEST(LogReader, TellsFormsApartHoweverTheBytesArrive) {
 
 TEST(LogCapture, LosesNothingFromManyThreadsAndRestoresTheStreams) {
     constexpr int kThreads = 4, kLines = 400;
-    const TemporaryFolder folder;
+    StreamCapture output(stdout), errors(stderr);
     {
-        const RedirectedStreams streams(folder);
         zel::Messages messages(false, zel::Messages::Style::lines);
         {
             zel::LogCapture capture(messages, false);
@@ -97,20 +69,19 @@ TEST(LogCapture, LosesNothingFromManyThreadsAndRestoresTheStreams) {
         std::printf("result\n");
         std::fprintf(stderr, "after\n");
     }
-    const std::string err = readText(folder / "err");
+    const std::string err = errors.text();
     for (int job = 0; job < kThreads; ++job)
         for (int i = 0; i < kLines; ++i)
             ASSERT_THAT(err, HasSubstr("zel: library: fault " + std::to_string(job) + "." +
                                        std::to_string(i) + "\n"));
     EXPECT_THAT(err, Not(HasSubstr("remark")));
     EXPECT_THAT(err, testing::EndsWith("after\n"));
-    EXPECT_EQ(readText(folder / "out"), "result\n");
+    EXPECT_EQ(output.text(), "result\n");
 }
 
 TEST(LogCapture, NamesTheOneInputAtWorkAndShowsAllWhenAsked) {
-    const TemporaryFolder folder;
+    StreamCapture errors(stderr);
     for (const bool verbose : {false, true}) {
-        const RedirectedStreams streams(folder);
         zel::Messages messages(false, zel::Messages::Style::lines);
         zel::LogCapture capture(messages, verbose);
         capture.enter("a.png");
@@ -119,16 +90,15 @@ TEST(LogCapture, NamesTheOneInputAtWorkAndShowsAllWhenAsked) {
         capture.leave("a.png");
         messages.error("a.png", "host\nline\033[2J");
     }
-    EXPECT_EQ(readText(folder / "err"),
+    EXPECT_EQ(errors.text(),
               "zel: a.png: library: bad\nforeign\nzel: a.png: host?line?[2J\n"
               "zel: a.png: library: bad [x.cpp(1)]\n00000002 : loaded\nforeign\n"
               "zel: a.png: library: unreadable [stb_image_util/x.cpp(1)]\nzel: a.png: host?line?[2J\n");
 }
 
 TEST(Messages, DrawABarOnATerminalAndLinesElsewhere) {
-    const TemporaryFolder folder;
+    StreamCapture errors(stderr);
     for (const auto style : {zel::Messages::Style::lines, zel::Messages::Style::terminal}) {
-        const RedirectedStreams streams(folder);
         zel::Messages messages(false, style);
         messages.startProgress(2);
         messages.progress(0, "reading", 0.5);
@@ -136,21 +106,12 @@ TEST(Messages, DrawABarOnATerminalAndLinesElsewhere) {
         messages.error("c", "broken");
         messages.finished(1, "c -> d", true);
     }
-    const std::string text = readText(folder / "err");
+    const std::string text = errors.text();
     EXPECT_EQ(text.rfind("[1/2] a? -> b\nzel: c: broken\n\r\033[K[", 0), 0u) << text;
     EXPECT_THAT(text, HasSubstr("[###############...............] 1/2  reading"));
     // The error stands on a line of its own, and the bar is gone at the end.
     EXPECT_THAT(text, HasSubstr("\r\033[Kzel: c: broken\n"));
     EXPECT_THAT(text, testing::EndsWith("2/2  reading\r\033[K"));
-}
-
-TEST(Jobs, RunEachIndexOnce) {
-    for (const unsigned jobs : {0u, 1u, 3u, 64u}) {
-        std::vector<std::atomic<int>> runs(17);
-        zel::runJobs(runs.size(), jobs, [&](std::size_t i) { ++runs[i]; });
-        for (const auto& count : runs) EXPECT_EQ(count, 1);
-    }
-    zel::runJobs(0, 4, [](std::size_t) { ADD_FAILURE(); });
 }
 
 }  // namespace

@@ -65,15 +65,4 @@ TEST(Sheet, ReducesByTheMeanOfAreas) {
     EXPECT_EQ(zel::reduceToFit(checks, 4000, 4000).rgba, checks.rgba);
 }
 
-TEST(Glyphs, StayInsideThePictureAndShowWhereTheyFit) {
-    zel::Image image = flat(40, 12, 0);
-    const unsigned char white[3] = {255, 255, 255};
-    zel::drawText(image, -3, -3, "after", 2, white);
-    zel::drawText(image, 36, 9, "w~w", 3, white);
-    EXPECT_GT(countGrey(image, 255, 0, 20), 0);
-    zel::Image letter = flat(5, 7, 0);
-    zel::drawText(letter, 0, 0, "i", 1, white);
-    EXPECT_EQ(countGrey(letter, 255, 2, 3), 7);  // the stem of the I
-}
-
 }  // namespace

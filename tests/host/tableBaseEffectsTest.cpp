@@ -29,14 +29,6 @@ long busyness(const Image& image) {
     return sum;
 }
 
-TEST(TableBaseEffects, NeutralValuesLeaveThePicture) {
-    const Image image = zeltest::testImage(60, 80, 1);
-    EXPECT_EQ(applied("sharp", image, {"amount=0"}).rgba, image.rgba);
-    EXPECT_EQ(applied("gauss-blur", image, {"radius=0"}).rgba, image.rgba);
-    EXPECT_EQ(applied("color-mixing", image, {}).rgba, image.rgba);
-    EXPECT_EQ(applied("alpha-mix", image, {"strength=0"}, nullptr, &image).rgba, image.rgba);
-}
-
 TEST(TableBaseEffects, EachDoesWhatItsNameSays) {
     const Image image = zeltest::testImage(90, 120, 2);
     EXPECT_GT(busyness(applied("sharp", image, {})), busyness(image));

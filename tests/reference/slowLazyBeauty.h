@@ -152,6 +152,23 @@ inline int between(const Bytes& plane, int w, int h, int channels, int channel, 
     return static_cast<unsigned char>((column(right) - column(left)) * (x - left) + column(left));
 }
 
+/// Repairs the spots on the skin and tells where they were.
+inline Bytes repairSpots(Bytes& rgba, int w, int h, const Bytes& skin, const zellab::FaceData* face) {
+    zellab::SpotBox box;
+    if (face) box = {face->left, face->top, face->right - face->left, face->bottom - face->top};
+    Bytes spots(skin.size());
+    zellab::CSpotRepair::Run(rgba.data(), w, h, w * 4, skin.data(), 1, 2, box, spots.data());
+    return spots;
+}
+
+/// Takes the repaired spots of a small copy over into the picture.
+inline void pasteSpots(Bytes& rgba, int w, int h, const Bytes& small, int sw, int sh, const Bytes& spots) {
+    const Bytes where = scaleBilinear(blurredPlane(spots, sw, sh, 2), sw, sh, w, h, 1);
+    const Bytes large = scaleBilinear(small, sw, sh, w, h, 4);
+    for (std::size_t i = 0; i < rgba.size(); ++i)
+        if (i % 4 < 3 && where[i / 4] != 0) rgba[i] = large[i];
+}
+
 inline void lazyBeauty(LazyPicture& picture, const LazySettings& set, const zellab::OverlayTable& overlay,
                        const zellab::FaceData* fullFace) {
     const int w = picture.width, h = picture.height;
@@ -177,19 +194,13 @@ inline void lazyBeauty(LazyPicture& picture, const LazySettings& set, const zell
     const std::array<int, 3> mean = meanSkin(work, sw, sh, face);
     const Bytes mask = set.seesSkin ? redBlueMask(work, sw, sh, mean) : Bytes(work.size() / 4, 0);
     if (set.repairSpots) {
-        zellab::SpotBox box;
-        if (face) box = {face->left, face->top, face->right - face->left, face->bottom - face->top};
-        Bytes search = mask, spots(mask.size());
+        Bytes search = mask;
         if (face && !direct) zellab::CFeatureMaskPainter::Paint(search.data(), sw, sh, face->points, 15, 0);
-        zellab::CSpotRepair::Run(work.data(), sw, sh, sw * 4, search.data(), 1, 2, box, spots.data());
-        if (direct) {
+        const Bytes spots = repairSpots(work, sw, sh, search, face);
+        if (direct)
             rgba = work;
-        } else {
-            spots = scaleBilinear(blurredPlane(spots, sw, sh, 2), sw, sh, w, h, 1);
-            const Bytes large = scaleBilinear(work, sw, sh, w, h, 4);
-            for (std::size_t i = 0; i < rgba.size(); ++i)
-                if (i % 4 < 3 && spots[i / 4] != 0) rgba[i] = large[i];
-        }
+        else
+            pasteSpots(rgba, w, h, work, sw, sh, spots);
     }
     Bytes light;
     for (std::size_t i = 0; i < work.size(); i += 4)

@@ -98,16 +98,9 @@ inline void largeFaceBeauty(LazyPicture& picture, const zellab::FaceBeautyParams
     }
     Bytes work = resized(rgba, w, h, sw, sh, 4);
     RetouchPlanes planes(work, sw, sh, fullFace ? &small : nullptr);
-    if (set.repairSpots) {
-        zellab::SpotBox box;
-        if (fullFace) box = {small.left, small.top, small.right - small.left, small.bottom - small.top};
-        Bytes spots(planes.mask.size());
-        zellab::CSpotRepair::Run(work.data(), sw, sh, sw * 4, planes.mask.data(), 1, 2, box, spots.data());
-        spots = scaleBilinear(blurredPlane(spots, sw, sh, 2), sw, sh, w, h, 1);
-        const Bytes large = scaleBilinear(work, sw, sh, w, h, 4);
-        for (std::size_t i = 0; i < rgba.size(); ++i)
-            if (i % 4 < 3 && spots[i / 4] != 0) rgba[i] = large[i];
-    }
+    if (set.repairSpots)
+        pasteSpots(rgba, w, h, work, sw, sh,
+                   repairSpots(work, sw, sh, planes.mask, fullFace ? &small : nullptr));
     planes.addShadows(work, sw, sh, overlay);
     const int y = planes.brightness();
     const Table curve = middleCurve(128, y < 61    ? 156
@@ -159,11 +152,7 @@ inline void smallFaceBeauty(LazyPicture& picture, const zellab::FaceBeautyParams
     const int w = picture.width, h = picture.height;
     Bytes& rgba = picture.rgba;
     RetouchPlanes planes(rgba, w, h, face);
-    if (set.repairSpots) {
-        zellab::SpotBox box;
-        if (face) box = {face->left, face->top, face->right - face->left, face->bottom - face->top};
-        zellab::CSpotRepair::Run(rgba.data(), w, h, w * 4, planes.mask.data(), 1, 2, box, nullptr);
-    }
+    if (set.repairSpots) repairSpots(rgba, w, h, planes.mask, face);
     planes.addShadows(rgba, w, h, overlay);
     const int y = planes.brightness();
     const Table curve = middleCurve(128, y < 61 ? 156 : y < 101 ? 152 : y < 141 ? 150 : y > 200 ? 145 : 148);

@@ -3,11 +3,22 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <iterator>
 #include <string>
 
 #include "support/randomImage.h"
 
 namespace zeltest {
+
+inline Bytes readBytes(const std::string& path) {
+    std::ifstream file(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), {}};
+}
+
+inline void writeBytes(const std::string& path, const Bytes& bytes) {
+    std::ofstream(path, std::ios::binary)
+        .write(reinterpret_cast<const char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
+}
 
 /// A folder of its own that goes with the object.
 class ScratchFolder {
@@ -24,11 +35,12 @@ public:
     ScratchFolder& operator=(const ScratchFolder&) = delete;
 
     std::string path(const std::string& name) const { return (m_path / name).string(); }
+    const std::filesystem::path& path() const { return m_path; }
+    std::string operator/(const std::string& name) const { return path(name); }
 
     /// Writes a file and gives its path.
     std::string write(const std::string& name, const Bytes& bytes) const {
-        std::ofstream file(path(name), std::ios::binary);
-        file.write(reinterpret_cast<const char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
+        writeBytes(path(name), bytes);
         return path(name);
     }
 

@@ -42,16 +42,4 @@ inline zellab::FaceData faceIn(Size size) {
     return face;
 }
 
-/// Faces from a careless caller: boxes that are empty, huge, elsewhere or turned round, points of NaN.
-inline std::vector<zellab::FaceData> hostileFaces(Size size) {
-    std::vector<zellab::FaceData> faces(6, faceIn(size));
-    faces[0] = {};
-    faces[1].left = -5000, faces[1].right = 9000, faces[1].top = -77, faces[1].bottom = 100000;
-    faces[2].left = size.width * 2, faces[2].right = size.width * 3;
-    faces[3].right = faces[3].left + 1, faces[3].bottom = faces[3].top + 1;
-    faces[4].left = 2147483647, faces[4].right = -2147483647, faces[4].top = -2147483647;
-    for (auto& p : faces[5].points) p = {NAN, INFINITY};
-    return faces;
-}
-
 }  // namespace zeltest

@@ -2,8 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <fstream>
-
 #include "reference/slowSkin.h"
 #include "support/scratchFolder.h"
 #include "support/skinPicture.h"
@@ -21,13 +19,8 @@ using zeltest::Size;
 
 const Size kSmall{90, 70}, kLarge{641, 60};
 
-Bytes readFile(const std::string& path) {
-    std::ifstream file(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), {}};
-}
-
 Bytes cube(const char* name) {
-    Bytes file = readFile(std::string("style/base/") + name);
+    Bytes file = zeltest::readBytes(std::string("style/base/") + name);
     return file.erase(file.begin(), file.begin() + 8), file;
 }
 
@@ -114,7 +107,7 @@ TEST(FaceBeauty, EachMissingTableHasItsLineAndItsOutcome) {
         Bytes complete = picture;
         ASSERT_TRUE(run(complete, size, params));
         const std::string path = folder.path(std::string("style/base/") + table + ".bin");
-        const Bytes whole = readFile(path);
+        const Bytes whole = zeltest::readBytes(path);
         for (const bool damaged : {false, true}) {
             if (damaged)
                 folder.write(std::string("style/base/") + table + ".bin", {2, 0, 0, 0, 2, 0, 0, 0, 1});
@@ -136,58 +129,6 @@ TEST(FaceBeauty, EachMissingTableHasItsLineAndItsOutcome) {
         }
         folder.write(std::string("style/base/") + table + ".bin", whole);
     }
-}
-
-/// What the options promise, on the large road.
-TEST(FaceBeauty, SmoothsSkinAloneAndKeepsTheDark) {
-    const zeltest::WithAssets assets;
-    const Size size{660, 120};
-    const auto lightnessRoughness = [&](const Bytes& rgba, bool skin) {
-        double sum = 0;
-        for (int y = 20; y < 100; ++y)
-            for (int x = skin ? 300 : 10; x < (skin ? 360 : 60); ++x) {
-                const std::size_t i = static_cast<std::size_t>(y * size.width + x) * 4 + 1;
-                sum += std::abs(rgba[i] - rgba[i + 4]);
-            }
-        return sum;
-    };
-    const auto smoothed = [&](Bytes rgba, float strength) {
-        EXPECT_TRUE(run(rgba, size, {0, 0, 0, 0, 0.0f, strength, nullptr}));
-        return rgba;
-    };
-    Bytes picture = faceLike(size, 3);
-    const Bytes none = smoothed(picture, 0.0f), half = smoothed(picture, 0.5f),
-                full = smoothed(picture, 1.0f);
-    EXPECT_LT(lightnessRoughness(half, true), 0.8 * lightnessRoughness(none, true));
-    EXPECT_LT(lightnessRoughness(full, true), 0.9 * lightnessRoughness(half, true));
-    EXPECT_NEAR(lightnessRoughness(full, false), lightnessRoughness(none, false), 60);
-    for (unsigned char& b : picture) b = static_cast<unsigned char>(b / 4);
-    EXPECT_EQ(smoothed(picture, 1.0f), smoothed(picture, 0.0f)) << "below a quarter nothing is smoothed";
-    EXPECT_EQ(smoothed(picture, NAN), smoothed(picture, 0.0f));
-}
-
-TEST(FaceBeauty, BadArgumentsAndHostileFacesAreContained) {
-    const zeltest::WithAssets assets;
-    const FaceBeautyParams params{1, 1, 1, 1, 0.5f, 1.0f, nullptr};
-    const zeltest::StreamCapture quiet(stderr);
-    Bytes rgba = faceLike(kSmall, 1);
-    const Bytes before = rgba;
-    EXPECT_FALSE(CFaceBeauty().Run(nullptr, 30, 30, nullptr, 0, 0, 0, nullptr, &params));
-    EXPECT_FALSE(CFaceBeauty().Run(rgba.data(), 0, 30, nullptr, 0, 0, 0, nullptr, &params));
-    EXPECT_FALSE(CFaceBeauty().Run(rgba.data(), 30, -1, nullptr, 0, 0, 0, nullptr, &params));
-    EXPECT_FALSE(CFaceBeauty().Run(rgba.data(), 30, 30, nullptr, 0, 0, 0, nullptr, nullptr));
-    EXPECT_EQ(rgba, before);
-    const int levels[] = {-900, 0, 2000000000, 400, -2000000000};
-    for (const Size size : {Size{1, 1}, {1, 5000}, {5000, 1}, {40, 30}, {700, 20}})
-        for (FaceData& face : zeltest::hostileFaces(size))
-            for (const float strength : {-5.0f, 1e30f, NAN}) {
-                const FaceBeautyParams wild{1, 1, 0, 1, strength, strength, levels};
-                Bytes picture = faceLike(size, 5);
-                EXPECT_TRUE(CFaceBeauty().Run(picture.data(), size.width, size.height, nullptr, -3, 900000, 1,
-                                              &face, &wild));
-                EXPECT_TRUE(face.left >= 0 && face.right <= size.width && face.top >= 0 &&
-                            face.bottom <= size.height);
-            }
 }
 
 }  // namespace

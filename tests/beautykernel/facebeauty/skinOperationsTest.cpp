@@ -3,42 +3,18 @@
 #include <cmath>
 
 #include "reference/slowSkin.h"
-#include "support/guardedBytes.h"
+#include "support/hostFaces.h"
 #include "support/skinPicture.h"
-#include "support/standardFace.h"
 #include "support/streamCapture.h"
 #include "support/workingFolder.h"
-#include "zel_effects/zel_effects.h"
-#include "zellab/imageproc/tone/levels.h"
 #include "zellab/imageproc/tone/toneBlend.h"
 
 namespace {
 
 using ZelImageCore::TableSkin;
 using zeltest::Bytes;
+using zeltest::HostFaces;
 using zeltest::Size;
-
-/// Faces as a host hands them over: the first in the middle of the picture, more of them reach out of it.
-struct HostFaces {
-    struct {
-        ImageCoreFaceInfo head{};
-        ImageCoreFace faces[3]{};
-    } record;
-    HostFaces(Size size, int count) {
-        record.head.faceCount = count;
-        const auto w = static_cast<float>(size.width), h = static_cast<float>(size.height);
-        for (int f = 0; f < 3; ++f) {
-            const auto points =
-                zeltest::standardFace(0.5f * w, 0.5f * h, 0.3f * w * static_cast<float>(f + 1));
-            for (std::size_t i = 0; i < points.size(); ++i)
-                record.faces[f].points[i][0] = points[i].x / w,
-                record.faces[f].points[i][1] = points[i].y / h;
-            const float rect[] = {0.15f, 0.1f, 0.7f, 0.8f};
-            std::copy(rect, rect + 4, record.faces[f].rect);
-        }
-    }
-    ImageCoreFaceInfo* info() { return &record.head; }
-};
 
 Bytes retouched(Bytes rgba, Size size, float strength, ImageCoreFaceInfo* faces, Bytes mask = {}) {
     const zeltest::StreamCapture quiet(stderr);
@@ -66,8 +42,6 @@ Bytes curved(Bytes rgba, int y) {
     slow::eachColour(rgba, [&](unsigned char v, std::size_t) { return table[v]; });
     return rgba;
 }
-
-const float kBad[] = {NAN, INFINITY, -INFINITY, 1e30f, -1e30f};
 
 /// With no face the eye step finds nothing, so that every step is known.
 TEST(QornRetouchMatchesSlow, WithoutAFace) {
@@ -173,42 +147,6 @@ TEST(SkinColor, TintsThroughTheTableAndRefusesShortOnes) {
     EXPECT_NE(tinted(0.5f, 0, 64, 64), picture) << "level 0 brightens a little";
     for (const auto& [w, h] : {std::pair{63, 64}, {0, 64}, {-64, -64}})
         EXPECT_EQ(tinted(0.9f, 5, w, h), picture);
-}
-
-/// NaN leaves the picture; other wild numbers, no picture and odd shapes end without a stray access.
-TEST(SkinOperations, BadInputIsContained) {
-    const zeltest::WithAssets assets;
-    const zeltest::StreamCapture quiet(stderr);
-    const Size size{30, 20};
-    const Bytes picture = zeltest::faceLike(size, 29);
-    float nanParams[] = {NAN, NAN, NAN, NAN};
-    EXPECT_EQ(retouched(picture, size, NAN, nullptr), picture);
-    EXPECT_EQ(whitened(picture, size, NAN, 0.6f), picture);
-    EXPECT_EQ(whitened(picture, size, 3, NAN), picture);
-    EXPECT_EQ(skinned(picture, size, {3, 5, NAN, 0}), picture);
-    Bytes same = picture;
-    TableSkin::ImageProcessWithSkinColor(same.data(), 30, 20, NAN, 1, same.data(), 64, 64);
-    EXPECT_EQ(same, picture);
-    for (const Size odd : {Size{0, 5}, {1, 1}, {1, 5000}, {5000, 1}, {3, 3}}) {
-        const std::size_t count = static_cast<std::size_t>(odd.width * odd.height);
-        HostFaces faces(odd.width > 0 ? odd : size, 1), lost(odd.width > 0 ? odd : size, -7);
-        for (auto& point : faces.record.faces[0].points) point[0] = kBad[odd.height % 5];
-        faces.record.faces[0].rect[0] = NAN;
-        for (const float bad : kBad) {
-            zeltest::GuardedBytes rgba(count * 4), mask(count);
-            std::fill_n(nanParams, 4, bad);
-            unsigned char* p = odd.width > 0 ? rgba.data() : nullptr;
-            TableSkin::ImageProcessWithQornSkinRetouch(p, odd.width, odd.height, bad, faces.info(),
-                                                       mask.data());
-            TableSkin::ImageProcessWithQornSkinRetouch(p, odd.width, odd.height, 1, lost.info(), nullptr);
-            TableSkin::ImageProcessWithQornSkinWhitening(p, odd.width, odd.height, nanParams, faces.info(),
-                                                         mask.data(), p);
-            TableSkin::ImageProcessWithSkin(p, odd.width, odd.height, nanParams, nullptr);
-            TableSkin::ImageProcessWithSkinColor(p, odd.width, odd.height, bad, bad,
-                                                 Bytes(64 * 64 * 4, 9).data(), 64, 64);
-            EXPECT_TRUE(rgba.guardsIntact() && mask.guardsIntact() && mask.allAre(0x66));
-        }
-    }
 }
 
 }  // namespace

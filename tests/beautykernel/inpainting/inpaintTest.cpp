@@ -109,15 +109,6 @@ TEST(Inpaint, AwkwardMasksAreContained) {
                     EXPECT_EQ(p.pixels, alphaBefore);
                 }
             }
-    Picture p(30, 30, 3);
-    TableSkin::ImageProcessWithInpaint(nullptr, 30, 30, p.mask.data(), 1);
-    TableSkin::ImageProcessWithInpaint(p.pixels.data(), 30, 30, nullptr, 0);
-    TableSkin::ImageProcessWithInpaint(p.pixels.data(), -5, 30, p.mask.data(), 0);
-    for (int method : {0, 2}) {
-        TableSkin::ImageProcessWithWrinkleCleaner(nullptr, 30, 30, p.mask.data(), 50, method);
-        TableSkin::ImageProcessWithWrinkleCleaner(p.pixels.data(), 30, 30, nullptr, 50, method);
-        TableSkin::ImageProcessWithWrinkleCleaner(p.pixels.data(), 30, 0, p.mask.data(), 50, method);
-    }
 }
 
 TEST(GradientInpainter, StrengthActsThroughItsSquareRoot) {
@@ -193,23 +184,6 @@ TEST(PatchFill, AHoleOfOneRowOrWithoutSourcesStays) {
     EXPECT_FALSE(engine.Run(row.pixels.data(), 40, 40, 0, row.mask.data(), 16, 100, 20));
     EXPECT_EQ(row.pixels, before);
     EXPECT_EQ(whole.pixels, before);
-}
-
-TEST(PatchTables, HoldTheirTellingValues) {
-    const auto& cost = colourCost();
-    const int expected[] = {0, 16, 67, 151, 269, 418};
-    for (std::size_t i = 0; i < std::size(expected); ++i) {
-        EXPECT_EQ(cost[256 + i], expected[i]);
-        EXPECT_EQ(cost[256 - i], expected[i]);
-    }
-    EXPECT_EQ(cost[0], 65535);
-    int last = 0;
-    std::set<std::pair<int, int>> seen;
-    for (const CellOffset o : kNeighbourOffsets) {
-        EXPECT_GE(o.x * o.x + o.y * o.y, last);
-        last = o.x * o.x + o.y * o.y;
-        EXPECT_TRUE(seen.insert({o.x, o.y}).second);
-    }
 }
 
 TEST(WrinkleCleaner, BlockSizeFollowsThePicture) {

@@ -1,14 +1,11 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
-#include <cstring>
 #include <limits>
 
-#include "frame/processorCount.h"
-#include "zel_effects/zel_effects.h"
-#include "support/randomImage.h"
-#include "support/standardFace.h"
+#include "support/hostFaces.h"
 #include "support/workingFolder.h"
+#include "zel_effects/zel_effects.h"
 
 namespace {
 
@@ -30,24 +27,9 @@ Bytes halvingLookup() {
     return cube;
 }
 
-/// One face in the middle of the picture, as a host hands it over.
-struct OneFace {
-    struct {
-        ImageCoreFaceInfo head{};
-        ImageCoreFace face{};
-    } record;
-    explicit OneFace(int count = 1) {
-        record.head.faceCount = count;
-        auto* values = reinterpret_cast<float*>(&record.face);
-        const float rect[] = {0.2f, 0.2f, 0.6f, 0.6f};
-        std::memcpy(values, rect, sizeof rect);
-        const auto points = zeltest::standardFace(0.5f * kWidth, 0.55f * kHeight, 44.0f);
-        for (std::size_t i = 0; i < points.size(); ++i) {
-            values[4 + 2 * i] = points[i].x / kWidth;
-            values[5 + 2 * i] = points[i].y / kHeight;
-        }
-    }
-    ImageCoreFaceInfo* info() { return &record.head; }
+/// A face in the middle of the picture.
+struct OneFace : zeltest::HostFaces {
+    explicit OneFace(int count = 1) : HostFaces({kWidth, kHeight}, count) {}
 };
 
 Bytes picture() {
@@ -137,18 +119,6 @@ TEST(PortraitScenario, WithoutTheSkinAssetTheReshapedPictureStays) {
     EXPECT_LT(half[0], before[0]);
 }
 
-TEST(PortraitScenario, TheWorkersDoNotChangeTheBytes) {
-    const zeltest::WithAssets assets;
-    OneFace face;
-    Bytes first;
-    for (int workers : {1, 3}) {
-        const zellab::WorkerCount count(workers);
-        const Bytes pixels = portrait(0.6f, face.info());
-        if (first.empty()) first = pixels;
-        EXPECT_EQ(pixels, first) << workers;
-    }
-}
-
 TEST(OtherScenarios, ZeroStrengthIsRefusedAndUnknownNumbersDoNothing) {
     Bytes lookup = halvingLookup();
     for (int type : {0, 1, 3, 4, 5, 6, 7, 8})
@@ -179,22 +149,6 @@ TEST(OtherScenarios, EachRecipeTakesTheLookButForHaze) {
             EXPECT_NEAR(ratio, 0.5, 0.04) << type;
         }
         EXPECT_EQ(ran(static_cast<eScenarioType>(type), 1.7f, lookup.data(), nullptr), full) << type;
-    }
-}
-
-TEST(OtherScenarios, NullPointersAndTinyPicturesAreHarmless) {
-    Bytes lookup = halvingLookup();
-    OneFace face;
-    const zeltest::WithAssets assets;
-    for (int type = 0; type <= 8; ++type) {
-        ZelImageCore::CScenarioBeauty beauty;
-        const auto scenario = static_cast<eScenarioType>(type);
-        ran(scenario, 0.5f, nullptr, nullptr);
-        for (const auto& [w, h] : {std::pair{1, 1}, {1, 50}, {50, 1}, {0, 5}, {5, -1}}) {
-            Bytes pixels(static_cast<std::size_t>(std::max(w * h, 1)) * 4, 90);
-            beauty.Run(pixels.data(), w, h, scenario, 0.5f, lookup.data(), face.info());
-            for (std::size_t i = 3; i < pixels.size(); i += 4) ASSERT_EQ(pixels[i], 90);
-        }
     }
 }
 

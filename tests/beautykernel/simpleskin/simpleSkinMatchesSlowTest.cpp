@@ -1,8 +1,8 @@
 #include <gtest/gtest.h>
 
-#include "zel_effects/zel_effects.h"
 #include "reference/slowSimpleSkin.h"
 #include "support/everyMachine.h"
+#include "zel_effects/zel_effects.h"
 
 namespace {
 
@@ -36,6 +36,15 @@ TEST(BrightAndMascaraMatchSlow, OnEveryLevel) {
                 });
                 ASSERT_FALSE(HasFailure());
             }
+}
+
+TEST(NatureTable, RisesFromBlackAndLiftsTheMiddle) {
+    const auto& table = zellab::NatureTable;
+    EXPECT_TRUE(std::is_sorted(table.begin(), table.end()));
+    for (const auto& [from, to] : {std::pair{10, 0}, {12, 3}, {40, 40}, {64, 71}, {255, 255}})
+        EXPECT_EQ(table[static_cast<std::size_t>(from)], to);
+    for (int i = 0; i < 256; ++i)
+        EXPECT_NEAR(table[static_cast<std::size_t>(i)] - i, i < 40 ? -5 : 9, 9) << i;
 }
 
 TEST(NatureSmoothMatchesSlow, OnNoiseAndPattern) {

@@ -6,7 +6,6 @@
 #include "beautykernel/skinmaskstatisdetector/skinMaskStatisDetector.h"
 #include "reference/slowSkinModel.h"
 #include "support/everyMachine.h"
-#include "support/streamCapture.h"
 
 namespace {
 
@@ -110,29 +109,6 @@ TEST(SkinMaskManager, MeanColourAndFeatures) {
     EXPECT_EQ((std::array<int, 6>{manager.meanY, manager.meanCb, manager.meanCr, manager.meanR, manager.meanG,
                                   manager.meanB}),
               (std::array{139, 121, 143, 160, 130, 126}));
-}
-
-TEST(SkinMaskManager, HostileFacesAreContainedAndLogged) {
-    for (const auto& [w, h] : {zeltest::Size{1, 1}, {1, 900}, {900, 1}, {30, 20}}) {
-        const slow::SkinPlanes p = planesOf(w, h, 5, 100, 110, 150);
-        SkinFaceRecord faces[5] = {{},
-                                   recordIn(0, 0, 1, 1),
-                                   recordIn(-900, -900, 900, 900),
-                                   recordIn(w + 5, h + 5, w + 50, h + 50),
-                                   recordIn(0, 0, w, h)};
-        faces[4].points[48] = {NAN, INFINITY};
-        SkinMaskManager manager(0);
-        for (const SkinFaceRecord& face : faces)
-            manager.DetectSkin(p.y.data(), p.cb.data(), p.cr.data(), w, h, 1, &face, 15, true);
-        zeltest::StreamCapture log(stderr);
-        manager.DetectSkin(p.y.data(), p.cb.data(), p.cr.data(), w, h, 5, faces, 15, false);
-        EXPECT_NE(log.text().find("SkinMaskStatisDetector::GetFaceColorYuv:: Face Size is illegal!"),
-                  std::string::npos);
-        manager.DetectSkin(p.y.data(), p.cb.data(), p.cr.data(), w, h, 3, nullptr, 15, false);
-        manager.DetectSkin(nullptr, p.cb.data(), p.cr.data(), w, h, 1, faces, 15, false);
-        manager.DetectSkin(p.y.data(), p.cb.data(), p.cr.data(), 0, h, 1, faces, 15, false);
-        EXPECT_EQ(manager.GetSkinMask(), nullptr);
-    }
 }
 
 }  // namespace

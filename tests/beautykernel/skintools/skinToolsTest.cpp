@@ -74,15 +74,6 @@ TEST(SpotRepair, NothingIsRepairedOffTheSkinOrOnATinyFace) {
     EXPECT_TRUE(changes(dotted, {40, 50, 500, 100})) << "a box that leaves the picture is no box";
 }
 
-TEST(SpotRepair, AwkwardPicturesAreContained) {
-    for (const auto& [w, h] : {std::pair{1, 1}, {1, 40}, {40, 1}, {4, 4}, {10, 9}, {17, 23}}) {
-        Bytes pixels = zeltest::patternRgba(w, h, 1), mask(static_cast<std::size_t>(w * h), 255);
-        EXPECT_TRUE(CSpotRepair::Run(pixels.data(), w, h, w * 4, mask.data(), 1, 2, {}, nullptr));
-        EXPECT_FALSE(CSpotRepair::Run(pixels.data(), w, h, w, mask.data(), 1, 2, {}, nullptr));
-    }
-    EXPECT_FALSE(CSpotRepair::Run(nullptr, 5, 5, 20, nullptr, 1, 2, {}, nullptr));
-}
-
 TEST(SpotPatch, SolvesItsEquations) {
     // Each written cell fulfils 4 u - neighbours = texture, up to the truncation of the five values.
     for (int radius : {0, 1, 2}) {
@@ -163,20 +154,6 @@ TEST(PolygonFill, MatchesTheCrossingCountAtEveryPixel) {
                 ASSERT_EQ(kept[i], crossings % 2 ? original[i] : 9);
             }
     }
-}
-
-TEST(PolygonFill, HostilePolygonsAreContained) {
-    Bytes plane(20 * 10, 1);
-    const Bytes before = plane;
-    EXPECT_FALSE(FillPolygonMask({plane.data(), 20, 10}, {}, 5));
-    EXPECT_FALSE(FillPolygonMask({nullptr, 20, 10}, {{1, 1}}, 5));
-    EXPECT_TRUE(FillPolygonMask({plane.data(), 20, 10}, {{4, 4}}, 5)) << "one point encloses nothing";
-    EXPECT_TRUE(FillPolygonMask({plane.data(), 20, 10}, {{NAN, 1}, {5, 5}, {9, 1}}, 5));
-    EXPECT_TRUE(FillPolygonMask({plane.data(), 20, 10}, {{INFINITY, 1}, {5, 5}, {9, 1}}, 5));
-    EXPECT_EQ(plane, before);
-    EXPECT_TRUE(FillPolygonMask({plane.data(), 20, 10},
-                                {{-1e9f, -1e9f}, {1e9f, -1e9f}, {1e9f, 1e9f}, {-1e9f, 1e9f}}, 5));
-    EXPECT_EQ(plane, Bytes(20 * 10, 5));
 }
 
 TEST(FeatureMaskPainter, PaintsWhatItsBitsName) {

@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <cmath>
 
 #include "faceFinder.h"
 #include "faceFrame.h"
@@ -97,31 +96,11 @@ TEST(LandmarkFit, NoFaceIsSeenWhereThereIsNone) {
     EXPECT_TRUE(find(hidden).faces.empty());
 }
 
-TEST(LandmarkFit, AligningUndoesATurnScaleAndShift) {
-    const zel::Landmarks& mean = zel::landmarkModel().mean;
-    const zel::Similarity by{30, -12, 200, 90};
-    const zel::Similarity found = zel::aligning(mean, zel::moved(mean, by));
-    EXPECT_NEAR(found.a, by.a, 1e-3f);
-    EXPECT_NEAR(found.b, by.b, 1e-3f);
-    EXPECT_NEAR(found.shiftX, by.shiftX, 1e-2f);
-    EXPECT_LT(zel::landmarkError(zel::moved(zel::moved(mean, by), by.inverse()), mean), 1e-5f);
-    EXPECT_NEAR(zel::pupilDistance(mean), 1.0f, 1e-3f);
-}
-
 TEST(LandmarkFit, DamagedTableIsRefused) {
     const char* const cut[] = {"0.5 0.25 -0.5"};
     EXPECT_THROW(zel::decodeModel(cut, 1), std::runtime_error);
     const char* const words[] = {"0.5 nonsense"};
     EXPECT_THROW(zel::decodeModel(words, 1), std::runtime_error);
-}
-
-TEST(LandmarkFit, MissingDetectorDataNameTheirPackage) {
-    try {
-        const zel::FaceDetector detector("/nonexistent");
-        FAIL() << "a detector without data was made";
-    } catch (const zel::DetectorMissing& missing) {
-        EXPECT_NE(std::string(missing.what()).find("opencv-data"), std::string::npos);
-    }
 }
 
 }  // namespace

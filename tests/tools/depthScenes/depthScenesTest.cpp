@@ -1,7 +1,5 @@
 #include <gtest/gtest.h>
 
-#include <cmath>
-
 #include "layer.h"
 #include "person.h"
 #include "place.h"
@@ -55,16 +53,6 @@ TEST(DepthScenes, DistancesNeverLeapIntoAPerson) {
             }
         }
     }
-}
-
-TEST(DepthScenes, SolidDistancesMatchTheirShapes) {
-    EXPECT_NEAR(fromEllipsoid({3, 0, 0}, {0, 0, 0}, {1, 1, 1}), 2, 1e-5f);
-    EXPECT_NEAR(fromCapsule({0, 2, 0}, {-1, 0, 0}, {1, 0, 0}, 0.5f, 0.5f), 1.5f, 1e-5f);
-    EXPECT_NEAR(fromCapsule({4, 0, 0}, {-1, 0, 0}, {1, 0, 0}, 0.1f, 0.5f), 2.5f, 1e-5f);
-    EXPECT_NEAR(fromBox({2, 3, 0}, {1, 1, 0}, {1, 1, 1}, 0), 1, 1e-5f);
-    EXPECT_LT(joined(0.1f, 0.1f, 0.1f), 0.1f);
-    EXPECT_FLOAT_EQ(joined(0.1f, 0.9f, 0.1f), 0.1f);
-    EXPECT_GT(without(-0.5f, -0.2f, 0.01f), 0.19f);
 }
 
 /// Nothing may stand between the camera and what a ray meets: looking back along the ray shows it.

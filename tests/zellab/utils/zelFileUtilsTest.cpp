@@ -5,10 +5,10 @@
 
 #include <cstdlib>
 #include <filesystem>
-#include <fstream>
 #include <memory>
 
 #include "support/environment.h"
+#include "support/scratchFolder.h"
 #include "support/workingFolder.h"
 #include "zellab/utils/assetFolders.h"
 
@@ -17,21 +17,11 @@ namespace {
 using zellab::ZelFileUtils;
 using Pixels = std::unique_ptr<unsigned char, void (*)(void*)>;
 
-/// A folder of its own for each test, and the asset root emptied at the end.
 class StyleAsset : public testing::Test {
 protected:
-    void SetUp() override {
-        m_folder = std::filesystem::path(testing::TempDir()) /
-                   (std::string("assets_") + testing::UnitTest::GetInstance()->current_test_info()->name());
-        std::filesystem::create_directories(m_folder);
-    }
-    void TearDown() override {
-        ZelFileUtils::SetAssetRoot(nullptr);
-        std::filesystem::remove_all(m_folder);
-    }
+    void TearDown() override { ZelFileUtils::SetAssetRoot(nullptr); }
     std::string write(const std::string& name, const std::string& bytes) const {
-        std::ofstream(m_folder / name, std::ios::binary) << bytes;
-        return (m_folder / name).string();
+        return m_folder.write(name, {bytes.begin(), bytes.end()});
     }
     Pixels load(const std::string& path) {
         testing::internal::CaptureStderr();
@@ -46,7 +36,7 @@ protected:
         return bytes;
     }
 
-    std::filesystem::path m_folder;
+    zeltest::ScratchFolder m_folder;
     std::string m_log;
     int m_width = -7, m_height = -7;
 };
@@ -74,17 +64,16 @@ TEST_F(StyleAsset, DamagedHeadsAndWhatIsNoFileGiveNothingAndNoMessage) {
         EXPECT_FALSE(load(write("a.bin", bytes)));
         EXPECT_EQ(m_log, "");
     }
-    const std::string pipe = (m_folder / "pipe").string();
+    const std::string pipe = m_folder.path("pipe");
     ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
-    for (const std::string& path : {m_folder.string(), pipe, std::string("/dev/zero")}) {
+    for (const std::string& path : {m_folder.path(""), pipe, std::string("/dev/zero")}) {
         EXPECT_FALSE(load(path)) << path;
         EXPECT_EQ(m_log, "");
     }
 }
 
 TEST_F(StyleAsset, MissingAndOverlongPathsAreLoggedAsProgressNullAsAnError) {
-    for (const std::string& path :
-         {(m_folder / "none.bin").string(), std::string(5000, 'x'), std::string()}) {
+    for (const std::string& path : {m_folder / "none.bin", std::string(5000, 'x'), std::string()}) {
         EXPECT_FALSE(load(path));
         EXPECT_NE(m_log.find("ZelFileUtils->LoadPPM file not from sdcard or not exist!\r\n"),
                   std::string::npos);
@@ -100,8 +89,9 @@ TEST_F(StyleAsset, TheRootServesPathsThatDoNotExistByThemselves) {
     write("a.bin", head(1, 1) + "root");
     std::filesystem::create_directories(m_folder / "own");
     const std::string own = write("own/b.bin", head(1, 1) + "self");
-    ZelFileUtils::SetAssetRoot(m_folder.c_str());
-    EXPECT_STREQ(ZelFileUtils::GetAssetRoot(), m_folder.c_str());
+    const std::string root = m_folder.path().string();
+    ZelFileUtils::SetAssetRoot(root.c_str());
+    EXPECT_STREQ(ZelFileUtils::GetAssetRoot(), root.c_str());
     EXPECT_EQ(*load("a.bin"), 'r');
     EXPECT_EQ(*load(own), 's');
 }

@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <cstring>
 
 #include "frame/processorCount.h"
 #include "support/randomImage.h"
@@ -23,13 +22,6 @@ ImageBuffer bufferOf(const Bytes& bytes) {
 Bytes flattened(const Bytes& rgba, ImageSize size) {
     const ImageBuffer flat = zellab::alphaAdjust(bufferOf(rgba), size, size);
     return Bytes(flat.get(), flat.get() + rgba.size());
-}
-
-TEST(AlphaFlatten, GivesTheHandWorkedPixels) {
-    const Bytes pixels = {0, 200, 255, 255, 0, 200, 255, 0, 0, 200, 1, 128, 10, 10, 10, 1, 100, 33, 0, 77};
-    const Bytes expected = {0,   200, 255, 255, 255, 255, 255, 255, 126, 226,
-                            126, 255, 253, 253, 253, 255, 207, 186, 177, 255};
-    EXPECT_EQ(flattened(pixels, {5, 1}), expected);
 }
 
 // Every value under every alpha, in the documented steps: share in single precision from a division in

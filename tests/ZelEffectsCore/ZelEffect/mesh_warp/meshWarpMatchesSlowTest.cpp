@@ -53,7 +53,7 @@ TEST(MlsDeformMatchesSlow, BitForBit) {
 TEST(TriangleWarpMatchesSlow, BitForBit) {
     std::mt19937 random(112);
     const zellab::TriangleWarpTable table;
-    for (int round = 0; round < 150; ++round) {
+    for (int round = 0; round < 400; ++round) {
         const int width = 1 + static_cast<int>(random() % 60u), height = 1 + static_cast<int>(random() % 60u);
         const Bytes source = zeltest::randomRgba(width, height, 113);
         Points from = randomPoints(4, -15, 70, random), to = from;

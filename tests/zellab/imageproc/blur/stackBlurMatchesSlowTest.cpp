@@ -66,10 +66,12 @@ TEST_P(StackBlurMatchesSlow, OnAwkwardSizesAndRadiiAroundTheLimit) {
 }
 
 // The sizes at which the work is first shared, the plane's halves among them; a plane of five rows is the
-// smallest that would be halved and is lower than the overlap that halves need.
+// smallest that would be halved and is lower than the overlap that halves need. The last two are blurred in
+// several bands of rows, by one worker even as a plane.
 TEST_P(StackBlurMatchesSlow, OnSizesAroundTheWorkersLimits) {
     const Member& member = GetParam();
-    for (const Size size : {Size{110, 110}, Size{221, 56}, Size{190, 191}, Size{7301, 5}, Size{6, 6100}}) {
+    for (const Size size : {Size{110, 110}, Size{221, 56}, Size{190, 191}, Size{7301, 5}, Size{6, 6100},
+                            Size{900, 700}, Size{1100, 900}}) {
         const Bytes picture =
             zeltest::randomBytes(static_cast<std::size_t>(size.width * size.height * member.channels), 12u);
         for (const int radius : {1, 14})

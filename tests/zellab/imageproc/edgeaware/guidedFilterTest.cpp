@@ -1,14 +1,11 @@
 #include <gtest/gtest.h>
 
-#include <climits>
 #include <cmath>
 #include <cstdlib>
 #include <cstring>
-#include <limits>
 
 #include "reference/slowGuidedFilter.h"
 #include "support/everyMachine.h"
-#include "support/guardedBytes.h"
 #include "support/randomImage.h"
 #include "zellab/imageproc/edgeaware/guidedFilterColor.h"
 #include "zellab/imageproc/edgeaware/guidedFilterPlane.h"
@@ -109,16 +106,6 @@ TEST(GuidedFilterColor, FactorOneAndFlatPicturesReturnTheirInput) {
     }
 }
 
-TEST(GuidedFilterColor, SmoothsFaintNoiseAndKeepsTheStrongEdge) {
-    constexpr int kWidth = 48;
-    Bytes picture = zeltest::randomRgba(kWidth, 40, 3);
-    for (std::size_t i = 0; i < picture.size(); ++i)
-        picture[i] = static_cast<unsigned char>((i / 4 % kWidth < 24 ? 20 : 210) + picture[i] % 9);
-    const Bytes out = filtered(picture, kWidth, {1.0f, 0.001f, 0.0f}, 4);
-    for (std::size_t i = 0; i < out.size(); ++i)
-        ASSERT_NEAR(out[i], i % 4 == 3 ? 255 : i / 4 % kWidth < 24 ? 24 : 214, 6) << "byte " << i;
-}
-
 TEST(GuidedFilterColor, WorkersAndInstructionSetsChangeNothing) {
     const Bytes picture = zeltest::patternRgba(83, 300, 6);
     for (const Floats f : {Floats{1.0f, 0.01f, 0.2f}, Floats{0.7f, 0.1f, 2.0f}, Floats{1.0f, 0.0f, 1.0f},
@@ -126,24 +113,6 @@ TEST(GuidedFilterColor, WorkersAndInstructionSetsChangeNothing) {
         for (int radius : {2, 20, 95})
             for (bool smooth : {false, true})
                 zeltest::expectSameOnEveryMachine([&] { return filtered(picture, 83, f, radius, smooth); });
-}
-
-TEST(GuidedFilterColor, BadArgumentsAndOddShapes) {
-    const Bytes noise = zeltest::randomRgba(30, 20, 5);
-    const float nan = std::numeric_limits<float>::quiet_NaN(),
-                infinity = std::numeric_limits<float>::infinity();
-    EXPECT_EQ(filtered(noise, 30, {nan, 0.1f, 0.1f}, 3), noise);
-    EXPECT_EQ(filtered(noise, 30, {1.0f, infinity, 0.1f}, 3), noise);
-    EXPECT_EQ(filtered(noise, 30, {1.0f, 0.1f, nan}, 3), noise);
-    EXPECT_EQ(filtered(noise, 30, {1.0f, 0.1f, 0.1f}, -1), noise);
-    const zellab::GuidedFilterColor filter;
-    filter.Run({}, 1.0f, 0.1f, 0.1f, 3, false);
-    for (const auto& [width, height] : {std::pair{1, 1}, std::pair{1, 900}, std::pair{900, 1}})
-        for (bool smooth : {false, true}) {
-            zeltest::GuardedBytes rgba(static_cast<std::size_t>(width * height * 4));
-            filter.Run({rgba.data(), width, height}, 1.0f, 0.1f, 0.1f, 5, smooth);
-            EXPECT_TRUE(rgba.guardsIntact());
-        }
 }
 
 Bytes guided(Bytes plane, const Bytes& guide, int width, int radius, float epsilon, float scale) {
@@ -197,24 +166,9 @@ TEST(GuidedFilterPlane, MovesTheEdgeToTheGuidesAndMeansWhereTheGuideIsFlat) {
     EXPECT_EQ(spread[30 * kWidth + 100], 0);
 }
 
-TEST(GuidedFilterPlane, WorkersOddShapesAndBadArguments) {
+TEST(GuidedFilterPlane, WorkersAndInstructionSetsChangeNothing) {
     const Bytes noise = zeltest::patternRgba(130, 150, 8), plane = zeltest::randomPlane(130, 150, 9);
     zeltest::expectSameOnEveryMachine([&] { return guided(plane, noise, 130, 2, 0.1f, 2.5f); });
-    for (const auto& [width, height] :
-         {std::pair{1, 1}, std::pair{1, 900}, std::pair{900, 1}, std::pair{7, 3}})
-        for (int radius : {-4, 0, 2, INT_MAX}) {
-            const Bytes guide = zeltest::randomRgba(width, height, 2);
-            zeltest::GuardedBytes buffer(static_cast<std::size_t>(width * height), 31);
-            zellab::GuidedFilterPlane({buffer.data(), width, height}, {guide.data(), width, height}, radius,
-                                      0.1f, 4.0f);
-            EXPECT_TRUE(buffer.guardsIntact() && buffer.allAre(31));
-            zellab::GuidedFilterPlane({buffer.data(), width, height}, {nullptr, width, height}, radius, 0.1f,
-                                      4.0f);
-            zellab::GuidedFilterPlane({nullptr, width, height}, {guide.data(), width, height}, radius, 0.1f,
-                                      4.0f);
-            zellab::GuidedFilterPlane({buffer.data(), width, 0}, {guide.data(), width, 0}, radius, 0.1f,
-                                      4.0f);
-        }
 }
 
 }  // namespace

@@ -2,11 +2,8 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
-#include <numeric>
-#include <thread>
 #include <vector>
 
-#include "frame/processorCount.h"
 #include "support/randomImage.h"
 #include "zellab/imageproc/blur/stackBlur.h"
 #include "zellab/imageproc/poisson/gradientRepair.h"
@@ -196,33 +193,11 @@ TEST(PoissonEdit, BadMasksLeaveThePictureAlone) {
     EXPECT_FALSE(PoissonEdit({pixels.data(), kSide, kSide}, {mask.data(), kSide, kSide}, 1.0f))
         << "no rows below";
     EXPECT_EQ(testing::internal::GetCapturedStdout().rfind("ERROR PoissonEdit  left = ", 0), 0u);
-    EXPECT_FALSE(PoissonEdit({nullptr, kSide, kSide}, {mask.data(), kSide, kSide}, 1.0f));
-    EXPECT_FALSE(PoissonEdit({pixels.data(), kSide, kSide}, {nullptr, kSide, kSide}, 1.0f));
     std::fill(mask.begin(), mask.end(), Byte{0});
     mask[20 * kSide + 30] = 255;
     for (const float strength : {0.0f, -3.0f, NAN})
         EXPECT_TRUE(PoissonEdit({pixels.data(), kSide, kSide}, {mask.data(), kSide, kSide}, strength));
     EXPECT_EQ(pixels, image) << "a strength of nothing";
-}
-
-TEST(PoissonEdit, CallsAtTheSameTimeAndAnyWorkersGiveTheSameBytes) {
-    constexpr int kSide = 90;
-    const Bytes image = zeltest::patternRgba(kSide, kSide, 8);
-    Bytes mask(kSide * kSide, 0);
-    for (int y = 30; y < 50; ++y) std::fill_n(mask.begin() + y * kSide + 20, 40, Byte{255});
-    const auto run = [&](int workers) {
-        const WorkerCount limit(workers);
-        Bytes pixels = image;
-        PoissonEdit({pixels.data(), kSide, kSide}, {mask.data(), kSide, kSide}, 0.8f);
-        return pixels;
-    };
-    const Bytes expected = run(1);
-    std::vector<Bytes> results(8);
-    std::vector<std::thread> threads;
-    for (std::size_t i = 0; i < results.size(); ++i)
-        threads.emplace_back([&, i] { results[i] = run(static_cast<int>(i % 4) + 1); });
-    for (std::thread& thread : threads) thread.join();
-    for (const Bytes& result : results) EXPECT_EQ(result, expected);
 }
 
 }  // namespace

@@ -13,20 +13,6 @@ namespace {
 
 using namespace zellab;
 
-TEST(CubicConvolution, WeightsAreThoseOfThePiecewiseCubic) {
-    const double a = -0.75;
-    for (double f : {0.0, 0.125, 0.5, 0.9}) {
-        float w[4];
-        CubicConvolutionWeights(static_cast<float>(f), w);
-        for (int k = 0; k < 4; ++k) {
-            const double d = std::fabs(f - (k - 1));
-            const double expected =
-                d <= 1 ? ((a + 2) * d - (a + 3)) * d * d + 1 : ((a * d - 5 * a) * d + 8 * a) * d - 4 * a;
-            EXPECT_NEAR(w[k], expected, 1e-6) << f << ' ' << k;
-        }
-    }
-}
-
 // Every instruction set gives the same bytes: on runs of any length, at the window's edges, on a window
 // inside a larger picture, and for positions far outside or without a value.
 TEST(SampleCubicRun, AllLevelsGiveTheSameBytes) {

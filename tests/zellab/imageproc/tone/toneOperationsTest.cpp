@@ -1,17 +1,9 @@
 #include <gtest/gtest.h>
 
 #include <array>
-#include <cmath>
-#include <functional>
 #include <limits>
-#include <vector>
 
-#include "platform/simdLevel.h"
 #include "support/randomImage.h"
-#include "zellab/imageproc/colour/colorAdjust.h"
-#include "zellab/imageproc/colour/selectiveColor.h"
-#include "zellab/imageproc/core/mixByAlpha.h"
-#include "zellab/imageproc/sharpen/unsharpMask.h"
 #include "zellab/imageproc/sharpen/unsharpMaskKernel.h"
 #include "zellab/imageproc/tone/levels.h"
 #include "zellab/imageproc/tone/toneBlend.h"
@@ -21,7 +13,6 @@ namespace {
 
 using zeltest::Bytes;
 constexpr float kNaN = std::numeric_limits<float>::quiet_NaN();
-constexpr float kInfinity = std::numeric_limits<float>::infinity();
 
 Bytes filled(int width, int height, std::array<unsigned char, 4> pixel) {
     Bytes bytes;
@@ -37,117 +28,6 @@ std::array<int, 3> ofGrey(int level, const Operation& operation) {
     operation(pixel);
     EXPECT_EQ(pixel[3], 200);
     return {pixel[0], pixel[1], pixel[2]};
-}
-
-/// An operation in place on a picture, under a name.
-struct InPlace {
-    const char* name;
-    std::function<void(unsigned char*, int, int)> run;
-};
-
-void PrintTo(const InPlace& operation, std::ostream* out) {
-    *out << operation.name;
-}
-
-class TonePictures : public testing::TestWithParam<InPlace> {};
-
-// Widths around the vector groups, heights around the bands of the workers.
-TEST_P(TonePictures, KeepAlphaAndGiveTheSameBytesOnEverySimdLevel) {
-    using zellab::platform::SimdLevel;
-    for (const auto& [width, height] :
-         std::vector<std::pair<int, int>>{{1, 1}, {1, 70}, {7, 3}, {31, 5}, {33, 64}, {70, 97}, {129, 40}}) {
-        SCOPED_TRACE(testing::Message() << width << " x " << height);
-        const Bytes before = zeltest::randomRgba(width, height, 5);
-        Bytes best = before, baseline = before;
-        GetParam().run(best.data(), width, height);
-        {
-            const zellab::platform::SimdLimit limit(SimdLevel::baseline);
-            GetParam().run(baseline.data(), width, height);
-        }
-        ASSERT_EQ(best, baseline);
-        for (std::size_t i = 3; i < before.size(); i += 4) ASSERT_EQ(best[i], before[i]);
-    }
-}
-
-TEST_P(TonePictures, IgnoreWhatIsNoPicture) {
-    Bytes pixels = zeltest::randomRgba(4, 4, 1);
-    const Bytes before = pixels;
-    GetParam().run(nullptr, 4, 4);
-    GetParam().run(pixels.data(), 0, 4);
-    GetParam().run(pixels.data(), 4, -1);
-    EXPECT_EQ(pixels, before);
-}
-
-const Bytes& otherPicture() {
-    static const Bytes kOther = zeltest::randomRgba(150, 150, 77);
-    return kOther;
-}
-
-INSTANTIATE_TEST_SUITE_P(
-    Operations, TonePictures,
-    testing::Values(
-        InPlace{"mapPixels",
-                [](unsigned char* p, int w, int h) {
-                    const Bytes tables = zeltest::randomBytes(768, 3);
-                    const zellab::ImageView view(p, w, h);
-                    if (view.valid())
-                        zellab::mapPixels(view, {tables.data(), tables.data() + 256, tables.data() + 512});
-                }},
-        InPlace{"saturation",
-                [](unsigned char* p, int w, int h) {
-                    zellab::SaturationAdjust({p, w, h}, 65);
-                }},
-        InPlace{"saturationFar",
-                [](unsigned char* p, int w, int h) {
-                    zellab::SaturationAdjust({p, w, h}, -2000000000);
-                }},
-        InPlace{"lift",
-                [](unsigned char* p, int w, int h) {
-                    zellab::LogBrightnessAdjust({p, w, h}, -17);
-                }},
-        InPlace{"temperature",
-                [](unsigned char* p, int w, int h) {
-                    zellab::ColorTemperatureBlend({p, w, h}, 0.9f, 0);
-                }},
-        InPlace{"autoLevels",
-                [](unsigned char* p, int w, int h) { zellab::AutoLevels(zellab::ImageView(p, w, h)); }},
-        InPlace{"mixByAlpha",
-                [](unsigned char* p, int w, int h) {
-                    zellab::MixByAlpha({p, w, h}, {otherPicture().data(), w, h}, {p, w, h}, 0.37f);
-                }},
-        InPlace{"unsharpMask", [](unsigned char* p, int w,
-                                  int h) { zellab::UnsharpMask(zellab::ImageView(p, w, h), 170, 2, 9); }},
-        InPlace{"unsharpKernel",
-                [](unsigned char* p, int w, int h) {
-                    zellab::UnsharpMaskKernel(1.1f, 1.7f).Run({p, w, h}, {otherPicture().data(), w, h});
-                }}),
-    [](const auto& operation) { return operation.param.name; });
-
-TEST(MixByAlpha, EndsAreExactAndNaNChangesNothing) {
-    const Bytes before = zeltest::randomRgba(50, 60, 1), after = zeltest::randomRgba(50, 60, 2);
-    for (const auto& [alpha, expected] : std::vector<std::pair<float, const Bytes*>>{
-             {0.0f, &before}, {-3.0f, &before}, {kNaN, &before}, {1.0f, &after}, {kInfinity, &after}}) {
-        Bytes result(before.size(), 88);
-        zellab::MixByAlpha({result.data(), 50, 60}, {before.data(), 50, 60}, {after.data(), 50, 60}, alpha);
-        for (std::size_t i = 0; i < result.size(); ++i)
-            ASSERT_EQ(result[i], i % 4 == 3 ? 88 : (*expected)[i]) << alpha;
-    }
-    Bytes untouched(16, 7);
-    zellab::MixByAlpha({untouched.data(), 2, 2}, {nullptr, 2, 2}, {after.data(), 2, 2}, 1);
-    zellab::MixByAlpha({untouched.data(), 2, 2}, {before.data(), 2, 2}, {nullptr, 2, 2}, 1);
-    EXPECT_EQ(untouched, Bytes(16, 7));
-}
-
-TEST(LogBrightnessAdjust, FollowsTheLogarithm) {
-    const auto lifted = [](int level, int lift) {
-        return ofGrey(level, [=](unsigned char* p) { zellab::LogBrightnessAdjust({p, 1, 1}, lift); })[0];
-    };
-    EXPECT_EQ(lifted(0, 25), 0);
-    EXPECT_EQ(lifted(255, 25), 255);
-    EXPECT_EQ(lifted(100, 25), 100 + static_cast<int>(255 * std::log(1 + 100 / 255.0) / std::log(3.0)));
-    EXPECT_LT(lifted(200, -25), 200);
-    EXPECT_GT(lifted(200, std::numeric_limits<int>::min()), 0) << "darkening has a floor";
-    EXPECT_EQ(lifted(200, std::numeric_limits<int>::max()), 255);
 }
 
 TEST(ColorTemperatureBlend, CurvesRiseAndNeutralTouchesNothing) {
@@ -186,20 +66,6 @@ TEST(ToneTableBlend, KneesAndTheirMirror) {
     }
     EXPECT_EQ(ofGrey(77, cool(kNaN)), (std::array<int, 3>{77, 77, 77}));
     EXPECT_EQ(ofGrey(128, cool(1e30f)), (std::array<int, 3>{0, 255, 255}));
-}
-
-TEST(UnsharpMask, FlatPicturesAndAHighThresholdStay) {
-    Bytes flat = filled(30, 40, {10, 120, 250, 3});
-    const Bytes flatBefore = flat;
-    EXPECT_TRUE(zellab::UnsharpMask(zellab::ImageView(flat.data(), 30, 40), 500, 4, 0));
-    EXPECT_EQ(flat, flatBefore);
-
-    Bytes noisy = zeltest::randomRgba(30, 40, 6);
-    const Bytes noisyBefore = noisy;
-    EXPECT_TRUE(zellab::UnsharpMask(zellab::ImageView(noisy.data(), 30, 40), 20, 4, 255));
-    EXPECT_EQ(noisy, noisyBefore);
-    EXPECT_TRUE(zellab::UnsharpMask(zellab::ImageView(noisy.data(), 30, 40), -4, kNaN, 0));
-    EXPECT_FALSE(zellab::UnsharpMask(zellab::ImageView(), 20, 4, 0));
 }
 
 TEST(UnsharpMaskKernel, FixedPointFormAgreesAndKeepsOtherChannels) {

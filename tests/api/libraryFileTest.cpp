@@ -1,0 +1,58 @@
+// What the built library shows to the loader: the members of its seven exported classes and nothing else, and
+// no need of OpenGL.
+#include <gtest/gtest.h>
+
+#include <array>
+#include <cstdio>
+#include <memory>
+#include <set>
+#include <sstream>
+#include <string>
+
+namespace {
+
+constexpr std::size_t kExportedNames = 58;
+
+std::string outputOf(const char* command) {
+    const std::unique_ptr<FILE, int (*)(FILE*)> pipe(popen(command, "r"), pclose);
+    std::string text;
+    std::array<char, 1024> part;
+    while (pipe && std::fgets(part.data(), static_cast<int>(part.size()), pipe.get())) text += part.data();
+    return text;
+}
+
+/// Demangled names of all dynamic symbols that the library defines.
+std::set<std::string> exportedNames() {
+    std::istringstream lines(outputOf(ZEL_NM " -D --defined-only -C " ZEL_LIBRARY_FILE));
+    std::set<std::string> names;
+    for (std::string line; std::getline(lines, line);) {
+        // "0000000000001234 T name"; absolute symbols (A) are version marks, not code.
+        const std::size_t kind = line.find(' ') + 1;
+        if (line[kind] != 'A') names.insert(line.substr(kind + 2));
+    }
+    return names;
+}
+
+TEST(LibraryFile, ExportsTheMembersOfTheExportedClassesAndNothingElse) {
+    const std::set<std::string> names = exportedNames();
+    EXPECT_EQ(names.size(), kExportedNames);
+    for (const std::string& name : names) {
+        bool known = false;
+        for (const char* scope :
+             {"ZelImageCore::TableBase::", "ZelImageCore::TableSkin::", "ZelImageCore::StbImageUtil::",
+              "ZelImageCore::CScenarioBeauty::", "CFaceSlimRender::", "CEyeZoomRender::",
+              "DefocusCore::ZelDepthDefocusRender::"})
+            known = known || name.rfind(scope, 0) == 0;
+        EXPECT_TRUE(known) << name;
+    }
+}
+
+// The library must load where no OpenGL is installed, so it may not ask the loader for any.
+TEST(LibraryFile, LoadsWithoutOpenGl) {
+    const std::string needed = outputOf(ZEL_READELF " -d " ZEL_LIBRARY_FILE " | grep NEEDED");
+    EXPECT_NE(needed.find("libc.so"), std::string::npos) << "the list could not be read";
+    for (const char* name : {"[libEGL", "[libGL", "[libOpenGL"})
+        EXPECT_EQ(needed.find(name), std::string::npos) << needed;
+}
+
+}  // namespace
