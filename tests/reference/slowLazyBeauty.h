@@ -180,8 +180,9 @@ inline void lazyBeauty(LazyPicture& picture, const LazySettings& set, const zell
         zellab::SpotBox box;
         if (face) box = {face->left, face->top, face->right - face->left, face->bottom - face->top};
         Bytes search = mask, spots(mask.size());
-        if (face && !direct) zellab::CFeatureMaskPainter::Paint(search.data(), sw, sh, face->points, 15, 0);
-        zellab::CSpotRepair::Run(work.data(), sw, sh, sw * 4, search.data(), 1, 2, box, spots.data());
+        if (face && !direct) zellab::CFeatureMaskPainter::Paint({search.data(), sw, sh}, face->points, 15, 0);
+        zellab::CSpotRepair::Run({work.data(), sw, sh}, {search.data(), sw, sh}, {.face = box},
+                                 {spots.data(), sw, sh});
         if (direct) {
             rgba = work;
         } else {

@@ -102,7 +102,8 @@ inline void largeFaceBeauty(LazyPicture& picture, const zellab::FaceBeautyParams
         zellab::SpotBox box;
         if (fullFace) box = {small.left, small.top, small.right - small.left, small.bottom - small.top};
         Bytes spots(planes.mask.size());
-        zellab::CSpotRepair::Run(work.data(), sw, sh, sw * 4, planes.mask.data(), 1, 2, box, spots.data());
+        zellab::CSpotRepair::Run({work.data(), sw, sh}, {planes.mask.data(), sw, sh}, {.face = box},
+                                 {spots.data(), sw, sh});
         spots = scaleBilinear(blurredPlane(spots, sw, sh, 2), sw, sh, w, h, 1);
         const Bytes large = scaleBilinear(work, sw, sh, w, h, 4);
         for (std::size_t i = 0; i < rgba.size(); ++i)
@@ -162,7 +163,7 @@ inline void smallFaceBeauty(LazyPicture& picture, const zellab::FaceBeautyParams
     if (set.repairSpots) {
         zellab::SpotBox box;
         if (face) box = {face->left, face->top, face->right - face->left, face->bottom - face->top};
-        zellab::CSpotRepair::Run(rgba.data(), w, h, w * 4, planes.mask.data(), 1, 2, box, nullptr);
+        zellab::CSpotRepair::Run({rgba.data(), w, h}, {planes.mask.data(), w, h}, {.face = box}, {});
     }
     planes.addShadows(rgba, w, h, overlay);
     const int y = planes.brightness();

@@ -22,11 +22,10 @@ std::vector<Vector2f> pointList(const Vector2f* points, std::initializer_list<in
 
 }  // namespace
 
-bool CFeatureMaskPainter::Paint(unsigned char* mask, int width, int height, const Vector2f* points, int flags,
-                                int value) {
-    if (!mask || !points || flags == 0) return false;
+bool CFeatureMaskPainter::Paint(PlaneView<Byte> mask, const Vector2f* points, int flags, Byte value) {
+    if (!mask.valid() || !points || flags == 0) return false;
     const auto fill = [&](const std::vector<Vector2f>& region) {
-        FillPolygonMask({mask, width, height}, convexHull(region), static_cast<unsigned char>(value));
+        FillPolygonMask(mask, convexHull(region), value);
     };
     if (flags & kBrows) {
         fill(pointRun(points, 20, 29));

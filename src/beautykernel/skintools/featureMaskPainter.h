@@ -1,6 +1,7 @@
 #pragma once
 
 #include "zel_effects/zel_records.h"
+#include "zellab/imageproc/core/imageView.h"
 
 namespace zellab {
 
@@ -17,11 +18,9 @@ enum FeatureFlags : int {
 class CFeatureMaskPainter {
 public:
     /// Fills the convex hull of each feature whose bit is set, in the order of the bits, with `value`.
-    /// @param mask    plane of width by height bytes
     /// @param points  the interpolated points of the face, in pixels of the mask
-    /// @return false where the mask or the points are null or no bit is set
-    static bool Paint(unsigned char* mask, int width, int height, const Vector2f* points, int flags,
-                      int value);
+    /// @return false where the mask is not valid, the points are null or no bit is set
+    static bool Paint(PlaneView<Byte> mask, const Vector2f* points, int flags, Byte value);
 };
 
 }  // namespace zellab

@@ -34,8 +34,9 @@ Bytes cube(const char* name) {
 bool run(Bytes& rgba, Size size, const FaceBeautyParams& params, FaceData* face = nullptr,
          const Bytes& mask = {}, Size maskSize = {0, 0}) {
     const zeltest::StreamCapture quiet(stderr);
-    return CFaceBeauty().Run(rgba.data(), size.width, size.height, mask.empty() ? nullptr : mask.data(),
-                             maskSize.width, maskSize.height, face ? 1 : 0, face, &params);
+    return CFaceBeauty().Run({rgba.data(), size.width, size.height},
+                             {mask.empty() ? nullptr : mask.data(), maskSize.width, maskSize.height}, face,
+                             params);
 }
 
 /// The sizes on both sides of the limit between the roads, every option in turn, with and without a face.
@@ -122,8 +123,7 @@ TEST(FaceBeauty, EachMissingTableHasItsLineAndItsOutcome) {
                 std::filesystem::remove(path);
             Bytes without = picture;
             zeltest::StreamCapture log(stderr);
-            EXPECT_EQ(CFaceBeauty().Run(without.data(), size.width, size.height, nullptr, 0, 0, 0, nullptr,
-                                        &params),
+            EXPECT_EQ(CFaceBeauty().Run({without.data(), size.width, size.height}, {}, nullptr, params),
                       works);
             const std::string said = log.text();
             EXPECT_NE(said.find("version 2.05 run...width:" + std::to_string(size.width) +
@@ -172,10 +172,9 @@ TEST(FaceBeauty, BadArgumentsAndHostileFacesAreContained) {
     const zeltest::StreamCapture quiet(stderr);
     Bytes rgba = faceLike(kSmall, 1);
     const Bytes before = rgba;
-    EXPECT_FALSE(CFaceBeauty().Run(nullptr, 30, 30, nullptr, 0, 0, 0, nullptr, &params));
-    EXPECT_FALSE(CFaceBeauty().Run(rgba.data(), 0, 30, nullptr, 0, 0, 0, nullptr, &params));
-    EXPECT_FALSE(CFaceBeauty().Run(rgba.data(), 30, -1, nullptr, 0, 0, 0, nullptr, &params));
-    EXPECT_FALSE(CFaceBeauty().Run(rgba.data(), 30, 30, nullptr, 0, 0, 0, nullptr, nullptr));
+    EXPECT_FALSE(CFaceBeauty().Run({nullptr, 30, 30}, {}, nullptr, params));
+    EXPECT_FALSE(CFaceBeauty().Run({rgba.data(), 0, 30}, {}, nullptr, params));
+    EXPECT_FALSE(CFaceBeauty().Run({rgba.data(), 30, -1}, {}, nullptr, params));
     EXPECT_EQ(rgba, before);
     const int levels[] = {-900, 0, 2000000000, 400, -2000000000};
     for (const Size size : {Size{1, 1}, {1, 5000}, {5000, 1}, {40, 30}, {700, 20}})
@@ -183,8 +182,8 @@ TEST(FaceBeauty, BadArgumentsAndHostileFacesAreContained) {
             for (const float strength : {-5.0f, 1e30f, NAN}) {
                 const FaceBeautyParams wild{1, 1, 0, 1, strength, strength, levels};
                 Bytes picture = faceLike(size, 5);
-                EXPECT_TRUE(CFaceBeauty().Run(picture.data(), size.width, size.height, nullptr, -3, 900000, 1,
-                                              &face, &wild));
+                EXPECT_TRUE(CFaceBeauty().Run({picture.data(), size.width, size.height},
+                                              {nullptr, -3, 900000}, &face, wild));
                 EXPECT_TRUE(face.left >= 0 && face.right <= size.width && face.top >= 0 &&
                             face.bottom <= size.height);
             }
