@@ -42,6 +42,9 @@ struct SkinPlanes {
         zellab::RGBAToYCbCrPlanes({image.rgba.data(), image.width, image.height}, planeOf(y), planeOf(cb),
                                   planeOf(cr));
     }
+    zelbeauty::YCbCrView view(int width, int height) const {
+        return {{y.data(), width, height}, {cb.data(), width, height}, {cr.data(), width, height}};
+    }
 };
 
 SkinFaceRecord recordOf(const zel::Portrait& p) {
@@ -57,11 +60,9 @@ SkinFaceRecord recordOf(const zel::Portrait& p) {
 
 zelbeauty::SkinModel modelOf(const SkinPlanes& planes, const SkinFaceRecord& face, int width, int height,
                              zelbeauty::SkinStatistics& statistics) {
-    int y = 0;
-    statistics.fromFace = true;
-    zelbeauty::SkinMaskStatisDetector::GetFaceColorYuv(planes.y.data(), planes.cb.data(), planes.cr.data(),
-                                                       width, height, face, y, statistics.cb, statistics.cr,
-                                                       statistics.low, statistics.high);
+    const zelbeauty::FaceColour colour =
+        zelbeauty::SkinMaskStatisDetector::GetFaceColorYuv(planes.view(width, height), face);
+    statistics = {colour.cb, colour.cr, colour.low, colour.high, true};
     return zelbeauty::SkinModel(statistics, false);
 }
 
@@ -76,10 +77,9 @@ public:
         constexpr int kAllParts = 15;
         const int w = p.image.width, h = p.image.height;
         zelbeauty::SkinMaskManager skin(0);
-        skin.DetectSkin(m_planes.y.data(), m_planes.cb.data(), m_planes.cr.data(), w, h, 1, &m_face,
-                        kAllParts, false);
+        skin.DetectSkin(m_planes.view(w, h), {&m_face, 1}, kAllParts, false);
         const zellab::ConstImageView view(p.image.rgba.data(), w, h);
-        const zellab::PlaneView<const Byte> map(skin.GetSkinMask(), w, h);
+        const zellab::PlaneView<const Byte> map = skin.GetSkinMask();
         if (fine)
             searchFinely(view, map);
         else
@@ -111,7 +111,7 @@ private:
         zellab::Plane<Byte> green(m_crop.width, m_crop.height), nothing(m_crop.width, m_crop.height);
         zellab::Plane<Byte> anywhere(m_crop.width, m_crop.height);
         std::fill_n(anywhere.data(), anywhere.size(), Byte{255});
-        for (std::size_t i = 0; i < green.size(); ++i) green.data()[i] = m_crop.pixels[4 * i + 1];
+        for (std::size_t i = 0; i < green.size(); ++i) green.data()[i] = m_crop.pixels.data()[4 * i + 1];
         const zellab::Vector2f a = m_crop.points[kFirstPupil], b = m_crop.points[kSecondPupil];
         const float distance = std::hypot(a.x - b.x, a.y - b.y);
         m_spots = zellab::findBlobs(

@@ -17,6 +17,6 @@ enum class LogLevel { error, debug, info };
 #define ZEL_LOG_ERROR(...) ::zellab::logMessage(::zellab::LogLevel::error, __FILE__, __LINE__, __VA_ARGS__)
 #define ZEL_LOG_DEBUG(...) ::zellab::logMessage(::zellab::LogLevel::debug, __FILE__, __LINE__, __VA_ARGS__)
 #define ZEL_LOG_INFO(...) ::zellab::logMessage(::zellab::LogLevel::info, __FILE__, __LINE__, __VA_ARGS__)
-/// An error whose documented position is fixed: tools that watch the log look for that file and line.
+/// An error that always names the same file and line: tools that watch the log look for that text.
 #define ZEL_LOG_ERROR_AT(file, line, ...) \
     ::zellab::logMessage(::zellab::LogLevel::error, file, line, __VA_ARGS__)

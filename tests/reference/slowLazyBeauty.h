@@ -157,7 +157,7 @@ inline Bytes repairSpots(Bytes& rgba, int w, int h, const Bytes& skin, const zel
     zellab::SpotBox box;
     if (face) box = {face->left, face->top, face->right - face->left, face->bottom - face->top};
     Bytes spots(skin.size());
-    zellab::CSpotRepair::Run(rgba.data(), w, h, w * 4, skin.data(), 1, 2, box, spots.data());
+    zellab::CSpotRepair::Run({rgba.data(), w, h}, {skin.data(), w, h}, {.face = box}, {spots.data(), w, h});
     return spots;
 }
 
@@ -195,7 +195,7 @@ inline void lazyBeauty(LazyPicture& picture, const LazySettings& set, const zell
     const Bytes mask = set.seesSkin ? redBlueMask(work, sw, sh, mean) : Bytes(work.size() / 4, 0);
     if (set.repairSpots) {
         Bytes search = mask;
-        if (face && !direct) zellab::CFeatureMaskPainter::Paint(search.data(), sw, sh, face->points, 15, 0);
+        if (face && !direct) zellab::CFeatureMaskPainter::Paint({search.data(), sw, sh}, face->points, 15, 0);
         const Bytes spots = repairSpots(work, sw, sh, search, face);
         if (direct)
             rgba = work;

@@ -124,10 +124,10 @@ void contrastIris(EyeCut& eye) {
 }
 
 void smoothEye(EyeCut& eye, const EyeTuning& tuning) {
-    std::vector<Byte> filtered = eye.rgba;
-    GuidedFilterColor().Run({filtered.data(), eye.box.width, eye.box.height}, tuning.filterRadius,
-                            tuning.filterEps, tuning.filterScale, kFilterRadius, false);
-    const ConstImageView smooth(filtered.data(), eye.box.width, eye.box.height);
+    RgbaImage filtered = copyOf(eye.pixels());
+    GuidedFilterColor().Run(filtered.view(), tuning.filterRadius, tuning.filterEps, tuning.filterScale,
+                            kFilterRadius, false);
+    const ConstImageView smooth = filtered.view();
     forIris(eye, [&](Byte* pixel, int x, int y, float weight) {
         const Byte* other = smooth.at(x, y);
         for (int c = 0; c < 3; ++c)

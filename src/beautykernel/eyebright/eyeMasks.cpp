@@ -3,7 +3,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <cstring>
 #include <limits>
 
 namespace zellab {
@@ -65,10 +64,7 @@ EyeCut cutEye(ConstImageView picture, const EyeLids& lids, const Iris& iris) {
     if (!iris.found()) return eye;
     eye.box = eyeBox(lids, picture.width, picture.height);
     if (eye.box.empty()) return eye;
-    eye.rgba.resize(sampleCount(eye.box.width, eye.box.height, 4));
-    for (int y = 0; y < eye.box.height; ++y)
-        std::memcpy(eye.pixels().row(y), picture.at(eye.box.x, eye.box.y + y),
-                    4 * static_cast<std::size_t>(eye.box.width));
+    eye.rgba = copyOf(picture.crop(eye.box.x, eye.box.y, eye.box.width, eye.box.height));
     return eye;
 }
 

@@ -17,7 +17,7 @@ struct LidCoords {
 /// cut-out's size and are 0 outside the lids.
 struct EyeCut {
     EyeBox box;
-    std::vector<Byte> rgba;    // empty where there is no eye to work on
+    RgbaImage rgba;            // empty where there is no eye to work on
     Plane<float> lidShape;     // 1 in the middle of the opening, falling to 0 at the lids
     Plane<float> irisRadial;   // square of the distance from the iris's centre, 1 on its rim
     Plane<float> eyeRadial;    // square of the distance from the lids' middle, 1 at half the eye's diagonal
@@ -26,9 +26,9 @@ struct EyeCut {
 
     static constexpr float kFullDistance = 12.0f;
 
-    bool exists() const { return !rgba.empty(); }
-    ImageView pixels() { return {rgba.data(), box.width, box.height}; }
-    ConstImageView pixels() const { return {rgba.data(), box.width, box.height}; }
+    bool exists() const { return rgba.size() > 0; }
+    ImageView pixels() { return rgba.view(); }
+    ConstImageView pixels() const { return rgba.view(); }
 };
 
 /// Copies the eye's box out of the picture. Without an iris, or a box, there is nothing to work on.

@@ -67,27 +67,24 @@ void smoothAlongEdges(ImageView image, PlaneView<const Byte> skin) {
 
 }  // namespace
 
-bool CFaceBeauty::Run(unsigned char* image, int width, int height, const unsigned char* userMask,
-                      int maskWidth, int maskHeight, int faceCount, FaceData* faces,
-                      const FaceBeautyParams* params) {
+bool CFaceBeauty::Run(ImageView image, PlaneView<const Byte> userMask, FaceData* face,
+                      const FaceBeautyParams& params) {
+    const int width = image.width, height = image.height;
     ZEL_LOG_DEBUG("version 2.05 run...width:%d, height: %d", width, height);
-    const ImageView picture(image, width, height);
-    if (!picture.valid() || !params) return false;
-    for (int i = 0; faces && i < faceCount; ++i) limitFaceBox(faces[i], width, height);
-    if (params->autoLevels) AutoLevels(picture);
-    const FaceData* face = faces && faceCount > 0 ? faces : nullptr;
-    if (width <= kSmallSide && height <= kSmallSide) return Run8kelxx(picture, face, *params);
+    if (!image.valid()) return false;
+    if (face) limitFaceBox(*face, width, height);
+    if (params.autoLevels) AutoLevels(image);
+    if (width <= kSmallSide && height <= kSmallSide) return Run8kelxx(image, face, params);
 
     // A very flat picture would lose its shorter side altogether: one pixel of it is kept.
-    const PlaneView<const Byte> mask(userMask, maskWidth, maskHeight);
     const float fw = static_cast<float>(width) / static_cast<float>(kSmallSide),
                 fh = static_cast<float>(height) / static_cast<float>(kSmallSide);
     const float scale = 1.0f / std::max(fw, fh);
     const auto shorter = [scale](int side) {
         return std::max(static_cast<int>(static_cast<float>(side) * scale), 1);
     };
-    if (fw > fh) return Run8kelyy(picture, mask, face, *params, kSmallSide, shorter(height), scale);
-    return Run8kelyy(picture, mask, face, *params, shorter(width), kSmallSide, scale);
+    if (fw > fh) return Run8kelyy(image, userMask, face, params, kSmallSide, shorter(height), scale);
+    return Run8kelyy(image, userMask, face, params, shorter(width), kSmallSide, scale);
 }
 
 bool CFaceBeauty::Run8kelyy(ImageView image, PlaneView<const Byte> userMask, const FaceData* fullFace,
@@ -99,8 +96,8 @@ bool CFaceBeauty::Run8kelyy(ImageView image, PlaneView<const Byte> userMask, con
         limitFaceBox(smallFace, smallWidth, smallHeight);
         face = &smallFace;
     }
-    std::vector<Byte> pixels(sampleCount(smallWidth, smallHeight, 4));
-    const ImageView small(pixels.data(), smallWidth, smallHeight);
+    RgbaImage smallPicture(smallWidth, smallHeight);
+    const ImageView small = smallPicture.view();
     ImageResampler().Resize(image, small, 0);
     const SkinColourMask skin = skinMaskFromColor(small, face ? 1 : 0, face, kMaskRadii);
     if (params.repairSpots) SpotPaste(small, skin.mask.view(), face, image.width, image.height).apply(image);
@@ -115,9 +112,10 @@ bool CFaceBeauty::Run8kelyy(ImageView image, PlaneView<const Byte> userMask, con
                                               skin.mask.view(), kShadowRadius);
     liftShadows(image, resized(shadows.shadow.view(), image.width, image.height).view(),
                 largeLift(skin.mean.brightness()));
-    smoothSkinLuma(image, enlargedMask(skin.mask.view(), userMask, image).view(),
-                   {params.smoothStrength, params.levels, params.edgeFilter != 0});
-    applyStyleTone(image, {params.alternateFinish != 0, params.toneStrength});
+    smoothSkinLuma(
+        image, enlargedMask(skin.mask.view(), userMask, image).view(),
+        {.strength = params.smoothStrength, .levels = params.levels, .edgeFilter = params.edgeFilter});
+    applyStyleTone(image, {params.alternateFinish, params.toneStrength});
     return true;
 }
 
@@ -125,7 +123,7 @@ bool CFaceBeauty::Run8kelxx(ImageView image, const FaceData* face, const FaceBea
     constexpr float kDetailAmount = 0.34f, kUnsharpRadius = 4.0f;
     constexpr int kUnsharpPercent = 16;
     const SkinColourMask skin = skinMaskFromColor(image, face ? 1 : 0, face, kMaskRadii);
-    if (params.repairSpots) repairSpots(image, skin.mask.view(), face, nullptr);
+    if (params.repairSpots) repairSpots(image, skin.mask.view(), face, {});
 
     Plane<Byte> lightness;
     {

@@ -8,12 +8,12 @@ namespace zellab {
 /// What CFaceBeauty does. Up to 640 pixels a side `alternateFinish` asks for the final colour correction, and
 /// `edgeFilter`, the strengths, the levels and the caller's mask are not read.
 struct FaceBeautyParams {
-    unsigned char autoLevels = 0;       // stretch the levels first
-    unsigned char repairSpots = 0;      // repaint small dark spots
-    unsigned char alternateFinish = 0;  // finish with the airy look in place of the portrait's
-    unsigned char edgeFilter = 0;       // smooth the lightness once more, along edges
-    float toneStrength = 0.0f;          // 0..1, of the portrait look; up to 0.01 a fainter look is applied
-    float smoothStrength = 0.0f;        // 0..1, of the smoothing
+    bool autoLevels = false;       // stretch the levels first
+    bool repairSpots = false;      // repaint small dark spots
+    bool alternateFinish = false;  // finish with the airy look in place of the portrait's
+    bool edgeFilter = false;       // smooth the lightness once more, along edges
+    float toneStrength = 0.0f;     // 0..1, of the portrait look; up to 0.01 a fainter look is applied
+    float smoothStrength = 0.0f;   // 0..1, of the smoothing
     /// Input black, gamma * 100, input white, output black and white of the skin mask; null leaves it alone.
     const int* levels = nullptr;
 };
@@ -23,14 +23,12 @@ struct FaceBeautyParams {
 class CFaceBeauty {
 public:
     /// Works on an RGBA picture in place. Byte 3 stays up to 640 pixels a side and becomes 255 beyond.
-    /// @param userMask   plane of maskWidth by maskHeight that takes the place of the skin mask where the
-    ///                   smoothing asks for it, or null
-    /// @param faceCount  records in `faces`; the first one alone decides. Their boxes are limited to the
-    ///                   picture
-    /// @return false for a null picture, a size below 1 or null parameters, the picture untouched; and where
-    ///         the overlay table is missing (logged): then levels and spots are done and nothing else
-    bool Run(unsigned char* image, int width, int height, const unsigned char* userMask, int maskWidth,
-             int maskHeight, int faceCount, FaceData* faces, const FaceBeautyParams* params);
+    /// @param userMask  plane of any size that takes the place of the skin mask where the smoothing asks for
+    ///                  it, or an empty one
+    /// @param face      the record of the face that decides, whose box is limited to the picture, or null
+    /// @return false for an empty picture, which stays untouched, and where the overlay table is missing
+    ///         (logged): then levels and spots are done and nothing else
+    bool Run(ImageView image, PlaneView<const Byte> userMask, FaceData* face, const FaceBeautyParams& params);
 
 private:
     bool Run8kelyy(ImageView image, PlaneView<const Byte> userMask, const FaceData* face,

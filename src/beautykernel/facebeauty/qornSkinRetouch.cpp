@@ -1,6 +1,5 @@
 // The exported skin retouch.
 #include <cmath>
-#include <vector>
 
 #include "beautykernel/eyebright/eyeBright.h"
 #include "beautykernel/facebeauty/facebeauty.h"
@@ -8,6 +7,7 @@
 #include "facepoints/faceData.h"
 #include "zel_effects/zel_effects.h"
 #include "zellab/imageproc/core/combinePixels.h"
+#include "zellab/imageproc/core/ownedImage.h"
 #include "zellab/imageproc/tone/levels.h"
 #include "zellab/imageproc/tone/toneBlend.h"
 
@@ -15,14 +15,8 @@ namespace zellab {
 
 namespace {
 
-FaceBeautyParams retouchParams() {
-    FaceBeautyParams params;
-    params.autoLevels = 1;
-    params.alternateFinish = 1;
-    params.toneStrength = 1.0f;
-    params.smoothStrength = 0.5f;
-    return params;
-}
+constexpr FaceBeautyParams kRetouch = {
+    .autoLevels = true, .alternateFinish = true, .toneStrength = 1.0f, .smoothStrength = 0.5f};
 
 void retouchSkin(ImageView image, float strength, const ImageCoreFaceInfo* faceInfo) {
     constexpr int kCurveHeight = 137;
@@ -32,15 +26,14 @@ void retouchSkin(ImageView image, float strength, const ImageCoreFaceInfo* faceI
     AutoLevels(image);
     brightenEyes(image, facePointsAt(&points, 0));
 
-    std::vector<Byte> work(image.data, image.data + sampleCount(image.width, image.height, 4));
+    RgbaImage work = copyOf(image);
     FaceData face;
-    const int faceCount = points.GetFaceCount() > 0 ? 1 : 0;
-    if (faceCount > 0)
+    const bool hasFace = points.GetFaceCount() > 0;
+    if (hasFace)
         face = makeFaceData(faceRectInPixels(faceInfo->faces()[0], image.width, image.height), points, 0,
                             image.width, image.height);
-    const FaceBeautyParams params = retouchParams();
-    CFaceBeauty().Run(work.data(), image.width, image.height, nullptr, 0, 0, faceCount, &face, &params);
-    combinePixels(image, image, {work.data(), image.width, image.height}, MixWeights(strength));
+    CFaceBeauty().Run(work.view(), {}, hasFace ? &face : nullptr, kRetouch);
+    combinePixels(image, image, work.view(), MixWeights(strength));
     mapPixels(image, brightnessCurve(kCurveHeight).data());
     ColorTemperatureBlend(image, kNeutralTemperature, 0);
 }
@@ -55,8 +48,7 @@ void ZelImageCore::TableSkin::ImageProcessWithQornSkinRetouch(unsigned char* ima
     using namespace zellab;
     const ImageView picture(image, width, height);
     if (!picture.valid() || std::isnan(strength)) return;
-    std::vector<Byte> before;
-    if (mask) before.assign(image, image + sampleCount(width, height, 4));
+    const RgbaImage before = mask ? copyOf(picture) : RgbaImage();
     retouchSkin(picture, strength, faceInfo);
-    if (mask) mixByMask(picture, {before.data(), width, height}, {mask, width, height});
+    if (mask) mixByMask(picture, before.view(), {mask, width, height});
 }

@@ -98,8 +98,7 @@ Plane<Byte> levelledMask(PlaneView<const Byte> skin, const int* levels) {
     if (!levels || std::equal(kIdentity.begin(), kIdentity.end(), levels)) return {};
     ByteTable table;
     LevelsAdjust(levels, table.data());
-    Plane<Byte> mask(skin.width, skin.height);
-    std::copy_n(skin.data, mask.size(), mask.data());
+    Plane<Byte> mask = copyOf(skin);
     mapPlane(mask.view(), table.data());
     return mask;
 }
@@ -108,9 +107,9 @@ Plane<Byte> levelledMask(PlaneView<const Byte> skin, const int* levels) {
 
 void smoothSkinLuma(ImageView image, PlaneView<const Byte> skin, const LumaSmoothing& smoothing) {
     const int width = image.width, height = image.height;
-    Plane<Byte> luma(width, height), blurred(width, height);
+    Plane<Byte> luma(width, height);
     readYuvLuma(image, luma.view());
-    std::copy_n(luma.data(), luma.size(), blurred.data());
+    Plane<Byte> blurred = copyOf(luma.view());
     StackBlurGray(blurred.view(), kSmoothRadius);
     {
         const Plane<Byte> levelled = levelledMask(skin, smoothing.levels);
@@ -119,7 +118,7 @@ void smoothSkinLuma(ImageView image, PlaneView<const Byte> skin, const LumaSmoot
     }
     if (smoothing.edgeFilter)
         DomainTransformPlane(luma.view(), kEdgeSigmaSpace, kEdgeSigmaRange, kEdgeIterations, true);
-    std::copy_n(luma.data(), luma.size(), blurred.data());
+    copyPixels<Byte>(luma.view(), blurred.view());
     StackBlurGray(blurred.view(), unsharpBlurRadius(kUnsharpRadius));
     changeLuma(luma.view(), blurred.view(), skin, SharpenSkin());
     replaceYuvLuma(image, luma.view());

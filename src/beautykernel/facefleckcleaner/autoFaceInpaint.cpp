@@ -32,12 +32,11 @@ SkinFaceRecord recordOf(const CGRect& rect, const zellab::Vector2f* points, int 
 }
 
 /// Clears the map where the caller's plane is 0, and hands it back through that plane.
-void narrow(unsigned char* map, unsigned char* callersMask, int width, int height) {
-    const zellab::PlaneView<unsigned char> from(map, width, height), to(callersMask, width, height);
-    zellab::parallelRows(height, [&](int begin, int end) {
+void narrow(zellab::PlaneView<zellab::Byte> map, zellab::PlaneView<zellab::Byte> callersMask) {
+    zellab::parallelRows(map.height, [&](int begin, int end) {
         for (int y = begin; y < end; ++y) {
-            unsigned char *m = from.row(y), *c = to.row(y);
-            for (int x = 0; x < width; ++x) c[x] = m[x] = c[x] ? m[x] : static_cast<unsigned char>(0);
+            zellab::Byte *m = map.row(y), *c = callersMask.row(y);
+            for (int x = 0; x < map.width; ++x) c[x] = m[x] = c[x] ? m[x] : zellab::Byte{0};
         }
     });
 }
@@ -47,9 +46,8 @@ void narrow(unsigned char* map, unsigned char* callersMask, int width, int heigh
 void TableSkin::ImageProcessWithAutoFaceInpaint(unsigned char* image, unsigned char* skinMask, int width,
                                                 int height, CGRect& faceRect, void* points, int faceIndex,
                                                 int method) {
-    constexpr float kLeastSize = 0.001f;  // of a fleck and of a mole, as a share of the face
-    if (!image || !points || width < 1 || height < 1 || !(faceRect.width > 0.0f) || !(faceRect.height > 0.0f))
-        return;
+    const zellab::ImageView picture(image, width, height);
+    if (!picture.valid() || !points || !(faceRect.width > 0.0f) || !(faceRect.height > 0.0f)) return;
     const auto* faces = static_cast<const zellab::CInterFacePoint*>(points);
     const zellab::Vector2f* facePoints =
         faces->GetInterPoints(zellab::clampFaceIndex(faceIndex, faces->GetFaceCount()));
@@ -57,15 +55,14 @@ void TableSkin::ImageProcessWithAutoFaceInpaint(unsigned char* image, unsigned c
 
     const SkinFaceRecord face = recordOf(faceRect, facePoints, faces->GetInterPointCount(), width, height);
     // Without a mask to hand back, nobody sees the map beyond the face.
-    zellab::FaceSkinMap skin({image, width, height}, face, skinMask == nullptr);
-    unsigned char* map = skin.data();
-    if (skinMask) narrow(map, skinMask, width, height);
+    zellab::FaceSkinMap skin(picture, face, skinMask == nullptr);
+    if (skinMask) narrow(skin.view(), {skinMask, width, height});
     if (method == kFleckMethod) {
-        zellab::FaceFleckCleaner().CleanFace(image, width, height, map, 1, &face, nullptr, 0);
+        zellab::FaceFleckCleaner().CleanFace(picture, skin.view(), {&face, 1}, {}, false);
     } else if (method == kFineMethod) {
         zellab::FineFleckCleaner cleaner;
-        cleaner.setStages(true, false, false);
-        cleaner.Run(image, width, height, map, 1, &face, 0, kLeastSize, kLeastSize, nullptr);
+        cleaner.setStages({.flecks = true});
+        cleaner.Run(picture, skin.view(), {&face, 1}, {});
     }
 }
 

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <cstring>
 
 #include "zellab/imageproc/core/floatToInt.h"
 #include "zellab/imageproc/core/ownedImage.h"
@@ -68,10 +67,9 @@ WorkingSize workingSize(const FaceBox& box, int side) {
 
 Plane<Byte> scaledBox(PlaneView<const Byte> plane, const FaceBox& box, int width, int height,
                       YuvFilter filter) {
-    const auto from = plane.crop(box.left, box.top, box.width, box.height);
-    Plane<Byte> cut(box.width, box.height), scaled(width, height);
-    for (int y = 0; y < box.height; ++y) std::copy_n(from.row(y), box.width, cut.view().row(y));
-    scalePlane({cut.data(), box.width, box.height}, {scaled.data(), width, height}, filter);
+    const Plane<Byte> cut = copyOf(plane.crop(box.left, box.top, box.width, box.height));
+    Plane<Byte> scaled(width, height);
+    scalePlane(cut.view(), scaled.view(), filter);
     return scaled;
 }
 
@@ -85,13 +83,9 @@ std::optional<FaceCrop> cutFace(ConstImageView image, PlaneView<const Byte> skin
     crop.box = box;
     crop.width = width;
     crop.height = height;
-    const ConstImageView from = image.crop(box.left, box.top, box.width, box.height);
-    std::vector<Byte> cut(sampleCount(box.width, box.height, 4));
-    const ImageView cutView(cut.data(), box.width, box.height);
-    for (int y = 0; y < box.height; ++y)
-        std::memcpy(cutView.row(y), from.row(y), static_cast<std::size_t>(cutView.stride));
-    crop.pixels.resize(sampleCount(width, height, 4));
-    scaleArgb({cut.data(), box.width, box.height}, {crop.pixels.data(), width, height}, filter);
+    const RgbaImage cut = copyOf(image.crop(box.left, box.top, box.width, box.height));
+    crop.pixels = RgbaImage(width, height);
+    scaleArgb(cut.view(), crop.view(), filter);
     crop.mask = scaledBox(skinMask, box, width, height, filter);
     clearBorder(crop.mask.view());
     for (std::size_t i = 0; i < crop.points.size(); ++i)

@@ -2,7 +2,6 @@
 
 #include <array>
 #include <optional>
-#include <vector>
 
 #include "beautykernel/skinmaskstatisdetector/skinFaceRecord.h"
 #include "zellab/imageproc/core/imageView.h"
@@ -34,11 +33,11 @@ WorkingSize workingSize(const FaceBox& box, int side);
 struct FaceCrop {
     FaceBox box;                // in the picture
     int width = 0, height = 0;  // of the working size
-    std::vector<Byte> pixels;   // RGBA
-    Plane<Byte> mask;           // skin; a border of 5 pixels is 0
+    RgbaImage pixels;
+    Plane<Byte> mask;  // skin; a border of 5 pixels is 0
     std::array<Vector2f, kFleckPointCount> points;
 
-    ImageView view() { return {pixels.data(), width, height}; }
+    ImageView view() { return pixels.view(); }
     float toBoxX() const { return static_cast<float>(box.width) / static_cast<float>(width); }
     float toBoxY() const { return static_cast<float>(box.height) / static_cast<float>(height); }
 };

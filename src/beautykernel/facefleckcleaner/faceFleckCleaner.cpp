@@ -24,15 +24,15 @@ void markLabels(PlaneView<Byte> mask, PlaneView<const int> labels) {
 
 }  // namespace
 
-bool FaceFleckCleaner::CleanFace(unsigned char* image, int width, int height, const unsigned char* skinMask,
-                                 int faceCount, const zelbeauty::SkinFaceRecord* faces,
-                                 unsigned char* outMask, unsigned char protectNoseBridge) {
-    if (faceCount < 1 || width < 1 || height < 1 || !image || !skinMask || !faces) return false;
-    if (outMask) std::fill_n(outMask, sampleCount(width, height), kNotLookedAt);
+bool FaceFleckCleaner::CleanFace(ImageView image, PlaneView<const Byte> skinMask,
+                                 std::span<const zelbeauty::SkinFaceRecord> faces, PlaneView<Byte> outMask,
+                                 bool protectNoseBridge) {
+    if (faces.empty() || !image.valid() || !skinMask.valid()) return false;
+    for (int y = 0; outMask.valid() && y < outMask.height; ++y)
+        std::fill_n(outMask.row(y), outMask.width, kNotLookedAt);
     m_flecks.clear();
-    for (int i = 0; i < faceCount; ++i)
-        cleanOne({image, width, height}, {skinMask, width, height}, faces[i], {outMask, width, height},
-                 protectNoseBridge != 0);
+    for (const zelbeauty::SkinFaceRecord& face : faces)
+        cleanOne(image, skinMask, face, outMask, protectNoseBridge);
     return true;
 }
 
@@ -42,7 +42,7 @@ void FaceFleckCleaner::cleanOne(ImageView image, PlaneView<const Byte> skinMask,
     std::optional<FaceCrop> crop = cutFace(image, skinMask, face, kWorkingSide, YuvFilter::linear);
     if (!crop) return;
     excludeFeatures(*crop, protectNoseBridge);
-    FoundFlecks found = GetFaceFleckMask(crop->pixels.data(), crop->width, crop->height, crop->mask.data());
+    FoundFlecks found = GetFaceFleckMask(crop->view(), crop->mask.view());
     m_flecks.clear();
     if (found.boxes.empty()) return;
     FleckRepair repair = repairFlecks(image, *crop, std::move(found));
@@ -52,17 +52,15 @@ void FaceFleckCleaner::cleanOne(ImageView image, PlaneView<const Byte> skinMask,
                    repair.labels.view());
 }
 
-FoundFlecks FaceFleckCleaner::GetFaceFleckMask(const unsigned char* crop, int width, int height,
-                                               const unsigned char* skinMask) const {
-    if (width < 1 || height < 1) {
+FoundFlecks FaceFleckCleaner::GetFaceFleckMask(ConstImageView crop, PlaneView<const Byte> skinMask) const {
+    if (!crop.valid()) {
         ZEL_LOG_ERROR(
-            "ERROR: FaceFleckCleaner  GetFaceFleckMask invalidate faceData faceWidth=%d faceHeight=%d", width,
-            height);
+            "ERROR: FaceFleckCleaner  GetFaceFleckMask invalidate faceData faceWidth=%d faceHeight=%d",
+            crop.width, crop.height);
         return {};
     }
-    const PlaneView<const Byte> skin(skinMask, width, height);
-    FoundFlecks found = shapedLikeFlecks(darkSpots({crop, width, height}, skin).view());
-    keepOnSkin(found, skin);
+    FoundFlecks found = shapedLikeFlecks(darkSpots(crop, skinMask).view());
+    keepOnSkin(found, skinMask);
     return found;
 }
 

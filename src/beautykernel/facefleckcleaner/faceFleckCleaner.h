@@ -1,5 +1,6 @@
 #pragma once
 
+#include <span>
 #include <vector>
 
 #include "beautykernel/facefleckcleaner/fleckTypes.h"
@@ -14,18 +15,16 @@ class FaceFleckCleaner {
 public:
     /// Cleans the faces of an RGBA picture in place.
     /// @param skinMask  plane of the picture's size: how much each pixel is skin
-    /// @param outMask   plane of the picture's size or null: becomes 80, and over each face with flecks 255
-    ///                  where there is skin or a fleck and 0 elsewhere
-    /// @param protectNoseBridge  not 0: nothing is sought on the ridge of the nose
-    /// @return false where faceCount or a size is below 1, or a buffer is null
-    bool CleanFace(unsigned char* image, int width, int height, const unsigned char* skinMask, int faceCount,
-                   const zelbeauty::SkinFaceRecord* faces, unsigned char* outMask,
-                   unsigned char protectNoseBridge);
+    /// @param outMask   plane of the picture's size, or an empty one: becomes 80, and over each face with
+    ///                  flecks 255 where there is skin or a fleck and 0 elsewhere
+    /// @param protectNoseBridge  nothing is sought on the ridge of the nose
+    /// @return false where there is no face, or the picture or the skin mask is not valid
+    bool CleanFace(ImageView image, PlaneView<const Byte> skinMask,
+                   std::span<const zelbeauty::SkinFaceRecord> faces, PlaneView<Byte> outMask,
+                   bool protectNoseBridge);
 
-    /// Finds the flecks of a crop of RGBA pixels at its working size; none, with a line in the log, where a
-    /// size is below 1.
-    FoundFlecks GetFaceFleckMask(const unsigned char* crop, int width, int height,
-                                 const unsigned char* skinMask) const;
+    /// Finds the flecks of a crop at its working size; none, with a line in the log, where it is empty.
+    FoundFlecks GetFaceFleckMask(ConstImageView crop, PlaneView<const Byte> skinMask) const;
 
     /// The repaired boxes of the last face, by rising area, in pixels of the picture.
     const std::vector<FleckRecord>& flecks() const { return m_flecks; }

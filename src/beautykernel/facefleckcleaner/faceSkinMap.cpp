@@ -37,7 +37,8 @@ FaceSkinMap::LazyPlane FaceSkinMap::makePlane(std::size_t pixels) {
     return plane;
 }
 
-FaceSkinMap::FaceSkinMap(ImageView image, const SkinFaceRecord& face, bool onlyFace) {
+FaceSkinMap::FaceSkinMap(ImageView image, const SkinFaceRecord& face, bool onlyFace)
+    : m_width(image.width), m_height(image.height) {
     const int width = image.width, height = image.height;
     const std::size_t pixels = sampleCount(width, height);
     m_map = makePlane(pixels);
@@ -50,9 +51,10 @@ FaceSkinMap::FaceSkinMap(ImageView image, const SkinFaceRecord& face, bool onlyF
         return inArea(PlaneView<Byte>(plane.get(), width, height));
     };
     RGBAToYCbCrPlanes(inArea(image), planeOf(luma), planeOf(blue), planeOf(red));
-    SkinMaskStatisDetector::DetectWithin(area, luma.get(), blue.get(), red.get(), width, height, m_map.get(),
-                                         face);
-    SkinMaskManager::PaintParts(m_map.get(), width, height, face, kAllParts);
+    SkinMaskStatisDetector::DetectWithin(
+        area, {{luma.get(), width, height}, {blue.get(), width, height}, {red.get(), width, height}}, view(),
+        face);
+    SkinMaskManager::PaintParts(view(), face, kAllParts);
 }
 
 }  // namespace zellab

@@ -15,7 +15,8 @@ public:
     ///                  then that of the face's box, whatever the picture's size
     FaceSkinMap(ImageView image, const zelbeauty::SkinFaceRecord& face, bool onlyFace);
 
-    Byte* data() { return m_map.get(); }
+    /// A plane of the picture's size.
+    PlaneView<Byte> view() { return {m_map.get(), m_width, m_height}; }
 
 private:
     struct Free {
@@ -26,6 +27,7 @@ private:
     static LazyPlane makePlane(std::size_t pixels);
 
     LazyPlane m_map;
+    int m_width, m_height;
 };
 
 }  // namespace zellab

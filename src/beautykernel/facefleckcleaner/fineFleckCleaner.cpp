@@ -37,30 +37,19 @@ int radiusOf(float factor, float distance) {
 /// What one run is given.
 struct FineFleckCleaner::Search {
     ImageView image;
-    PlaneView<const Byte> skinMask, externalMask;
-    bool protectNoseBridge;
-    float minSizeFleck;
+    PlaneView<const Byte> skinMask;
+    const FineFleckParams& params;
 };
 
-void FineFleckCleaner::setStages(bool flecks, bool moles, bool foreheadLines) {
-    m_useFlecks = flecks;
-    m_useMoles = moles;
-    m_useForeheadLines = foreheadLines;
-    m_ready = true;
+void FineFleckCleaner::setStages(const FineFleckStages& stages) {
+    m_stages = stages;
 }
 
-bool FineFleckCleaner::Run(unsigned char* image, int width, int height, const unsigned char* skinMask,
-                           int faceCount, const zelbeauty::SkinFaceRecord* faces,
-                           unsigned char protectNoseBridge, float minSizeFleck, float,
-                           const unsigned char* externalMask) {
-    const Search search{{image, width, height},
-                        {skinMask, width, height},
-                        {externalMask, width, height},
-                        protectNoseBridge != 0,
-                        minSizeFleck};
-    if (!m_ready || faceCount < 1 || !search.image.valid() || !search.skinMask.valid() || !faces)
-        return false;
-    for (int i = 0; i < faceCount && m_useFlecks; ++i) cleanOne(search, faces[i]);
+bool FineFleckCleaner::Run(ImageView image, PlaneView<const Byte> skinMask,
+                           std::span<const zelbeauty::SkinFaceRecord> faces, const FineFleckParams& params) {
+    if (!m_stages || faces.empty() || !image.valid() || !skinMask.valid()) return false;
+    if (!m_stages->flecks) return true;
+    for (const zelbeauty::SkinFaceRecord& face : faces) cleanOne({image, skinMask, params}, face);
     return true;
 }
 
@@ -69,9 +58,10 @@ void FineFleckCleaner::cleanOne(const Search& search, const zelbeauty::SkinFaceR
         cutFace(search.image, search.skinMask, face, kWorkingSide, YuvFilter::bilinear);
     if (!crop) return;
     Plane<Byte> protect(crop->width, crop->height);
-    if (face.hasExternalMask && search.externalMask.valid())
-        protect = scaledBox(search.externalMask, crop->box, crop->width, crop->height, YuvFilter::bilinear);
-    excludeFeaturesFinely(*crop, search.protectNoseBridge);
+    if (face.hasExternalMask && search.params.externalMask.valid())
+        protect =
+            scaledBox(search.params.externalMask, crop->box, crop->width, crop->height, YuvFilter::bilinear);
+    excludeFeaturesFinely(*crop, search.params.protectNoseBridge);
 
     const Vector2f a = crop->points[kFirstPupil], b = crop->points[kSecondPupil];
     const float distance = std::sqrt((a.x - b.x) * (a.x - b.x) + (a.y - b.y) * (a.y - b.y));
@@ -79,9 +69,9 @@ void FineFleckCleaner::cleanOne(const Search& search, const zelbeauty::SkinFaceR
                           radiusOf(face.detectFlecks ? m_radiusFactorLarge : kPlainFactorLarge, distance)};
     const Plane<Byte> green = greenOf(crop->view());
     const Plane<Byte> blobs =
-        findBlobs(green.view(), crop->mask.view(), protect.view(), radii, search.minSizeFleck);
+        findBlobs(green.view(), crop->mask.view(), protect.view(), radii, search.params.minSizeFleck);
     FoundFlecks found =
-        passingSpots(blobs.view(), crop->mask.view(), {kFillLimit, kLongLimit, search.minSizeFleck});
+        passingSpots(blobs.view(), crop->mask.view(), {kFillLimit, kLongLimit, search.params.minSizeFleck});
     if (!found.boxes.empty()) repairFlecks(search.image, *crop, std::move(found));
 }
 

@@ -5,20 +5,18 @@
 
 namespace zellab {
 
-bool GradientInpainter::Run(unsigned char* image, const unsigned char* mask, int width, int height,
-                            int strength) {
-    if (width < m_blockSize || height < m_blockSize || strength == 0) return true;
-    if (!image || !mask) return false;
-    const PlaneView<const Byte> maskView(mask, width, height);
+bool GradientInpainter::Run(ImageView image, PlaneView<const Byte> mask, int strength) {
+    if (image.width < m_blockSize || image.height < m_blockSize || strength == 0) return true;
+    if (!image.valid() || !mask.valid()) return false;
     GradientRepair repair;
-    repair.hole = markedBox(maskView, 0);
+    repair.hole = markedBox(mask, 0);
     if (repair.hole.empty()) return false;
-    repair.maskArea = {{0, width}, {0, height}};
+    repair.maskArea = {{0, image.width}, {0, image.height}};
     if (m_blockSize % 2 == 0) --m_blockSize;
     repair.margin = m_blockSize + 1;
     repair.percent = strength;
     repair.exchange = quietDonorExchange(m_blockSize);
-    return repairByGradients(ImageView(image, width, height), maskView, repair);
+    return repairByGradients(image, mask, repair);
 }
 
 }  // namespace zellab

@@ -7,12 +7,13 @@ namespace ZelImageCore {
 void TableSkin::ImageProcessWithInpaint(unsigned char* image, int width, int height, unsigned char* mask,
                                         int method) {
     constexpr int kFullStrength = 100;  // percent
-    constexpr int kRadius = 20, kFirstTries = 16, kTries = 100, kPasses = 20;
-    if (method == 1) {
-        zellab::GradientInpainter().Run(image, mask, width, height, kFullStrength);
+    constexpr int kGradientMethod = 1;
+    const zellab::ImageView picture(image, width, height);
+    const zellab::PlaneView<const zellab::Byte> hole(mask, width, height);
+    if (method == kGradientMethod) {
+        zellab::GradientInpainter().Run(picture, hole, kFullStrength);
     } else {
-        zellab::PatchFillInpainter::instance().Run(image, width, height, kRadius, mask, kFirstTries, kTries,
-                                                   kPasses);
+        zellab::PatchFillInpainter::instance().Run(picture, hole, {});
     }
 }
 

@@ -30,11 +30,11 @@ std::optional<HoleBox> holeBox(PlaneView<const Byte> mask) {
     return HoleBox{box.x.begin, box.y.begin, box.x.length(), box.y.length() - 1};
 }
 
-void fill(PatchField& field, int firstTries, int tries, int passes) {
+void fill(PatchField& field, const PatchFillParams& params) {
     std::size_t count = field.targetCount();
-    for (int pass = 0; pass < std::clamp(passes, 1, kMostPasses); ++pass) {
+    for (int pass = 0; pass < std::clamp(params.passes, 1, kMostPasses); ++pass) {
         if (pass >= 2) count = static_cast<std::size_t>(static_cast<double>(count) * kShareKept);
-        const std::size_t changes = field.runPass(count, pass == 0 ? firstTries : tries);
+        const std::size_t changes = field.runPass(count, pass == 0 ? params.firstTries : params.tries);
         if (static_cast<double>(changes) < static_cast<double>(count) * kShareChanged) break;
     }
 }
@@ -46,26 +46,23 @@ PatchFillInpainter& PatchFillInpainter::instance() {
     return inpainter;
 }
 
-bool PatchFillInpainter::Run(unsigned char* image, int width, int height, int radius,
-                             const unsigned char* mask, int neighbours, int tries, int passes) {
-    const ImageView picture(image, width, height);
-    const PlaneView<const Byte> maskView(mask, width, height);
-    if (radius <= 0 || !picture.valid() || !maskView.valid()) return false;
-    const std::optional<HoleBox> hole = holeBox(maskView);
+bool PatchFillInpainter::Run(ImageView image, PlaneView<const Byte> mask, const PatchFillParams& params) {
+    if (params.radius <= 0 || !image.valid() || !mask.valid()) return false;
+    const std::optional<HoleBox> hole = holeBox(mask);
     if (!hole || hole->height < 1) return false;
 
-    radius = std::min(radius, kLargestRadius);
-    const Span x = widen({hole->left, hole->left + hole->width}, radius, width);
-    const Span y = widen({hole->top, hole->top + hole->height}, radius, height);
-    const ImageView crop = picture.crop(x.begin, y.begin, x.length(), y.length());
+    const int radius = std::min(params.radius, kLargestRadius);
+    const Span x = widen({hole->left, hole->left + hole->width}, radius, image.width);
+    const Span y = widen({hole->top, hole->top + hole->height}, radius, image.height);
+    const ImageView crop = image.crop(x.begin, y.begin, x.length(), y.length());
 
     // The runs draw on one random source: a second one that came between would take part of the first's
     // numbers.
     static std::mutex oneRun;
     const std::lock_guard<std::mutex> lock(oneRun);
-    PatchField field(crop, maskView.crop(x.begin, y.begin, x.length(), y.length()));
+    PatchField field(crop, mask.crop(x.begin, y.begin, x.length(), y.length()));
     field.orderTargets(hole->left - x.begin + hole->width / 2, hole->top - y.begin + hole->height / 2);
-    fill(field, neighbours, tries, passes);
+    fill(field, params);
     field.storeColours(crop);
     return true;
 }

@@ -101,8 +101,7 @@ SmoothPlanes smoothPlanes(ConstImageView work, PlaneView<const Byte> mask, const
 /// The mask without the features of the face: repairs keep away from them.
 Plane<Byte> withoutFeatures(PlaneView<const Byte> mask, const FaceData* face) {
     Plane<Byte> search = copyOf(mask);
-    if (face)
-        CFeatureMaskPainter::Paint(search.data(), mask.width, mask.height, face->points, kAllFeatures, 0);
+    if (face) CFeatureMaskPainter::Paint(search.view(), face->points, kAllFeatures, 0);
     return search;
 }
 
@@ -130,7 +129,7 @@ void pasteAndLift(ImageView image, const SpotPaste* spots, Plane<Byte>& shadow,
 void runDirect(ImageView image, const LazyBeautyParams& params, const FaceData* face,
                const OverlayTable& overlay) {
     const SkinColourMask skin = skinMaskFromColor(image, face ? 1 : 0, face, kMaskRadii);
-    if (params.repairSpots) repairSpots(image, skin.mask.view(), face, nullptr);
+    if (params.repairSpots) repairSpots(image, skin.mask.view(), face, {});
     ShadowPlanes shadows =
         shadowPlanes(overlayLightness(image, overlay, kDirect.lightness), skin.mask.view(), kShadowRadius);
     mapByPlane(image, shadows.shadow.view(), shadowLiftTable(skin.mean, params.smoothLevel));

@@ -4,10 +4,10 @@
 #include <array>
 #include <memory>
 
-#include "zellab/imageproc/core/imageView.h"
-#include "zellab/imageproc/core/pixelMath.h"
 #include "zellab/imageproc/blur/stackBlur.h"
 #include "zellab/imageproc/blur/stackBlurPasses.h"
+#include "zellab/imageproc/core/imageView.h"
+#include "zellab/imageproc/core/pixelMath.h"
 
 namespace zellab {
 
@@ -37,17 +37,16 @@ void fillTable(BrightenTable& table, float share) {
 
 }  // namespace
 
-void HighPassBrighten(unsigned char* rgba, int width, int height, int radius, int level) {
-    const ImageView image(rgba, width, height);
+void HighPassBrighten(ImageView image, int radius, int level) {
     // With no share of the burnt picture every sample comes out as it was.
     if (!image.valid() || level <= 0) return;
     const auto owned = std::make_unique<BrightenTable>();
     BrightenTable& table = *owned;
     fillTable(table, static_cast<float>(std::min(level, 10)) * 0.1f);
 
-    const BlurSource source{image.data, width, height, image.stride, 4, 4, true};
-    const int limited = std::max(stackBlurRadius(width, height, radius), 0);
-    stackBlur(source, limited, stackBlurWorkers(width, height),
+    const BlurSource source{image.data, image.width, image.height, image.stride, 4, 4, true};
+    const int limited = std::max(stackBlurRadius(image.width, image.height, radius), 0);
+    stackBlur(source, limited, stackBlurWorkers(image.width, image.height),
               [&](int y, std::ptrdiff_t first, std::ptrdiff_t count, const Byte* blurred) {
                   Byte* samples = image.row(y) + first;
                   for (std::ptrdiff_t i = 0; i < count; i += 4)

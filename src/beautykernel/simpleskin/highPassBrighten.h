@@ -1,5 +1,7 @@
 #pragma once
 
+#include "zellab/imageproc/core/imageView.h"
+
 namespace zellab {
 
 /// Brightens by the detail that a blur takes away: where a sample o is darker than its blur b, o is burnt
@@ -8,7 +10,7 @@ namespace zellab {
 /// @param radius  of the stack blur, limited as in CStackBlur::StackBlurEx
 /// @param level   0..10, limited to that range: tenths of the burnt picture; 0 changes nothing
 ///
-/// A null picture or a size below 1 changes nothing.
-void HighPassBrighten(unsigned char* rgba, int width, int height, int radius, int level);
+/// An empty picture changes nothing.
+void HighPassBrighten(ImageView image, int radius, int level);
 
 }  // namespace zellab

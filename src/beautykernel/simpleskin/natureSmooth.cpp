@@ -4,9 +4,9 @@
 
 #include "beautykernel/simpleskin/natureMix.h"
 #include "beautykernel/simpleskin/natureTable.h"
-#include "zellab/imageproc/core/imageView.h"
 #include "zellab/imageproc/blur/stackBlur.h"
 #include "zellab/imageproc/blur/stackBlurPasses.h"
+#include "zellab/imageproc/core/imageView.h"
 
 namespace zellab {
 
@@ -23,14 +23,13 @@ void smoothRun(Byte* pixels, const Byte* blurredGreen, int count, NatureMix mix)
 
 }  // namespace
 
-void natureSmooth(unsigned char* rgba, int width, int height, int radius) {
-    const ImageView image(rgba, width, height);
+void natureSmooth(ImageView image, int radius) {
     if (!image.valid()) return;
     // Of the blurred picture only green is looked at.
-    const BlurSource green{image.data + 1, width, height, image.stride, 4, 1, false};
-    const int limited = std::max(stackBlurRadius(width, height, radius), 0);
+    const BlurSource green{image.data + 1, image.width, image.height, image.stride, 4, 1, false};
+    const int limited = std::max(stackBlurRadius(image.width, image.height, radius), 0);
     const NatureMix mix = natureMix(platform::simdLevel());
-    stackBlur(green, limited, stackBlurWorkers(width, height),
+    stackBlur(green, limited, stackBlurWorkers(image.width, image.height),
               [&](int y, std::ptrdiff_t first, std::ptrdiff_t count, const Byte* blurred) {
                   for (std::ptrdiff_t i = 0; i < count; i += kRun)
                       smoothRun(image.row(y) + 4 * (first + i), blurred + i,

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "zellab/imageproc/core/imageView.h"
+
 namespace zellab {
 
 /// Smoothing that keeps detail: a soft-light mask of green and blurred green, its contrast raised, mixes
@@ -8,7 +10,7 @@ namespace zellab {
 ///
 /// @param radius  of the stack blur, limited as in CStackBlur::StackBlurEx
 ///
-/// A null picture or a size below 1 changes nothing.
-void natureSmooth(unsigned char* rgba, int width, int height, int radius);
+/// An empty picture changes nothing.
+void natureSmooth(ImageView image, int radius);
 
 }  // namespace zellab

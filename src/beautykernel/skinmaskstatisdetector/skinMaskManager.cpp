@@ -33,16 +33,15 @@ Size blurSize(int width, int height) {
 }
 
 /// Blurs a map, through a copy of at most 800 pixels where the map is larger.
-void blurMap(unsigned char* map, int width, int height) {
-    const zellab::PlaneView<unsigned char> whole(map, width, height);
-    const Size work = blurSize(width, height);
+void blurMap(zellab::PlaneView<zellab::Byte> whole) {
+    const Size work = blurSize(whole.width, whole.height);
     const int radius = std::max(std::min(work.width, work.height) / kBlurShare, 1);
-    if (width - work.width < kSameSize && height - work.height < kSameSize) {
+    if (whole.width - work.width < kSameSize && whole.height - work.height < kSameSize) {
         zellab::StackBlurGray(whole, radius);
         return;
     }
     // A very long picture has a copy of no height: it keeps one row.
-    zellab::Plane<unsigned char> small(std::max(work.width, 1), std::max(work.height, 1));
+    zellab::Plane<zellab::Byte> small(std::max(work.width, 1), std::max(work.height, 1));
     const zellab::ImageResampler resampler;
     resampler.Resize(whole, small.view(), kShrinkQuality);
     zellab::StackBlurGray(small.view(), radius);
@@ -53,33 +52,31 @@ void blurMap(unsigned char* map, int width, int height) {
 
 SkinMaskManager::SkinMaskManager(int kind) : detectorKind(kind) {}
 
-void SkinMaskManager::DetectSkin(const unsigned char* planeY, const unsigned char* planeCb,
-                                 const unsigned char* planeCr, int width, int height, int faceCount,
-                                 const SkinFaceRecord* faces, int partFlags, bool altTable) {
-    skinMask.assign(zellab::sampleCount(width, height), 0);
-    if (skinMask.empty() || !planeY || !planeCb || !planeCr) {
-        smoothMask = skinMask;
+void SkinMaskManager::DetectSkin(const YCbCrView& picture, std::span<const SkinFaceRecord> faces,
+                                 int partFlags, bool altTable) {
+    skinMask = zellab::Plane<zellab::Byte>(picture.y.width, picture.y.height);
+    if (!picture.valid()) {
+        smoothMask = copyOf(skinMask.view());
         return;
     }
-    if (!faces) faceCount = 0;
-    SkinMaskStatisDetector::Detect(planeY, planeCb, planeCr, width, height, skinMask.data(), faceCount, faces,
-                                   &meanY, &meanCb, &meanCr, altTable);
-    if (faceCount < 1) {
+    YCbCrColour mean{meanY, meanCb, meanCr};
+    SkinMaskStatisDetector::Detect(picture, skinMask.view(), faces, altTable, &mean);
+    meanY = mean.y, meanCb = mean.cb, meanCr = mean.cr;
+    if (faces.empty()) {
         meanY = 139, meanCb = 121, meanCr = 143;
         meanR = 160, meanG = 130, meanB = 126;
     } else {
         zellab::YCbCrToRGB(&meanY, &meanCb, &meanCr, &meanR, &meanG, &meanB);
     }
-    for (int i = 0; i < faceCount; ++i) PaintParts(skinMask.data(), width, height, faces[i], partFlags);
-    smoothMask = skinMask;
-    blurMap(smoothMask.data(), width, height);
+    for (const SkinFaceRecord& face : faces) PaintParts(skinMask.view(), face, partFlags);
+    smoothMask = copyOf(skinMask.view());
+    blurMap(smoothMask.view());
 }
 
-void SkinMaskManager::PaintParts(unsigned char* map, int width, int height, const SkinFaceRecord& face,
+void SkinMaskManager::PaintParts(zellab::PlaneView<zellab::Byte> map, const SkinFaceRecord& face,
                                  int partFlags) {
     if (face.right - face.left > kSmallestFace && face.bottom - face.top > kSmallestFace)
-        zellab::CFeatureMaskPainter::Paint(map, width, height, face.points, partFlags, kPartValue,
-                                           zellab::wholeTurnHull);
+        zellab::CFeatureMaskPainter::Paint(map, face.points, partFlags, kPartValue, zellab::wholeTurnHull);
 }
 
 }  // namespace zelbeauty

@@ -1,8 +1,10 @@
 #pragma once
 
-#include <vector>
+#include <span>
 
 #include "beautykernel/skinmaskstatisdetector/skinFaceRecord.h"
+#include "beautykernel/skinmaskstatisdetector/skinMaskStatisDetector.h"
+#include "zellab/imageproc/core/ownedImage.h"
 
 namespace zelbeauty {
 
@@ -15,28 +17,24 @@ public:
     explicit SkinMaskManager(int detectorKind);
     virtual ~SkinMaskManager() = default;
 
-    /// @param planeY, planeCb, planeCr  planes of width by height bytes
     /// @param partFlags  features that are marked: 1 brows, 2 eyes, 4 nose, 8 mouth
     /// @param altTable   the chroma model that leans towards smaller Cb, with a wider range of brightness
-    void DetectSkin(const unsigned char* planeY, const unsigned char* planeCb, const unsigned char* planeCr,
-                    int width, int height, int faceCount, const SkinFaceRecord* faces, int partFlags,
+    void DetectSkin(const YCbCrView& picture, std::span<const SkinFaceRecord> faces, int partFlags,
                     bool altTable);
 
     /// Marks the features of one face in a map with 100; a face of up to 10 pixels on a side gets no marks.
-    static void PaintParts(unsigned char* map, int width, int height, const SkinFaceRecord& face,
-                           int partFlags);
+    static void PaintParts(zellab::PlaneView<zellab::Byte> map, const SkinFaceRecord& face, int partFlags);
 
-    /// The map of the last detection; null before the first. It stays this object's.
-    unsigned char* GetSkinMask() { return skinMask.empty() ? nullptr : skinMask.data(); }
-    const unsigned char* GetSmoothMask() const { return smoothMask.empty() ? nullptr : smoothMask.data(); }
+    /// The map of the last detection; not valid before the first. It stays this object's.
+    zellab::PlaneView<zellab::Byte> GetSkinMask() { return skinMask.view(); }
+    zellab::PlaneView<const zellab::Byte> GetSmoothMask() const { return smoothMask.view(); }
 
     /// Mean colour of the sure skin.
     unsigned char meanY = 0, meanCb = 0, meanCr = 0;
     unsigned char meanR = 0, meanG = 0, meanB = 0;
 
 private:
-    std::vector<unsigned char> smoothMask;
-    std::vector<unsigned char> skinMask;
+    zellab::Plane<zellab::Byte> smoothMask, skinMask;
     int detectorKind;
 };
 

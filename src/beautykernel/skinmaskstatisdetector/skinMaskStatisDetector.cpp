@@ -13,7 +13,7 @@ namespace zelbeauty {
 
 namespace {
 
-using ConstPlane = zellab::PlaneView<const unsigned char>;
+using zellab::Byte;
 
 constexpr int kLeftPupil = 169, kRightPupil = 170, kNoseCentre = 48;
 constexpr int kDefaultCb = 110, kDefaultCr = 148;  // skin without a face to learn from
@@ -55,12 +55,13 @@ Area statisticsBox(int width, int height, const SkinFaceRecord& face) {
     return {left, top, left + columns, top + rows};
 }
 
+/// Calls visit(y, cb, cr) for the pixels of an area.
 template <typename Visit>
-void forEachIndex(const Area& area, int width, const Visit& visit) {
-    for (int y = area.top; y < area.bottom; ++y)
-        for (int x = area.left; x < area.right; ++x)
-            visit(static_cast<std::size_t>(y) * static_cast<std::size_t>(width) +
-                  static_cast<std::size_t>(x));
+void forEachPixel(const YCbCrView& picture, const Area& area, const Visit& visit) {
+    for (int y = area.top; y < area.bottom; ++y) {
+        const Byte *luma = picture.y.row(y), *cb = picture.cb.row(y), *cr = picture.cr.row(y);
+        for (int x = area.left; x < area.right; ++x) visit(luma[x], cb[x], cr[x]);
+    }
 }
 
 /// Brightness range of a histogram without its tails, the upper end at most `highest`.
@@ -83,10 +84,12 @@ void rangeOf(const std::array<std::int64_t, 256>& histogram, std::int64_t total,
 }
 
 /// Without a face: the middle half of the picture's brightness, widened.
-SkinStatistics statisticsOfPicture(const unsigned char* planeY, std::size_t count) {
+SkinStatistics statisticsOfPicture(zellab::PlaneView<const Byte> luma) {
     std::array<std::int64_t, 256> histogram{};
-    for (std::size_t i = 0; i < count; ++i) ++histogram[planeY[i]];
-    const auto quarter = static_cast<std::int64_t>(0.25 * static_cast<double>(count));
+    for (int y = 0; y < luma.height; ++y)
+        for (int x = 0; x < luma.width; ++x) ++histogram[luma.row(y)[x]];
+    const auto quarter =
+        static_cast<std::int64_t>(0.25 * static_cast<double>(zellab::sampleCount(luma.width, luma.height)));
     std::size_t lower = 0, upper = 255;
     for (std::int64_t sum = histogram[0]; sum < quarter && lower < 255;) sum += histogram[++lower];
     for (std::int64_t sum = histogram[255]; sum < quarter && upper > 0;) sum += histogram[--upper];
@@ -103,20 +106,18 @@ SkinStatistics statisticsOfPicture(const unsigned char* planeY, std::size_t coun
 
 }  // namespace
 
-void SkinMaskStatisDetector::GetFaceColorYuv(const unsigned char* planeY, const unsigned char* planeCb,
-                                             const unsigned char* planeCr, int width, int height,
-                                             const SkinFaceRecord& face, int& outY, int& outCb, int& outCr,
-                                             int& outLow, int& outHigh) {
+FaceColour SkinMaskStatisDetector::GetFaceColorYuv(const YCbCrView& picture, const SkinFaceRecord& face) {
     ZEL_LOG_DEBUG("+++SkinMaskStatisDetector::GetFaceColorYuv+++");
-    outY = outCb = outCr = outLow = outHigh = 0;
+    FaceColour colour;
+    const int width = picture.y.width, height = picture.y.height;
     const Area patch = patchBelowEyes(width, height, face), box = statisticsBox(width, height, face);
     if (patch.empty() || box.empty()) {
         ZEL_LOG_ERROR("SkinMaskStatisDetector::GetFaceColorYuv:: Face Size is illegal!");
-        return;
+        return colour;
     }
     std::int64_t sum = 0, count = 0;
-    forEachIndex(patch, width, [&](std::size_t i) {
-        sum += planeY[i];
+    forEachPixel(picture, patch, [&](Byte y, Byte, Byte) {
+        sum += y;
         ++count;
     });
     const int average = static_cast<int>(sum / count);
@@ -124,48 +125,46 @@ void SkinMaskStatisDetector::GetFaceColorYuv(const unsigned char* planeY, const 
 
     std::array<std::int64_t, 256> histogram{};
     std::int64_t sumY = 0, sumCb = 0, sumCr = 0, bright = 0;
-    forEachIndex(box, width, [&](std::size_t i) {
-        if (planeY[i] < floor) return;
-        ++histogram[planeY[i]];
-        sumY += planeY[i];
-        sumCb += planeCb[i];
-        sumCr += planeCr[i];
+    forEachPixel(picture, box, [&](Byte y, Byte cb, Byte cr) {
+        if (y < floor) return;
+        ++histogram[y];
+        sumY += y;
+        sumCb += cb;
+        sumCr += cr;
         ++bright;
     });
     if (bright > 0) {  // a box darker than its cheeks throughout has no colour: all five stay 0
-        outY = static_cast<int>(sumY / bright);
-        outCb = static_cast<int>(sumCb / bright);
-        outCr = static_cast<int>(sumCr / bright);
-        rangeOf(histogram, bright, static_cast<int>(static_cast<float>(average) * 1.4f), outLow, outHigh);
+        colour.y = static_cast<int>(sumY / bright);
+        colour.cb = static_cast<int>(sumCb / bright);
+        colour.cr = static_cast<int>(sumCr / bright);
+        rangeOf(histogram, bright, static_cast<int>(static_cast<float>(average) * 1.4f), colour.low,
+                colour.high);
     }
     ZEL_LOG_DEBUG("---SkinMaskStatisDetector::GetFaceColorYuv---");
+    return colour;
 }
 
 namespace {
 
-SkinStatistics statisticsOfFaces(const unsigned char* planeY, const unsigned char* planeCb,
-                                 const unsigned char* planeCr, int width, int height, int faceCount,
-                                 const SkinFaceRecord* faces) {
+SkinStatistics statisticsOfFaces(const YCbCrView& picture, std::span<const SkinFaceRecord> faces) {
     SkinStatistics mean;
     mean.fromFace = true;
-    for (int i = 0; i < faceCount; ++i) {
-        int y = 0, cb = 0, cr = 0, low = 0, high = 0;
-        SkinMaskStatisDetector::GetFaceColorYuv(planeY, planeCb, planeCr, width, height, faces[i], y, cb, cr,
-                                                low, high);
-        mean.cb += cb, mean.cr += cr, mean.low += low, mean.high += high;
+    for (const SkinFaceRecord& face : faces) {
+        const FaceColour colour = SkinMaskStatisDetector::GetFaceColorYuv(picture, face);
+        mean.cb += colour.cb, mean.cr += colour.cr, mean.low += colour.low, mean.high += colour.high;
     }
-    mean.cb /= faceCount, mean.cr /= faceCount, mean.low /= faceCount, mean.high /= faceCount;
+    const int count = static_cast<int>(faces.size());
+    mean.cb /= count, mean.cr /= count, mean.low /= count, mean.high /= count;
     return mean;
 }
 
-void weigh(const SkinModel& model, const zellab::PixelBox& box, const unsigned char* planeY,
-           const unsigned char* planeCb, const unsigned char* planeCr, int width, unsigned char* mask) {
+void weigh(const SkinModel& model, const zellab::PixelBox& box, const YCbCrView& picture,
+           zellab::PlaneView<Byte> map) {
     zellab::parallelRows(box.y.length(), [&](int begin, int end) {
         for (int y = box.y.begin + begin; y < box.y.begin + end; ++y) {
-            const std::size_t row = zellab::sampleCount(width, y);
-            const std::size_t last = row + static_cast<std::size_t>(box.x.end);
-            for (std::size_t i = row + static_cast<std::size_t>(box.x.begin); i < last; ++i)
-                mask[i] = model.weight(planeY[i], planeCb[i], planeCr[i]);
+            const Byte *luma = picture.y.row(y), *cb = picture.cb.row(y), *cr = picture.cr.row(y);
+            Byte* row = map.row(y);
+            for (int x = box.x.begin; x < box.x.end; ++x) row[x] = model.weight(luma[x], cb[x], cr[x]);
         }
     });
 }
@@ -179,44 +178,38 @@ zellab::PixelBox SkinMaskStatisDetector::areaRead(int width, int height, const S
             {std::min(patch.top, box.top), std::max({patch.bottom, box.bottom, box.top})}};
 }
 
-void SkinMaskStatisDetector::DetectWithin(const zellab::PixelBox& box, const unsigned char* planeY,
-                                          const unsigned char* planeCb, const unsigned char* planeCr,
-                                          int width, int height, unsigned char* mask,
-                                          const SkinFaceRecord& face) {
-    const SkinModel model(statisticsOfFaces(planeY, planeCb, planeCr, width, height, 1, &face), false);
-    weigh(model, box, planeY, planeCb, planeCr, width, mask);
+void SkinMaskStatisDetector::DetectWithin(const zellab::PixelBox& box, const YCbCrView& picture,
+                                          zellab::PlaneView<Byte> map, const SkinFaceRecord& face) {
+    const SkinModel model(statisticsOfFaces(picture, {&face, 1}), false);
+    weigh(model, box, picture, map);
 }
 
-void SkinMaskStatisDetector::Detect(const unsigned char* planeY, const unsigned char* planeCb,
-                                    const unsigned char* planeCr, int width, int height, unsigned char* mask,
-                                    int faceCount, const SkinFaceRecord* faces, unsigned char* outY,
-                                    unsigned char* outCb, unsigned char* outCr, bool altTable) {
-    const ConstPlane luma(planeY, width, height);
-    const SkinStatistics statistics =
-        faceCount > 0 ? statisticsOfFaces(planeY, planeCb, planeCr, width, height, faceCount, faces)
-                      : statisticsOfPicture(planeY, zellab::sampleCount(width, height));
-    const SkinModel model(statistics, altTable);
-    weigh(model, {{0, width}, {0, height}}, planeY, planeCb, planeCr, width, mask);
+void SkinMaskStatisDetector::Detect(const YCbCrView& picture, zellab::PlaneView<Byte> map,
+                                    std::span<const SkinFaceRecord> faces, bool altTable, YCbCrColour* mean) {
+    const int width = picture.y.width, height = picture.y.height;
+    const SkinModel model(faces.empty() ? statisticsOfPicture(picture.y) : statisticsOfFaces(picture, faces),
+                          altTable);
+    weigh(model, {{0, width}, {0, height}}, picture, map);
 
-    if (!outY || !outCb || !outCr) return;
-    if (faceCount < 1) {
-        *outY = *outCb = *outCr = 0;
+    if (!mean) return;
+    if (faces.empty()) {
+        *mean = {};
         return;
     }
-    const Area box{std::max(faces->left, 0), std::max(faces->top, 0), std::min(faces->right, width),
-                   std::min(faces->bottom, height)};
+    const SkinFaceRecord& first = faces.front();
+    const Area box{std::max(first.left, 0), std::max(first.top, 0), std::min(first.right, width),
+                   std::min(first.bottom, height)};
     std::int64_t sumY = 0, sumCb = 0, sumCr = 0, count = 0;
-    forEachIndex(box, width, [&](std::size_t i) {
-        if (!model.isSure(planeY[i], planeCb[i], planeCr[i])) return;
-        sumY += planeY[i];
-        sumCb += planeCb[i];
-        sumCr += planeCr[i];
+    forEachPixel(picture, box, [&](Byte y, Byte cb, Byte cr) {
+        if (!model.isSure(y, cb, cr)) return;
+        sumY += y;
+        sumCb += cb;
+        sumCr += cr;
         ++count;
     });
     if (count == 0) return;
-    *outY = static_cast<unsigned char>(sumY / count);
-    *outCb = static_cast<unsigned char>(sumCb / count);
-    *outCr = static_cast<unsigned char>(sumCr / count);
+    *mean = {static_cast<Byte>(sumY / count), static_cast<Byte>(sumCb / count),
+             static_cast<Byte>(sumCr / count)};
 }
 
 }  // namespace zelbeauty

@@ -21,11 +21,11 @@ std::vector<Vector2f> pointList(const Vector2f* points, std::initializer_list<in
 
 }  // namespace
 
-bool CFeatureMaskPainter::Paint(unsigned char* mask, int width, int height, const Vector2f* points, int flags,
-                                int value, Hull* hull) {
-    if (!mask || !points || flags == 0) return false;
+bool CFeatureMaskPainter::Paint(PlaneView<Byte> mask, const Vector2f* points, int flags, Byte value,
+                                Hull* hull) {
+    if (!mask.valid() || !points || flags == 0) return false;
     const auto fill = [&](const std::vector<Vector2f>& region) {
-        FillPolygonMask({mask, width, height}, hull(region), static_cast<unsigned char>(value));
+        FillPolygonMask(mask, hull(region), value);
     };
     if (flags & kBrows) {
         fill(pointRun(points, 20, 29));

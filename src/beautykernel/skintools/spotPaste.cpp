@@ -21,15 +21,14 @@ SpotBox spotBoxOf(const FaceData* face) {
 
 }  // namespace
 
-void repairSpots(ImageView image, PlaneView<const Byte> mask, const FaceData* face, Byte* spotMask) {
-    constexpr int kSmallestRadius = 1, kRadii = 2;
-    CSpotRepair::Run(image.data, image.width, image.height, image.width * 4, mask.data, kSmallestRadius,
-                     kRadii, spotBoxOf(face), spotMask);
+void repairSpots(ImageView image, PlaneView<const Byte> mask, const FaceData* face,
+                 PlaneView<Byte> spotMask) {
+    CSpotRepair::Run(image, mask, {.face = spotBoxOf(face)}, spotMask);
 }
 
 SpotPaste::SpotPaste(ImageView small, PlaneView<const Byte> mask, const FaceData* face, int width, int height)
     : m_width(width), m_spots(small.width, small.height) {
-    repairSpots(small, mask, face, m_spots.data());
+    repairSpots(small, mask, face, m_spots.view());
     StackBlurGray(m_spots.view(), kSpotBlurRadius);
 
     bool any = false;

@@ -12,8 +12,8 @@ namespace zellab {
 
 /// Repairs spots in place, where the mask shows skin.
 /// @param face      null without a face
-/// @param spotMask  plane that receives 255 on repaired cells and 0 elsewhere, or null
-void repairSpots(ImageView image, PlaneView<const Byte> mask, const FaceData* face, Byte* spotMask);
+/// @param spotMask  plane that receives 255 on repaired cells and 0 elsewhere, or an empty one
+void repairSpots(ImageView image, PlaneView<const Byte> mask, const FaceData* face, PlaneView<Byte> spotMask);
 
 /// Spots that are repaired on a small copy and pasted into the full picture row by row.
 class SpotPaste {

@@ -131,12 +131,13 @@ void eraseSpecks(PlaneView<Byte> edges) {
 }
 
 /// 255 where no spot may be repaired: strong edges and what is no skin, widened.
-Plane<Byte> forbiddenCells(PlaneView<const Byte> grey, const Byte* skinMask, const SpotBox* box) {
+Plane<Byte> forbiddenCells(PlaneView<const Byte> grey, PlaneView<const Byte> skinMask, const SpotBox* box) {
     Plane<Byte> edges = edgeStrength(grey);
     const int threshold = edgeThreshold(edges.view(), box);
-    for (std::size_t i = 0; i < edges.size(); ++i) {
-        Byte& e = edges.data()[i];
-        e = e >= threshold || skinMask[i] <= kSkinAbove ? 255 : 0;
+    for (int y = 0; y < grey.height; ++y) {
+        Byte* row = edges.row(y);
+        const Byte* skin = skinMask.row(y);
+        for (int x = 0; x < grey.width; ++x) row[x] = row[x] >= threshold || skin[x] <= kSkinAbove ? 255 : 0;
     }
     eraseSpecks(edges.view());
     StackBlurGray(edges.view(), kEdgeBlurRadius);
@@ -202,28 +203,27 @@ void repairSpots(ImageView image, const RunningSums& grey, PlaneView<const Byte>
 
 }  // namespace
 
-bool CSpotRepair::Run(unsigned char* image, int width, int height, int rowBytes,
-                      const unsigned char* skinMask, int firstRadiusCount, int radiusCount,
-                      const SpotBox& box, unsigned char* spotMask) {
-    const ImageView picture(image, width, height);
-    if (!picture.valid() || !skinMask || rowBytes == width) return false;
-    const SpotBox* face = boxLiesInside(box, width, height) ? &box : nullptr;
-    if (spotMask) std::fill_n(spotMask, sampleCount(width, height), Byte{0});
+bool CSpotRepair::Run(ImageView image, PlaneView<const Byte> skinMask, const SpotSearch& search,
+                      PlaneView<Byte> spotMask) {
+    if (!image.valid() || !skinMask.valid()) return false;
+    const int width = image.width, height = image.height;
+    const SpotBox* face = boxLiesInside(search.face, width, height) ? &search.face : nullptr;
+    for (int y = 0; spotMask.valid() && y < height; ++y) std::fill_n(spotMask.row(y), width, Byte{0});
 
-    const Plane<Byte> grey = tonedGrey(picture, face);
+    const Plane<Byte> grey = tonedGrey(image, face);
     const Plane<Byte> forbidden = forbiddenCells(grey.view(), skinMask, face);
     const RunningSums sums(grey.view(), [](Byte g) { return g; });
 
-    int largest = firstRadiusCount + radiusCount - 1;
+    int largest = search.firstRadius + search.radiusCount - 1;
     if (face) {
         const float share = static_cast<float>(face->width) * static_cast<float>(face->height) /
                             (static_cast<float>(width) * static_cast<float>(height));
         if (share < kTinyFace) return true;
-        if (share < kSmallFace) largest = firstRadiusCount;
+        if (share < kSmallFace) largest = search.firstRadius;
     }
-    for (int radius = std::min(largest, kLargestSpotRadius); radius >= std::max(firstRadiusCount, 0);
+    for (int radius = std::min(largest, kLargestSpotRadius); radius >= std::max(search.firstRadius, 0);
          --radius)
-        repairSpots(picture, sums, forbidden.view(), radius, {spotMask, width, height});
+        repairSpots(image, sums, forbidden.view(), radius, spotMask);
     return true;
 }
 

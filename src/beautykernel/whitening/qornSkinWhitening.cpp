@@ -1,12 +1,12 @@
 // The exported whitening that knows faces.
 #include <cmath>
 #include <cstring>
-#include <vector>
 
 #include "beautykernel/eyebright/eyeBright.h"
 #include "beautykernel/skintools/skinOperation.h"
 #include "facepoints/faceData.h"
 #include "zel_effects/zel_effects.h"
+#include "zellab/imageproc/core/ownedImage.h"
 #include "zellab/imageproc/tone/levels.h"
 #include "zellab/imageproc/tone/toneBlend.h"
 
@@ -18,9 +18,9 @@ void ZelImageCore::TableSkin::ImageProcessWithQornSkinWhitening(unsigned char* i
     const ImageView picture(image, width, height);
     if (!picture.valid() || !params || std::isnan(params[0]) || std::isnan(params[1])) return;
     const float level = params[0], temperature = params[1];
-    std::vector<Byte> before;
-    if (mask) before.assign(image, image + sampleCount(width, height, 4));
+    const RgbaImage before = mask ? copyOf(picture) : RgbaImage();
     if (prepared) {
+        // The prepared picture may be the picture itself.
         std::memmove(image, prepared, sampleCount(width, height, 4));
     } else {
         CInterFacePoint points;
@@ -30,5 +30,5 @@ void ZelImageCore::TableSkin::ImageProcessWithQornSkinWhitening(unsigned char* i
     }
     mapPixels(picture, brightnessCurve(brightnessHeight(level)).data());
     ColorTemperatureBlend(picture, temperature, 0);
-    if (mask) mixByMask(picture, {before.data(), width, height}, {mask, width, height});
+    if (mask) mixByMask(picture, before.view(), {mask, width, height});
 }

@@ -2,7 +2,6 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
-#include <vector>
 
 #include "beautykernel/skintools/skinMaskFromColor.h"
 #include "beautykernel/skintools/skinOperation.h"
@@ -40,8 +39,7 @@ Plane<Byte> reddishPixels(ConstImageView image) {
 /// Smooths the reddish pixels, mixes and brightens everything.
 void smoothAndBrighten(ImageView image, int radius, const MixWeights& weights, const ByteTable& curve) {
     const Plane<Byte> mask = reddishPixels(image);
-    const std::vector<Byte> pixels(image.data, image.data + sampleCount(image.width, image.height, 4));
-    const ConstImageView before(pixels.data(), image.width, image.height);
+    const RgbaImage before = copyOf(image);
     SurfaceBlurFilter().Run(image, radius, kSurfaceThreshold, mask.view());
     parallelRows(image.height, [&](int begin, int end) {
         for (int y = begin; y < end; ++y) {
@@ -93,10 +91,9 @@ void TableSkin::ImageProcessWithSkinColor(unsigned char* image, int width, int h
         sampleCount(tableWidth, tableHeight) < sampleCount(kCubeSide, kCubeSide) || std::isnan(strength) ||
         std::isnan(level))
         return;
-    std::vector<Byte> cube(neutralTable, neutralTable + sampleCount(kCubeSide, kCubeSide, 4));
-    mapPixels({cube.data(), kCubeSide, kCubeSide},
-              brightnessCurve(truncateToInt(level * kStep + kBase)).data());
-    ColorTemperatureBlend({cube.data(), kCubeSide, kCubeSide}, strength, 0);
+    RgbaImage cube = copyOf(ConstImageView(neutralTable, kCubeSide, kCubeSide));
+    mapPixels(cube.view(), brightnessCurve(truncateToInt(level * kStep + kBase)).data());
+    ColorTemperatureBlend(cube.view(), strength, 0);
     ApplyColorCube(picture, cube.data());
 }
 

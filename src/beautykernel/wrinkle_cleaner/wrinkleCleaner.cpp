@@ -8,11 +8,13 @@ void TableSkin::ImageProcessWithWrinkleCleaner(unsigned char* image, int width, 
                                                unsigned char* mask, int strength, int method) {
     constexpr int kRegionMethod = 2;
     constexpr int kRegionStrength = 100;  // percent; the caller's strength does not act on this path
+    const zellab::ImageView picture(image, width, height);
+    const zellab::PlaneView<const zellab::Byte> wrinkles(mask, width, height);
     if (method == kRegionMethod) {
         zellab::WrinkleRegionCleaner cleaner;
-        if (cleaner.Prepare(mask, width, height)) cleaner.Apply(image, kRegionStrength);
+        if (cleaner.Prepare(wrinkles)) cleaner.Apply(picture, kRegionStrength);
     } else {
-        zellab::WrinkleMaskCleaner().Run(image, width, height, mask, strength);
+        zellab::WrinkleMaskCleaner().Run(picture, wrinkles, strength);
     }
 }
 

@@ -14,22 +14,21 @@ int WrinkleMaskCleaner::blockSizeFor(int shorterSide) {
     return std::min(size, 30) * 2 - 5;
 }
 
-bool WrinkleMaskCleaner::Run(unsigned char* image, int width, int height, const unsigned char* mask,
-                             int strength) {
+bool WrinkleMaskCleaner::Run(ImageView image, PlaneView<const Byte> mask, int strength) {
     constexpr int kSmallestSide = 20;
     if (strength == 0) return true;
-    if (!image || !mask || std::min(width, height) < kSmallestSide) return false;
-    const PlaneView<const Byte> maskView(mask, width, height);
+    const int shorterSide = std::min(image.width, image.height);
+    if (!image.valid() || !mask.valid() || shorterSide < kSmallestSide) return false;
     GradientRepair repair;
-    repair.hole = markedBox(maskView, kHoleAbove);
+    repair.hole = markedBox(mask, kHoleAbove);
     if (repair.hole.empty()) return false;
-    repair.maskArea = {{0, width}, {0, height}};
-    const int blockSize = blockSizeFor(std::min(width, height));
+    repair.maskArea = {{0, image.width}, {0, image.height}};
+    const int blockSize = blockSizeFor(shorterSide);
     repair.margin = blockSize + 1;
     repair.anyMaskAbove = kHoleAbove;
     repair.percent = strength;
     repair.exchange = neighbourDonorExchange(blockSize);
-    return repairByGradients(ImageView(image, width, height), maskView, repair);
+    return repairByGradients(image, mask, repair);
 }
 
 }  // namespace zellab

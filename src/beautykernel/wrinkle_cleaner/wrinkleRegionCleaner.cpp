@@ -17,12 +17,12 @@ constexpr int kSmallestBox = 5;         // boxes with a shorter side below this 
 constexpr int kSmallestSide = 10;       // of the picture, in pixels
 constexpr int kBlockSize = 9;           // pixels
 
-/// A position of the working copy in the picture.
+/// A position of the working copy in the image.
 int toPicture(int position, float factor) {
     return static_cast<int>((static_cast<float>(position) - 0.5f) * factor + 0.5f);
 }
 
-/// First and last position of a span of the working copy, in the picture.
+/// First and last position of a span of the working copy, in the image.
 Span toPicture(Span working, float factor, int size) {
     const int first = std::max(toPicture(working.begin, factor), 0);
     const int last = std::min(toPicture(working.end - 1, factor), size - 1);
@@ -31,15 +31,15 @@ Span toPicture(Span working, float factor, int size) {
 
 }  // namespace
 
-bool WrinkleRegionCleaner::Prepare(const unsigned char* mask, int width, int height) {
+bool WrinkleRegionCleaner::Prepare(PlaneView<const Byte> mask) {
     m_region.reset();
-    m_mask = {mask, width, height};
+    m_mask = mask;
     if (!m_mask.valid()) return false;
-    const float scale = std::min(kWorkingSide / static_cast<float>(std::max(width, height)), 1.0f);
-    const int workWidth = static_cast<int>(static_cast<float>(width) * scale);
-    const int workHeight = static_cast<int>(static_cast<float>(height) * scale);
+    const float scale = std::min(kWorkingSide / static_cast<float>(std::max(mask.width, mask.height)), 1.0f);
+    const int workWidth = static_cast<int>(static_cast<float>(mask.width) * scale);
+    const int workHeight = static_cast<int>(static_cast<float>(mask.height) * scale);
     Plane<Byte> work(workWidth, workHeight);
-    if (!scalePlane({mask, width, height}, work.view(), YuvFilter::linear)) return false;
+    if (!scalePlane(mask, work.view(), YuvFilter::linear)) return false;
     const PixelBox box = markedBox(work.view(), 0);
     if (box.x.length() < 2 || box.y.length() < 2) return false;
     m_region = box;
@@ -48,21 +48,19 @@ bool WrinkleRegionCleaner::Prepare(const unsigned char* mask, int width, int hei
     return true;
 }
 
-bool WrinkleRegionCleaner::Apply(unsigned char* image, int strength) {
-    const ImageView picture(image, m_mask.width, m_mask.height);
-    if (!m_region || !picture.valid()) return false;
-    if (std::min(picture.width, picture.height) < kSmallestSide) return true;
+bool WrinkleRegionCleaner::Apply(ImageView image, int strength) {
+    if (!m_region || !image.valid()) return false;
+    if (std::min(image.width, image.height) < kSmallestSide) return true;
     const float factor =
-        std::max(static_cast<float>(std::max(picture.width, picture.height)) / kWorkingSide, 1.0f);
+        std::max(static_cast<float>(std::max(image.width, image.height)) / kWorkingSide, 1.0f);
     GradientRepair repair;
-    repair.hole = {toPicture(m_region->x, factor, picture.width),
-                   toPicture(m_region->y, factor, picture.height)};
+    repair.hole = {toPicture(m_region->x, factor, image.width), toPicture(m_region->y, factor, image.height)};
     if (std::min(repair.hole.x.length(), repair.hole.y.length()) < kSmallestBox) return true;
     repair.maskArea = repair.hole;
     repair.margin = kBlockSize + 1;
     repair.percent = strength / 2;
     repair.exchange = quietDonorExchange(kBlockSize);
-    return repairByGradients(picture, m_mask, repair);
+    return repairByGradients(image, m_mask, repair);
 }
 
 }  // namespace zellab

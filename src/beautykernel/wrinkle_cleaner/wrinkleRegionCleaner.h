@@ -11,14 +11,14 @@ namespace zellab {
 class WrinkleRegionCleaner {
 public:
     /// Finds the box of the marks, on a copy of the mask whose longer side is at most 720. The mask is kept
-    /// by pointer until Apply. A line on standard output records the box.
+    /// as a view until Apply. A line on standard output records the box.
     /// @return whether there is a box of more than one column and row
-    bool Prepare(const unsigned char* mask, int width, int height);
+    bool Prepare(PlaneView<const Byte> mask);
 
     /// Repairs the RGBA picture, of the mask's size, in the box.
     /// @param strength  percentage, halved before use
     /// @return false where Prepare found no box
-    bool Apply(unsigned char* image, int strength);
+    bool Apply(ImageView image, int strength);
 
 private:
     PlaneView<const Byte> m_mask;

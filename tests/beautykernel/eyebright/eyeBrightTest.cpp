@@ -166,7 +166,8 @@ TEST(EyeBright, TheBoxKeepsOffTheFirstRowAndColumn) {
 TEST(EyeBright, ACutOutThatDoesNotFitIsLoggedAndMoved) {
     zellab::EyeCut eye;
     eye.box = {35, -4, 10, 8};
-    eye.rgba.assign(10 * 8 * 4, 200);
+    eye.rgba = zellab::RgbaImage(10, 8);
+    std::fill_n(eye.rgba.data(), eye.rgba.size(), 200);
     eye.lidDistance = zellab::Plane<float>(10, 8);
     std::fill_n(eye.lidDistance.data(), 80, 1.0f);
     Bytes picture(40 * 30 * 4, 50);

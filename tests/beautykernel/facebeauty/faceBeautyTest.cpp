@@ -27,8 +27,9 @@ Bytes cube(const char* name) {
 bool run(Bytes& rgba, Size size, const FaceBeautyParams& params, FaceData* face = nullptr,
          const Bytes& mask = {}, Size maskSize = {0, 0}) {
     const zeltest::StreamCapture quiet(stderr);
-    return CFaceBeauty().Run(rgba.data(), size.width, size.height, mask.empty() ? nullptr : mask.data(),
-                             maskSize.width, maskSize.height, face ? 1 : 0, face, &params);
+    return CFaceBeauty().Run({rgba.data(), size.width, size.height},
+                             {mask.empty() ? nullptr : mask.data(), maskSize.width, maskSize.height}, face,
+                             params);
 }
 
 /// The sizes on both sides of the limit between the roads, every option in turn, with and without a face.
@@ -115,8 +116,7 @@ TEST(FaceBeauty, EachMissingTableHasItsLineAndItsOutcome) {
                 std::filesystem::remove(path);
             Bytes without = picture;
             zeltest::StreamCapture log(stderr);
-            EXPECT_EQ(CFaceBeauty().Run(without.data(), size.width, size.height, nullptr, 0, 0, 0, nullptr,
-                                        &params),
+            EXPECT_EQ(CFaceBeauty().Run({without.data(), size.width, size.height}, {}, nullptr, params),
                       works);
             const std::string said = log.text();
             EXPECT_NE(said.find("version 2.05 run...width:" + std::to_string(size.width) +

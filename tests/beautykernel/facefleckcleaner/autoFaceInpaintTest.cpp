@@ -8,6 +8,7 @@
 #include "beautykernel/facefleckcleaner/featureExclusion.h"
 #include "facepoints/faceTemplate.h"
 #include "support/everyMachine.h"
+#include "support/standardFace.h"
 #include "zel_effects/zel_effects.h"
 #include "zellab/geometry/vector2.h"
 #include "zellab/imageproc/core/ownedImage.h"
@@ -197,9 +198,11 @@ TEST(FaceFleckCleaner, TellsWhereItLooked) {
     std::copy_n(face.points.GetInterPoints(0), 310, record.points);
     const Bytes skin(face.pixels.size() / 4, 255);
     Bytes out(skin.size(), 0);
+    const zellab::ImageView image(face.pixels.data(), 270, 480);
+    const zellab::PlaneView<const Byte> map(skin.data(), 270, 480);
     FaceFleckCleaner cleaner;
-    EXPECT_FALSE(cleaner.CleanFace(face.pixels.data(), 270, 480, skin.data(), 0, &record, out.data(), 0));
-    EXPECT_TRUE(cleaner.CleanFace(face.pixels.data(), 270, 480, skin.data(), 1, &record, out.data(), 0));
+    EXPECT_FALSE(cleaner.CleanFace(image, map, {}, {out.data(), 270, 480}, false));
+    EXPECT_TRUE(cleaner.CleanFace(image, map, {&record, 1}, {out.data(), 270, 480}, false));
     ASSERT_FALSE(cleaner.flecks().empty());
     for (std::size_t i = 0; i + 1 < cleaner.flecks().size(); ++i)
         EXPECT_LE(cleaner.flecks()[i].area, cleaner.flecks()[i + 1].area);

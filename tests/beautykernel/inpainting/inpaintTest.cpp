@@ -117,8 +117,8 @@ TEST(GradientInpainter, StrengthActsThroughItsSquareRoot) {
     paintBlot(blot);
     const auto repaired = [&](int strength) {
         Bytes pixels = blot.pixels;
-        EXPECT_TRUE(
-            GradientInpainter().Run(pixels.data(), blot.mask.data(), blot.width, blot.height, strength));
+        EXPECT_TRUE(GradientInpainter().Run({pixels.data(), blot.width, blot.height},
+                                            {blot.mask.data(), blot.width, blot.height}, strength));
         return pixels;
     };
     const Bytes full = repaired(100), faint = repaired(1);
@@ -179,9 +179,9 @@ TEST(PatchFill, AHoleOfOneRowOrWithoutSourcesStays) {
     whole.mark(0, 0, 40, 40);
     auto& engine = PatchFillInpainter::instance();
     const Bytes before = row.pixels;
-    EXPECT_FALSE(engine.Run(row.pixels.data(), 40, 40, 20, row.mask.data(), 16, 100, 20));
-    EXPECT_TRUE(engine.Run(whole.pixels.data(), 40, 40, 20, whole.mask.data(), 16, 100, 20));
-    EXPECT_FALSE(engine.Run(row.pixels.data(), 40, 40, 0, row.mask.data(), 16, 100, 20));
+    EXPECT_FALSE(engine.Run({row.pixels.data(), 40, 40}, {row.mask.data(), 40, 40}, {}));
+    EXPECT_TRUE(engine.Run({whole.pixels.data(), 40, 40}, {whole.mask.data(), 40, 40}, {}));
+    EXPECT_FALSE(engine.Run({row.pixels.data(), 40, 40}, {row.mask.data(), 40, 40}, {.radius = 0}));
     EXPECT_EQ(row.pixels, before);
     EXPECT_EQ(whole.pixels, before);
 }
@@ -198,14 +198,15 @@ TEST(WrinkleCleaner, TheTwoPathsReadMaskAndStrengthByTheirOwnRules) {
     Picture soft = blotOnASlope();
     std::replace(soft.mask.begin(), soft.mask.end(), Byte{255}, Byte{254});
     const Bytes before = soft.pixels;
-    EXPECT_FALSE(
-        WrinkleMaskCleaner().Run(soft.pixels.data(), soft.width, soft.height, soft.mask.data(), 100));
+    EXPECT_FALSE(WrinkleMaskCleaner().Run({soft.pixels.data(), soft.width, soft.height},
+                                          {soft.mask.data(), soft.width, soft.height}, 100));
     EXPECT_EQ(soft.pixels, before) << "the mask path counts 255 alone";
     testing::internal::CaptureStdout();
     WrinkleRegionCleaner region;
-    EXPECT_TRUE(region.Prepare(soft.mask.data(), soft.width, soft.height));
+    EXPECT_TRUE(region.Prepare({soft.mask.data(), soft.width, soft.height}));
     EXPECT_EQ(testing::internal::GetCapturedStdout(), "<[zel_RtKit] ERROR:> rvl 50 71 40 54\n");
-    EXPECT_FALSE(WrinkleMaskCleaner().Run(soft.pixels.data(), 19, 200, soft.mask.data(), 100)) << "too small";
+    EXPECT_FALSE(WrinkleMaskCleaner().Run({soft.pixels.data(), 19, 200}, {soft.mask.data(), 19, 200}, 100))
+        << "too small";
 
     // Strength acts on the mask path alone.
     Picture weak = blotOnASlope();

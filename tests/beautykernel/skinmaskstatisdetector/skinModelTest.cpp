@@ -28,6 +28,11 @@ slow::SkinPlanes planesOf(int width, int height, unsigned seed, int y, int cb, i
     return p;
 }
 
+zelbeauty::YCbCrView viewOf(const slow::SkinPlanes& p) {
+    return {
+        {p.y.data(), p.width, p.height}, {p.cb.data(), p.width, p.height}, {p.cr.data(), p.width, p.height}};
+}
+
 SkinFaceRecord recordIn(int left, int top, int right, int bottom) {
     SkinFaceRecord face;
     face.left = left, face.top = top, face.right = right, face.bottom = bottom;
@@ -55,9 +60,8 @@ TEST(SkinModelMatchesSlow, StatisticsAndMap) {
                 const slow::SkinPlanes p = planesOf(90, 80, seed += 3, c.y, c.cb, c.cr);
                 SCOPED_TRACE(testing::Message()
                              << c.y << ' ' << c.cb << ' ' << c.cr << ", left " << face.left);
-                slow::FaceColour found;
-                SkinMaskStatisDetector::GetFaceColorYuv(p.y.data(), p.cb.data(), p.cr.data(), 90, 80, face,
-                                                        found.y, found.cb, found.cr, found.low, found.high);
+                const zelbeauty::YCbCrView picture = viewOf(p);
+                const zelbeauty::FaceColour found = SkinMaskStatisDetector::GetFaceColorYuv(picture, face);
                 const slow::FaceColour colour = slow::faceColour(p, face);
                 EXPECT_EQ((std::array{found.y, found.cb, found.cr, found.low, found.high}),
                           (std::array{colour.y, colour.cb, colour.cr, colour.low, colour.high}));
@@ -66,10 +70,9 @@ TEST(SkinModelMatchesSlow, StatisticsAndMap) {
                             faceless = slow::skinMap(p, slow::pictureColour(p), false, alt);
                 zeltest::onEveryMachine([&] {
                     Bytes map(expected.size(), 1);
-                    const auto detect = [&](int count) {
-                        SkinMaskStatisDetector::Detect(p.y.data(), p.cb.data(), p.cr.data(), 90, 80,
-                                                       map.data(), count, &face, nullptr, nullptr, nullptr,
-                                                       alt);
+                    const auto detect = [&](std::size_t count) {
+                        SkinMaskStatisDetector::Detect(picture, {map.data(), 90, 80}, {&face, count}, alt,
+                                                       nullptr);
                     };
                     detect(1);
                     ASSERT_TRUE(zeltest::sameSamples(expected, map, 90));
@@ -85,27 +88,28 @@ TEST(SkinModelMatchesSlow, StatisticsAndMap) {
 TEST(SkinMaskManager, MeanColourAndFeatures) {
     const int w = 120, h = 100;
     const auto count = static_cast<std::size_t>(w * h);
-    const Bytes y(count, 150), cb(count, 112), cr(count, 147);
+    const slow::SkinPlanes planes{w, h, Bytes(count, 150), Bytes(count, 112), Bytes(count, 147)};
+    const zelbeauty::YCbCrView picture = viewOf(planes);
     SkinFaceRecord face = recordIn(20, 10, 100, 90);
     for (int i = 50; i < 80; ++i) {
         const float angle = static_cast<float>(i) * 0.21f;
         face.points[i] = {60 + 15 * std::cos(angle), 70 + 8 * std::sin(angle)};
     }
     SkinMaskManager manager(0);
-    EXPECT_EQ(manager.GetSkinMask(), nullptr);
-    manager.DetectSkin(y.data(), cb.data(), cr.data(), w, h, 1, &face, 8, false);
+    EXPECT_FALSE(manager.GetSkinMask().valid());
+    manager.DetectSkin(picture, {&face, 1}, 8, false);
     EXPECT_EQ((std::array<int, 3>{manager.meanY, manager.meanCb, manager.meanCr}),
               (std::array{150, 112, 147}));
     EXPECT_GT(manager.meanR, manager.meanG);
-    EXPECT_EQ(manager.GetSkinMask()[70 * w + 60], 100) << "the mouth";
-    EXPECT_GT(manager.GetSkinMask()[40 * w + 60], 230);
-    EXPECT_LT(manager.GetSmoothMask()[70 * w + 46], 230) << "the border of the mouth is soft";
+    EXPECT_EQ(manager.GetSkinMask().row(70)[60], 100) << "the mouth";
+    EXPECT_GT(manager.GetSkinMask().row(40)[60], 230);
+    EXPECT_LT(manager.GetSmoothMask().row(70)[46], 230) << "the border of the mouth is soft";
 
     SkinFaceRecord narrow = recordIn(55, 10, 65, 90);  // measured, but too narrow to be painted
     std::copy_n(face.points + 50, 30, narrow.points + 50);
-    manager.DetectSkin(y.data(), cb.data(), cr.data(), w, h, 1, &narrow, 8, false);
-    EXPECT_GT(manager.GetSkinMask()[70 * w + 60], 230);
-    manager.DetectSkin(y.data(), cb.data(), cr.data(), w, h, 0, &face, 8, false);
+    manager.DetectSkin(picture, {&narrow, 1}, 8, false);
+    EXPECT_GT(manager.GetSkinMask().row(70)[60], 230);
+    manager.DetectSkin(picture, {}, 8, false);
     EXPECT_EQ((std::array<int, 6>{manager.meanY, manager.meanCb, manager.meanCr, manager.meanR, manager.meanG,
                                   manager.meanB}),
               (std::array{139, 121, 143, 160, 130, 126}));

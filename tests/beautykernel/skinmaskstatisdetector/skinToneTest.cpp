@@ -47,19 +47,18 @@ void addPortrait(zel::SkinTone tone, unsigned seed, std::array<Tally, 2>& tallie
     zellab::RGBAToYCbCrPlanes({portrait.image.rgba.data(), width, height}, {y.data(), width, height},
                               {cb.data(), width, height}, {cr.data(), width, height});
     const SkinFaceRecord face = recordOf(portrait, params.width, params.height);
-    int meanY = 0, meanCb = 0, meanCr = 0, low = 0, high = 0;
-    zelbeauty::SkinMaskStatisDetector::GetFaceColorYuv(y.data(), cb.data(), cr.data(), params.width,
-                                                       params.height, face, meanY, meanCb, meanCr, low, high);
+    const zelbeauty::YCbCrView picture{
+        {y.data(), width, height}, {cb.data(), width, height}, {cr.data(), width, height}};
+    const zelbeauty::FaceColour colour = zelbeauty::SkinMaskStatisDetector::GetFaceColorYuv(picture, face);
     for (std::size_t table = 0; table < tallies.size(); ++table) {
         zelbeauty::SkinMaskManager manager(0);
-        manager.DetectSkin(y.data(), cb.data(), cr.data(), params.width, params.height, 1, &face, 15,
-                           table == 1);
+        manager.DetectSkin(picture, {&face, 1}, 15, table == 1);
         Tally& tally = tallies[table];
         for (std::size_t i = 0; i < count; ++i) {
-            const int map = manager.GetSkinMask()[i], truth = portrait.skin.samples[i];
+            const int map = manager.GetSkinMask().data[i], truth = portrait.skin.samples[i];
             const bool feature = map == 100 || portrait.eyes.samples[i] || portrait.brows.samples[i] ||
                                  portrait.lips.samples[i];
-            const bool found = map >= kSkinFrom, lit = y[i] >= low && y[i] <= high;
+            const bool found = map >= kSkinFrom, lit = y[i] >= colour.low && y[i] <= colour.high;
             if (feature) continue;
             if (truth <= 5) ++tally.other, tally.wrong += found;
             if (truth < 250) continue;

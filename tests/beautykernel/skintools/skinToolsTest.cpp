@@ -37,8 +37,8 @@ struct Skin {
                     at(x + dx, y + dy)[c] = static_cast<Byte>(at(x + dx, y + dy)[c] - depth);
     }
     bool repair(const SpotBox& box = {}) {
-        return CSpotRepair::Run(pixels.data(), kWidth, kHeight, kWidth * 4, mask.data(), 1, 2, box,
-                                spots.data());
+        return CSpotRepair::Run({pixels.data(), kWidth, kHeight}, {mask.data(), kWidth, kHeight},
+                                {.face = box}, {spots.data(), kWidth, kHeight});
     }
     std::ptrdiff_t marked() const { return std::count(spots.begin(), spots.end(), Byte{255}); }
 };
@@ -172,7 +172,7 @@ TEST(FeatureMaskPainter, PaintsWhatItsBitsName) {
     ring(50, 79, 50, 80, 14, 6);
     const auto painted = [&](int flags) {
         Bytes mask(100 * 100, 255);
-        EXPECT_EQ(CFeatureMaskPainter::Paint(mask.data(), 100, 100, points.data(), flags, 0), flags != 0);
+        EXPECT_EQ(CFeatureMaskPainter::Paint({mask.data(), 100, 100}, points.data(), flags, 0), flags != 0);
         return [mask = std::move(mask)](int x, int y) {
             return mask[static_cast<std::size_t>(y * 100 + x)] == 0;
         };

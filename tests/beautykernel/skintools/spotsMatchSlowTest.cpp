@@ -44,8 +44,9 @@ TEST(SpotRepairMatchesSlow, MarksTheSameCells) {
             p.left = box.left, p.top = box.top, p.boxWidth = box.width, p.boxHeight = box.height;
             const Bytes expected = slow::spotCells(p);
             Bytes cells(expected.size(), 9), rgba = p.rgba;
-            ASSERT_TRUE(zellab::CSpotRepair::Run(rgba.data(), width, height, width * 4, p.skin.data(), 1, 2,
-                                                 {box.left, box.top, box.width, box.height}, cells.data()));
+            ASSERT_TRUE(zellab::CSpotRepair::Run({rgba.data(), width, height}, {p.skin.data(), width, height},
+                                                 {.face = {box.left, box.top, box.width, box.height}},
+                                                 {cells.data(), width, height}));
             ASSERT_TRUE(zeltest::sameSamples(expected, cells, width));
             if (width > 100 && box.left < 1) {
                 EXPECT_GT(std::count(cells.begin(), cells.end(), 255), 20) << "the pictures must hold spots";

@@ -52,7 +52,7 @@ Roots eigenvalues(const RootTables& tables, const Symmetric& c) {
     const float determinant =
         r * (g * b - c.gb * c.gb) - c.rg * (c.rg * b - c.gb * c.rb) + c.rb * (c.rg * c.gb - g * c.rb);
     const float d = determinant / (p * p * p);
-    float first = p, second = 2.0f * p;  // as documented for -2, where the cosines would give -2 p
+    float first = p, second = 2.0f * p;  // kept for d = -2, where the cosines would give -2 p
     if (d >= 2.0f) {
         first = 2.0f * p;
         second = -p;

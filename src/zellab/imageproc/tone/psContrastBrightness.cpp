@@ -21,7 +21,7 @@ struct BrightShape {
     double row, growth, knee, bell;
 };
 
-/// Fitted to the reference samples of the five rows, all of which they meet; rows between are interpolated
+/// Fitted to measured samples of these five rows, all of which they meet; rows between are interpolated
 /// linearly, which keeps every entry rising with the row.
 constexpr BrightShape kBrightShapes[] = {
     {1, 0.00624, 97.25, 0.053},   {30, 0.00630, 104.0, 0.517}, {75, 0.00634, 69.75, 0.493},

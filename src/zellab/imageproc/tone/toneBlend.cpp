@@ -22,7 +22,7 @@ struct TemperatureLifts {
 
 constexpr LevelLift kNoLift{0, 1, 1};
 
-/// Fitted to the reference samples of the four curves, all of which they meet.
+/// Fitted to measured samples of the four curves, all of which they meet.
 constexpr TemperatureLifts kWarm{{32.0, 0.65, 1.146}, kNoLift, {-30.93, 0.679, 1.035}};
 constexpr TemperatureLifts kCool{{-23.74, 0.678, 1.007}, kNoLift, {22.42, 0.571, 1.021}};
 /// The gentler set: three fifths of the usual one, with a trace of green, up for warm and down for cool, that
