@@ -7,8 +7,8 @@
 #include <cstdlib>
 #include <vector>
 
-#include "zel_effects/zel_effects.h"
 #include "portrait/portrait.h"
+#include "zel_effects/zel_effects.h"
 
 namespace {
 

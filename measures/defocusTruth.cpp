@@ -8,9 +8,7 @@
 #include "portrait/background.h"
 #include "portrait/develop.h"
 #include "portrait/sitter.h"
-#include "zellab/imageproc/core/ownedImage.h"
 #include "zellab/imageproc/core/parallelRows.h"
-#include "zellab/imageproc/sfdsp/yuvScale.h"
 
 namespace zelmeasures {
 
@@ -25,11 +23,9 @@ std::array<int, 256> radiiOf(const LayeredPortrait& layers, int blurLevel) {
     DisparityMap map;
     map.set({layers.disparity.data(), width, height});
     BlurStrength strength = computeBlurStrength(width, height, 1.0f, blurLevel, true);
-    zellab::Plane<Byte> small(strength.smallWidth, strength.smallHeight);
-    zellab::scalePlane(map.view(), small.view(), zellab::YuvFilter::box);
     const FaceBox face = faceBoxOf(layers.portrait);
     const FocusPoint point{face.centreY(), face.centreX()};
-    const FocusBand band = decideFocus(small.view(), {point}, point, strength);
+    const FocusBand band = decideFocus(map, {point}, point, strength);
     const RadiusTables tables = radiiByDepth(map, band, strength);
     std::array<int, 256> radii;
     for (int i = 0; i < 256; ++i) {

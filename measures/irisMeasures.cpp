@@ -5,8 +5,8 @@
 #include <cstdio>
 #include <cstdlib>
 
-#include "zel_effects/zel_effects.h"
 #include "support/syntheticEyes.h"
+#include "zel_effects/zel_effects.h"
 
 namespace {
 

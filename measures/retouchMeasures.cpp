@@ -9,8 +9,8 @@
 #include <vector>
 
 #include "faceRecords.h"
-#include "zel_effects/zel_effects.h"
 #include "portrait/portrait.h"
+#include "zel_effects/zel_effects.h"
 
 namespace {
 

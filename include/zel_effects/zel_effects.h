@@ -622,7 +622,7 @@ public:
     /// What became of the picture of the last Run on this object, whatever Run returned. A picture that was
     /// not drawn is as it was, and the log has one line that says why.
     enum class Outcome : unsigned char {
-        none,           ///< no Run yet, or one whose arguments were refused
+        none,  ///< no Run yet, or one whose arguments were refused
         drawn,
         noContext,      ///< no context of OpenGL 3.3 or later was current
         faultyShaders,  ///< the shader file lacks one, or the driver refuses one

@@ -6,9 +6,9 @@
 #include <cmath>
 #include <cstdlib>
 
-#include "zel_effects/offscreenContext.h"
 #include "support/randomImage.h"
 #include "support/streamCapture.h"
+#include "zel_effects/offscreenContext.h"
 #include "zel_effects/zel_effects.h"
 
 namespace zeltest {

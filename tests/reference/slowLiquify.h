@@ -3,8 +3,8 @@
 #include <cmath>
 #include <numbers>
 
-#include "zel_effects/zel_records.h"
 #include "reference/slowTone.h"
+#include "zel_effects/zel_records.h"
 
 /// The brush and the mesh warp, each cell and each pixel on its own.
 

@@ -6,8 +6,8 @@
 #include <random>
 
 #include "beautykernel/eyebright/eyeGeometry.h"
-#include "zel_effects/interFacePoint.h"
 #include "portrait/portrait.h"
+#include "zel_effects/interFacePoint.h"
 
 /// Synthetic eyes whose irises are known, for the test of the iris finder and for its measure.
 

@@ -1,5 +1,5 @@
-#include "portrait/noiseField.h"
 #include "person.h"
+#include "portrait/noiseField.h"
 #include "solidMath.h"
 
 namespace zeldepth {

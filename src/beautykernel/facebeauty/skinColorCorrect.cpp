@@ -2,9 +2,9 @@
 
 #include <algorithm>
 
+#include "zellab/imageproc/colour/selectiveColor.h"
 #include "zellab/imageproc/core/parallelRows.h"
 #include "zellab/imageproc/core/pixelMath.h"
-#include "zellab/imageproc/colour/selectiveColor.h"
 
 namespace zellab {
 

@@ -6,8 +6,8 @@
 #include <cstdint>
 #include <span>
 
-#include "zel_effects/zel_records.h"
 #include "support/randomImage.h"
+#include "zel_effects/zel_records.h"
 
 namespace zeltest {
 

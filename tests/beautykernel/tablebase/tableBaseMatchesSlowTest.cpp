@@ -1,8 +1,8 @@
 #include <gtest/gtest.h>
 
-#include "zel_effects/zel_effects.h"
 #include "reference/slowTableBase.h"
 #include "support/everyMachine.h"
+#include "zel_effects/zel_effects.h"
 #include "zellab/imageproc/tone/psContrastBrightness.h"
 
 namespace {

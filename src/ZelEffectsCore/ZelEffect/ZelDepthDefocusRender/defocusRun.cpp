@@ -51,8 +51,7 @@ RenderOutcome renderScene(BokehScene& scene, RenderJob job) {
     RgbaImage rendered(source.width, source.height);
     job.target = rendered.view();
     const RenderOutcome outcome = scene.render(job);
-    if (outcome == RenderOutcome::drawn)
-        zellab::scaleArgb(rendered.view(), target, zellab::YuvFilter::none);
+    if (outcome == RenderOutcome::drawn) zellab::scaleArgb(rendered.view(), target, zellab::YuvFilter::none);
     return outcome;
 }
 

@@ -7,10 +7,10 @@
 #include <vector>
 
 #include "platform/simdLevel.h"
-#include "zellab/imageproc/core/parallelRows.h"
 #include "zellab/imageproc/blur/rowTile.h"
 #include "zellab/imageproc/blur/slotRing.h"
 #include "zellab/imageproc/blur/stackBlurLanes.h"
+#include "zellab/imageproc/core/parallelRows.h"
 
 namespace zellab {
 

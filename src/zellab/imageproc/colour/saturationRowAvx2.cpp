@@ -1,5 +1,5 @@
-#include "zellab/imageproc/core/rgbaPlanesAvx2.h"
 #include "zellab/imageproc/colour/saturationRow.h"
+#include "zellab/imageproc/core/rgbaPlanesAvx2.h"
 
 namespace zellab {
 

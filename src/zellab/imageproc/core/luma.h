@@ -10,7 +10,8 @@ static_assert(kLumaRed + kLumaGreen + kLumaBlue == 1 << kLumaShift, "grey must s
 
 /// The luma of an RGB(A) pixel, truncated, 0..255.
 [[gnu::always_inline]] inline Byte lumaOf(const Byte* pixel) {
-    return static_cast<Byte>((kLumaRed * pixel[0] + kLumaGreen * pixel[1] + kLumaBlue * pixel[2]) >> kLumaShift);
+    return static_cast<Byte>((kLumaRed * pixel[0] + kLumaGreen * pixel[1] + kLumaBlue * pixel[2]) >>
+                             kLumaShift);
 }
 
 }  // namespace zellab

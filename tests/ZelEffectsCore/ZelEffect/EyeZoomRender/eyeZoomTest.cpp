@@ -5,9 +5,9 @@
 
 #include "../meshCover.h"
 #include "ZelEffectsCore/ZelEffect/EyeZoomRender/eyeMeshWarp.h"
-#include "zel_effects/zel_effects.h"
 #include "support/randomImage.h"
 #include "support/standardFace.h"
+#include "zel_effects/zel_effects.h"
 
 namespace {
 
