@@ -25,7 +25,7 @@ if(commands MATCHES "host/main\\.cpp|gtest")
   message(FATAL_ERROR "The client's project has the library's command or tests")
 endif()
 
-run(${CMAKE_COMMAND} --build ${WORK}/client --target client)
+run(${CMAKE_COMMAND} --build ${WORK}/client --target client --parallel 2)
 run(${WORK}/client/client ${WORK}/two.pgm)
 if(NOT text STREQUAL "2 x 1 pixels, 1 face\n" OR said MATCHES "PSOverlay")
   message(FATAL_ERROR "The client said: ${text}${said}")
