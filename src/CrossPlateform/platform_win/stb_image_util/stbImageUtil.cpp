@@ -4,8 +4,8 @@
 #include "CrossPlateform/platform_win/stb_image_util/imageFile.h"
 #include "CrossPlateform/platform_win/stb_image_util/imageScramble.h"
 #include "CrossPlateform/platform_win/stb_image_util/sizeLimit.h"
-#include "zel_effects/zel_effects.h"
 #include "frame/zel_log.h"
+#include "zel_effects/zel_effects.h"
 
 namespace ZelImageCore {
 
