@@ -39,7 +39,7 @@ public:
         const std::size_t end = std::min(all.find('\n'), all.size());
         const std::string line(all.substr(0, std::min(end, kLongest)));
         skip(std::min(end + 1, all.size()));
-        return line.c_str();
+        return line.substr(0, line.find('\0'));
     }
 
 private:
