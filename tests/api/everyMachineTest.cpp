@@ -25,6 +25,7 @@ TEST_P(EveryMachine, GivesTheSameBytes) {
     ASSERT_TRUE(render.Init(false));
     bool didSomething = false;
     for (const int round : {0, 126, 315}) {  // a good face, all buffers, strength 0.5
+        if (round % GetParam().every != 0) continue;
         const auto result = [&](int workers, SimdLevel level) {
             const zellab::WorkerCount count(workers);
             const zellab::platform::SimdLimit limit(level);

@@ -20,12 +20,6 @@ Plane<Byte> filled(int width, int height, Byte value) {
     return plane;
 }
 
-DisparityMap mapOf(const Plane<Byte>& plane) {
-    DisparityMap map;
-    map.set(plane.view());
-    return map;
-}
-
 TEST(DisparityMap, CutsTheOutermostPercentAtBothEnds) {
     Plane<Byte> plane = filled(20, 10, 100);  // 200 pixels: two may be cut at either end
     plane.data()[0] = 3;

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cstring>
 #include <vector>
 
 #include "beautykernel/skintools/featureMaskPainter.h"
@@ -281,7 +282,7 @@ TEST(FaceInterpolation, OutlinesHoldTheWholeBrow) {
         for (Vector2f& p : face) p = {p.x * kWidth, p.y * kHeight};
         const Points points = pointsOf(face);
         std::vector<unsigned char> hulls(portrait.brows.samples.size()), outlines = hulls;
-        zellab::CFeatureMaskPainter::Paint(hulls.data(), kWidth, kHeight, points.data(), zellab::kBrows, 1);
+        zellab::CFeatureMaskPainter::Paint({hulls.data(), kWidth, kHeight}, points.data(), zellab::kBrows, 1);
         for (const Positions& brow : kBrows) {
             std::vector<Vector2f> polygon;
             for (std::size_t i : brow) polygon.push_back(points[i]);

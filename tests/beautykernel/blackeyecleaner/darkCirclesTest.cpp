@@ -6,6 +6,7 @@
 
 #include "beautykernel/blackeyecleaner/circleTables.h"
 #include "beautykernel/blackeyecleaner/underEyeShape.h"
+#include "support/guardedBytes.h"
 #include "support/randomImage.h"
 #include "support/standardFace.h"
 #include "support/streamCapture.h"
@@ -83,6 +84,17 @@ TEST(UnderEyeShape, StaysInsideItsEndsAndTapers) {
         EXPECT_NEAR(columnHeight(x), columnHeight(80 - std::max(x, 1)), 2) << x;
         for (int y : {0, 5, 9, 38, 49}) EXPECT_EQ(plane.view().row(y)[x], 0) << x << ',' << y;
     }
+}
+
+TEST(UnderEyeShape, LeavesEverythingBesideThePlaneAlone) {
+    zeltest::GuardedBytes buffer(20 * 10, 0);
+    const zellab::PlaneView<zellab::Byte> plane(buffer.data(), 20, 10);
+    zellab::drawUnderEyeShape(plane, {{-50, -20}, {90, 4}, {20, 30}, 200});
+    zellab::drawUnderEyeShape(plane, {{-1e9f, 0}, {1e9f, 0}, {0, 1e9f}, 5});
+    EXPECT_TRUE(buffer.guardsIntact());
+    std::fill_n(buffer.data(), buffer.size(), static_cast<unsigned char>(0));
+    zellab::drawUnderEyeShape(plane, {{kNaN, 2}, {15, 2}, {10, 4}, 4});
+    EXPECT_TRUE(buffer.allAre(0));
 }
 
 TEST(CircleTables, KeepTheirKnownValues) {

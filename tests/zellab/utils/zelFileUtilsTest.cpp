@@ -101,14 +101,14 @@ TEST_F(StyleAsset, WhatTheToldPlacesLackIsSoughtInTheFolderOfTheEnvironment) {
     std::filesystem::create_directories(m_folder / "here");
     const zeltest::WorkingFolder here(m_folder / "here");
     {
-        const zeltest::Environment told("ZEL_ASSETS", m_folder.c_str());
+        const zeltest::Environment told("ZEL_ASSETS", m_folder.path().c_str());
         const Pixels pixels = load("a.bin");
         ASSERT_TRUE(pixels);
         EXPECT_EQ(*pixels, 't');
         EXPECT_EQ(m_log, "") << "nothing is missing";
         EXPECT_FALSE(load("b.bin"));
         EXPECT_NE(m_log.find("LoadPPM file not from sdcard or not exist!\r\n"), std::string::npos);
-        EXPECT_FALSE(load((m_folder / "here/a.bin").string())) << "a whole path is not sought elsewhere";
+        EXPECT_FALSE(load(m_folder / "here/a.bin")) << "a whole path is not sought elsewhere";
         write("here/a.bin", head(1, 1) + "here");
         EXPECT_EQ(*load("a.bin"), 'h') << "the told place comes first";
         std::filesystem::remove(m_folder / "here/a.bin");
@@ -120,7 +120,7 @@ TEST_F(StyleAsset, WhatTheToldPlacesLackIsSoughtInTheFolderOfTheEnvironment) {
 TEST_F(StyleAsset, TheFoldersBesideTheProgramFollowTheEnvironment) {
     {
         const zeltest::Environment unset("ZEL_ASSETS", nullptr);
-        const zeltest::WorkingFolder here(m_folder);
+        const zeltest::WorkingFolder here(m_folder.path());
         EXPECT_TRUE(load("style/base/PSOverlay.bin")) << "the build tree's, seen from this program";
         EXPECT_EQ(zellab::assetFolders("/lib").front(), "/lib/assets");
         EXPECT_TRUE(zellab::assetFolders("").empty());

@@ -4,6 +4,7 @@
 #include <cmath>
 #include <cstdlib>
 
+#include "frame/processorCount.h"
 #include "support/guardedBytes.h"
 #include "support/noThreads.h"
 #include "support/randomImage.h"
@@ -12,7 +13,6 @@
 #include "zellab/imageproc/resample/imageResampler.h"
 #include "zellab/imageproc/resample/resamplePhases.h"
 #include "zellab/imageproc/sfdsp/scaleBilinear.h"
-#include "zellab/imageproc/sfdsp/yuvScale.h"
 
 namespace {
 
@@ -134,22 +134,6 @@ TEST(ImageResampler, EnlargingThenShrinkingGivesBackASmoothPicture) {
         const Bytes large = resize(source, kSide, kSide, 3 * kSide, 3 * kSide, 1, quality);
         const Bytes back = resize(large, 3 * kSide, 3 * kSide, kSide, kSide, 1, quality);
         EXPECT_LE(largestDifference(source, back), 4) << "quality " << quality;
-    }
-}
-
-// The foreign scaler rounds a constant down by one here and there; what is ours is the check of sizes.
-TEST(YuvScale, ChecksSizesAndStaysInside) {
-    using zellab::YuvFilter;
-    for (YuvFilter filter : {YuvFilter::none, YuvFilter::linear, YuvFilter::bilinear, YuvFilter::box}) {
-        const Bytes source(sampleCount(37, 23, 4), 90);
-        GuardedBytes target(sampleCount(11, 40, 4)), plane(sampleCount(50, 9));
-        EXPECT_TRUE(zellab::scaleArgb({source.data(), 37, 23}, {target.data(), 11, 40}, filter));
-        EXPECT_TRUE(zellab::scalePlane({source.data(), 37, 23}, {plane.data(), 50, 9}, filter));
-        EXPECT_TRUE(target.guardsIntact() && plane.guardsIntact());
-        for (std::size_t i = 0; i < target.size(); ++i) ASSERT_NEAR(target[i], 90, 1);
-        for (std::size_t i = 0; i < plane.size(); ++i) ASSERT_NEAR(plane[i], 90, 1);
-        EXPECT_FALSE(zellab::scalePlane({source.data(), 37, -23}, {plane.data(), 50, 9}, filter));
-        EXPECT_FALSE(zellab::scalePlane({source.data(), 40000, 1}, {plane.data(), 50, 9}, filter));
     }
 }
 
