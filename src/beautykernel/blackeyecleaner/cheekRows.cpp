@@ -24,13 +24,15 @@ CheekRows::CheekRows(ConstImageView image, const EyeRegion& region)
     : m_colours(static_cast<std::size_t>(region.crop.width) * 4) {
     const int below = static_cast<int>(static_cast<float>(region.face.height) * kBelowLid) + kBelowLidRows;
     const int radius = std::max(20, region.face.width / 120 + 8);
-    // The band starts this far below the lids; in its blur a row looks as far up as down.
+    // The band starts this far below the lids; in its blur a row looks as far up as down. It ends with the
+    // crop: what lies below the cheeks has no say.
+    const int cropEnd = region.crop.y + region.crop.height;
     const auto rowUnder = [&](int lid) {
-        return std::clamp(region.face.y + lid + below + radius, 0, image.height - 1);
+        return std::clamp(region.face.y + lid + below + radius, region.crop.y, cropEnd - 1);
     };
     const int leftRow = rowUnder(lowestLid(region, 6, 9)), rightRow = rowUnder(lowestLid(region, 16, 19));
-    const int top = std::max(std::min(leftRow, rightRow) - radius, 0);
-    const int bottom = std::min(std::max(leftRow, rightRow) + radius + 1, image.height);
+    const int top = std::max(std::min(leftRow, rightRow) - radius, region.crop.y);
+    const int bottom = std::min(std::max(leftRow, rightRow) + radius + 1, cropEnd);
     const int width = region.crop.width;
     RgbaImage band = copyOf(image.crop(region.crop.x, top, width, bottom - top));
     StackBlurRGBA(band.view(), radius);

@@ -35,7 +35,7 @@ void appendUpperHalf(std::vector<Vector2f>& contour, Vector2f end, Vector2f midd
 
 /// The lower edge bows down from an end and is level in its middle.
 void appendLowerHalf(std::vector<Vector2f>& contour, Vector2f end, Vector2f middle, bool fromEnd) {
-    constexpr float kInwards = 0.02f, kDown = 0.85f, kLevel = 0.8f;
+    constexpr float kInwards = 0.15f, kDown = 0.6f, kLevel = 0.6f;
     const Vector2f down = {end.x + (middle.x - end.x) * kInwards, end.y + (middle.y - end.y) * kDown};
     const Vector2f level = {middle.x + (end.x - middle.x) * kLevel, middle.y};
     if (fromEnd) {

@@ -4,7 +4,9 @@
 #include <cmath>
 #include <limits>
 
+#include "beautykernel/blackeyecleaner/blackEyeCleaner.h"
 #include "beautykernel/blackeyecleaner/circleTables.h"
+#include "beautykernel/blackeyecleaner/darkCircles.h"
 #include "beautykernel/blackeyecleaner/underEyeShape.h"
 #include "support/guardedBytes.h"
 #include "support/randomImage.h"
@@ -79,6 +81,7 @@ TEST(UnderEyeShape, StaysInsideItsEndsAndTapers) {
     };
     EXPECT_NEAR(columnHeight(40), 20, 1);
     EXPECT_LT(columnHeight(12), columnHeight(25));
+    EXPECT_LT(columnHeight(13), 11) << "the ends run out at a slant, not in an upright edge";
     for (int x : {0, 5, 9, 71, 79}) EXPECT_EQ(columnHeight(x), 0) << x;
     for (int x = 0; x < 80; ++x) {
         EXPECT_NEAR(columnHeight(x), columnHeight(80 - std::max(x, 1)), 2) << x;
@@ -153,6 +156,24 @@ TEST(DarkCircles, NothingHappensWithoutStrengthOrMethod) {
     EXPECT_EQ(rect.y, 20);
     EXPECT_EQ(rect.width, kWidth - 1);
     EXPECT_EQ(rect.height, 0);
+}
+
+/// The cheek's colour comes from a band that ends with the crop, here with the face's rectangle.
+TEST(DarkCircles, WhatLiesBelowTheCropHasNoSay) {
+    constexpr int kEnd = 190;
+    const Landmarks face = centredFace();
+    zellab::CInterFacePoint points;
+    points.SetFaceCount(1);
+    points.AddFace(face.data(), 0);
+    const auto repaired = [&](unsigned char below) {
+        Bytes pixels = shadowedSkin(face);
+        std::fill(pixels.begin() + kEnd * kWidth * 4, pixels.end(), below);
+        zellab::removeDarkCircles({pixels.data(), kWidth, kHeight}, {50, 60, 200, kEnd - 60},
+                                  points.GetInterPoints(0), 1.0f, zellab::kDarkCircleMethodA);
+        pixels.resize(static_cast<std::size_t>(kEnd * kWidth) * 4);
+        return pixels;
+    };
+    EXPECT_EQ(repaired(90), repaired(250));
 }
 
 TEST(DarkCircles, AFaceSmallerThanItsEyesIsLogged) {
