@@ -257,7 +257,7 @@ TEST(Assets, TheEnvironmentTellsTheFolderWhereNoOptionDoes) {
     const Environment told("ZEL_ASSETS", (folder / "mine").c_str());
     const ProgramRun run = runZel(folder, words);
     EXPECT_EQ(run.status, 1);
-    EXPECT_THAT(run.err, HasSubstr("looks/identity.cube"));
+    EXPECT_THAT(run.err, HasSubstr("looks/clear.cube"));
     EXPECT_EQ(runZel(folder, "apply mosaic a.png -o o.png").status, 0) << "needs none";
 }
 
