@@ -71,14 +71,14 @@ int main(int argc, char** argv) {
         const Vector2f* list = points.GetInterPoints(0);
 
         std::vector<unsigned char> plane(static_cast<std::size_t>(kWidth * kHeight));
-        zellab::CFeatureMaskPainter::Paint(plane.data(), kWidth, kHeight, list, zellab::kBrows, 255);
+        zellab::CFeatureMaskPainter::Paint({plane.data(), kWidth, kHeight}, list, zellab::kBrows, 255);
         hulls.add(portrait.brows, plane, marks);
         std::fill(plane.begin(), plane.end(), static_cast<unsigned char>(0));
         for (const int end : {20, 30}) {
             std::vector<Vector2f> polygon(list + end, list + end + 6);
             for (int i = 9; i >= 6; --i) polygon.push_back(list[end + i]);
             polygon.push_back(list[end]);
-            zellab::FillPolygonMask(plane.data(), kWidth, kHeight, polygon, 255);
+            zellab::FillPolygonMask({plane.data(), kWidth, kHeight}, polygon, 255);
         }
         polygons.add(portrait.brows, plane, marks);
     }
