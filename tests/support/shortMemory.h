@@ -8,14 +8,9 @@
 #include <cstdio>
 #include <new>
 
-namespace zeltest {
+#include "support/starvation.h"
 
-/// Whether the address space of this process can be limited; sanitizers reserve terabytes of it.
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-inline constexpr bool kMemoryCanBeShort = false;
-#else
-inline constexpr bool kMemoryCanBeShort = true;
-#endif
+namespace zeltest {
 
 enum class ShortOfMemory { done, refused, died };
 

@@ -8,7 +8,8 @@
 
 namespace zeltest {
 
-/// The sanitizers bring an allocator of their own, which ends the program where memory does.
+/// The sanitizers bring an allocator of their own, which ends the program where memory does, and reserve terabytes of
+/// the address space.
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
 constexpr bool kCanStarve = false;
 #else

@@ -19,7 +19,7 @@ using zeltest::ShortOfMemory;
 /// Runs the body with ever more spare memory, from none until it is enough, in steps below the sizes of the
 /// allocations in question.
 void expectRefusals(std::size_t step, std::size_t enough, const std::function<void()>& body) {
-    if (!zeltest::kMemoryCanBeShort) GTEST_SKIP() << "a sanitizer owns the address space";
+    if (!zeltest::kCanStarve) GTEST_SKIP() << "a sanitizer owns the address space";
     const zellab::WorkerCount alone(1);
     bool refused = false;
     ShortOfMemory last = ShortOfMemory::refused;
