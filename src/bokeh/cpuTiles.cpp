@@ -5,6 +5,7 @@
 
 #include "bokeh/tileGather.h"
 #include "bokeh/weightPlane.h"
+#include "frame/callSettings.h"
 #include "frame/processorCount.h"
 #include "platform/simdLevel.h"
 #include "zellab/imageproc/core/ownedImage.h"
@@ -62,11 +63,13 @@ std::vector<CpuTile> computeTiles(const ConvolutionSource& source, std::atomic<i
 }
 
 std::future<std::vector<CpuTile>> startTileChore(const ConvolutionSource& source, std::atomic<int>& next) {
-    // Limits of the calling thread do not reach the chore's thread by themselves.
+    // Settings and limits of the calling thread do not reach the chore's thread by themselves.
+    const CallSettings* const settings = callSettings();
     const int workers = ProcessorCount();
     const platform::SimdLevel level = platform::simdLevel();
     try {
-        return std::async(std::launch::async, [&source, &next, workers, level] {
+        return std::async(std::launch::async, [&source, &next, settings, workers, level] {
+            const CallScope scope(settings);
             return computeTilesAt(source, next, workers, level);
         });
     } catch (const std::system_error&) {

@@ -4,11 +4,17 @@
 #include <cstdio>
 #include <string>
 
+#include "frame/zel_log.h"
+
 namespace zellab {
 
 void logDepth(const char* format, ...) {
     std::va_list arguments, again;
     va_start(arguments, format);
+    if (logToHost(LogLevel::debug, nullptr, format, arguments)) {
+        va_end(arguments);
+        return;
+    }
     va_copy(again, arguments);
     const int length = std::vsnprintf(nullptr, 0, format, arguments);
     va_end(arguments);

@@ -1,5 +1,6 @@
 #include "frame/processorCount.h"
 
+#include "frame/callSettings.h"
 #include "platform/processorInfo.h"
 
 namespace zellab {
@@ -14,7 +15,9 @@ constexpr int kFewestRowsForWorkers = 50;
 }  // namespace
 
 int ProcessorCount() {
-    return t_workers > 0 ? t_workers : platform::logicalProcessors();
+    if (t_workers > 0) return t_workers;
+    const CallSettings* const settings = callSettings();
+    return settings && settings->workers > 0 ? settings->workers : platform::logicalProcessors();
 }
 
 int ProcessorCountForRows(int rows) {

@@ -3,7 +3,7 @@
 namespace zellab {
 
 /// Number of logical processors; the worker count of the pixel primitives.
-/// A WorkerCount alive on this thread replaces it.
+/// The settings of the call that this thread works for replace it, and a WorkerCount alive on the thread both.
 int ProcessorCount();
 
 /// The worker count for a job of that many rows: below 50 rows a thread costs more than it saves.

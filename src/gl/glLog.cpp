@@ -3,6 +3,7 @@
 #include <atomic>
 #include <cstdio>
 
+#include "frame/zel_log.h"
 #include "platform/console.h"
 
 namespace zellab::gl {
@@ -29,7 +30,11 @@ void setEnvironmentLogCallback(EnvironmentLogCallback callback) {
 void logEnvironment(int level, const char* format, ...) {
     if (g_threshold > level) return;
     std::va_list arguments;
-    {
+    va_start(arguments, format);
+    const bool taken =
+        logToHost(level >= kEnvironmentError ? LogLevel::error : LogLevel::debug, nullptr, format, arguments);
+    va_end(arguments);
+    if (!taken) {
         const platform::StreamLock lock(stdout);
         std::printf(level >= kEnvironmentError ? "<[%s]   ERROR:> " : "<[%s]   DEBUG:> ", kTag);
         va_start(arguments, format);
@@ -47,14 +52,14 @@ void logEnvironment(int level, const char* format, ...) {
 void RendererLog::error(const char* format, ...) {
     std::va_list arguments;
     va_start(arguments, format);
-    write("[ERROR  ] ", format, arguments);
+    if (!logToHost(LogLevel::error, nullptr, format, arguments)) write("[ERROR  ] ", format, arguments);
     va_end(arguments);
 }
 
 void RendererLog::debug(const char* format, ...) {
     std::va_list arguments;
     va_start(arguments, format);
-    write("[DEBUG  ] ", format, arguments);
+    if (!logToHost(LogLevel::debug, nullptr, format, arguments)) write("[DEBUG  ] ", format, arguments);
     va_end(arguments);
 }
 

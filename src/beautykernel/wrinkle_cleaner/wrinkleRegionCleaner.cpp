@@ -1,8 +1,8 @@
 #include "beautykernel/wrinkle_cleaner/wrinkleRegionCleaner.h"
 
 #include <algorithm>
-#include <cstdio>
 
+#include "frame/zel_log.h"
 #include "zellab/imageproc/core/ownedImage.h"
 #include "zellab/imageproc/poisson/gradientRepair.h"
 #include "zellab/imageproc/poisson/quietDonor.h"
@@ -43,7 +43,7 @@ bool WrinkleRegionCleaner::Prepare(PlaneView<const Byte> mask) {
     const PixelBox box = markedBox(work.view(), 0);
     if (box.x.length() < 2 || box.y.length() < 2) return false;
     m_region = box;
-    std::printf("<[zel_RtKit] ERROR:> rvl %d %d %d %d\n", box.x.begin, box.x.end - 1, box.y.begin,
+    printRemark("<[zel_RtKit] ERROR:> rvl %d %d %d %d", box.x.begin, box.x.end - 1, box.y.begin,
                 box.y.end - 1);
     return true;
 }

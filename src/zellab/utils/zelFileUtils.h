@@ -19,7 +19,8 @@ public:
     ///         file cannot be read or is no regular file.
     static unsigned char* LoadPPM(const char* path, int* width, int* height, int channels);
 
-    /// The file that LoadPPM opens for `path`; empty where nothing lies at any of the places.
+    /// The file that LoadPPM opens for `path`; empty where nothing lies at any of the places. A call that has
+    /// settings with a folder of its own (frame/callSettings.h) finds assets there alone.
     static std::string FindAsset(const char* path);
 
     /// Process-wide folder of assets, empty at first: paths are then relative to the working directory.

@@ -8,6 +8,7 @@
 #include <thread>
 #include <vector>
 
+#include "frame/callSettings.h"
 #include "frame/processorCount.h"
 
 namespace zellab {
@@ -73,9 +74,14 @@ int runTasks(int count, int workers, const std::function<void(int)>& task) {
     TaskRun run(count, task);
     int missing = 0;
     {
+        const CallSettings* const settings = callSettings();
         JoinedThreads threads;
         for (int i = 1; i < std::min(count, workers); ++i)
-            if (!threads.start([&run] { run.work(); })) ++missing;
+            if (!threads.start([&run, settings] {
+                    const CallScope scope(settings);
+                    run.work();
+                }))
+                ++missing;
         run.work();
     }
     run.rethrow();

@@ -9,7 +9,7 @@ namespace zellab {
 /// among them. Threads live for this one call: they are started and joined here. Those that cannot be started
 /// are done without, since the others take the tasks; returns how many that were. The first exception that
 /// a task throws is rethrown on the caller's thread after all have ended; the tasks not yet begun are
-/// then left out.
+/// then left out. The caller's CallSettings hold on all of them.
 int runTasks(int count, int workers, const std::function<void(int)>& task);
 
 /// Worker count of parallelRows for a picture of that height: ProcessorCountForRows.

@@ -1,8 +1,8 @@
 #include "zellab/imageproc/poisson/poissonEdit.h"
 
 #include <algorithm>
-#include <cstdio>
 
+#include "frame/zel_log.h"
 #include "zellab/imageproc/blur/stackBlur.h"
 #include "zellab/imageproc/core/luma.h"
 #include "zellab/imageproc/core/ownedImage.h"
@@ -80,7 +80,7 @@ bool PoissonEdit(ImageView image, PlaneView<const Byte> mask, float strength) {
     const PixelBox box{growToTransformSize(widen(marked.x, kMargin, image.width), image.width),
                        growToTransformSize(widen(marked.y, kMargin, image.height), image.height)};
     if (box.empty() || image.height < box.y.end + kSourceRowsBelow) {
-        std::printf("ERROR PoissonEdit  left = %d top=%d right=%d bottom=%d \n", box.x.begin, box.y.begin,
+        printRemark("ERROR PoissonEdit  left = %d top=%d right=%d bottom=%d ", box.x.begin, box.y.begin,
                     box.x.end, box.y.end);
         return false;
     }
