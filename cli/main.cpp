@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "commands/commandLine.h"
+#include "cli/commands/commandLine.h"
 #include "platform/outputSignals.h"
 
 namespace {
@@ -30,5 +30,5 @@ int main(int argc, char** argv) {
     openMissingStreams();
     quietenDrivers();
     zellab::platform::removeUnfinishedFilesOnSignals();
-    return zel::runCommand(std::vector<std::string>(argv + (argc > 0 ? 1 : 0), argv + argc));
+    return zelcli::runCommand(std::vector<std::string>(argv + (argc > 0 ? 1 : 0), argv + argc));
 }

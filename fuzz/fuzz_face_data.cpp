@@ -4,9 +4,9 @@
 #include <cstdlib>
 #include <string>
 
-#include "effect.h"
-#include "faceRecords.h"
-#include "facesJson.h"
+#include "libzel/effect.h"
+#include "libzel/faces/faceRecords.h"
+#include "libzel/faces/facesJson.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* input, std::size_t size) {
     zel::FaceSet set;

@@ -1,16 +1,16 @@
 #pragma once
 
-#include "effect.h"
+#include "libzel/effect.h"
 
 /// What an effect's run function may ask of its inputs before it calls the library. Each throws a Failure
 /// that tells both sizes or the missing thing.
 
 namespace zel {
 
-/// --mask, which must be of the picture's size.
+/// The mask, which must be of the picture's size.
 const Mask& maskOfPictureSize(const EffectRun& run);
 
-/// --second, which must be of the picture's size.
+/// The second picture, which must be of the picture's size.
 const Image& secondOfPictureSize(const EffectRun& run);
 
 /// The face with this index.

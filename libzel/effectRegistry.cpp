@@ -1,26 +1,20 @@
-#include "effectRegistry.h"
+#include "libzel/effectRegistry.h"
 
 #include <algorithm>
 #include <charconv>
 #include <cmath>
 
-#include "effects/effectLists.h"
-#include "nearestWord.h"
+#include "libzel/effects/effectLists.h"
+#include "frame/nearestWord.h"
 
 namespace zel {
 
 namespace {
 
-/// "7", "0.5": without the zeros that std::to_string adds.
-std::string shortNumber(double value) {
-    char text[32];
-    char* const end = std::to_chars(text, text + sizeof text, value).ptr;
-    return std::string(text, end);
-}
-
 [[noreturn]] void refuse(const Effect& effect, const Parameter& parameter, const std::string& value,
                          const std::string& wanted) {
-    throw UsageError(effect.name + ": " + parameter.name + " must be " + wanted + ", not '" + value + "'");
+    throw Failure(effect.name + ": " + parameter.name + " must be " + wanted + ", not '" + value + "'",
+                  ZEL_BAD_VALUE);
 }
 
 /// The whole text as a number of type T, or no result. from_chars knows no locale and no leading blanks.
@@ -79,17 +73,49 @@ std::string canonicalChoice(const Effect& effect, const Parameter& parameter, co
     refuse(effect, parameter, value, "one of " + list);
 }
 
+/// Two fractions from 0 to 1 with a comma between, or nothing.
+std::optional<std::pair<float, float>> parsePoint(const std::string& text) {
+    const auto comma = text.find(',');
+    float x = 0, y = 0;
+    if (comma == std::string::npos || !parseWhole(text.substr(0, comma), x) ||
+        !parseWhole(text.substr(comma + 1), y))
+        return std::nullopt;
+    const auto inside = [](float fraction) { return fraction >= 0.0f && fraction <= 1.0f; };
+    if (!inside(x) || !inside(y)) return std::nullopt;
+    return std::pair{x, y};
+}
+
+std::string canonicalPoint(const Effect& effect, const Parameter& parameter, const std::string& value) {
+    const auto& words = parameter.choices;
+    if (std::find(words.begin(), words.end(), value) != words.end() || parsePoint(value)) return value;
+    std::string wanted;
+    for (const auto& word : words) wanted += word + " or ";
+    refuse(effect, parameter, value, wanted + "two fractions like 0.5,0.4");
+}
+
+std::string canonicalColour(const Effect& effect, const Parameter& parameter, const std::string& value) {
+    const bool hexadecimal = value.find_first_not_of("0123456789abcdefABCDEF", 1) == std::string::npos;
+    if (value.size() != 7 || value.front() != '#' || !hexadecimal)
+        refuse(effect, parameter, value, "a colour like #ff8800");
+    return value;
+}
+
 std::string canonicalValue(const Effect& effect, const Parameter& parameter, const std::string& value) {
     switch (parameter.kind) {
-        case ParameterKind::number:
+        case ZEL_NUMBER:
             return canonicalNumber(effect, parameter, value);
-        case ParameterKind::integer:
+        case ZEL_WHOLE_NUMBER:
             return canonicalInteger(effect, parameter, value);
-        case ParameterKind::toggle:
+        case ZEL_SWITCH:
             return canonicalToggle(effect, parameter, value);
-        case ParameterKind::choice:
+        case ZEL_CHOICE:
             return canonicalChoice(effect, parameter, value);
-        case ParameterKind::text:
+        case ZEL_POINT:
+            return canonicalPoint(effect, parameter, value);
+        case ZEL_COLOUR:
+            return canonicalColour(effect, parameter, value);
+        case ZEL_FILE:
+        case ZEL_TEXT:
             break;
     }
     return value;
@@ -104,11 +130,9 @@ const Parameter& findParameter(const Effect& effect, const std::string& name) {
     std::string hint;
     if (names.empty())
         hint = "; it takes none";
-    else if (const auto nearest = nearestWord(name, names); !nearest.empty())
+    else if (const auto nearest = zellab::nearestWord(name, names); !nearest.empty())
         hint = "; did you mean '" + nearest + "'?";
-    else
-        hint = "; see zel apply " + effect.name + " --help";
-    throw UsageError(effect.name + " has no parameter '" + name + "'" + hint);
+    throw Failure(effect.name + " has no parameter '" + name + "'" + hint, ZEL_UNKNOWN_NAME);
 }
 
 std::vector<Effect> gatherEffects() {
@@ -132,55 +156,34 @@ const Effect& findEffect(const std::string& name) {
         if (effect.name == name) return effect;
         names.push_back(effect.name);
     }
-    const auto nearest = nearestWord(name, names);
-    throw UsageError("there is no effect '" + name + "'; " +
-                     (nearest.empty() ? "see zel effects" : "did you mean '" + nearest + "'?"));
+    const auto nearest = zellab::nearestWord(name, names);
+    throw Failure("there is no effect '" + name + "'" + (nearest.empty() ? "" : "; did you mean '" + nearest + "'?"),
+                  ZEL_UNKNOWN_NAME);
 }
 
-ParameterValues parseValues(const Effect& effect, const std::vector<std::string>& assignments) {
-    std::map<std::string, std::string> typed;
-    for (const auto& word : assignments) {
-        const auto equals = word.find('=');
-        if (equals == std::string::npos || equals == 0)
-            throw UsageError("--set takes NAME=VALUE, not '" + word + "'");
-        const Parameter& parameter = findParameter(effect, word.substr(0, equals));
-        typed[parameter.name] = canonicalValue(effect, parameter, word.substr(equals + 1));
-    }
+ParameterValues checkedValues(const Effect& effect, const std::map<std::string, std::string>& given) {
     ParameterValues values;
+    for (const auto& [name, value] : given)
+        values.set(name, canonicalValue(effect, findParameter(effect, name), value));
     for (const auto& parameter : effect.parameters) {
-        const auto given = typed.find(parameter.name);
-        if (given != typed.end()) {
-            values.set(parameter.name, given->second);
-        } else if (!parameter.defaultValue.empty() || parameter.kind == ParameterKind::text) {
-            values.set(parameter.name, parameter.defaultValue);
-        } else {
-            throw UsageError(effect.name + " needs --set " + parameter.name + "=VALUE (" +
-                             describeRange(parameter) + ")");
-        }
+        if (given.contains(parameter.name)) continue;
+        if (parameter.mustBeGiven())
+            throw Failure(effect.name + " needs a value for " + parameter.name +
+                              (hasRange(parameter) ? " (" + rangeText(parameter) + ")" : ""),
+                          ZEL_BAD_VALUE);
+        values.set(parameter.name, parameter.defaultValue);
     }
     return values;
 }
 
-std::string describeRange(const Parameter& parameter) {
-    std::string text;
-    switch (parameter.kind) {
-        case ParameterKind::number:
-            text = hasRange(parameter) ? rangeText(parameter) : "number";
-            break;
-        case ParameterKind::integer:
-            text = hasRange(parameter) ? "whole, " + rangeText(parameter) : "whole number";
-            break;
-        case ParameterKind::toggle:
-            text = "true or false";
-            break;
-        case ParameterKind::choice:
-            for (const auto& choice : parameter.choices) text += (text.empty() ? "" : "|") + choice;
-            break;
-        case ParameterKind::text:
-            text = "text";
-            break;
-    }
-    return parameter.defaultValue.empty() ? text : text + ", default " + parameter.defaultValue;
+std::optional<std::pair<float, float>> ParameterValues::point(const std::string& name) const {
+    return parsePoint(m_values.at(name));
+}
+
+std::string shortNumber(double value) {
+    char text[32];
+    char* const end = std::to_chars(text, text + sizeof text, value).ptr;
+    return std::string(text, end);
 }
 
 }  // namespace zel

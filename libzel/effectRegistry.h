@@ -1,29 +1,24 @@
 #pragma once
 
+#include <map>
 #include <string>
-#include <utility>
 #include <vector>
 
-#include "effect.h"
+#include "libzel/effect.h"
 
 namespace zel {
 
-/// What the user typed cannot be understood; the text is one line. The command exits with status 2.
-class UsageError : public std::runtime_error {
-    using std::runtime_error::runtime_error;
-};
-
-/// Every effect of the command, in the order in which `zel effects` lists them.
+/// Every effect, in the order of menus.
 const std::vector<Effect>& allEffects();
 
-/// The effect of this name; throws a UsageError that suggests the nearest name.
+/// The effect of this name. Throws ZEL_UNKNOWN_NAME, which tells the nearest.
 const Effect& findEffect(const std::string& name);
 
-/// Checks "NAME=VALUE" words against the effect's parameters and fills in the defaults. Values are stored in
-/// one canonical spelling (toggles as "true" or "false"). The last word for a name counts. Throws UsageError.
-ParameterValues parseValues(const Effect& effect, const std::vector<std::string>& assignments);
+/// Checks values by name against an effect's parameters and fills in the defaults. Values are stored in one
+/// canonical spelling (switches as "true" or "false"). Throws ZEL_UNKNOWN_NAME or ZEL_BAD_VALUE.
+ParameterValues checkedValues(const Effect& effect, const std::map<std::string, std::string>& given);
 
-/// The range and default of a parameter in words: "0..10, default 5".
-std::string describeRange(const Parameter& parameter);
+/// The shortest text that reads back as the number.
+std::string shortNumber(double value);
 
 }  // namespace zel

@@ -7,7 +7,7 @@
 #include <opencv2/imgproc.hpp>
 #include <opencv2/photo.hpp>
 
-#include "faceRecords.h"
+#include "libzel/faces/faceRecords.h"
 
 namespace zelmeasure {
 

@@ -11,7 +11,7 @@
 #include "beautykernel/skinmaskstatisdetector/skinMaskManager.h"
 #include "beautykernel/skinmaskstatisdetector/skinMaskStatisDetector.h"
 #include "beautykernel/skinmaskstatisdetector/skinModel.h"
-#include "faceRecords.h"
+#include "libzel/faces/faceRecords.h"
 #include "fleckMeasures.h"
 #include "zellab/imageproc/colour/yCbCr.h"
 #include "zellab/imageproc/core/ownedImage.h"

@@ -9,8 +9,8 @@
 #include <cstdlib>
 #include <vector>
 
-#include "faceFinder.h"
-#include "faceFrame.h"
+#include "libzel/faces/faceFinder.h"
+#include "libzel/faces/faceFrame.h"
 #include "variedPortrait.h"
 
 namespace {

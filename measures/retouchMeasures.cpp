@@ -8,7 +8,7 @@
 #include <filesystem>
 #include <vector>
 
-#include "faceRecords.h"
+#include "libzel/faces/faceRecords.h"
 #include "portrait/portrait.h"
 #include "zel_effects/zel_effects.h"
 

@@ -1,18 +1,14 @@
 #pragma once
 
-#include <string>
 #include <vector>
 
 namespace zel {
 
-/// A picture in memory: tightly packed RGBA, top row first, with what the file carried beside its pixels.
+/// A picture in memory: tightly packed RGBA, top row first.
 struct Image {
     int width = 0;
     int height = 0;
     std::vector<unsigned char> rgba;  // 4 * width * height bytes
-    std::vector<unsigned char>
-        exif;  // raw EXIF block, empty where there was none; orientation already applied
-    std::vector<unsigned char> iccProfile;  // raw colour profile, empty where there was none
 };
 
 /// A one-byte-a-pixel picture.

@@ -1,4 +1,4 @@
-#include "applyCommand.h"
+#include "cli/commands/applyCommand.h"
 
 #include <algorithm>
 #include <atomic>
@@ -8,20 +8,16 @@
 #include <new>
 #include <optional>
 
-#include "cube/cubeFile.h"
-#include "effectRegistry.h"
-#include "faces/faceFinder.h"
-#include "facesJson.h"
-#include "pictures/jpegFile.h"
-#include "pictures/pngFile.h"
-#include "pictures/sheet.h"
-#include "pictures/writePicture.h"
-#include "run/assets.h"
-#include "run/jobs.h"
-#include "run/logCapture.h"
-#include "run/messages.h"
+#include "cli/library.h"
+#include "cli/files/jpegFile.h"
+#include "cli/files/facesFile.h"
+#include "cli/files/pngFile.h"
+#include "cli/drawing/sheet.h"
+#include "cli/files/writePicture.h"
+#include "cli/run/jobs.h"
+#include "cli/run/messages.h"
 
-namespace zel {
+namespace zelcli {
 
 namespace {
 
@@ -34,9 +30,10 @@ constexpr double kReadShare = 0.1, kEffectShare = 0.9;
 constexpr double kProportionTolerance = 0.02;
 
 /// An option that the effect needs must be there, and one that it cannot use must not.
-void checkNeed(const Effect& effect, Need need, const std::string& value, const char* option) {
-    if (need == Need::required && value.empty()) throw UsageError(effect.name + " needs " + option);
-    if (need == Need::no && !value.empty()) throw UsageError(effect.name + " takes no " + option);
+void checkNeed(const zel_effect& effect, zel_need need, const std::string& value, const char* option) {
+    const std::string name = effect.name;
+    if (need == ZEL_REQUIRED && value.empty()) throw UsageError(name + " needs " + option);
+    if (need == ZEL_NO && !value.empty()) throw UsageError(name + " takes no " + option);
 }
 
 /// Runs work() and gives every failure the name of its file.
@@ -70,7 +67,7 @@ std::string secondsText(Clock::duration duration) {
 /// One run of the command: what all inputs share.
 class ApplyRun {
 public:
-    ApplyRun(const ApplyOptions& options, const Effect& effect, ParameterValues values)
+    ApplyRun(const ApplyOptions& options, const zel_effect& effect, libzel::Values values)
         : m_options(options), m_effect(effect), m_values(std::move(values)), m_messages(options.quiet) {}
 
     int run(const ApplyPlan& plan);
@@ -79,35 +76,34 @@ private:
     void prepare(const ApplyPlan& plan);
     void process(std::size_t index, const ApplyItem& item);
     void transform(std::size_t index, const ApplyItem& item);
-    FaceSet facesFor(std::size_t index, const ApplyItem& item, const Image& image);
-    FaceSet foundFaces(std::size_t index, const ApplyItem& item, const Image& image);
+    void applyEffect(std::size_t index, const ApplyItem& item, Image& image, const zel_faces* faces,
+                     Mask& maskOut, Mask& depthOut);
+    libzel::Faces facesFor(std::size_t index, const ApplyItem& item, Image& image);
+    libzel::Faces foundFaces(std::size_t index, const ApplyItem& item, Image& image);
 
     const ApplyOptions& m_options;
-    const Effect& m_effect;
-    const ParameterValues m_values;
+    const zel_effect& m_effect;
+    libzel::Values m_values;
+    zel_meaning m_meaning = libzel::sized<zel_meaning>();
     Messages m_messages;
-    std::optional<LogCapture> m_capture;
+    std::optional<LibraryVoice> m_voice;
     std::optional<Mask> m_mask, m_depth;
     std::optional<Image> m_second;
-    std::string m_cube;  // as the effects read it
     std::atomic<bool> m_failed{false};
 };
 
 int ApplyRun::run(const ApplyPlan& plan) {
-    m_capture.emplace(m_messages, m_options.verbose);
     try {
+        m_voice.emplace(m_messages, m_options.verbose, m_options.assets);
         prepare(plan);
     } catch (const FileFailure& failure) {
         m_messages.error(failure.file(), failure.what());
         return kWorkFailed;
     }
-    if (m_effect.caution)
-        if (const std::string caution = m_effect.caution(m_values); !caution.empty())
-            m_messages.note("", caution);
+    if (*m_meaning.caution) m_messages.note("", m_meaning.caution);
     m_messages.startProgress(plan.items.size());
     runJobs(plan.items.size(), m_options.jobs, [&](std::size_t i) { process(i, plan.items[i]); });
     m_messages.endProgress();
-    m_capture.reset();
     return m_failed ? kWorkFailed : kDone;
 }
 
@@ -120,23 +116,21 @@ void ApplyRun::prepare(const ApplyPlan& plan) {
     if (!m_options.second.empty())
         m_second = namingFile(m_options.second,
                               [&] { return readPicture(UserPath(m_options.second).real, false).image; });
-    if (!m_options.cube.empty()) {
-        m_cube = UserPath(m_options.cube).real;
-        namingFile(m_options.cube, [&] { readCubeFile(m_cube); });
-    }
+    if (!m_options.cube.empty()) m_values.set("cube", m_options.cube);
+    const auto& values = m_values.list();
+    require(zel_check_values(m_effect.name, values.data(), values.size(), &m_meaning));
     for (const UserPath& folder : plan.folders) {
         std::error_code error;
         std::filesystem::create_directories(folder.real, error);
         if (error) throw FileFailure(folder.shown, "cannot be made (" + error.message() + ")");
     }
-    namingFile(m_options.assets, [&] { enterAssets(m_options.assets); });
 }
 
 void ApplyRun::process(std::size_t index, const ApplyItem& item) {
     const auto start = Clock::now();
     bool failed = false;
     std::string file, why;
-    m_capture->enter(item.input.shown);
+    m_voice->enter(item.input.shown);
     try {
         namingFile(item.input.shown, [&] { transform(index, item); });
     } catch (const FileFailure& failure) {
@@ -144,7 +138,7 @@ void ApplyRun::process(std::size_t index, const ApplyItem& item) {
         file = failure.file();
         why = failure.what();
     }
-    m_capture->leave(item.input.shown);
+    m_voice->leave(item.input.shown);
     if (failed) {
         m_failed = true;
         m_messages.error(file, why);
@@ -159,26 +153,10 @@ void ApplyRun::transform(std::size_t index, const ApplyItem& item) {
     LoadedPicture picture = readPicture(item.input.real, m_options.scrambled);
     for (const auto& note : picture.notes) m_messages.note(item.input.shown, note);
     Image& image = picture.image;
-    const FaceSet faces = facesFor(index, item, image);
+    const libzel::Faces faces = facesFor(index, item, image);
     const Image before = item.sheet.shown.empty() ? Image() : image;
-
     Mask maskOut, depthOut;
-    EffectRun run{image,
-                  faces,
-                  m_mask ? &*m_mask : nullptr,
-                  m_second ? &*m_second : nullptr,
-                  m_values,
-                  [&](const std::string& stage, double done01) {
-                      m_messages.progress(
-                          index, stage,
-                          kReadShare + (kEffectShare - kReadShare) * std::clamp(done01, 0.0, 1.0));
-                  },
-                  m_cube,
-                  item.maskOut.shown.empty() ? nullptr : &maskOut,
-                  m_depth ? &*m_depth : nullptr,
-                  item.depthOut.shown.empty() ? nullptr : &depthOut};
-    run.progress(m_effect.name, 0);
-    m_effect.run(run);
+    applyEffect(index, item, image, faces.get(), maskOut, depthOut);
 
     m_messages.progress(index, "writing", kEffectShare);
     if (formatOfSuffix(item.output.real) == PictureFormat::jpeg && !jpegHoldsExif(image.exif.size()))
@@ -191,30 +169,69 @@ void ApplyRun::transform(std::size_t index, const ApplyItem& item) {
                    [&] { writePicture(item.sheet.real, makeSheet(before, image, m_effect.name)); });
 }
 
+/// Runs the effect on the picture, and fills the planes that were asked for.
+void ApplyRun::applyEffect(std::size_t index, const ApplyItem& item, Image& image, const zel_faces* faces,
+                           Mask& maskOut, Mask& depthOut) {
+    struct Told {
+        Messages& messages;
+        std::size_t index;
+    } told{m_messages, index};
+    auto inputs = libzel::sized<zel_inputs>();
+    const auto values = m_values.list();  // a copy: inputs are worked on at once
+    inputs.values = values.data();
+    inputs.value_count = values.size();
+    inputs.faces = faces;
+    inputs.progress_user = &told;
+    inputs.progress = [](void* user, double fraction, const char* stage) {
+        const auto& to = *static_cast<Told*>(user);
+        to.messages.progress(to.index, stage, kReadShare + (kEffectShare - kReadShare) * fraction);
+        return 0;
+    };
+    zel_pixels mask, second, depth, maskPlane, depthPlane;
+    const auto give = [](auto& own, zel_pixels& pixels) {
+        pixels = pixelsOf(own);
+        return &pixels;
+    };
+    const auto giveEmpty = [&](Mask& own, zel_pixels& pixels) {
+        own = {image.width, image.height, std::vector<unsigned char>(image.rgba.size() / 4)};
+        return give(own, pixels);
+    };
+    if (m_mask) inputs.mask = give(*m_mask, mask);
+    if (m_second) inputs.second = give(*m_second, second);
+    if (m_depth) inputs.depth = give(*m_depth, depth);
+    if (!item.maskOut.shown.empty()) inputs.mask_out = giveEmpty(maskOut, maskPlane);
+    if (!item.depthOut.shown.empty()) inputs.depth_out = giveEmpty(depthOut, depthPlane);
+    const zel_pixels picture = pixelsOf(image);
+    require(zel_apply(library(), m_effect.name, &picture, &inputs));
+}
+
 /// An optional need of faces is content without them.
-FaceSet ApplyRun::foundFaces(std::size_t index, const ApplyItem& item, const Image& image) {
-    const bool needed = m_effect.faces == Need::required;
+libzel::Faces ApplyRun::foundFaces(std::size_t index, const ApplyItem& item, Image& image) {
+    const bool needed = m_effect.faces == ZEL_REQUIRED;
     m_messages.progress(index, "finding faces", kReadShare);
-    FaceSet found{image.width, image.height, {}};
-    try {
-        FaceDetector detector(detectorFolder());
-        found = findFaces(image, detector);
-    } catch (const DetectorMissing& missing) {
-        if (needed) throw Failure(std::string(missing.what()) + "; or give --faces");
-        m_messages.note(item.input.shown, std::string(missing.what()) + "; going on without faces");
+    zel_faces* faces = nullptr;
+    const zel_pixels picture = pixelsOf(image);
+    const zel_status status = zel_find_faces(library(), &picture, &faces);
+    libzel::Faces found(faces);
+    if (status == ZEL_NOT_AVAILABLE && !needed) {
+        m_messages.note(item.input.shown, std::string(zel_message()) + "; going on without faces");
         return found;
     }
-    if (found.faces.empty() && needed) throw Failure("no face was found; --faces can tell where one is");
-    m_messages.note(item.input.shown, describeFaces(found));
+    if (status == ZEL_NOT_AVAILABLE) throw Failure(std::string(zel_message()) + "; or give --faces");
+    require(status);
+    if (zel_faces_count(faces) == 0 && needed)
+        throw Failure("no face was found; --faces can tell where one is");
+    m_messages.note(item.input.shown, describeFaces(faces));
     return found;
 }
 
-FaceSet ApplyRun::facesFor(std::size_t index, const ApplyItem& item, const Image& image) {
-    const bool unused = m_effect.faces == Need::no || (m_effect.usesFaces && !m_effect.usesFaces(m_values));
-    if (item.faces.shown.empty()) return unused ? FaceSet() : foundFaces(index, item, image);
-    FaceSet faces = namingFile(item.faces.shown, [&] { return readFaces(item.faces.real); });
+libzel::Faces ApplyRun::facesFor(std::size_t index, const ApplyItem& item, Image& image) {
+    if (item.faces.shown.empty()) return m_meaning.uses_faces ? foundFaces(index, item, image) : nullptr;
+    libzel::Faces faces = namingFile(item.faces.shown, [&] { return readFaces(item.faces.real); });
+    int width = 0, height = 0;
+    require(zel_faces_size(faces.get(), &width, &height));
     const double proportion = static_cast<double>(image.width) / image.height;
-    if (std::abs(proportion * faces.height / faces.width - 1.0) > kProportionTolerance)
+    if (std::abs(proportion * height / width - 1.0) > kProportionTolerance)
         m_messages.note(item.faces.shown,
                         "its faces were found on a picture of other proportions than " + item.input.shown);
     return faces;
@@ -223,18 +240,18 @@ FaceSet ApplyRun::facesFor(std::size_t index, const ApplyItem& item, const Image
 }  // namespace
 
 int runApply(const ApplyOptions& options) {
-    const Effect& effect = findEffect(options.effect);
-    ParameterValues values = parseValues(effect, options.assignments);
+    const zel_effect& effect = findEffect(options.effect);
+    libzel::Values values = parseValues(effect, options.assignments);
     // Faces that are needed and not given are found.
-    checkNeed(effect, effect.faces == Need::no ? Need::no : Need::optional, options.faces, "--faces");
+    checkNeed(effect, effect.faces == ZEL_NO ? ZEL_NO : ZEL_OPTIONAL, options.faces, "--faces");
     checkNeed(effect, effect.mask, options.mask, "--mask");
     checkNeed(effect, effect.second, options.second, "--second");
-    checkNeed(effect, effect.cube, options.cube, "--cube");
+    checkNeed(effect, takesCube(effect) ? ZEL_OPTIONAL : ZEL_NO, options.cube, "--cube");
     checkNeed(effect, effect.depth, options.depth, "--depth");
-    checkNeed(effect, effect.maskOut, options.maskOut, "--mask-out");
-    checkNeed(effect, effect.depthOut, options.depthOut, "--depth-out");
+    checkNeed(effect, effect.mask_out, options.maskOut, "--mask-out");
+    checkNeed(effect, effect.depth_out, options.depthOut, "--depth-out");
     const ApplyPlan plan = planApply(options);
     return ApplyRun(options, effect, std::move(values)).run(plan);
 }
 
-}  // namespace zel
+}  // namespace zelcli

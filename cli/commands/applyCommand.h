@@ -1,8 +1,8 @@
 #pragma once
 
-#include "applyPlan.h"
+#include "cli/commands/applyPlan.h"
 
-namespace zel {
+namespace zelcli {
 
 /// Exit statuses of the command.
 constexpr int kDone = 0, kWorkFailed = 1, kWrongUsage = 2;
@@ -10,4 +10,4 @@ constexpr int kDone = 0, kWorkFailed = 1, kWrongUsage = 2;
 /// Runs one effect over the inputs. Throws UsageError before any work; returns kDone or kWorkFailed.
 int runApply(const ApplyOptions& options);
 
-}  // namespace zel
+}  // namespace zelcli

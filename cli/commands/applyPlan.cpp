@@ -1,11 +1,11 @@
-#include "applyPlan.h"
+#include "cli/commands/applyPlan.h"
 
 #include <map>
 
-#include "effectRegistry.h"
-#include "pictures/writePicture.h"
+#include "cli/library.h"
+#include "cli/files/writePicture.h"
 
-namespace zel {
+namespace zelcli {
 
 namespace {
 
@@ -104,4 +104,4 @@ ApplyPlan planApply(const ApplyOptions& options) {
     return plan;
 }
 
-}  // namespace zel
+}  // namespace zelcli

@@ -3,9 +3,9 @@
 #include <string>
 #include <vector>
 
-#include "pictures/readPicture.h"
+#include "cli/files/readPicture.h"
 
-namespace zel {
+namespace zelcli {
 
 /// What the user typed for `zel apply`.
 struct ApplyOptions {
@@ -42,4 +42,4 @@ struct ApplyPlan {
 /// format.
 ApplyPlan planApply(const ApplyOptions& options);
 
-}  // namespace zel
+}  // namespace zelcli

@@ -1,18 +1,18 @@
-#include "commandLine.h"
+#include "cli/commands/commandLine.h"
 
 #include <algorithm>
 #include <iostream>
 
-#include "applyCommand.h"
-#include "commandTexts.h"
-#include "effectRegistry.h"
-#include "effectsCommand.h"
-#include "manPage.h"
-#include "nearestWord.h"
-#include "run/messages.h"
-#include "wrapText.h"
+#include "cli/commands/applyCommand.h"
+#include "cli/commands/commandTexts.h"
+#include "cli/library.h"
+#include "cli/commands/effectsCommand.h"
+#include "cli/commands/manPage.h"
+#include "frame/nearestWord.h"
+#include "cli/run/messages.h"
+#include "cli/commands/wrapText.h"
 
-namespace zel {
+namespace zelcli {
 
 namespace {
 
@@ -21,7 +21,7 @@ constexpr unsigned kMostJobs = 64;
 
 std::string effectNames() {
     std::string names;
-    for (const Effect& effect : allEffects()) names += (names.empty() ? "" : ", ") + effect.name;
+    for (const zel_effect* effect : allEffects()) names.append(names.empty() ? "" : ", ").append(effect->name);
     return names;
 }
 
@@ -32,7 +32,7 @@ std::vector<std::string> commandNames() {
 }
 
 std::string hintFor(const std::string& word, const std::vector<std::string>& candidates) {
-    const std::string nearest = nearestWord(word, candidates);
+    const std::string nearest = zellab::nearestWord(word, candidates);
     return nearest.empty() ? std::string() : "; did you mean '" + nearest + "'?";
 }
 
@@ -233,4 +233,4 @@ int runCommand(const std::vector<std::string>& words) {
     }
 }
 
-}  // namespace zel
+}  // namespace zelcli

@@ -4,12 +4,12 @@
 #include <string>
 #include <vector>
 
-#include "applyPlan.h"
-#include "depthCommand.h"
-#include "facesCommand.h"
-#include "portraitCommand.h"
+#include "cli/commands/applyPlan.h"
+#include "cli/commands/depthCommand.h"
+#include "cli/commands/facesCommand.h"
+#include "cli/commands/portraitCommand.h"
 
-namespace zel {
+namespace zelcli {
 
 /// The command's grammar with the places where a parse puts what was typed.
 class CommandLine {
@@ -38,4 +38,4 @@ private:
 /// Runs the command with the words behind the program's name; returns the exit status.
 int runCommand(const std::vector<std::string>& words);
 
-}  // namespace zel
+}  // namespace zelcli

@@ -1,8 +1,8 @@
-#include "commandTexts.h"
+#include "cli/commands/commandTexts.h"
 
-#include "wrapText.h"
+#include "cli/commands/wrapText.h"
 
-namespace zel {
+namespace zelcli {
 
 const char* const kProgramSummary = "portrait effects on picture files";
 
@@ -102,4 +102,4 @@ std::string helpFooter(const CommandText& text) {
     return wrapText(footer);
 }
 
-}  // namespace zel
+}  // namespace zelcli

@@ -5,7 +5,7 @@
 
 /// The words of --help and of the manual page, in one place.
 
-namespace zel {
+namespace zelcli {
 
 struct Example {
     const char* what;     // ends without a full stop
@@ -31,4 +31,4 @@ extern const std::vector<std::pair<int, const char*>> kExitStatuses;
 /// The text below the options in --help: details and examples.
 std::string helpFooter(const CommandText& text);
 
-}  // namespace zel
+}  // namespace zelcli

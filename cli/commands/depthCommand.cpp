@@ -1,28 +1,22 @@
-#include "depthCommand.h"
+#include "cli/commands/depthCommand.h"
 
 #include <cmath>
 #include <optional>
 
-#include "applyCommand.h"
-#include "applyPlan.h"
-#include "depth/portraitDepth.h"
-#include "effectRegistry.h"
-#include "overlay/depthColours.h"
-#include "pictures/pngFile.h"
-#include "pictures/sheet.h"
-#include "pictures/writePicture.h"
-#include "run/assets.h"
-#include "run/logCapture.h"
-#include "run/messages.h"
+#include "cli/commands/applyCommand.h"
+#include "cli/commands/applyPlan.h"
+#include "cli/library.h"
+#include "cli/drawing/depthColours.h"
+#include "cli/files/pngFile.h"
+#include "cli/drawing/sheet.h"
+#include "cli/files/writePicture.h"
+#include "cli/run/messages.h"
 
-namespace zel {
+namespace zelcli {
 
 namespace {
 
 namespace fs = std::filesystem;
-
-/// The network of the project's own, in the folder with the assets.
-constexpr const char* kOwnNetwork = "depth/portrait_depth.onnx";
 
 /// A mask of other proportions does not fit; a rounded reduction does.
 constexpr double kProportionTolerance = 0.02;
@@ -69,19 +63,17 @@ public:
         : m_options(options), m_model(std::move(model)), m_messages(options.quiet) {}
 
     int run(const ApplyPlan& plan) {
-        m_capture.emplace(m_messages, m_options.verbose);
         bool failed = !attempt([&] { prepare(plan); });
         m_messages.startProgress(plan.items.size());
         for (std::size_t i = 0; i < plan.items.size() && m_ready; ++i) {
             const ApplyItem& item = plan.items[i];
-            m_capture->enter(item.input.shown);
+            m_voice->enter(item.input.shown);
             const bool done = attempt([&] { process(i, item); });
-            m_capture->leave(item.input.shown);
+            m_voice->leave(item.input.shown);
             failed = failed || !done;
             m_messages.finished(i, item.input.shown + " -> " + item.output.shown, !done);
         }
         m_messages.endProgress();
-        m_capture.reset();
         return failed ? kWorkFailed : kDone;
     }
 
@@ -92,6 +84,8 @@ private:
         try {
             work();
             return true;
+        } catch (const FileFailure& failure) {
+            m_messages.error(failure.file(), failure.what());
         } catch (const std::bad_alloc&) {
             m_messages.error(m_file, "there is not enough memory for it");
         } catch (const std::exception& problem) {
@@ -101,32 +95,24 @@ private:
     }
 
     void prepare(const ApplyPlan& plan) {
-        m_depth.emplace();
+        m_voice.emplace(m_messages, m_options.verbose, m_options.assets);
         m_file = m_options.mask;
         if (!m_options.mask.empty()) m_mask = readMask(UserPath(m_options.mask).real);
         for (const UserPath& folder : plan.folders) {
             m_file = folder.shown;
             fs::create_directories(folder.real);
         }
-        m_file = m_options.assets;
-        const fs::path network =
-            m_model.empty() ? findAssets(m_options.assets) / kOwnNetwork : UserPath(m_model).real;
-        m_file = m_model.empty() ? network.string() : m_model;
-        std::error_code error;
-        if (!fs::exists(network, error))
-            throw Failure(m_model.empty() ? "the depth network is missing; --set model=FILE names another one"
-                                          : "there is no such file");
-        if (!m_depth->load(network.c_str()))
-            throw Failure(
-                "is no depth network: an ONNX file with one float input of 1 x 3 x H x W and one or two maps "
-                "out");
+        const zel_status status = zel_check_depth(library(), network());
+        if (status == ZEL_BAD_ASSET)
+            throw FileFailure("", std::string(zel_message()) + "; --set model=FILE names another one");
+        require(status);
         m_ready = true;
     }
 
     void process(std::size_t index, const ApplyItem& item) {
         m_file = item.input.shown;
         m_messages.progress(index, "reading", 0);
-        const LoadedPicture picture = readPicture(item.input.real, false);
+        LoadedPicture picture = readPicture(item.input.real, false);
         for (const auto& note : picture.notes) m_messages.note(item.input.shown, note);
         noteMask(picture.image);
         m_messages.progress(index, "estimating depth", 0.1);
@@ -142,16 +128,21 @@ private:
                                                  {colours, "near is warm"}}));
     }
 
-    Mask mapOf(const Image& image) {
-        const zellab::PortraitDepthPlanes planes =
-            m_depth->estimate({image.rgba.data(), image.width, image.height},
-                              {m_mask ? m_mask->samples.data() : nullptr, m_mask ? m_mask->width : 0,
-                               m_mask ? m_mask->height : 0});
-        if (!planes.estimated) throw Failure("the depth network could not run on it");
-        Mask map{image.width, image.height, {}};
-        map.samples = zellab::scaleDepthPlane((m_options.raw ? planes.raw : planes.refined).view(),
-                                              image.width, image.height);
-        if (map.samples.empty()) throw Failure("is too large");
+    /// The file that was told; null for the library's own.
+    const char* network() const { return m_model.empty() ? nullptr : m_model.c_str(); }
+
+    Mask mapOf(Image& image) {
+        auto options = libzel::sized<zel_depth_options>();
+        zel_pixels person;
+        if (m_mask) {
+            person = pixelsOf(*m_mask);
+            options.person = &person;
+        }
+        options.network = network();
+        options.raw = m_options.raw;
+        Mask map{image.width, image.height, std::vector<unsigned char>(image.rgba.size() / 4)};
+        const zel_pixels picture = pixelsOf(image), plane = pixelsOf(map);
+        require(zel_estimate_depth(library(), &picture, &options, &plane));
         return map;
     }
 
@@ -165,9 +156,8 @@ private:
     const DepthOptions& m_options;
     const std::string m_model;
     Messages m_messages;
-    std::optional<LogCapture> m_capture;
+    std::optional<LibraryVoice> m_voice;
     std::optional<Mask> m_mask;
-    std::optional<zellab::PortraitDepth> m_depth;  // made under the capture: it speaks
     std::string m_file;                            // what is being worked on
     bool m_ready = false;
 };
@@ -182,4 +172,4 @@ int runDepth(const DepthOptions& options) {
     return DepthRun(options, std::move(model)).run(plan);
 }
 
-}  // namespace zel
+}  // namespace zelcli

@@ -3,7 +3,7 @@
 #include <string>
 #include <vector>
 
-namespace zel {
+namespace zelcli {
 
 /// What the user typed for `zel depth`.
 struct DepthOptions {
@@ -17,4 +17,4 @@ struct DepthOptions {
 /// Estimates the depth of every input. Throws UsageError before any work; returns kDone or kWorkFailed.
 int runDepth(const DepthOptions& options);
 
-}  // namespace zel
+}  // namespace zelcli

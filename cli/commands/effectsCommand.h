@@ -2,9 +2,9 @@
 
 #include <string>
 
-#include "effect.h"
+#include "zel/zel.h"
 
-namespace zel {
+namespace zelcli {
 
 /// Every effect with its parameters, for reading.
 std::string effectsTable();
@@ -17,6 +17,6 @@ std::string effectsTable();
 std::string effectsJson();
 
 /// The help of one effect: what it does, what it takes, an example.
-std::string effectHelp(const Effect& effect);
+std::string effectHelp(const zel_effect& effect);
 
-}  // namespace zel
+}  // namespace zelcli

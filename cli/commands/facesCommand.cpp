@@ -1,19 +1,18 @@
-#include "facesCommand.h"
+#include "cli/commands/facesCommand.h"
 
 #include <atomic>
 #include <map>
 
-#include "applyCommand.h"
-#include "effectRegistry.h"
-#include "faces/faceFinder.h"
-#include "facesJson.h"
-#include "overlay/faceOverlay.h"
-#include "pictures/readPicture.h"
-#include "pictures/writePicture.h"
-#include "run/jobs.h"
-#include "run/messages.h"
+#include "cli/commands/applyCommand.h"
+#include "cli/library.h"
+#include "cli/files/facesFile.h"
+#include "cli/drawing/faceOverlay.h"
+#include "cli/files/readPicture.h"
+#include "cli/files/writePicture.h"
+#include "cli/run/jobs.h"
+#include "cli/run/messages.h"
 
-namespace zel {
+namespace zelcli {
 
 namespace {
 
@@ -106,23 +105,25 @@ private:
     /// Does one input; `file` is kept at what a failure is about. Returns what was found, in words.
     std::string search(std::size_t index, const FacesItem& item, std::string& file) {
         m_messages.progress(index, "reading", 0);
-        const LoadedPicture picture = readPicture(item.input.real, false);
+        LoadedPicture picture = readPicture(item.input.real, false);
         for (const auto& note : picture.notes) m_messages.note(item.input.shown, note);
         m_messages.progress(index, "finding faces", 0.1);
-        FaceDetector detector(detectorFolder());
-        const FaceSet found = findFaces(picture.image, detector);
-        if (found.faces.empty())
+        zel_faces* faces = nullptr;
+        const zel_pixels pixels = pixelsOf(picture.image);
+        require(zel_find_faces(library(), &pixels, &faces));
+        const libzel::Faces found(faces);
+        if (zel_faces_count(faces) == 0)
             m_messages.note(item.input.shown, "no face was found; the list of faces is empty");
         m_messages.progress(index, "writing", 0.8);
         file = item.data.shown;
-        writeFaces(item.data.real, found);
+        writeFaces(item.data.real, faces);
         if (!item.overlay.shown.empty()) {
             file = item.overlay.shown;
             Image drawn = enlargedForOverlay(picture.image, kOverlaySide);
-            drawFaceOverlay(drawn, found);
+            drawFaceOverlay(drawn, faces);
             writePicture(item.overlay.real, drawn);
         }
-        return describeFaces(found);
+        return describeFaces(faces);
     }
 
     const FacesOptions& m_options;
@@ -137,4 +138,4 @@ int runFaces(const FacesOptions& options) {
     return FacesRun(options).run(plan);
 }
 
-}  // namespace zel
+}  // namespace zelcli

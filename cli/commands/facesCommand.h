@@ -3,7 +3,7 @@
 #include <string>
 #include <vector>
 
-namespace zel {
+namespace zelcli {
 
 /// What the user typed for `zel faces`.
 struct FacesOptions {
@@ -16,4 +16,4 @@ struct FacesOptions {
 /// Finds the faces of every input. Throws UsageError before any work; returns kDone or kWorkFailed.
 int runFaces(const FacesOptions& options);
 
-}  // namespace zel
+}  // namespace zelcli

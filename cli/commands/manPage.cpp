@@ -1,10 +1,10 @@
-#include "manPage.h"
+#include "cli/commands/manPage.h"
 
-#include "commandTexts.h"
-#include "effectRegistry.h"
-#include "portraitCommand.h"
+#include "cli/commands/commandTexts.h"
+#include "cli/library.h"
+#include "cli/commands/portraitCommand.h"
 
-namespace zel {
+namespace zelcli {
 
 namespace {
 
@@ -87,10 +87,10 @@ std::string commandSection(const CLI::App& command) {
 
 std::string effectSection() {
     std::string page = ".SH EFFECTS\n";
-    for (const Effect& effect : allEffects()) {
-        page += entry(effect.name, effect.summary + ".") + ".RS\n";
-        for (const auto& parameter : effect.parameters)
-            page += entry(parameter.name, parameter.help + " (" + describeRange(parameter) + ")");
+    for (const zel_effect* effect : allEffects()) {
+        page += entry(effect->name, std::string(effect->summary) + ".") + ".RS\n";
+        for (const auto* parameter : setParameters(*effect))
+            page += entry(parameter->name, std::string(parameter->help) + " (" + describeRange(*parameter) + ")");
         page += ".RE\n";
     }
     return page;
@@ -121,4 +121,4 @@ std::string manPage(const CLI::App& app) {
     return page;
 }
 
-}  // namespace zel
+}  // namespace zelcli

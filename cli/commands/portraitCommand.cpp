@@ -1,44 +1,23 @@
-#include "portraitCommand.h"
+#include "cli/commands/portraitCommand.h"
 
 #include <algorithm>
 #include <charconv>
-#include <cmath>
 #include <nlohmann/json.hpp>
-#include <optional>
-#include <stdexcept>
+#include <cstdint>
 
-#include "applyCommand.h"
-#include "effectRegistry.h"
-#include "facesJson.h"
-#include "nearestWord.h"
-#include "pictures/pngFile.h"
-#include "pictures/readPicture.h"
-#include "pictures/writePicture.h"
-#include "portrait/portrait.h"
-#include "portrait/portraitOptions.h"
-#include "run/messages.h"
+#include "cli/commands/applyCommand.h"
+#include "cli/library.h"
+#include "cli/files/facesFile.h"
+#include "cli/files/pngFile.h"
+#include "cli/files/readPicture.h"
+#include "cli/files/writePicture.h"
+#include "cli/run/messages.h"
 
-namespace zel {
+namespace zelcli {
 
 namespace {
 
 constexpr int kLongestSide = 16384;  // of a drawn portrait
-
-/// One of the masks of a portrait, by the name of its file.
-struct TruthMask {
-    const char* name;
-    Mask Portrait::*mask;
-};
-
-constexpr TruthMask kTruthMasks[] = {
-    {"person", &Portrait::person},      {"hair", &Portrait::hair},
-    {"skin", &Portrait::skin},          {"face", &Portrait::face},
-    {"eyes", &Portrait::eyes},          {"iris", &Portrait::iris},
-    {"brows", &Portrait::brows},        {"lips", &Portrait::lips},
-    {"moles", &Portrait::moles},        {"freckles", &Portrait::freckles},
-    {"wrinkles", &Portrait::wrinkles},  {"dark-circles", &Portrait::darkCircles},
-    {"dull-skin", &Portrait::dullSkin}, {"scratches", &Portrait::scratches},
-};
 
 /// "900x1200" as two whole numbers in range.
 std::pair<int, int> parseSize(const std::string& text) {
@@ -54,63 +33,60 @@ std::pair<int, int> parseSize(const std::string& text) {
     return {width, height};
 }
 
-void applyAssignment(PortraitParams& params, const std::string& word) {
-    const auto equals = word.find('=');
-    if (equals == std::string::npos || equals == 0)
-        throw UsageError("--set takes NAME=VALUE, not '" + word + "'");
-    const std::string name = word.substr(0, equals);
-    std::vector<std::string> names;
-    for (const auto& option : portraitOptions()) names.push_back(option.name);
-    if (std::find(names.begin(), names.end(), name) == names.end()) {
-        const std::string nearest = nearestWord(name, names);
-        throw UsageError("the portrait has no parameter '" + name + "'; " +
-                         (nearest.empty() ? "see zel portrait --help" : "did you mean '" + nearest + "'?"));
-    }
-    try {
-        setPortraitOption(params, name, word.substr(equals + 1));
-    } catch (const std::invalid_argument& problem) {
-        throw UsageError(problem.what());
-    }
-}
-
-PortraitParams paramsOf(const PortraitOptions& options) {
-    PortraitParams params;
-    std::tie(params.width, params.height) = parseSize(options.size);
-    params.seed = options.seed;
-    for (const auto& word : options.assignments) applyAssignment(params, word);
-    return params;
-}
-
-nlohmann::ordered_json spotJson(const Spot& spot) {
-    return {{"x", spot.x}, {"y", spot.y}, {"radius", spot.radius}};
+nlohmann::ordered_json spotsOf(zel_portrait* portrait, const char* kind) {
+    const zel_spot* spots = nullptr;
+    std::size_t count = 0;
+    require(zel_portrait_spots(portrait, kind, &spots, &count));
+    nlohmann::ordered_json list = nlohmann::json::array();
+    for (std::size_t i = 0; i < count; ++i)
+        list.push_back({{"x", spots[i].x}, {"y", spots[i].y}, {"radius", spots[i].radius}});
+    return list;
 }
 
 /// Irises and moles as circles in pixels.
-std::string spotsJson(const Portrait& portrait) {
-    nlohmann::ordered_json irises = nlohmann::json::array(), moles = nlohmann::json::array();
-    for (const Spot& spot : portrait.irises) irises.push_back(spotJson(spot));
-    for (const Spot& spot : portrait.moleSpots) moles.push_back(spotJson(spot));
-    return nlohmann::ordered_json{{"irises", irises}, {"moles", moles}}.dump(1) + "\n";
+std::string spotsJson(zel_portrait* portrait) {
+    return nlohmann::ordered_json{{"irises", spotsOf(portrait, "irises")}, {"moles", spotsOf(portrait, "moles")}}
+               .dump(1) +
+           "\n";
 }
 
-/// Depth of 0 to 1 in the full range of 16 bits.
-std::vector<std::uint16_t> depthSamples(const std::vector<float>& depth) {
-    std::vector<std::uint16_t> samples;
-    samples.reserve(depth.size());
-    for (const float d : depth)
-        samples.push_back(static_cast<std::uint16_t>(std::lround(std::clamp(d, 0.0f, 1.0f) * 65535.0f)));
-    return samples;
+zel_pixels planeOf(zel_portrait* portrait, const char* name) {
+    zel_pixels pixels;
+    require(zel_portrait_plane(portrait, name, &pixels));
+    return pixels;
 }
 
-void writeTruth(const UserPath& folder, const Portrait& portrait) {
+Image pictureOf(zel_portrait* portrait, const char* name) {
+    const zel_pixels pixels = planeOf(portrait, name);
+    const auto* const bytes = static_cast<const unsigned char*>(pixels.data);
+    const std::size_t count = 4 * static_cast<std::size_t>(pixels.width) * static_cast<std::size_t>(pixels.height);
+    return {pixels.width, pixels.height, {bytes, bytes + count}, {}, {}};
+}
+
+libzel::Faces facesOf(const zel_portrait* portrait) {
+    return libzel::made<libzel::Faces>([&](zel_faces** out) { return zel_portrait_faces(portrait, out); });
+}
+
+/// Every plane but the picture itself, by its name.
+void writePlane(const std::filesystem::path& file, zel_portrait* portrait, const char* name) {
+    const zel_pixels pixels = planeOf(portrait, name);
+    const std::size_t count = static_cast<std::size_t>(pixels.width) * static_cast<std::size_t>(pixels.height);
+    if (pixels.format == ZEL_GRAY16) {
+        const auto* const samples = static_cast<const std::uint16_t*>(pixels.data);
+        writeFileSafely(file, encodeGray16Png(pixels.width, pixels.height, {samples, count}));
+    } else if (pixels.format == ZEL_GRAY8) {
+        const auto* const samples = static_cast<const unsigned char*>(pixels.data);
+        writeFileSafely(file, encodeGrayPng({pixels.width, pixels.height, {samples, samples + count}}));
+    } else {
+        writePicture(file, pictureOf(portrait, name));
+    }
+}
+
+void writeTruth(const UserPath& folder, zel_portrait* portrait) {
     std::filesystem::create_directories(folder.real);
-    writePicture(folder.real / "clean.png", portrait.clean);
-    for (const auto& [name, mask] : kTruthMasks)
-        writeFileSafely(folder.real / (std::string(name) + ".png"), encodeGrayPng(portrait.*mask));
-    const auto depth = depthSamples(portrait.depth);
-    writeFileSafely(folder.real / "depth.png",
-                    encodeGray16Png(portrait.image.width, portrait.image.height, depth));
-    writeFaces(folder.real / "faces.json", portrait.faces);
+    for (std::size_t i = 1; const char* name = zel_portrait_plane_name(i); ++i)
+        writePlane(folder.real / (std::string(name) + ".png"), portrait, name);
+    writeFaces(folder.real / "faces.json", facesOf(portrait).get());
     writeText(folder.real / "spots.json", spotsJson(portrait));
 }
 
@@ -131,37 +107,42 @@ bool attempt(Messages& messages, const std::string& file, const Work& work) {
 }  // namespace
 
 int runPortrait(const PortraitOptions& options) {
-    const PortraitParams params = paramsOf(options);
+    const auto [width, height] = parseSize(options.size);
+    libzel::Values values;
+    for (const std::string& word : options.assignments) {
+        auto [name, value] = parseAssignment(word);
+        values.set(std::move(name), std::move(value));
+    }
     if (!formatOfSuffix(options.output))
         throw UsageError("OUT must end in .png, .jpg or .jpeg, not '" + options.output + "'");
     Messages messages(options.quiet);
     messages.startProgress(1);
     messages.progress(0, "drawing", 0);
-    std::optional<Portrait> portrait;
-    bool done = attempt(messages, options.output, [&] { portrait = drawPortrait(params); });
-    messages.progress(0, "writing", 0.8);
-    done = done && attempt(messages, options.output,
-                           [&] { writePicture(UserPath(options.output).real, portrait->image); });
+    zel_portrait* drawn = nullptr;
+    const auto& list = values.list();
+    const zel_status status =
+        zel_draw_portrait(library(), width, height, options.seed, list.data(), list.size(), &drawn);
+    const libzel::Portrait portrait(drawn);
+    if (status == ZEL_UNKNOWN_NAME || status == ZEL_BAD_VALUE) refuseUsage(status, "zel portrait --help");
+    bool done = attempt(messages, options.output, [&] {
+        require(status);
+        messages.progress(0, "writing", 0.8);
+        writePicture(UserPath(options.output).real, pictureOf(drawn, "picture"));
+    });
     if (done && !options.faces.empty())
         done = attempt(messages, options.faces,
-                       [&] { writeFaces(UserPath(options.faces).real, portrait->faces); });
+                       [&] { writeFaces(UserPath(options.faces).real, facesOf(drawn).get()); });
     if (done && !options.truth.empty())
-        done = attempt(messages, options.truth, [&] { writeTruth(UserPath(options.truth), *portrait); });
-    messages.finished(0, options.output + " (" + options.size + ", seed " + std::to_string(params.seed) + ")",
+        done = attempt(messages, options.truth, [&] { writeTruth(UserPath(options.truth), drawn); });
+    messages.finished(0, options.output + " (" + options.size + ", seed " + std::to_string(options.seed) + ")",
                       !done);
     return done ? kDone : kWorkFailed;
 }
 
 std::vector<std::pair<std::string, std::string>> portraitParameterTexts() {
     std::vector<std::pair<std::string, std::string>> texts;
-    for (const PortraitOption& option : portraitOptions()) {
-        // Words and ranges are shown as parameters of effects are.
-        const ParameterKind kind = !option.choices.empty() ? ParameterKind::choice
-                                   : option.whole          ? ParameterKind::integer
-                                                           : ParameterKind::number;
-        const Parameter shown{option.name, kind, option.minimum, option.maximum, "", "", option.choices};
-        texts.emplace_back(option.name, option.help + " (" + describeRange(shown) + ")");
-    }
+    for (std::size_t i = 0; const zel_parameter* parameter = zel_portrait_parameter_at(i); ++i)
+        texts.emplace_back(parameter->name, std::string(parameter->help) + " (" + describeRange(*parameter) + ")");
     return texts;
 }
 
@@ -176,4 +157,4 @@ std::string portraitParameterLines() {
     return lines;
 }
 
-}  // namespace zel
+}  // namespace zelcli

@@ -3,7 +3,7 @@
 #include <string>
 #include <vector>
 
-namespace zel {
+namespace zelcli {
 
 /// What the user typed for `zel portrait`.
 struct PortraitOptions {
@@ -25,4 +25,4 @@ std::string portraitParameterLines();
 /// Name and text ("0 to 1, strength of freckles") of each parameter, for the manual page.
 std::vector<std::pair<std::string, std::string>> portraitParameterTexts();
 
-}  // namespace zel
+}  // namespace zelcli

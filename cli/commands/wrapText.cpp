@@ -1,8 +1,8 @@
-#include "wrapText.h"
+#include "cli/commands/wrapText.h"
 
 #include <sstream>
 
-namespace zel {
+namespace zelcli {
 
 namespace {
 
@@ -35,4 +35,4 @@ std::string wrapText(const std::string& text) {
     return wrapped;
 }
 
-}  // namespace zel
+}  // namespace zelcli

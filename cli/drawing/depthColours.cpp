@@ -1,9 +1,9 @@
-#include "depthColours.h"
+#include "cli/drawing/depthColours.h"
 
 #include <array>
 #include <cstddef>
 
-namespace zel {
+namespace zelcli {
 
 namespace {
 
@@ -40,4 +40,4 @@ Image colourDepth(const Mask& depth) {
     return image;
 }
 
-}  // namespace zel
+}  // namespace zelcli

@@ -1,11 +1,11 @@
 #pragma once
 
-#include "portrait/image.h"
+#include "cli/files/image.h"
 
-namespace zel {
+namespace zelcli {
 
 /// A depth map in colours for the eye: deep blue is far, then teal, green and yellow, and warm white is near.
 /// Brightness rises all along, so that it reads in grey as well.
 Image colourDepth(const Mask& depth);
 
-}  // namespace zel
+}  // namespace zelcli

@@ -1,18 +1,19 @@
-#include "overlay/faceOverlay.h"
+#include "cli/drawing/faceOverlay.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <string>
 #include <vector>
 
-#include "faceRecords.h"
-#include "pictures/glyphs.h"
+#include "cli/drawing/glyphs.h"
 
-namespace zel {
+namespace zelcli {
 
 namespace {
 
 using Colour = unsigned char[3];
+using Point = std::array<float, 2>;  // x, y
 
 /// A run of positions that belong together.
 struct PointGroup {
@@ -53,9 +54,9 @@ public:
     explicit Pen(Image& image) : m_image(image) {}
 
     /// A square dot of odd side; what lies outside is cut off.
-    void dot(zellab::Vector2f p, int half, const Colour& colour) {
-        if (!(std::fabs(p.x) < 1e6f && std::fabs(p.y) < 1e6f)) return;
-        const int x0 = static_cast<int>(std::lround(p.x)), y0 = static_cast<int>(std::lround(p.y));
+    void dot(Point p, int half, const Colour& colour) {
+        if (!(std::fabs(p[0]) < 1e6f && std::fabs(p[1]) < 1e6f)) return;
+        const int x0 = static_cast<int>(std::lround(p[0])), y0 = static_cast<int>(std::lround(p[1]));
         for (int y = std::max(y0 - half, 0); y <= std::min(y0 + half, m_image.height - 1); ++y)
             for (int x = std::max(x0 - half, 0); x <= std::min(x0 + half, m_image.width - 1); ++x) {
                 const auto at = (static_cast<std::size_t>(y) * static_cast<std::size_t>(m_image.width) +
@@ -65,20 +66,20 @@ public:
             }
     }
 
-    void line(zellab::Vector2f a, zellab::Vector2f b, const Colour& colour) {
-        const float span = std::max(std::fabs(b.x - a.x), std::fabs(b.y - a.y));
+    void line(Point a, Point b, const Colour& colour) {
+        const float span = std::max(std::fabs(b[0] - a[0]), std::fabs(b[1] - a[1]));
         if (!(span < 1e5f)) return;
         const int steps = std::max(1, static_cast<int>(span));
         for (int i = 0; i <= steps; ++i) {
             const float t = static_cast<float>(i) / static_cast<float>(steps);
-            dot({a.x + (b.x - a.x) * t, a.y + (b.y - a.y) * t}, 0, colour);
+            dot({a[0] + (b[0] - a[0]) * t, a[1] + (b[1] - a[1]) * t}, 0, colour);
         }
     }
 
-    void label(zellab::Vector2f p, const std::string& text, int scale, const Colour& colour) {
-        if (!(std::fabs(p.x) < 1e6f && std::fabs(p.y) < 1e6f)) return;
+    void label(Point p, const std::string& text, int scale, const Colour& colour) {
+        if (!(std::fabs(p[0]) < 1e6f && std::fabs(p[1]) < 1e6f)) return;
         constexpr Colour kShadow = {0, 0, 0};
-        const int x = static_cast<int>(p.x) + 2 + scale, y = static_cast<int>(p.y) - 3 * scale;
+        const int x = static_cast<int>(p[0]) + 2 + scale, y = static_cast<int>(p[1]) - 3 * scale;
         drawText(m_image, x + 1, y + 1, text, scale, kShadow);
         drawText(m_image, x, y, text, scale, colour);
     }
@@ -87,26 +88,29 @@ private:
     Image& m_image;
 };
 
-void drawFace(Pen& pen, const zellab::Vector2f* points, int scale) {
+void drawFace(Pen& pen, const float (*points)[2], int scale) {
     constexpr Colour kOutlineColour = {0, 160, 160};
+    const auto at = [points](int i) { return Point{points[i][0], points[i][1]}; };
     for (const auto& outline : outlines())
         for (std::size_t i = 0; i < outline.size(); ++i)
-            pen.line(points[outline[i]], points[outline[(i + 1) % outline.size()]], kOutlineColour);
+            pen.line(at(outline[i]), at(outline[(i + 1) % outline.size()]), kOutlineColour);
     for (const PointGroup& group : kGroups)
         for (int i = group.first; i <= group.last; ++i) {
-            pen.dot(points[i], scale, group.colour);
-            pen.label(points[i], std::to_string(i), scale, group.colour);
+            pen.dot(at(i), scale, group.colour);
+            pen.label(at(i), std::to_string(i), scale, group.colour);
         }
 }
 
 }  // namespace
 
-void drawFaceOverlay(Image& image, const FaceSet& faces) {
-    const auto points = makeFacePoints(faces, image.width, image.height);
+void drawFaceOverlay(Image& image, const zel_faces* faces) {
     Pen pen(image);
     const int scale = std::max(1, std::max(image.width, image.height) / 3000);
-    for (int face = 0; face < points->GetFaceCount(); ++face)
-        drawFace(pen, points->GetInterPoints(face), scale);
+    for (std::size_t face = 0; face < zel_faces_count(faces); ++face) {
+        float points[ZEL_FACE_POINTS][2];
+        libzel::require(zel_faces_interpolate(faces, face, image.width, image.height, points));
+        drawFace(pen, points, scale);
+    }
 }
 
 Image enlargedForOverlay(const Image& image, int longSide) {
@@ -128,4 +132,4 @@ Image enlargedForOverlay(const Image& image, int longSide) {
     return large;
 }
 
-}  // namespace zel
+}  // namespace zelcli

@@ -1,10 +1,10 @@
-#include "glyphs.h"
+#include "cli/drawing/glyphs.h"
 
 #include <algorithm>
 #include <cctype>
 #include <cstring>
 
-namespace zel {
+namespace zelcli {
 
 namespace {
 
@@ -98,4 +98,4 @@ void drawText(Image& image, int x, int y, const std::string& text, int scale, co
     }
 }
 
-}  // namespace zel
+}  // namespace zelcli

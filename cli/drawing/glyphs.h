@@ -2,9 +2,9 @@
 
 #include <string>
 
-#include "portrait/image.h"
+#include "cli/files/image.h"
 
-namespace zel {
+namespace zelcli {
 
 /// Pixel size of a character cell at scale 1, with the gap to the next character.
 constexpr int kGlyphAdvance = 6, kGlyphHeight = 7;
@@ -16,4 +16,4 @@ int textWidth(const std::string& text, int scale);
 /// that the small built-in alphabet lacks stay blank; what lies outside the picture is cut off.
 void drawText(Image& image, int x, int y, const std::string& text, int scale, const unsigned char (&rgb)[3]);
 
-}  // namespace zel
+}  // namespace zelcli

@@ -1,13 +1,13 @@
-#include "sheet.h"
+#include "cli/drawing/sheet.h"
 
 #include <algorithm>
 #include <array>
 #include <cstddef>
 #include <cstdint>
 
-#include "glyphs.h"
+#include "cli/drawing/glyphs.h"
 
-namespace zel {
+namespace zelcli {
 
 namespace {
 
@@ -126,4 +126,4 @@ Image makeSheet(const Image& before, const Image& after, const std::string& effe
     return makeSheet({{before, "before"}, {after, "after  " + effectLabel}});
 }
 
-}  // namespace zel
+}  // namespace zelcli

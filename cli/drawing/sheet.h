@@ -3,9 +3,9 @@
 #include <string>
 #include <vector>
 
-#include "portrait/image.h"
+#include "cli/files/image.h"
 
-namespace zel {
+namespace zelcli {
 
 /// The picture reduced so that it fits the given size, by the mean of the area behind every pixel; never
 /// enlarged. EXIF and profile stay.
@@ -25,4 +25,4 @@ Image makeSheet(const std::vector<SheetCell>& cells);
 /// the sheet is about 2,000 pixels wide; both by the same factor. The colour profile is that of `after`.
 Image makeSheet(const Image& before, const Image& after, const std::string& effectLabel);
 
-}  // namespace zel
+}  // namespace zelcli

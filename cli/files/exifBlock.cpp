@@ -1,10 +1,10 @@
-#include "exifBlock.h"
+#include "cli/files/exifBlock.h"
 
 #include <cstddef>
 #include <cstdint>
 #include <optional>
 
-namespace zel {
+namespace zelcli {
 
 namespace {
 
@@ -108,4 +108,4 @@ void adaptExif(std::vector<unsigned char>& block, int width, int height) {
         tiff.write(field->offset, field->size, static_cast<std::uint32_t>(height));
 }
 
-}  // namespace zel
+}  // namespace zelcli

@@ -3,7 +3,7 @@
 #include <span>
 #include <vector>
 
-namespace zel {
+namespace zelcli {
 
 /// How the stored pixels must be turned to stand upright, in the numbering of EXIF: 1 as they are, 2 mirrored
 /// left to right, 3 turned by 180 degrees, 4 mirrored top to bottom, 5 transposed, 6 to be turned clockwise,
@@ -18,4 +18,4 @@ int exifOrientation(std::span<const unsigned char> block);
 /// that makers' notes with absolute offsets keep working. A damaged block stays as it is.
 void adaptExif(std::vector<unsigned char>& block, int width, int height);
 
-}  // namespace zel
+}  // namespace zelcli

@@ -1,16 +1,22 @@
-#include "facesJson.h"
-#include "pictures/readPicture.h"
-#include "pictures/writePicture.h"
+#include "cli/files/facesFile.h"
 
-namespace zel {
+#include "cli/failure.h"
+#include "cli/files/readPicture.h"
+#include "cli/files/writePicture.h"
 
-FaceSet readFaces(const std::filesystem::path& path) {
+namespace zelcli {
+
+libzel::Faces readFaces(const std::filesystem::path& path) {
     const auto bytes = readFileBytes(path);
-    return parseFaces(std::string(bytes.begin(), bytes.end()));
+    try {
+        return libzel::facesFromJson(std::string(bytes.begin(), bytes.end()));
+    } catch (const libzel::Error& error) {
+        throw Failure(error.what());
+    }
 }
 
-void writeFaces(const std::filesystem::path& path, const FaceSet& set) {
-    writeText(path, formatFaces(set));
+void writeFaces(const std::filesystem::path& path, zel_faces* faces) {
+    writeText(path, libzel::toJson(faces));
 }
 
-}  // namespace zel
+}  // namespace zelcli

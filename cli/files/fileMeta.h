@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-namespace zel {
+namespace zelcli {
 
 /// What the head of a picture file tells beside the pixels.
 struct FileMeta {
@@ -15,4 +15,4 @@ struct FileMeta {
     std::vector<unsigned char> iccProfile;
 };
 
-}  // namespace zel
+}  // namespace zelcli

@@ -1,4 +1,4 @@
-#include "jpegFile.h"
+#include "cli/files/jpegFile.h"
 
 #include <csetjmp>
 #include <cstdio>  // jpeglib.h wants FILE
@@ -10,9 +10,9 @@
 // jpeglib.h must come after the standard headers above
 #include <jpeglib.h>
 
-#include "effect.h"
+#include "cli/failure.h"
 
-namespace zel {
+namespace zelcli {
 
 namespace {
 
@@ -182,4 +182,4 @@ std::vector<unsigned char> encodeJpeg(const Image& image) {
     return file;
 }
 
-}  // namespace zel
+}  // namespace zelcli

@@ -3,10 +3,10 @@
 #include <span>
 #include <vector>
 
-#include "fileMeta.h"
-#include "portrait/image.h"
+#include "cli/files/fileMeta.h"
+#include "cli/files/image.h"
 
-namespace zel {
+namespace zelcli {
 
 bool isJpeg(std::span<const unsigned char> file);
 
@@ -20,4 +20,4 @@ std::vector<unsigned char> encodeJpeg(const Image& image);
 /// Whether encodeJpeg can carry an EXIF block of this size.
 bool jpegHoldsExif(std::size_t size);
 
-}  // namespace zel
+}  // namespace zelcli

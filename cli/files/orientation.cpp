@@ -1,10 +1,10 @@
-#include "orientation.h"
+#include "cli/files/orientation.h"
 
 #include <cstddef>
 #include <cstring>
 #include <utility>
 
-namespace zel {
+namespace zelcli {
 
 namespace {
 
@@ -52,4 +52,4 @@ void turnUpright(Image& image, int orientation) {
     image.rgba = std::move(upright);
 }
 
-}  // namespace zel
+}  // namespace zelcli

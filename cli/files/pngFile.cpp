@@ -1,4 +1,4 @@
-#include "pngFile.h"
+#include "cli/files/pngFile.h"
 
 #include <png.h>
 #include <zlib.h>
@@ -9,9 +9,9 @@
 #include <functional>
 #include <string>
 
-#include "effect.h"
+#include "cli/failure.h"
 
-namespace zel {
+namespace zelcli {
 
 namespace {
 
@@ -210,4 +210,4 @@ std::vector<unsigned char> encodeGrayPng(const Mask& mask) {
     return encode(job);
 }
 
-}  // namespace zel
+}  // namespace zelcli

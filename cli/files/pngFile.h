@@ -3,10 +3,10 @@
 #include <span>
 #include <vector>
 
-#include "fileMeta.h"
-#include "portrait/image.h"
+#include "cli/files/fileMeta.h"
+#include "cli/files/image.h"
 
-namespace zel {
+namespace zelcli {
 
 bool isPng(std::span<const unsigned char> file);
 
@@ -24,4 +24,4 @@ std::vector<unsigned char> encodeGray16Png(int width, int height, std::span<cons
 /// A mask as a grey PNG file. Throws Failure.
 std::vector<unsigned char> encodeGrayPng(const Mask& mask);
 
-}  // namespace zel
+}  // namespace zelcli

@@ -1,51 +1,22 @@
-#include "readPicture.h"
+#include "cli/files/readPicture.h"
 
-#include <fcntl.h>
-#include <sys/stat.h>
-#include <unistd.h>
-
-#include <cerrno>
-#include <cstdlib>
 #include <cstring>
-#include <limits>
-#include <memory>
 #include <optional>
 
-#include "exifBlock.h"
-#include "jpegFile.h"
-#include "orientation.h"
-#include "pngFile.h"
-#include "zel_effects/zel_effects.h"
+#include "cli/files/exifBlock.h"
+#include "cli/files/jpegFile.h"
+#include "cli/files/orientation.h"
+#include "cli/files/pngFile.h"
+#include "cli/library.h"
+#include "platform/fileBytes.h"
+#include "zellab/imageproc/core/luma.h"
 
-namespace zel {
+namespace zelcli {
 
 namespace {
 
 /// Sides and size that the library's operations are made for; 2^28 pixels are one gigabyte of RGBA.
 constexpr std::uint64_t kLongestSide = 32767, kMostPixels = std::uint64_t{1} << 28;
-
-/// The library takes a file's length as an int.
-constexpr off_t kLargestFile = std::numeric_limits<int>::max();
-
-struct FreeDeleter {
-    void operator()(unsigned char* p) const { std::free(p); }
-};
-using LibraryPixels = std::unique_ptr<unsigned char, FreeDeleter>;
-
-class FileDescriptor {
-public:
-    explicit FileDescriptor(const std::filesystem::path& path)
-        : m_fd(open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK)) {}  // a named pipe must not block
-    ~FileDescriptor() {
-        if (m_fd >= 0) close(m_fd);
-    }
-    FileDescriptor(const FileDescriptor&) = delete;
-    FileDescriptor& operator=(const FileDescriptor&) = delete;
-    int get() const { return m_fd; }
-
-private:
-    int m_fd;
-};
 
 void checkSize(std::uint64_t width, std::uint64_t height) {
     if (width < 1 || height < 1) throw Failure("has no pixels");
@@ -66,29 +37,24 @@ bool isRgbProfile(const std::vector<unsigned char>& profile) {
     return profile.size() >= 20 && std::memcmp(profile.data() + 16, "RGB ", 4) == 0;
 }
 
-Image takePixels(LibraryPixels pixels, int width, int height) {
-    if (!pixels) throw Failure("is not a picture that can be decoded");
-    checkSize(static_cast<std::uint64_t>(width), static_cast<std::uint64_t>(height));
+Image copyOf(zel_picture* picture) {
+    const zel_pixels pixels = libzel::pixelsOf(picture);
+    checkSize(static_cast<std::uint64_t>(pixels.width), static_cast<std::uint64_t>(pixels.height));
+    const auto* const bytes = static_cast<const unsigned char*>(pixels.data);
     Image image;
-    image.width = width;
-    image.height = height;
-    image.rgba.assign(pixels.get(), pixels.get() + std::size_t{4} * static_cast<std::size_t>(width) *
-                                                       static_cast<std::size_t>(height));
+    image.width = pixels.width;
+    image.height = pixels.height;
+    image.rgba.assign(bytes, bytes + std::size_t{4} * static_cast<std::size_t>(pixels.width) *
+                                         static_cast<std::size_t>(pixels.height));
     return image;
 }
 
-Image decode(std::vector<unsigned char>& file) {
-    int width = 0, height = 0, channels = 0;
-    LibraryPixels pixels(ZelImageCore::StbImageUtil::loadImageFromMemory(
-        file.data(), static_cast<int>(file.size()), width, height, channels, true, 0, false));
-    return takePixels(std::move(pixels), width, height);
-}
-
-Image decodeScrambled(const std::filesystem::path& path) {
-    int width = 0, height = 0, channels = 0;
-    LibraryPixels pixels(ZelImageCore::StbImageUtil::loadImageFromFile(path.string(), width, height, channels,
-                                                                       true, true, 0, false, nullptr));
-    return takePixels(std::move(pixels), width, height);
+Image decode(const std::vector<unsigned char>& file, bool scrambled) {
+    auto options = libzel::sized<zel_decode_options>();
+    options.scrambled = scrambled;
+    return copyOf(libzel::made<libzel::Picture>([&](zel_picture** out) {
+                      return zel_decode_memory(library(), file.data(), file.size(), &options, out);
+                  }).get());
 }
 
 /// Moves what the file carried to the picture and turns it upright.
@@ -117,23 +83,9 @@ UserPath UserPath::operator/(const std::string& name) const {
 }
 
 std::vector<unsigned char> readFileBytes(const std::filesystem::path& path) {
-    const FileDescriptor file(path);
-    struct stat status {};
-    if (file.get() < 0 || fstat(file.get(), &status) != 0) throw Failure(std::strerror(errno));
-    if (S_ISDIR(status.st_mode)) throw Failure("is a folder");
-    if (!S_ISREG(status.st_mode)) throw Failure("is not a regular file");
-    if (status.st_size > kLargestFile) throw Failure("is larger than two gigabytes");
-    std::vector<unsigned char> bytes(static_cast<std::size_t>(status.st_size));
-    std::size_t filled = 0;
-    while (filled < bytes.size()) {
-        const ssize_t count = read(file.get(), bytes.data() + filled, bytes.size() - filled);
-        if (count < 0 && errno == EINTR) continue;
-        if (count < 0) throw Failure(std::strerror(errno));
-        if (count == 0) break;  // the file shrank meanwhile
-        filled += static_cast<std::size_t>(count);
-    }
-    bytes.resize(filled);
-    return bytes;
+    auto file = zellab::platform::readFileBytes(path.c_str());
+    if (!file.bytes) throw Failure(file.why);
+    return std::move(*file.bytes);
 }
 
 LoadedPicture readPicture(const std::filesystem::path& path, bool scrambled) {
@@ -141,12 +93,12 @@ LoadedPicture readPicture(const std::filesystem::path& path, bool scrambled) {
     if (file.empty()) throw Failure("is empty");
     LoadedPicture picture;
     if (scrambled) {
-        picture.image = decodeScrambled(path);
+        picture.image = decode(file, true);
         return picture;
     }
     auto meta = readMeta(file);
     if (meta) checkSize(meta->width, meta->height);
-    picture.image = decode(file);
+    picture.image = decode(file, false);
     if (meta) applyMeta(*meta, picture);
     return picture;
 }
@@ -157,10 +109,9 @@ Mask readMask(const std::filesystem::path& path) {
     mask.samples.reserve(image.rgba.size() / 4);
     for (std::size_t i = 0; i < image.rgba.size(); i += 4) {
         const unsigned char* p = image.rgba.data() + i;
-        const int luma = (306 * p[0] + 601 * p[1] + 117 * p[2]) >> 10;  // 10-bit Rec. 601 weights
-        mask.samples.push_back(static_cast<unsigned char>(luma * p[3] / 255));
+        mask.samples.push_back(static_cast<unsigned char>(zellab::lumaOf(p) * p[3] / 255));
     }
     return mask;
 }
 
-}  // namespace zel
+}  // namespace zelcli

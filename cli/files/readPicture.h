@@ -5,10 +5,10 @@
 #include <utility>
 #include <vector>
 
-#include "effect.h"
-#include "portrait/image.h"
+#include "cli/failure.h"
+#include "cli/files/image.h"
 
-namespace zel {
+namespace zelcli {
 
 /// A path as the user typed it, for messages, and where it leads whatever the working directory.
 struct UserPath {
@@ -18,16 +18,6 @@ struct UserPath {
     UserPath() = default;
     explicit UserPath(const std::string& typed) : shown(typed), real(std::filesystem::absolute(typed)) {}
     UserPath operator/(const std::string& name) const;
-};
-
-/// A failure that names its file itself, where that is not the input at hand.
-class FileFailure : public Failure {
-public:
-    FileFailure(std::string file, const std::string& why) : Failure(why), m_file(std::move(file)) {}
-    const std::string& file() const { return m_file; }
-
-private:
-    std::string m_file;
 };
 
 /// All bytes of a regular file. Throws Failure with the reason (a folder, no permission, ...).
@@ -47,4 +37,4 @@ LoadedPicture readPicture(const std::filesystem::path& path, bool scrambled);
 /// Reads a picture as a mask: its grey value, weighed by its alpha. Throws Failure.
 Mask readMask(const std::filesystem::path& path);
 
-}  // namespace zel
+}  // namespace zelcli

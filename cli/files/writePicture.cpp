@@ -1,4 +1,4 @@
-#include "writePicture.h"
+#include "cli/files/writePicture.h"
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -13,12 +13,12 @@
 #include <string>
 #include <vector>
 
-#include "effect.h"
-#include "jpegFile.h"
+#include "cli/failure.h"
+#include "cli/files/jpegFile.h"
 #include "platform/outputSignals.h"
-#include "pngFile.h"
+#include "cli/files/pngFile.h"
 
-namespace zel {
+namespace zelcli {
 
 namespace {
 
@@ -139,4 +139,4 @@ void writePicture(const fs::path& path, const Image& image) {
     writeFileSafely(path, *format == PictureFormat::png ? encodePng(image) : encodeJpeg(image));
 }
 
-}  // namespace zel
+}  // namespace zelcli

@@ -5,9 +5,9 @@
 #include <span>
 #include <string>
 
-#include "portrait/image.h"
+#include "cli/files/image.h"
 
-namespace zel {
+namespace zelcli {
 
 enum class PictureFormat { png, jpeg };
 
@@ -24,4 +24,4 @@ void writeText(const std::filesystem::path& path, const std::string& text);
 /// Encodes by the suffix and writes safely. Throws Failure.
 void writePicture(const std::filesystem::path& path, const Image& image);
 
-}  // namespace zel
+}  // namespace zelcli

@@ -1,4 +1,4 @@
-#include "jobs.h"
+#include "cli/run/jobs.h"
 
 #include <algorithm>
 #include <atomic>
@@ -6,7 +6,7 @@
 #include <thread>
 #include <vector>
 
-namespace zel {
+namespace zelcli {
 
 void runJobs(std::size_t count, unsigned jobs, const std::function<void(std::size_t)>& work) {
     std::atomic<std::size_t> next{0};
@@ -23,4 +23,4 @@ void runJobs(std::size_t count, unsigned jobs, const std::function<void(std::siz
     worker();
 }
 
-}  // namespace zel
+}  // namespace zelcli

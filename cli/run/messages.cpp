@@ -1,4 +1,4 @@
-#include "messages.h"
+#include "cli/run/messages.h"
 
 #include <fcntl.h>
 #include <unistd.h>
@@ -7,7 +7,7 @@
 #include <cerrno>
 #include <numeric>
 
-namespace zel {
+namespace zelcli {
 
 namespace {
 
@@ -121,4 +121,4 @@ std::string oneLine(const std::string& text) {
     return line;
 }
 
-}  // namespace zel
+}  // namespace zelcli

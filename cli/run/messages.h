@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-namespace zel {
+namespace zelcli {
 
 /// What the command tells its user beside results: errors, notes and progress, all on standard error and
 /// each in one line. It keeps its own copy of the stream, so that it reaches the user while the library's
@@ -58,4 +58,4 @@ private:
 /// A text as one line that cannot disturb a terminal: control characters become '?'.
 std::string oneLine(const std::string& text);
 
-}  // namespace zel
+}  // namespace zelcli

@@ -1,4 +1,4 @@
-#include "cubeFile.h"
+#include "libzel/cube/cubeFile.h"
 
 #include <algorithm>
 #include <charconv>
@@ -6,8 +6,8 @@
 #include <sstream>
 #include <string_view>
 
-#include "../effect.h"
-#include "../pictures/readPicture.h"
+#include "libzel/failure.h"
+#include "platform/fileBytes.h"
 
 namespace zel {
 
@@ -204,9 +204,18 @@ CubeFile readCube(std::istream& text) {
 }
 
 CubeFile readCubeFile(const std::string& path) {
-    const std::vector<unsigned char> bytes = readFileBytes(path);
-    std::istringstream text(std::string(bytes.begin(), bytes.end()));
+    const auto file = zellab::platform::readFileBytes(path.c_str());
+    if (!file.bytes) throw Failure(file.why);
+    std::istringstream text(std::string(file.bytes->begin(), file.bytes->end()));
     return readCube(text);
+}
+
+CubeFile readGivenCube(const std::string& path) {
+    try {
+        return readCubeFile(path);
+    } catch (const Failure& failure) {
+        throw Failure(path + ": " + failure.what(), ZEL_BAD_FILE);
+    }
 }
 
 std::vector<unsigned char> cubePicture(const CubeFile& cube) {

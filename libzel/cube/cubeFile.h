@@ -23,6 +23,9 @@ CubeFile readCube(std::istream& text);
 /// The same from a regular file; Failure with the reason where it cannot be read.
 CubeFile readCubeFile(const std::string& path);
 
+/// The same from a file that a host names: the Failure is ZEL_BAD_FILE and begins with the path.
+CubeFile readGivenCube(const std::string& path);
+
 /// The lookup as the library takes it: 64 by 64 RGBA texels, 16 steps an axis, display-coded. Trilinear
 /// between the file's steps; inputs outside its domain take the nearest colour inside, results are limited
 /// to 0..1.

@@ -1,4 +1,4 @@
-#include "blockEdges.h"
+#include "libzel/effects/blockEdges.h"
 
 #include <algorithm>
 #include <array>

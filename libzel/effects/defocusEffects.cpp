@@ -1,13 +1,13 @@
 #include <algorithm>
 #include <array>
-#include <charconv>
-#include <filesystem>
+#include <cstdlib>
+#include <memory>
+#include <optional>
 
-#include "../pictures/readPicture.h"
 #include "depth/portraitDepth.h"
-#include "effectLists.h"
-#include "effectParts.h"
-#include "liveliness.h"
+#include "libzel/effects/effectLists.h"
+#include "libzel/effects/effectParts.h"
+#include "libzel/effects/liveliness.h"
 #include "zel_effects/offscreenContext.h"
 #include "zel_effects/zel_effects.h"
 
@@ -17,39 +17,26 @@ namespace {
 
 using Render = DefocusCore::ZelDepthDefocusRender;
 
-/// Folders beside the other assets, where the command stands.
+/// Folders beside the other assets.
 constexpr const char* kNetworkFolder = "depth";
 constexpr const char* kResourceFolder = "bokeh";
 
-/// The command has no other values for what the library keeps and never reads.
+/// There are no other values for what the library keeps and never reads.
 constexpr float kReserved = 0.0f;
 
 struct FocusFraction {
     float x = 0.5f, y = 0.5f;
 };
 
-/// "X,Y" as fractions of the picture; "auto" is the middle of the largest face, or of the picture.
+/// The point that was given; otherwise the middle of the largest face, or of the picture.
 FocusFraction focusOf(const EffectRun& run) {
-    const std::string& text = run.values.text("focus");
-    FocusFraction focus;
-    if (text == "auto") {
-        const auto& faces = run.faces.faces;
-        const auto area = [](const Face& face) { return face.rect[2] * face.rect[3]; };
-        const auto largest = std::max_element(
-            faces.begin(), faces.end(), [&](const Face& a, const Face& b) { return area(a) < area(b); });
-        if (largest != faces.end())
-            focus = {static_cast<float>(largest->rect[0] + largest->rect[2] / 2),
-                     static_cast<float>(largest->rect[1] + largest->rect[3] / 2)};
-        return focus;
-    }
-    const char *begin = text.data(), *end = begin + text.size();
-    const auto x = std::from_chars(begin, end, focus.x);
-    const bool comma = x.ec == std::errc() && x.ptr != end && *x.ptr == ',';
-    const auto y = comma ? std::from_chars(x.ptr + 1, end, focus.y) : x;
-    const auto inside = [](float fraction) { return fraction >= 0.0f && fraction <= 1.0f; };
-    if (!comma || y.ec != std::errc() || y.ptr != end || !inside(focus.x) || !inside(focus.y))
-        throw Failure("focus must be auto or two fractions like 0.5,0.4, not '" + text + "'");
-    return focus;
+    if (const auto point = run.values.point("focus")) return {point->first, point->second};
+    const auto& faces = run.faces.faces;
+    const auto area = [](const Face& face) { return face.rect[2] * face.rect[3]; };
+    const auto largest = std::max_element(faces.begin(), faces.end(),
+                                          [&](const Face& a, const Face& b) { return area(a) < area(b); });
+    if (largest == faces.end()) return {};
+    return {largest->rect[0] + largest->rect[2] / 2, largest->rect[1] + largest->rect[3] / 2};
 }
 
 std::vector<float> faceRectangles(const FaceSet& faces) {
@@ -59,15 +46,18 @@ std::vector<float> faceRectangles(const FaceSet& faces) {
     return rectangles;
 }
 
+struct FreeDeleter {
+    void operator()(unsigned char* p) const { std::free(p); }
+};
+
 void setShape(Render& render, const EffectRun& run) {
     const std::string name = "defocus_" + run.values.text("shape");
-    const std::filesystem::path file = std::filesystem::path(kResourceFolder) / (name + ".png");
-    try {
-        Image shape = readPicture(file, false).image;
-        render.SetBokehImage(name.c_str(), shape.rgba.data(), shape.width, shape.height);
-    } catch (const Failure& failure) {
-        throw FileFailure(file.string(), failure.what());
-    }
+    const std::string file = std::string(kResourceFolder) + "/" + name + ".png";
+    int width = 0, height = 0, channels = 0;
+    const std::unique_ptr<unsigned char, FreeDeleter> shape(ZelImageCore::StbImageUtil::loadImageFromFile(
+        run.surroundings.assets + "/" + file, width, height, channels, false, true, 0, false, nullptr));
+    if (!shape) throw assetFailure(file, "is missing or is no picture");
+    render.SetBokehImage(name.c_str(), shape.get(), width, height);
 }
 
 /// The depth plane of a render at the size of the picture.
@@ -84,8 +74,7 @@ void setDepth(Render& render, EffectRun& run) {
     } else {
         run.progress("estimating depth", 0);
         if (!render.Init(true))
-            throw FileFailure(kNetworkFolder,
-                              "holds no depth network that can be loaded; give --depth MAP.png");
+            throw assetFailure(kNetworkFolder, "holds no depth network that can be loaded; give a depth map");
         if (!render.DepthEstimate(image.rgba.data(), image.width, image.height, nullptr, 0, 0))
             throw Failure("its depth cannot be estimated");
         render.Release();
@@ -136,14 +125,14 @@ bool renderPreview(Render& render, EffectRun& run, std::vector<float>& faces, co
 /// done and leaves the picture as it was.
 void requireDrawn(const Render& render, bool ran) {
     const std::string shaderFile = std::string(kResourceFolder) + "/shader.3.bin";
-    if (!ran) throw FileFailure(shaderFile, "is missing or damaged");
+    if (!ran) throw assetFailure(shaderFile, "is missing or damaged");
     switch (render.LastOutcome()) {
         case Render::Outcome::drawn:
             return;
         case Render::Outcome::noContext:
             throw Failure("depth of field needs OpenGL 3.3, and the context that can be had here is older");
         case Render::Outcome::faultyShaders:
-            throw FileFailure(shaderFile, "lacks a shader or holds one that the OpenGL driver refuses");
+            throw assetFailure(shaderFile, "lacks a shader or holds one that the OpenGL driver refuses");
         case Render::Outcome::tooLarge:
             throw Failure("is too large for the OpenGL driver; depth of field needs it smaller");
         case Render::Outcome::none:
@@ -152,11 +141,28 @@ void requireDrawn(const Render& render, bool ran) {
     throw Failure("the library refused the picture");
 }
 
+/// The OpenGL context that the host allows, current while the object lives.
+class Canvas {
+public:
+    explicit Canvas(zel_gl gl) {
+        if (gl == ZEL_GL_CURRENT) return;
+        m_own.emplace();
+        if (!m_own->isCurrent())
+            throw Failure(std::string("depth of field needs OpenGL, and no context can be had here (") +
+                              m_own->failedCall() + ")",
+                          ZEL_NOT_AVAILABLE);
+    }
+
+private:
+    std::optional<zellab::OffscreenContext> m_own;
+};
+
 void runDefocus(EffectRun& run) {
     const FocusFraction focus = focusOf(run);
     const bool usesDepth = run.values.toggle("useDepth");
     Render render;
-    render.setResourcePath(kNetworkFolder, kResourceFolder);
+    const std::string& assets = run.surroundings.assets;
+    render.setResourcePath((assets + "/" + kNetworkFolder).c_str(), (assets + "/" + kResourceFolder).c_str());
     setShape(render, run);
     if (usesDepth) setDepth(render, run);
     std::vector<unsigned char> hair;
@@ -164,10 +170,7 @@ void runDefocus(EffectRun& run) {
         hair = run.mask->samples;
         render.SetHairMaskData(hair.data(), run.mask->width, run.mask->height);
     }
-    const zellab::OffscreenContext context;
-    if (!context.isCurrent())
-        throw Failure(std::string("depth of field needs OpenGL, and no context can be had here (") +
-                      context.failedCall() + ")");
+    const Canvas canvas(run.surroundings.gl);
     run.progress("rendering", 0.5);
     std::vector<float> faces = faceRectangles(run.faces);
     const bool full = usesDepth && run.values.text("resolution") == "full";
@@ -179,18 +182,19 @@ void runDefocus(EffectRun& run) {
 Effect defocus() {
     Effect effect;
     effect.name = "defocus";
+    effect.title = "Depth of field";
     effect.operation = "DefocusCore::ZelDepthDefocusRender::Run";
     effect.summary = "Depth of field: blurs what lies before and behind the subject, by estimated depth";
     effect.parameters = {
         integerParameter("blurLevel", 0, 100, "60", "strength of the blur"),
         choiceParameter("shape", {"classic", "hexagon", "heart", "star", "ring", "oval", "spin"}, "classic",
                         "what a point of light becomes"),
-        textParameter("focus", "auto", "X,Y as fractions of the picture, or auto: the largest face"),
+        pointParameter("focus", "auto", "X,Y as fractions of the picture, or auto: the largest face"),
         numberParameter("amount", 0.1, 4, "1",
                         "exponent of brightness: above 1 only the brightest lights bloom"),
         numberParameter("intensity", 0, 1, "0.5", "strength of the lights' bloom"),
         numberParameter("highlights", 0, 3, "1", "how far bright pixels outweigh the rest"),
-        offFirstPage(numberParameter("vivid", 0, 1, "0",
+        advanced(numberParameter("vivid", 0, 1, "0",
                                      "how far colourful pixels outweigh grey ones; above 0 the blur itself "
                                      "turns grey: see liveliness")),
         numberParameter("liveliness", 0, 1, "0",
@@ -198,8 +202,9 @@ Effect defocus() {
         choiceParameter("resolution", {"full", "preview"}, "full",
                         "preview works on a smaller copy, with amount 1 and highlights 3"),
         toggleParameter("useDepth", "true", "false blurs everything by one radius, as preview does")};
-    effect.faces = Need::optional;
-    effect.mask = effect.depth = effect.depthOut = Need::optional;
+    effect.gl = ZEL_REQUIRED;
+    effect.faces = ZEL_OPTIONAL;
+    effect.mask = effect.depth = effect.depthOut = ZEL_OPTIONAL;
     effect.example =
         "zel apply defocus portrait.jpg -o out.jpg --set blurLevel=60 --set shape=hexagon --depth-out "
         "depth.png";
@@ -223,11 +228,12 @@ void runMixMask(EffectRun& run) {
 Effect mixMask() {
     Effect effect;
     effect.name = "mix-mask";
+    effect.title = "Mix by a mask";
     effect.operation = "DefocusCore::ZelDepthDefocusRender::MixWidthMask";
     effect.summary = "Mixes a second picture into this one where a mask says so";
     effect.parameters = {numberParameter("strength", 0, 1, "1", "1: the mask alone decides"),
                          integerParameter("blurRadius", 0, 500, "0", "pixels; softens the mask's edge")};
-    effect.mask = effect.second = Need::required;
+    effect.mask = effect.second = ZEL_REQUIRED;
     effect.example = "zel apply mix-mask photo.png -o mixed.png --second retouched.png --mask skin.png";
     effect.run = runMixMask;
     return effect;

@@ -2,7 +2,7 @@
 
 #include <vector>
 
-#include "../effect.h"
+#include "libzel/effect.h"
 
 /// Each family of effects is one file here; effectRegistry.cpp strings the lists together.
 

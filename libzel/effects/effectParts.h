@@ -3,11 +3,10 @@
 #include <memory>
 #include <string>
 
-#include "../cube/cubeFile.h"
-#include "../effect.h"
-#include "../effectChecks.h"
-#include "../faceRecords.h"
-#include "../pictures/readPicture.h"
+#include "libzel/cube/cubeFile.h"
+#include "libzel/effect.h"
+#include "libzel/effectChecks.h"
+#include "libzel/faces/faceRecords.h"
 
 /// What the families of effects share: ways to declare parameters, and the walk over the faces of a picture.
 
@@ -15,31 +14,51 @@ namespace zel {
 
 inline Parameter numberParameter(const char* name, double minimum, double maximum, const char* defaultValue,
                                  const char* help) {
-    return {name, ParameterKind::number, minimum, maximum, defaultValue, help, {}, false};
+    return {name, ZEL_NUMBER, minimum, maximum, defaultValue, help, {}};
 }
 
 inline Parameter integerParameter(const char* name, double minimum, double maximum, const char* defaultValue,
                                   const char* help) {
-    return {name, ParameterKind::integer, minimum, maximum, defaultValue, help, {}, false};
+    return {name, ZEL_WHOLE_NUMBER, minimum, maximum, defaultValue, help, {}};
 }
 
 inline Parameter choiceParameter(const char* name, std::vector<std::string> choices, const char* defaultValue,
                                  const char* help) {
-    return {name, ParameterKind::choice, 0, 0, defaultValue, help, std::move(choices), false};
+    return {name, ZEL_CHOICE, 0, 0, defaultValue, help, std::move(choices)};
 }
 
 inline Parameter toggleParameter(const char* name, const char* defaultValue, const char* help) {
-    return {name, ParameterKind::toggle, 0, 0, defaultValue, help, {}, false};
+    return {name, ZEL_SWITCH, 0, 0, defaultValue, help, {}};
 }
 
 inline Parameter textParameter(const char* name, const char* defaultValue, const char* help) {
-    return {name, ParameterKind::text, 0, 0, defaultValue, help, {}, false};
+    return {name, ZEL_TEXT, 0, 0, defaultValue, help, {}};
+}
+
+/// A point of the picture, or one word.
+inline Parameter pointParameter(const char* name, const char* word, const char* help) {
+    return {name, ZEL_POINT, 0, 0, word, help, {word}};
+}
+
+/// A file that may be missing.
+inline Parameter fileParameter(const char* name, const char* help) {
+    return {name, ZEL_FILE, 0, 0, "", help, {}};
+}
+
+inline Parameter in(const char* unit, Parameter parameter) {
+    parameter.unit = unit;
+    return parameter;
 }
 
 /// A parameter that stays for those who know it.
-inline Parameter offFirstPage(Parameter parameter) {
-    parameter.offFirstPage = true;
+inline Parameter advanced(Parameter parameter) {
+    parameter.advanced = true;
     return parameter;
+}
+
+inline constexpr const char* kCube = "cube";
+inline Parameter cubeParameter() {
+    return fileParameter(kCube, "colour lookup of a .cube file, in place of a look");
 }
 
 inline Parameter faceIndexParameter() {
@@ -47,14 +66,14 @@ inline Parameter faceIndexParameter() {
     return integerParameter("faceIndex", -1, kLastFace, "-1", "which face; -1: all of them in turn");
 }
 
-/// The lookup of --cube, or of an asset, beside which the command stands. A failure of the asset names its file,
-/// since no user has typed it.
+/// The lookup of the file that was given, or else of an asset.
 inline std::vector<unsigned char> lookupOf(const EffectRun& run, const std::string& asset) {
-    if (!run.cube.empty()) return cubePicture(readCubeFile(run.cube));
+    const std::string& given = run.values.text(kCube);
+    if (!given.empty()) return cubePicture(readGivenCube(given));
     try {
-        return cubePicture(readCubeFile(asset));
+        return cubePicture(readCubeFile(run.surroundings.assets + "/" + asset));
     } catch (const Failure& failure) {
-        throw FileFailure(asset, failure.what());
+        throw assetFailure(asset, failure.what());
     }
 }
 

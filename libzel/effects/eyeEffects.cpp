@@ -1,5 +1,5 @@
-#include "effectLists.h"
-#include "effectParts.h"
+#include "libzel/effects/effectLists.h"
+#include "libzel/effects/effectParts.h"
 #include "zel_effects/zel_effects.h"
 
 namespace zel {
@@ -27,15 +27,16 @@ void runAutoEyeBright(EffectRun& run) {
 std::vector<Effect> eyeEffects() {
     Effect effect;
     effect.name = "auto-eye-bright";
+    effect.title = "Brighten eyes";
     effect.operation = "ZelImageCore::TableSkin::ImageProcessWithAutoEyeBright";
     effect.summary = "Makes the eyes of faces clearer: whites lifted, irises lighter and crisper";
     effect.parameters = {
-        numberParameter("overallGain", 0, 100, "100", "percent of the whole effect"),
-        numberParameter("whiteGain", 0, 100, "70", "percent by which light whites are lifted"),
-        numberParameter("highlightGain", 0, 100, "40", "percent by which the whites' target rises"),
+        in("%", numberParameter("overallGain", 0, 100, "100", "percent of the whole effect")),
+        in("%", numberParameter("whiteGain", 0, 100, "70", "percent by which light whites are lifted")),
+        in("%", numberParameter("highlightGain", 0, 100, "40", "percent by which the whites' target rises")),
         numberParameter("darkTolerance", 0, 100, "50",
                         "percent; how dark a white may be and still be lifted"),
-        numberParameter("irisGain", -100, 100, "60", "percent by which the iris's ring is lightened"),
+        in("%", numberParameter("irisGain", -100, 100, "60", "percent by which the iris's ring is lightened")),
         numberParameter("bandOffset", 0, 100, "0", "percent; keeps the ring to the iris's rim"),
         numberParameter("filterRadius", 0, 4, "1", "exponent of the iris's smoothing"),
         numberParameter("filterEps", 0, 1000, "0.4",
@@ -43,7 +44,7 @@ std::vector<Effect> eyeEffects() {
         numberParameter("filterScale", 0, 4, "1",
                         "what is left of smooth variation: 0 nothing, 1 all, above 1 more"),
         faceIndexParameter()};
-    effect.faces = Need::required;
+    effect.faces = ZEL_REQUIRED;
     effect.example =
         "zel apply auto-eye-bright portrait.jpg -o eyes.jpg --set whiteGain=80 --compare sheet.png";
     effect.run = runAutoEyeBright;

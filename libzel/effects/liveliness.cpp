@@ -1,4 +1,4 @@
-#include "liveliness.h"
+#include "libzel/effects/liveliness.h"
 
 #include <algorithm>
 #include <cmath>

@@ -1,8 +1,8 @@
 #include <algorithm>
 #include <cstdlib>
 
-#include "effectLists.h"
-#include "effectParts.h"
+#include "libzel/effects/effectLists.h"
+#include "libzel/effects/effectParts.h"
 #include "zel_effects/zel_effects.h"
 
 namespace zel {
@@ -43,7 +43,7 @@ void runRemoveBlackCircle(EffectRun& run) {
     }
     float rect[] = {value("left"), value("top"), value("width"), value("height")};
     if (rect[2] < 1 || rect[3] < 1)
-        throw Failure("needs --mask, or left, top, width and height of a rectangle");
+        throw Failure("needs a mask, or left, top, width and height of a rectangle", ZEL_MISSING_INPUT);
     TableSkin::ImageProcessWithRemoveBlackCircle(image.rgba.data(), image.width, image.height, nullptr, rect,
                                                  0);
 }
@@ -90,6 +90,7 @@ void runAutoFaceInpaint(EffectRun& run) {
 Effect autoFaceInpaint() {
     Effect effect;
     effect.name = "auto-face-inpaint";
+    effect.title = "Remove spots";
     effect.operation = "ZelImageCore::TableSkin::ImageProcessWithAutoFaceInpaint";
     effect.summary = "Finds moles, spots and blemishes on faces and repairs them";
     effect.parameters = {
@@ -97,9 +98,9 @@ Effect autoFaceInpaint() {
                         "flecks finds round dark spots on a copy of 280 pixels, fine works at 640 pixels and "
                         "follows the distance of the eyes"),
         faceIndexParameter()};
-    effect.faces = Need::required;
-    effect.mask = Need::optional;
-    effect.maskOut = Need::optional;
+    effect.faces = ZEL_REQUIRED;
+    effect.mask = ZEL_OPTIONAL;
+    effect.maskOut = ZEL_OPTIONAL;
     effect.example =
         "zel apply auto-face-inpaint portrait.png -o clean.png --faces faces.json --set method=fine";
     effect.run = runAutoFaceInpaint;
@@ -109,13 +110,14 @@ Effect autoFaceInpaint() {
 Effect inpaint() {
     Effect effect;
     effect.name = "inpaint";
+    effect.title = "Fill a mask";
     effect.operation = "ZelImageCore::TableSkin::ImageProcessWithInpaint";
     effect.summary = "Fills what a mask marks from the rest of the picture";
     effect.parameters = {
         choiceParameter("method", {"gradient", "patches"}, "gradient",
                         "gradient suits faces and slopes, patches suit texture"),
         integerParameter("seed", 0, 2147483647, "1", "start of the random tries of patches")};
-    effect.mask = Need::required;
+    effect.mask = ZEL_REQUIRED;
     effect.example = "zel apply inpaint portrait.png -o clean.png --mask scratch.png --set method=gradient";
     effect.run = runInpaint;
     return effect;
@@ -124,13 +126,14 @@ Effect inpaint() {
 Effect wrinkleCleaner() {
     Effect effect;
     effect.name = "wrinkle-cleaner";
+    effect.title = "Smooth wrinkles";
     effect.operation = "ZelImageCore::TableSkin::ImageProcessWithWrinkleCleaner";
     effect.summary = "Smooths the wrinkles that a mask marks and keeps the skin's texture";
     effect.parameters = {
         integerParameter("strength", 0, 100, "100", "percentage; acts on method mask alone"),
         choiceParameter("method", {"mask", "region"}, "mask",
                         "mask works block by block under white marks, region on one box around all marks")};
-    effect.mask = Need::required;
+    effect.mask = ZEL_REQUIRED;
     effect.example =
         "zel apply wrinkle-cleaner portrait.png -o smooth.png --mask wrinkles.png --set strength=80";
     effect.run = runWrinkleCleaner;
@@ -141,14 +144,15 @@ Effect removeBlackCircle() {
     constexpr double kLargestSide = 32767;
     Effect effect;
     effect.name = "remove-black-circle";
+    effect.title = "Lighten dark circles under a mask";
     effect.operation = "ZelImageCore::TableSkin::ImageProcessWithRemoveBlackCircle";
     effect.summary = "Lightens dark circles under a mask or in a rectangle";
     effect.parameters = {
-        numberParameter("left", 0, kLargestSide, "0", "left edge of the rectangle in pixels"),
-        numberParameter("top", 0, kLargestSide, "0", "top edge of the rectangle in pixels"),
-        numberParameter("width", 0, kLargestSide, "0", "width of the rectangle in pixels"),
-        numberParameter("height", 0, kLargestSide, "0", "height of the rectangle in pixels")};
-    effect.mask = Need::optional;
+        in("pixels", numberParameter("left", 0, kLargestSide, "0", "left edge of the rectangle in pixels")),
+        in("pixels", numberParameter("top", 0, kLargestSide, "0", "top edge of the rectangle in pixels")),
+        in("pixels", numberParameter("width", 0, kLargestSide, "0", "width of the rectangle in pixels")),
+        in("pixels", numberParameter("height", 0, kLargestSide, "0", "height of the rectangle in pixels"))};
+    effect.mask = ZEL_OPTIONAL;
     effect.example = "zel apply remove-black-circle portrait.png -o rested.png --mask circles.png";
     effect.run = runRemoveBlackCircle;
     return effect;
@@ -157,12 +161,13 @@ Effect removeBlackCircle() {
 Effect autoRemoveBlackCircle() {
     Effect effect;
     effect.name = "auto-remove-black-circle";
+    effect.title = "Lighten dark circles";
     effect.operation = "ZelImageCore::TableSkin::ImageProcessWithAutoRemoveBlackCircle";
     effect.summary = "Lightens the shadows under the eyes of faces";
     effect.parameters = {numberParameter("strength", 0, 1, "0.55", "strength of the repair"),
                          integerParameter("method", 0, 1, "0", "0 spares the rim of the lid, 1 does not"),
                          faceIndexParameter()};
-    effect.faces = Need::required;
+    effect.faces = ZEL_REQUIRED;
     effect.example = "zel apply auto-remove-black-circle portrait.png -o rested.png --set strength=0.8";
     effect.run = runAutoRemoveBlackCircle;
     return effect;

@@ -1,5 +1,5 @@
-#include "effectLists.h"
-#include "effectParts.h"
+#include "libzel/effects/effectLists.h"
+#include "libzel/effects/effectParts.h"
 #include "zel_effects/zel_effects.h"
 
 namespace zel {
@@ -56,6 +56,7 @@ void runZoomEye(EffectRun& run) {
 Effect slimFace() {
     Effect effect;
     effect.name = "slim-face";
+    effect.title = "Slimming brush";
     effect.operation = "CFaceSlimRender::slimFace";
     effect.summary = "Pushes the picture from a start to an end with a round brush";
     effect.parameters = {
@@ -75,6 +76,7 @@ Effect slimFace() {
 Effect autoSlimFace() {
     Effect effect;
     effect.name = "auto-slim-face";
+    effect.title = "Slim faces";
     effect.operation = "CFaceSlimRender::autoSlimFace";
     effect.summary = "Narrows faces along their contours";
     effect.parameters = {
@@ -87,7 +89,7 @@ Effect autoSlimFace() {
         numberParameter("jawFactor", -1, 1, "0.34", "pull of the jaw"),
         numberParameter("chinFactor", -2, 2, "-0.5", "pull of the chin; negative lengthens it"),
         faceIndexParameter()};
-    effect.faces = Need::required;
+    effect.faces = ZEL_REQUIRED;
     effect.example =
         "zel apply auto-slim-face portrait.png -o slim.png --faces faces.json --set strength=0.8";
     effect.run = runAutoSlimFace;
@@ -97,6 +99,7 @@ Effect autoSlimFace() {
 Effect zoomEye() {
     Effect effect;
     effect.name = "zoom-eye";
+    effect.title = "Enlarging brush";
     effect.operation = "CEyeZoomRender::zoomEye";
     effect.summary = "Enlarges what lies around one point";
     effect.parameters = {place("centerX", "centre, as a fraction of the width"),
@@ -112,6 +115,7 @@ Effect zoomEye() {
 Effect autoZoomEye() {
     Effect effect;
     effect.name = "auto-zoom-eye";
+    effect.title = "Enlarge eyes";
     effect.operation = "CEyeZoomRender::autoZoomEye";
     effect.summary = "Enlarges the eyes of faces";
     effect.parameters = {
@@ -121,7 +125,7 @@ Effect autoZoomEye() {
         numberParameter("zoomFactor", 0, 2, "0.2", "scale of the zoom"),
         numberParameter("ringScale", 0, 2, "1.0", "width of the blend around an eye, against its own size"),
         faceIndexParameter()};
-    effect.faces = Need::required;
+    effect.faces = ZEL_REQUIRED;
     effect.example = "zel apply auto-zoom-eye portrait.png -o eyes.png --faces faces.json --set strength=0.8";
     effect.run = runAutoZoomEye;
     return effect;

@@ -1,9 +1,9 @@
 #include <algorithm>
 #include <array>
 
-#include "../pictures/blockEdges.h"
-#include "effectLists.h"
-#include "effectParts.h"
+#include "libzel/effects/blockEdges.h"
+#include "libzel/effects/effectLists.h"
+#include "libzel/effects/effectParts.h"
 #include "zel_effects/zel_effects.h"
 
 namespace zel {
@@ -53,6 +53,7 @@ void runScenario(EffectRun& run) {
 std::vector<Effect> scenarioEffects() {
     Effect effect;
     effect.name = "scenario";
+    effect.title = "One-call scenario";
     effect.operation = "ZelImageCore::CScenarioBeauty::Run";
     effect.summary =
         "One call for a whole picture: portrait slims, opens eyes, smooths skin and grades the colour";
@@ -62,9 +63,9 @@ std::vector<Effect> scenarioEffects() {
             "alpha", 0, 1, "0.6",
             "strength; of portrait the reshaping is full below 1, and at 1 the look alone is applied"),
         choiceParameter("look", {"identity", "warm", "cool", "clear", "soft", "film", "mono"}, "clear",
-                        "named colour look, where no --cube is given")};
-    effect.cube = Need::optional;
-    effect.faces = Need::optional;
+                        "named colour look, where no cube file is given"),
+        cubeParameter()};
+    effect.faces = ZEL_OPTIONAL;
     effect.usesFaces = scenarioUsesFaces;
     effect.caution = scenarioCaution;
     effect.example =

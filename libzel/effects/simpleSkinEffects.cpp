@@ -1,5 +1,5 @@
-#include "effectLists.h"
-#include "effectParts.h"
+#include "libzel/effects/effectLists.h"
+#include "libzel/effects/effectParts.h"
 #include "zel_effects/zel_effects.h"
 
 namespace zel {
@@ -12,8 +12,8 @@ using ZelImageCore::TableSkin;
 constexpr double kLargestRadius = 8192;
 
 Parameter radiusParameter(const char* defaultValue) {
-    return integerParameter("radius", 0, kLargestRadius, defaultValue,
-                            "blur radius in pixels, limited to a quarter of the shorter side");
+    return in("pixels", integerParameter("radius", 0, kLargestRadius, defaultValue,
+                            "blur radius in pixels, limited to a quarter of the shorter side"));
 }
 
 Parameter levelParameter() {
@@ -45,6 +45,7 @@ std::vector<Effect> simpleSkinEffects() {
     std::vector<Effect> effects(3);
     Effect& bright = effects[0];
     bright.name = "bright";
+    bright.title = "Clear skin";
     bright.operation = "ZelImageCore::TableSkin::ImageProcessWithBright";
     bright.summary = "Deepens fine dark detail against its surroundings (high pass, colour burn)";
     bright.parameters = {radiusParameter("12"), levelParameter()};
@@ -53,6 +54,7 @@ std::vector<Effect> simpleSkinEffects() {
 
     Effect& mascara = effects[1];
     mascara.name = "mascara";
+    mascara.title = "Mascara";
     mascara.operation = "ZelImageCore::TableSkin::ImageProcessWithMascara";
     mascara.summary = "Darkens lashes and brows: the kernel of bright with a small radius";
     mascara.parameters = {radiusParameter("4"), levelParameter()};
@@ -61,6 +63,7 @@ std::vector<Effect> simpleSkinEffects() {
 
     Effect& natureSmooth = effects[2];
     natureSmooth.name = "nature-smooth";
+    natureSmooth.title = "Natural smoothing";
     natureSmooth.operation = "ZelImageCore::TableSkin::ImageProcessWithNatureSmooth";
     natureSmooth.summary = "Smooths tones and keeps detail: shadows move to a toned copy";
     natureSmooth.parameters = {radiusParameter("20")};

@@ -1,6 +1,6 @@
-#include "../pictures/blockEdges.h"
-#include "effectLists.h"
-#include "effectParts.h"
+#include "libzel/effects/blockEdges.h"
+#include "libzel/effects/effectLists.h"
+#include "libzel/effects/effectParts.h"
 #include "zel_effects/zel_effects.h"
 
 namespace zel {
@@ -59,12 +59,13 @@ Parameter brightnessParameter(const char* help) {
 Effect retouchEffect() {
     Effect effect;
     effect.name = "qorn-skin-retouch";
+    effect.title = "Retouch skin";
     effect.operation = "ZelImageCore::TableSkin::ImageProcessWithQornSkinRetouch";
     effect.summary = "One call for skin: levels, clear eyes, smoothed lightness, lifted shadows, a tone";
     effect.parameters = {numberParameter(
         "strength", 0, 1, "0.7", "share of the smoothing and the tone; levels and eyes are always full")};
-    effect.faces = Need::optional;
-    effect.mask = Need::optional;
+    effect.faces = ZEL_OPTIONAL;
+    effect.mask = ZEL_OPTIONAL;
     effect.example = "zel apply qorn-skin-retouch portrait.jpg -o out.jpg --set strength=0.7";
     effect.run = runRetouch;
     return effect;
@@ -73,14 +74,15 @@ Effect retouchEffect() {
 Effect whiteningEffect() {
     Effect effect;
     effect.name = "qorn-skin-whitening";
+    effect.title = "Whiten skin";
     effect.operation = "ZelImageCore::TableSkin::ImageProcessWithQornSkinWhitening";
     effect.summary = "Brightens the whole picture and the eyes of its first face, and turns it warm or cool";
     effect.parameters = {
         brightnessParameter("brightness, truncated to whole steps; 0 lifts a little as well"),
         numberParameter("strength", 0, 1, "0.5", kTemperatureHelp)};
-    effect.faces = Need::optional;
-    effect.mask = Need::optional;
-    effect.second = Need::optional;
+    effect.faces = ZEL_OPTIONAL;
+    effect.mask = ZEL_OPTIONAL;
+    effect.second = ZEL_OPTIONAL;
     effect.example =
         "zel apply qorn-skin-whitening portrait.jpg -o out.jpg --set level=3 --set strength=0.55";
     effect.run = runWhitening;
@@ -90,6 +92,7 @@ Effect whiteningEffect() {
 Effect skinEffect() {
     Effect effect;
     effect.name = "skin";
+    effect.title = "Smooth skin";
     effect.operation = "ZelImageCore::TableSkin::ImageProcessWithSkin";
     effect.summary = "Smooths reddish surfaces between their edges, and brightens and tones everything";
     effect.parameters = {
@@ -105,11 +108,11 @@ Effect skinEffect() {
 Effect skinColorEffect() {
     Effect effect;
     effect.name = "skin-color";
+    effect.title = "Tint skin";
     effect.operation = "ZelImageCore::TableSkin::ImageProcessWithSkinColor";
-    effect.summary = "Brightens and tints through a colour table: a neutral one, or --cube";
+    effect.summary = "Brightens and tints through a colour table: a neutral one, or a cube file";
     effect.parameters = {numberParameter("strength", 0, 1, "0.6", kTemperatureHelp),
-                         brightnessParameter("brightness; 0 lifts a little as well")};
-    effect.cube = Need::optional;
+                         brightnessParameter("brightness; 0 lifts a little as well"), cubeParameter()};
     effect.example = "zel apply skin-color portrait.jpg -o out.jpg --set strength=0.6 --set level=2";
     effect.run = runSkinColor;
     return effect;

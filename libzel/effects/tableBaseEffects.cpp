@@ -1,7 +1,7 @@
 #include <algorithm>
 
-#include "effectLists.h"
-#include "effectParts.h"
+#include "libzel/effects/effectLists.h"
+#include "libzel/effects/effectParts.h"
 #include "zel_effects/zel_effects.h"
 
 namespace zel {
@@ -84,6 +84,7 @@ void runAlphaMix(EffectRun& run) {
 Effect sharpEffect() {
     Effect effect;
     effect.name = "sharp";
+    effect.title = "Sharpen or soften";
     effect.operation = "ZelImageCore::TableBase::ImageProcessWithSharp";
     effect.summary = "Sharpens against a blurred copy (unsharp mask)";
     effect.parameters = {
@@ -99,10 +100,11 @@ Effect sharpEffect() {
 Effect gaussBlurEffect() {
     Effect effect;
     effect.name = "gauss-blur";
+    effect.title = "Blur";
     effect.operation = "ZelImageCore::TableBase::ImageProcessWithGaussBlur";
     effect.summary = "Blurs with a triangular kernel that looks like a Gaussian";
-    effect.parameters = {integerParameter("radius", 0, kLargestRadius, "8",
-                                          "radius in pixels, limited to a quarter of the shorter side")};
+    effect.parameters = {in("pixels", integerParameter("radius", 0, kLargestRadius, "8",
+                                          "radius in pixels, limited to a quarter of the shorter side"))};
     effect.example = "zel apply gauss-blur photo.jpg -o soft.jpg --set radius=20";
     effect.run = runGaussBlur;
     return effect;
@@ -111,6 +113,7 @@ Effect gaussBlurEffect() {
 Effect mosaicEffect() {
     Effect effect;
     effect.name = "mosaic";
+    effect.title = "Mosaic";
     effect.operation = "ZelImageCore::TableBase::ImageProcessWithMosaic";
     effect.summary = "Replaces blocks by their mean colour";
     effect.parameters = {
@@ -123,6 +126,7 @@ Effect mosaicEffect() {
 Effect colorMixingEffect() {
     Effect effect;
     effect.name = "color-mixing";
+    effect.title = "Brightness, contrast, saturation";
     effect.operation = "ZelImageCore::TableBase::ImageProcessWithColorMixing";
     effect.summary = "Brightness, contrast, saturation and a logarithmic lift, in this order";
     effect.parameters = {
@@ -138,15 +142,16 @@ Effect colorMixingEffect() {
 Effect alphaMixEffect() {
     Effect effect;
     effect.name = "alpha-mix";
+    effect.title = "Mix a second picture";
     effect.operation = "ZelImageCore::TableBase::ImageProcessWithAlphaMix";
     effect.summary = "Mixes a second picture of the same size into a region, by a mask";
     effect.parameters = {
-        integerParameter("left", -kLargestSide, kLargestSide, "0", "left edge of the mask in the picture"),
-        integerParameter("top", -kLargestSide, kLargestSide, "0", "top edge of the mask in the picture"),
-        integerParameter("blurRadius", 0, kLargestRadius, "0", "blur of the mask in pixels"),
+        in("pixels", integerParameter("left", -kLargestSide, kLargestSide, "0", "left edge of the mask in the picture")),
+        in("pixels", integerParameter("top", -kLargestSide, kLargestSide, "0", "top edge of the mask in the picture")),
+        in("pixels", integerParameter("blurRadius", 0, kLargestRadius, "0", "blur of the mask in pixels")),
         numberParameter("strength", 0, 1, "1", "share of the second picture where the mask is white")};
-    effect.mask = Need::optional;
-    effect.second = Need::required;
+    effect.mask = ZEL_OPTIONAL;
+    effect.second = ZEL_REQUIRED;
     effect.example = "zel apply alpha-mix photo.png --second edit.png --mask mask.png -o mixed.png";
     effect.run = runAlphaMix;
     return effect;

@@ -1,4 +1,4 @@
-#include "chin.h"
+#include "libzel/faces/chin.h"
 
 #include <cmath>
 

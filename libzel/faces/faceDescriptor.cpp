@@ -1,4 +1,4 @@
-#include "faceDescriptor.h"
+#include "libzel/faces/faceDescriptor.h"
 
 #include <algorithm>
 #include <cmath>

@@ -2,8 +2,8 @@
 
 #include <vector>
 
-#include "faceFrame.h"
-#include "lumaPyramid.h"
+#include "libzel/faces/faceFrame.h"
+#include "libzel/faces/lumaPyramid.h"
 
 namespace zel {
 

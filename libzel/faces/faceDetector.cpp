@@ -1,4 +1,4 @@
-#include "faceDetector.h"
+#include "libzel/faces/faceDetector.h"
 
 #include <algorithm>
 #include <cmath>

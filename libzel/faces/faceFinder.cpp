@@ -1,10 +1,10 @@
-#include "faceFinder.h"
+#include "libzel/faces/faceFinder.h"
 
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
 
-#include "landmarkFit.h"
+#include "libzel/faces/landmarkFit.h"
 
 namespace zel {
 

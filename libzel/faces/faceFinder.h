@@ -2,7 +2,7 @@
 
 #include <string>
 
-#include "faceDetector.h"
+#include "libzel/faces/faceDetector.h"
 #include "portrait/faces.h"
 #include "portrait/image.h"
 

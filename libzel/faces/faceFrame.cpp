@@ -1,4 +1,4 @@
-#include "faceFrame.h"
+#include "libzel/faces/faceFrame.h"
 
 #include <cmath>
 

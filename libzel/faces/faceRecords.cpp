@@ -1,4 +1,4 @@
-#include "faceRecords.h"
+#include "libzel/faces/faceRecords.h"
 
 #include <array>
 #include <cstring>

@@ -1,10 +1,10 @@
-#include "facesJson.h"
+#include "libzel/faces/facesJson.h"
 
 #include <cmath>
 #include <nlohmann/json.hpp>
 #include <sstream>
 
-#include "effect.h"
+#include "libzel/effect.h"
 
 namespace zel {
 

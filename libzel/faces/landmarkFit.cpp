@@ -1,11 +1,11 @@
-#include "landmarkFit.h"
+#include "libzel/faces/landmarkFit.h"
 
 #include <algorithm>
 #include <vector>
 
-#include "chin.h"
-#include "landmarkModel.h"
-#include "pupils.h"
+#include "libzel/faces/chin.h"
+#include "libzel/faces/landmarkModel.h"
+#include "libzel/faces/pupils.h"
 
 namespace zel {
 

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "faceDetector.h"
-#include "faceFrame.h"
-#include "lumaPyramid.h"
+#include "libzel/faces/faceDetector.h"
+#include "libzel/faces/faceFrame.h"
+#include "libzel/faces/lumaPyramid.h"
 
 namespace zel {
 

@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "faceDescriptor.h"
+#include "libzel/faces/faceDescriptor.h"
 
 namespace zel {
 

@@ -3,7 +3,7 @@
 #include <cstdlib>
 #include <stdexcept>
 
-#include "landmarkModel.h"
+#include "libzel/faces/landmarkModel.h"
 
 /// The model's text: lines of numbers, and lines of one character a weight.
 

@@ -1,4 +1,4 @@
-#include "landmarkModel.h"
+#include "libzel/faces/landmarkModel.h"
 
 namespace zel {
 

@@ -1,4 +1,4 @@
-#include "lumaPyramid.h"
+#include "libzel/faces/lumaPyramid.h"
 
 #include <algorithm>
 #include <cmath>

@@ -1,4 +1,4 @@
-#include "pupils.h"
+#include "libzel/faces/pupils.h"
 
 #include <cmath>
 

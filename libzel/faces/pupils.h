@@ -1,7 +1,7 @@
 #pragma once
 
-#include "faceFrame.h"
-#include "lumaPyramid.h"
+#include "libzel/faces/faceFrame.h"
+#include "libzel/faces/lumaPyramid.h"
 
 namespace zel {
 

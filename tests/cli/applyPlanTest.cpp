@@ -1,8 +1,8 @@
-#include "commands/applyPlan.h"
+#include "cli/commands/applyPlan.h"
 
 #include <gtest/gtest.h>
 
-#include "effectRegistry.h"
+#include "libzel/effectRegistry.h"
 #include "hostSupport.h"
 
 namespace {

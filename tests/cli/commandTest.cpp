@@ -4,12 +4,12 @@
 
 #include <algorithm>
 
-#include "effectRegistry.h"
-#include "facesJson.h"
+#include "libzel/effectRegistry.h"
+#include "libzel/faces/facesJson.h"
 #include "hostSupport.h"
-#include "pictures/exifBlock.h"
-#include "pictures/readPicture.h"
-#include "pictures/writePicture.h"
+#include "cli/files/exifBlock.h"
+#include "cli/files/readPicture.h"
+#include "cli/files/writePicture.h"
 #include "support/environment.h"
 
 namespace {

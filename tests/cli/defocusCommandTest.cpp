@@ -6,8 +6,8 @@
 #include <algorithm>
 
 #include "hostSupport.h"
-#include "pictures/readPicture.h"
-#include "pictures/writePicture.h"
+#include "cli/files/readPicture.h"
+#include "cli/files/writePicture.h"
 
 namespace {
 

@@ -3,8 +3,8 @@
 #include <gtest/gtest.h>
 
 #include "hostSupport.h"
-#include "pictures/readPicture.h"
-#include "pictures/writePicture.h"
+#include "cli/files/readPicture.h"
+#include "cli/files/writePicture.h"
 #include "support/tinyOnnx.h"
 
 namespace {

@@ -2,10 +2,10 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "facesJson.h"
+#include "libzel/faces/facesJson.h"
 #include "hostSupport.h"
-#include "pictures/readPicture.h"
-#include "pictures/writePicture.h"
+#include "cli/files/readPicture.h"
+#include "cli/files/writePicture.h"
 #include "portrait/portrait.h"
 
 namespace {

@@ -13,12 +13,12 @@
 #include <jpeglib.h>
 
 #include "hostSupport.h"
-#include "pictures/exifBlock.h"
-#include "pictures/jpegFile.h"
-#include "pictures/orientation.h"
-#include "pictures/pngFile.h"
-#include "pictures/readPicture.h"
-#include "pictures/writePicture.h"
+#include "cli/files/exifBlock.h"
+#include "cli/files/jpegFile.h"
+#include "cli/files/orientation.h"
+#include "cli/files/pngFile.h"
+#include "cli/files/readPicture.h"
+#include "cli/files/writePicture.h"
 #include "platform/outputSignals.h"
 
 namespace {

@@ -1,11 +1,11 @@
-#include "pictures/sheet.h"
+#include "cli/drawing/sheet.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
 
 #include "hostSupport.h"
-#include "pictures/glyphs.h"
+#include "cli/drawing/glyphs.h"
 
 namespace {
 

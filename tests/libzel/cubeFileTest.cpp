@@ -1,4 +1,4 @@
-#include "cube/cubeFile.h"
+#include "libzel/cube/cubeFile.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -6,7 +6,7 @@
 
 #include <sstream>
 
-#include "effect.h"
+#include "libzel/effect.h"
 #include "support/randomImage.h"
 #include "support/scratchFolder.h"
 

@@ -1,11 +1,11 @@
-#include "effectRegistry.h"
+#include "libzel/effectRegistry.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <set>
 
-#include "effectChecks.h"
+#include "libzel/effectChecks.h"
 
 namespace {
 

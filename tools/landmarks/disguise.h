@@ -3,7 +3,7 @@
 #include <random>
 #include <vector>
 
-#include "faceFrame.h"
+#include "libzel/faces/faceFrame.h"
 
 namespace zeltrain {
 

@@ -2,7 +2,7 @@
 
 #include <array>
 
-#include "faceFrame.h"
+#include "libzel/faces/faceFrame.h"
 #include "trainingSet.h"
 
 namespace zeltrain {

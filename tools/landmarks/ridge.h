@@ -2,7 +2,7 @@
 
 #include <vector>
 
-#include "landmarkModel.h"
+#include "libzel/faces/landmarkModel.h"
 
 namespace zeltrain {
 

@@ -5,7 +5,7 @@
 #include <fstream>
 #include <thread>
 
-#include "lumaPyramid.h"
+#include "libzel/faces/lumaPyramid.h"
 #include "variedPortrait.h"
 
 namespace zeltrain {

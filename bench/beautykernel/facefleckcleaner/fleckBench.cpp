@@ -4,7 +4,7 @@
 #include <cmath>
 
 #include "benchPicture.h"
-#include "faceRecords.h"
+#include "libzel/faces/faceRecords.h"
 #include "portrait/portrait.h"
 #include "zel_effects/zel_effects.h"
 

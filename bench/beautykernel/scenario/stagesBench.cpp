@@ -5,7 +5,7 @@
 #include <functional>
 
 #include "beautykernel/lazybeauty/lazybeauty.h"
-#include "faceRecords.h"
+#include "libzel/faces/faceRecords.h"
 #include "facepoints/faceData.h"
 #include "frame/processorCount.h"
 #include "portrait/portrait.h"

@@ -77,9 +77,9 @@ unsigned char* ZelFileUtils::LoadPPM(const char* path, int* width, int* height, 
 
 std::string ZelFileUtils::FindAsset(const char* path) {
     if (const CallSettings* settings = callSettings(); settings && settings->findsAssetsAlone) {
-        if (*path == '/' || *path == '\0' || settings->assets.empty()) return {};
-        std::string below = settings->assets + "/" + path;
-        return exists(below) ? below : std::string();
+        if (*path == '\0' || (*path != '/' && settings->assets.empty())) return {};
+        std::string file = *path == '/' ? path : settings->assets + "/" + path;
+        return exists(file) ? file : std::string();
     }
     if (exists(path)) return path;
     if (!assetRoot().empty()) {

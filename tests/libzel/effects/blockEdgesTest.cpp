@@ -1,4 +1,4 @@
-#include "pictures/blockEdges.h"
+#include "libzel/effects/blockEdges.h"
 
 #include <gtest/gtest.h>
 

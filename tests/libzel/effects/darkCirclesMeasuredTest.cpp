@@ -3,8 +3,8 @@
 #include <cmath>
 #include <cstdlib>
 
-#include "effectRegistry.h"
-#include "faceRecords.h"
+#include "libzel/effectRegistry.h"
+#include "libzel/faces/faceRecords.h"
 #include "portrait/portrait.h"
 #include "zel_effects/zel_effects.h"
 

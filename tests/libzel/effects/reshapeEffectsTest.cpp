@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "effectRegistry.h"
+#include "libzel/effectRegistry.h"
 #include "hostSupport.h"
 #include "portrait/portrait.h"
 

@@ -4,7 +4,7 @@
 #include <cstdlib>
 #include <numeric>
 
-#include "effectRegistry.h"
+#include "libzel/effectRegistry.h"
 #include "hostSupport.h"
 
 namespace {

@@ -4,9 +4,9 @@
 
 #include <algorithm>
 
-#include "faceFinder.h"
-#include "faceFrame.h"
-#include "landmarkModel.h"
+#include "libzel/faces/faceFinder.h"
+#include "libzel/faces/faceFrame.h"
+#include "libzel/faces/landmarkModel.h"
 #include "support/randomImage.h"
 #include "variedPortrait.h"
 

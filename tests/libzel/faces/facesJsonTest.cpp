@@ -1,9 +1,9 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "effect.h"
-#include "faceRecords.h"
-#include "facesJson.h"
+#include "libzel/effect.h"
+#include "libzel/faces/faceRecords.h"
+#include "libzel/faces/facesJson.h"
 
 namespace {
 

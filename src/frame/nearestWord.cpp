@@ -1,8 +1,8 @@
-#include "nearestWord.h"
+#include "frame/nearestWord.h"
 
 #include <algorithm>
 
-namespace zel {
+namespace zellab {
 
 namespace {
 
@@ -42,4 +42,4 @@ std::string nearestWord(const std::string& word, const std::vector<std::string>&
     return {};
 }
 
-}  // namespace zel
+}  // namespace zellab

@@ -1,0 +1,13 @@
+#pragma once
+
+#include <filesystem>
+
+#include "zel/zel.hpp"
+
+namespace zelcli {
+
+/// Face data from and to a file of JSON; writing is whole or not at all. Throws Failure.
+libzel::Faces readFaces(const std::filesystem::path& path);
+void writeFaces(const std::filesystem::path& path, zel_faces* faces);
+
+}  // namespace zelcli

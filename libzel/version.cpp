@@ -1,0 +1,6 @@
+#include "zel/zel.h"
+
+// In the shared library alone, with its version.
+const char* zel_version(void) {
+    return ZEL_VERSION;
+}
