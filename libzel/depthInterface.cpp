@@ -30,7 +30,8 @@ public:
         m_network = std::make_unique<zellab::PortraitDepth>();
         if (!m_network->load(m_file.c_str()))
             throw refusal(
-                "is no depth network: an ONNX file with one float input of 1 x 3 x H x W and one or two maps out");
+                "is no depth network: an ONNX file with one float input of 1 x 3 x H x W and one or two maps "
+                "out");
     }
     ~LentNetwork() {
         try {
@@ -55,8 +56,8 @@ zel_status zel_check_depth(zel_context* context, const char* network) {
     return guardedIn(context, [&] { const LentNetwork loaded(*context, network); });
 }
 
-zel_status zel_estimate_depth(zel_context* context, const zel_pixels* pixels, const zel_depth_options* options,
-                              const zel_pixels* out) {
+zel_status zel_estimate_depth(zel_context* context, const zel_pixels* pixels,
+                              const zel_depth_options* options, const zel_pixels* out) {
     return guardedIn(context, [&] {
         checkColour(pixels, "the picture");
         checkPlane(out, pixels->width, pixels->height, "the depth to fill");
@@ -74,7 +75,7 @@ zel_status zel_estimate_depth(zel_context* context, const zel_pixels* pixels, co
         const Image image = imageOf(*pixels);
         const zellab::PortraitDepthPlanes planes =
             depth->estimate({image.rgba.data(), image.width, image.height},
-                           {told.person ? person.samples.data() : nullptr, person.width, person.height});
+                            {told.person ? person.samples.data() : nullptr, person.width, person.height});
         if (!planes.estimated) throw Failure("the depth network could not run on it");
         Mask map{image.width, image.height, {}};
         map.samples = zellab::scaleDepthPlane((told.raw ? planes.raw : planes.refined).view(), image.width,

@@ -21,11 +21,11 @@ struct Parameter {
     std::string name;
     zel_kind kind = ZEL_NUMBER;
     double minimum = 0, maximum = 0;  // numbers: accepted range; equal: any
-    std::string defaultValue;         // as text; empty: must be given, or is a text or file that may be missing
-    std::string help;                 // one sentence
-    std::vector<std::string> choices; // the accepted words, of a choice or beside a point
-    std::string unit = {};            // "pixels"; empty: a plain number
-    bool advanced = false;            // told by the manual alone, not where the effect is introduced
+    std::string defaultValue;  // as text; empty: must be given, or is a text or file that may be missing
+    std::string help;          // one sentence
+    std::vector<std::string> choices;  // the accepted words, of a choice or beside a point
+    std::string unit = {};             // "pixels"; empty: a plain number
+    bool advanced = false;             // told by the manual alone, not where the effect is introduced
 
     bool mustBeGiven() const { return defaultValue.empty() && kind != ZEL_TEXT && kind != ZEL_FILE; }
 };

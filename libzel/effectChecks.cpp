@@ -14,7 +14,7 @@ const Picture& ofPictureSize(const Picture* picture, const Image& image, const c
     if (!picture) throw Failure(std::string(what) + " is missing", ZEL_MISSING_INPUT);
     if (picture->width != image.width || picture->height != image.height)
         throw Failure(std::string(what) + " is " + sizeText(picture->width, picture->height) +
-                      " pixels, the picture " + sizeText(image.width, image.height),
+                          " pixels, the picture " + sizeText(image.width, image.height),
                       ZEL_BAD_ARGUMENT);
     return *picture;
 }
@@ -33,7 +33,7 @@ const Face& faceAt(const EffectRun& run, int index) {
     const std::size_t count = run.faces.faces.size();
     if (index < 0 || static_cast<std::size_t>(index) >= count)
         throw Failure("there is no face " + std::to_string(index) + " (the face data holds " +
-                      std::to_string(count) + ", counted from 0)",
+                          std::to_string(count) + ", counted from 0)",
                       ZEL_MISSING_INPUT);
     return run.faces.faces[static_cast<std::size_t>(index)];
 }

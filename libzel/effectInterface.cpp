@@ -73,7 +73,8 @@ public:
             m_depth = maskOf(*inputs.depth);
         }
         if (inputs.mask_out) checkPlane(inputs.mask_out, pixels.width, pixels.height, "the mask to fill");
-        if (inputs.depth_out) checkPlane(inputs.depth_out, pixels.width, pixels.height, "the depth map to fill");
+        if (inputs.depth_out)
+            checkPlane(inputs.depth_out, pixels.width, pixels.height, "the depth map to fill");
     }
 
     void run(const ParameterValues& values) {

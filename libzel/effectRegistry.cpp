@@ -4,8 +4,8 @@
 #include <charconv>
 #include <cmath>
 
-#include "libzel/effects/effectLists.h"
 #include "frame/nearestWord.h"
+#include "libzel/effects/effectLists.h"
 
 namespace zel {
 
@@ -157,8 +157,9 @@ const Effect& findEffect(const std::string& name) {
         names.push_back(effect.name);
     }
     const auto nearest = zellab::nearestWord(name, names);
-    throw Failure("there is no effect '" + name + "'" + (nearest.empty() ? "" : "; did you mean '" + nearest + "'?"),
-                  ZEL_UNKNOWN_NAME);
+    throw Failure(
+        "there is no effect '" + name + "'" + (nearest.empty() ? "" : "; did you mean '" + nearest + "'?"),
+        ZEL_UNKNOWN_NAME);
 }
 
 ParameterValues checkedValues(const Effect& effect, const std::map<std::string, std::string>& given) {

@@ -75,12 +75,13 @@ zel_status zel_decode_memory(zel_context* context, const void* data, size_t leng
         const auto* const bytes = static_cast<const unsigned char*>(data);
         std::vector<unsigned char> file(bytes, bytes + length);
         if (told.scrambled && zellab::hasScrambleHead(file.data(), file.size())) {
-            file.erase(file.begin(), file.begin() + static_cast<std::ptrdiff_t>(std::min(zellab::kScrambleHeadBytes, file.size())));
+            file.erase(file.begin(), file.begin() + static_cast<std::ptrdiff_t>(
+                                                        std::min(zellab::kScrambleHeadBytes, file.size())));
             zellab::unscrambleImageData(file.data(), static_cast<std::ptrdiff_t>(file.size()));
         }
         decode(told, *out, [&](int& width, int& height, int& channels) {
-            return StbImageUtil::loadImageFromMemory(file.data(), static_cast<int>(file.size()), width, height,
-                                                     channels, true, told.longest_side, false);
+            return StbImageUtil::loadImageFromMemory(file.data(), static_cast<int>(file.size()), width,
+                                                     height, channels, true, told.longest_side, false);
         });
     });
 }

@@ -36,12 +36,14 @@ void check(const zel_pixels* pointer, const char* what) {
                           std::to_string(pixels.height) + " pixels; each side must be 1 to 32767");
     if (static_cast<std::size_t>(pixels.width) * static_cast<std::size_t>(pixels.height) > kMostPixels)
         throw badArgument(name + " has more than 256 million pixels");
-    if (pixels.format < ZEL_RGBA8 || pixels.format > ZEL_GRAY16) throw badArgument(name + " has no zel_format");
+    if (pixels.format < ZEL_RGBA8 || pixels.format > ZEL_GRAY16)
+        throw badArgument(name + " has no zel_format");
     const std::size_t row = static_cast<std::size_t>(pixels.width) * bytesPerPixel(pixels.format);
     if (pixels.stride != 0 && pixels.stride < row)
-        throw badArgument(name + " has a stride of " + std::to_string(pixels.stride) + " bytes below its row of " +
-                          std::to_string(row));
-    if (pixels.stride > SIZE_MAX / ZEL_LONGEST_SIDE) throw badArgument(name + " has a stride that is too large");
+        throw badArgument(name + " has a stride of " + std::to_string(pixels.stride) +
+                          " bytes below its row of " + std::to_string(row));
+    if (pixels.stride > SIZE_MAX / ZEL_LONGEST_SIDE)
+        throw badArgument(name + " has a stride that is too large");
     if (pixels.flags & ~ZEL_PREMULTIPLIED) throw badArgument(name + " has unknown flags");
 }
 
@@ -58,8 +60,8 @@ constexpr int kOpaque = 255;
 
 /// Colour of a premultiplied pixel, rounded; multiplied gives every such pixel back.
 unsigned char divided(int colour, int alpha) {
-    return static_cast<unsigned char>(
-        alpha == 0 ? 0 : std::min(kOpaque, (colour * kOpaque + alpha / 2) / alpha));
+    return static_cast<unsigned char>(alpha == 0 ? 0
+                                                 : std::min(kOpaque, (colour * kOpaque + alpha / 2) / alpha));
 }
 
 unsigned char multiplied(int colour, int alpha) {
@@ -94,8 +96,8 @@ void checkGrey(const zel_pixels* pixels, const char* what) {
 void checkPlane(const zel_pixels* pixels, int width, int height, const char* what) {
     checkGrey(pixels, what);
     if (pixels->width != width || pixels->height != height)
-        throw badArgument(std::string(what) + " must be of the picture's size, " + std::to_string(width) + " by " +
-                          std::to_string(height));
+        throw badArgument(std::string(what) + " must be of the picture's size, " + std::to_string(width) +
+                          " by " + std::to_string(height));
 }
 
 Image imageOf(const zel_pixels& pixels) {

@@ -8,9 +8,9 @@
 #include <variant>
 #include <vector>
 
+#include "frame/nearestWord.h"
 #include "libzel/call.h"
 #include "libzel/faces/faceList.h"
-#include "frame/nearestWord.h"
 #include "libzel/parameterInfos.h"
 #include "libzel/pixels.h"
 #include "portrait/portrait.h"
@@ -66,8 +66,11 @@ std::vector<zel_spot> hostSpots(const Spots& spots) {
 std::vector<Parameter> portraitParameters() {
     std::vector<Parameter> parameters;
     for (const PortraitOption& option : portraitOptions()) {
-        const zel_kind kind = !option.choices.empty() ? ZEL_CHOICE : option.whole ? ZEL_WHOLE_NUMBER : ZEL_NUMBER;
-        parameters.push_back({option.name, kind, option.minimum, option.maximum, "", option.help, option.choices});
+        const zel_kind kind = !option.choices.empty() ? ZEL_CHOICE
+                              : option.whole          ? ZEL_WHOLE_NUMBER
+                                                      : ZEL_NUMBER;
+        parameters.push_back(
+            {option.name, kind, option.minimum, option.maximum, "", option.help, option.choices});
     }
     return parameters;
 }
@@ -164,7 +167,8 @@ zel_status zel_portrait_spots(zel_portrait* portrait, const char* kind, const ze
         const zel_portrait& own = given(portrait, "portrait");
         const std::string_view wanted = &given(kind, "the kind of spots");
         if (wanted != "irises" && wanted != "moles")
-            throw Failure("a portrait has irises and moles, no '" + std::string(wanted) + "'", ZEL_UNKNOWN_NAME);
+            throw Failure("a portrait has irises and moles, no '" + std::string(wanted) + "'",
+                          ZEL_UNKNOWN_NAME);
         const auto& found = wanted == "irises" ? own.irises : own.moles;
         given(spots, "spots") = found.data();
         given(count, "count") = found.size();

@@ -8,12 +8,12 @@
 #include <new>
 #include <optional>
 
-#include "cli/library.h"
-#include "cli/files/jpegFile.h"
-#include "cli/files/facesFile.h"
-#include "cli/files/pngFile.h"
 #include "cli/drawing/sheet.h"
+#include "cli/files/facesFile.h"
+#include "cli/files/jpegFile.h"
+#include "cli/files/pngFile.h"
 #include "cli/files/writePicture.h"
+#include "cli/library.h"
 #include "cli/run/jobs.h"
 #include "cli/run/messages.h"
 

@@ -2,8 +2,8 @@
 
 #include <map>
 
-#include "cli/library.h"
 #include "cli/files/writePicture.h"
+#include "cli/library.h"
 
 namespace zelcli {
 

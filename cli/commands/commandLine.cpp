@@ -5,12 +5,12 @@
 
 #include "cli/commands/applyCommand.h"
 #include "cli/commands/commandTexts.h"
-#include "cli/library.h"
 #include "cli/commands/effectsCommand.h"
 #include "cli/commands/manPage.h"
-#include "frame/nearestWord.h"
-#include "cli/run/messages.h"
 #include "cli/commands/wrapText.h"
+#include "cli/library.h"
+#include "cli/run/messages.h"
+#include "frame/nearestWord.h"
 
 namespace zelcli {
 
@@ -21,7 +21,8 @@ constexpr unsigned kMostJobs = 64;
 
 std::string effectNames() {
     std::string names;
-    for (const zel_effect* effect : allEffects()) names.append(names.empty() ? "" : ", ").append(effect->name);
+    for (const zel_effect* effect : allEffects())
+        names.append(names.empty() ? "" : ", ").append(effect->name);
     return names;
 }
 

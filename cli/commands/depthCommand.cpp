@@ -5,11 +5,11 @@
 
 #include "cli/commands/applyCommand.h"
 #include "cli/commands/applyPlan.h"
-#include "cli/library.h"
 #include "cli/drawing/depthColours.h"
-#include "cli/files/pngFile.h"
 #include "cli/drawing/sheet.h"
+#include "cli/files/pngFile.h"
 #include "cli/files/writePicture.h"
+#include "cli/library.h"
 #include "cli/run/messages.h"
 
 namespace zelcli {
@@ -158,7 +158,7 @@ private:
     Messages m_messages;
     std::optional<LibraryVoice> m_voice;
     std::optional<Mask> m_mask;
-    std::string m_file;                            // what is being worked on
+    std::string m_file;  // what is being worked on
     bool m_ready = false;
 };
 

@@ -76,8 +76,8 @@ std::string parameterLines(const zel_effect& effect) {
     std::string text;
     for (const auto* parameter : parameters)
         if (!parameter->advanced)
-            text += "  " + padded(parameter->name, width) + parameter->help + " (" + describeRange(*parameter) +
-                    ")\n";
+            text += "  " + padded(parameter->name, width) + parameter->help + " (" +
+                    describeRange(*parameter) + ")\n";
     return text;
 }
 
@@ -91,7 +91,8 @@ Json parameterJson(const zel_parameter& parameter) {
     }
     if (parameter.kind == ZEL_CHOICE) {
         json["choices"] = Json::array();
-        for (const char* const* choice = parameter.choices; *choice; ++choice) json["choices"].push_back(*choice);
+        for (const char* const* choice = parameter.choices; *choice; ++choice)
+            json["choices"].push_back(*choice);
     }
     return json;
 }

@@ -4,11 +4,11 @@
 #include <map>
 
 #include "cli/commands/applyCommand.h"
-#include "cli/library.h"
-#include "cli/files/facesFile.h"
 #include "cli/drawing/faceOverlay.h"
+#include "cli/files/facesFile.h"
 #include "cli/files/readPicture.h"
 #include "cli/files/writePicture.h"
+#include "cli/library.h"
 #include "cli/run/jobs.h"
 #include "cli/run/messages.h"
 

@@ -1,8 +1,8 @@
 #include "cli/commands/manPage.h"
 
 #include "cli/commands/commandTexts.h"
-#include "cli/library.h"
 #include "cli/commands/portraitCommand.h"
+#include "cli/library.h"
 
 namespace zelcli {
 
@@ -90,7 +90,8 @@ std::string effectSection() {
     for (const zel_effect* effect : allEffects()) {
         page += entry(effect->name, std::string(effect->summary) + ".") + ".RS\n";
         for (const auto* parameter : setParameters(*effect))
-            page += entry(parameter->name, std::string(parameter->help) + " (" + describeRange(*parameter) + ")");
+            page +=
+                entry(parameter->name, std::string(parameter->help) + " (" + describeRange(*parameter) + ")");
         page += ".RE\n";
     }
     return page;

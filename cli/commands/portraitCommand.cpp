@@ -2,15 +2,15 @@
 
 #include <algorithm>
 #include <charconv>
-#include <nlohmann/json.hpp>
 #include <cstdint>
+#include <nlohmann/json.hpp>
 
 #include "cli/commands/applyCommand.h"
-#include "cli/library.h"
 #include "cli/files/facesFile.h"
 #include "cli/files/pngFile.h"
 #include "cli/files/readPicture.h"
 #include "cli/files/writePicture.h"
+#include "cli/library.h"
 #include "cli/run/messages.h"
 
 namespace zelcli {
@@ -45,7 +45,8 @@ nlohmann::ordered_json spotsOf(zel_portrait* portrait, const char* kind) {
 
 /// Irises and moles as circles in pixels.
 std::string spotsJson(zel_portrait* portrait) {
-    return nlohmann::ordered_json{{"irises", spotsOf(portrait, "irises")}, {"moles", spotsOf(portrait, "moles")}}
+    return nlohmann::ordered_json{{"irises", spotsOf(portrait, "irises")},
+                                  {"moles", spotsOf(portrait, "moles")}}
                .dump(1) +
            "\n";
 }
@@ -59,7 +60,8 @@ zel_pixels planeOf(zel_portrait* portrait, const char* name) {
 Image pictureOf(zel_portrait* portrait, const char* name) {
     const zel_pixels pixels = planeOf(portrait, name);
     const auto* const bytes = static_cast<const unsigned char*>(pixels.data);
-    const std::size_t count = 4 * static_cast<std::size_t>(pixels.width) * static_cast<std::size_t>(pixels.height);
+    const std::size_t count =
+        4 * static_cast<std::size_t>(pixels.width) * static_cast<std::size_t>(pixels.height);
     return {pixels.width, pixels.height, {bytes, bytes + count}, {}, {}};
 }
 
@@ -70,7 +72,8 @@ libzel::Faces facesOf(const zel_portrait* portrait) {
 /// Every plane but the picture itself, by its name.
 void writePlane(const std::filesystem::path& file, zel_portrait* portrait, const char* name) {
     const zel_pixels pixels = planeOf(portrait, name);
-    const std::size_t count = static_cast<std::size_t>(pixels.width) * static_cast<std::size_t>(pixels.height);
+    const std::size_t count =
+        static_cast<std::size_t>(pixels.width) * static_cast<std::size_t>(pixels.height);
     if (pixels.format == ZEL_GRAY16) {
         const auto* const samples = static_cast<const std::uint16_t*>(pixels.data);
         writeFileSafely(file, encodeGray16Png(pixels.width, pixels.height, {samples, count}));
@@ -134,15 +137,16 @@ int runPortrait(const PortraitOptions& options) {
                        [&] { writeFaces(UserPath(options.faces).real, facesOf(drawn).get()); });
     if (done && !options.truth.empty())
         done = attempt(messages, options.truth, [&] { writeTruth(UserPath(options.truth), drawn); });
-    messages.finished(0, options.output + " (" + options.size + ", seed " + std::to_string(options.seed) + ")",
-                      !done);
+    messages.finished(
+        0, options.output + " (" + options.size + ", seed " + std::to_string(options.seed) + ")", !done);
     return done ? kDone : kWorkFailed;
 }
 
 std::vector<std::pair<std::string, std::string>> portraitParameterTexts() {
     std::vector<std::pair<std::string, std::string>> texts;
     for (std::size_t i = 0; const zel_parameter* parameter = zel_portrait_parameter_at(i); ++i)
-        texts.emplace_back(parameter->name, std::string(parameter->help) + " (" + describeRange(*parameter) + ")");
+        texts.emplace_back(parameter->name,
+                           std::string(parameter->help) + " (" + describeRange(*parameter) + ")");
     return texts;
 }
 

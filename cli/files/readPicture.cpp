@@ -52,9 +52,11 @@ Image copyOf(zel_picture* picture) {
 Image decode(const std::vector<unsigned char>& file, bool scrambled) {
     auto options = libzel::sized<zel_decode_options>();
     options.scrambled = scrambled;
-    return copyOf(libzel::made<libzel::Picture>([&](zel_picture** out) {
-                      return zel_decode_memory(library(), file.data(), file.size(), &options, out);
-                  }).get());
+    zel_picture* picture = nullptr;
+    const zel_status status = zel_decode_memory(library(), file.data(), file.size(), &options, &picture);
+    const libzel::Picture decoded(picture);
+    if (status != ZEL_OK) throw Failure(zel_message());
+    return copyOf(picture);
 }
 
 /// Moves what the file carried to the picture and turns it upright.

@@ -15,8 +15,8 @@
 
 #include "cli/failure.h"
 #include "cli/files/jpegFile.h"
-#include "platform/outputSignals.h"
 #include "cli/files/pngFile.h"
+#include "platform/outputSignals.h"
 
 namespace zelcli {
 

@@ -195,8 +195,8 @@ Effect defocus() {
         numberParameter("intensity", 0, 1, "0.5", "strength of the lights' bloom"),
         numberParameter("highlights", 0, 3, "1", "how far bright pixels outweigh the rest"),
         advanced(numberParameter("vivid", 0, 1, "0",
-                                     "how far colourful pixels outweigh grey ones; above 0 the blur itself "
-                                     "turns grey: see liveliness")),
+                                 "how far colourful pixels outweigh grey ones; above 0 the blur itself "
+                                 "turns grey: see liveliness")),
         numberParameter("liveliness", 0, 1, "0",
                         "stronger colours and brighter lights in what is out of focus"),
         choiceParameter("resolution", {"full", "preview"}, "full",

@@ -13,7 +13,7 @@ constexpr double kLargestRadius = 8192;
 
 Parameter radiusParameter(const char* defaultValue) {
     return in("pixels", integerParameter("radius", 0, kLargestRadius, defaultValue,
-                            "blur radius in pixels, limited to a quarter of the shorter side"));
+                                         "blur radius in pixels, limited to a quarter of the shorter side"));
 }
 
 Parameter levelParameter() {

@@ -103,8 +103,9 @@ Effect gaussBlurEffect() {
     effect.title = "Blur";
     effect.operation = "ZelImageCore::TableBase::ImageProcessWithGaussBlur";
     effect.summary = "Blurs with a triangular kernel that looks like a Gaussian";
-    effect.parameters = {in("pixels", integerParameter("radius", 0, kLargestRadius, "8",
-                                          "radius in pixels, limited to a quarter of the shorter side"))};
+    effect.parameters = {
+        in("pixels", integerParameter("radius", 0, kLargestRadius, "8",
+                                      "radius in pixels, limited to a quarter of the shorter side"))};
     effect.example = "zel apply gauss-blur photo.jpg -o soft.jpg --set radius=20";
     effect.run = runGaussBlur;
     return effect;
@@ -146,8 +147,10 @@ Effect alphaMixEffect() {
     effect.operation = "ZelImageCore::TableBase::ImageProcessWithAlphaMix";
     effect.summary = "Mixes a second picture of the same size into a region, by a mask";
     effect.parameters = {
-        in("pixels", integerParameter("left", -kLargestSide, kLargestSide, "0", "left edge of the mask in the picture")),
-        in("pixels", integerParameter("top", -kLargestSide, kLargestSide, "0", "top edge of the mask in the picture")),
+        in("pixels", integerParameter("left", -kLargestSide, kLargestSide, "0",
+                                      "left edge of the mask in the picture")),
+        in("pixels",
+           integerParameter("top", -kLargestSide, kLargestSide, "0", "top edge of the mask in the picture")),
         in("pixels", integerParameter("blurRadius", 0, kLargestRadius, "0", "blur of the mask in pixels")),
         numberParameter("strength", 0, 1, "1", "share of the second picture where the mask is white")};
     effect.mask = ZEL_OPTIONAL;

@@ -15,7 +15,8 @@ using namespace zel;
 
 Face ownFace(const zel_face& face, const std::string& name) {
     const auto inRange = [&](float fraction) {
-        if (!(fraction >= static_cast<float>(kLeastFraction) && fraction <= static_cast<float>(kLargestFraction)))
+        if (!(fraction >= static_cast<float>(kLeastFraction) &&
+              fraction <= static_cast<float>(kLargestFraction)))
             throw Failure(name + " has a number outside -1 to 2", ZEL_BAD_VALUE);
         return fraction;
     };

@@ -2,15 +2,15 @@
 
 #include <gtest/gtest.h>
 
-#include "libzel/effectRegistry.h"
 #include "hostSupport.h"
+#include "libzel/effectRegistry.h"
 
 namespace {
 
 using namespace zeltest;
 
-zel::ApplyOptions optionsFor(const std::vector<std::string>& inputs, const std::string& output) {
-    zel::ApplyOptions options;
+zelcli::ApplyOptions optionsFor(const std::vector<std::string>& inputs, const std::string& output) {
+    zelcli::ApplyOptions options;
     options.inputs = inputs;
     options.output = output;
     return options;
@@ -18,10 +18,10 @@ zel::ApplyOptions optionsFor(const std::vector<std::string>& inputs, const std::
 
 TEST(ApplyPlan, OneInputGoesToAFileOrIntoAFolder) {
     const TemporaryFolder folder;
-    EXPECT_EQ(zel::planApply(optionsFor({"a.png"}, "b.JPG")).items[0].output.shown, "b.JPG");
+    EXPECT_EQ(zelcli::planApply(optionsFor({"a.png"}, "b.JPG")).items[0].output.shown, "b.JPG");
     const std::string here = folder.path().string();
-    EXPECT_EQ(zel::planApply(optionsFor({"x/a.png"}, here)).items[0].output.shown, here + "/a.png");
-    const auto plan = zel::planApply(optionsFor({"x/a.png"}, here + "/new/"));
+    EXPECT_EQ(zelcli::planApply(optionsFor({"x/a.png"}, here)).items[0].output.shown, here + "/a.png");
+    const auto plan = zelcli::planApply(optionsFor({"x/a.png"}, here + "/new/"));
     EXPECT_EQ(plan.items[0].output.shown, here + "/new/a.png");
     ASSERT_EQ(plan.folders.size(), 1u);
     EXPECT_TRUE(plan.items[0].sheet.shown.empty());
@@ -33,21 +33,21 @@ TEST(ApplyPlan, SeveralInputsShareAFolderWithSheetsAndFaces) {
     options.compare = folder / "out";
     options.maskOut = folder / "out";
     options.faces = folder.path().string();
-    const auto plan = zel::planApply(options);
+    const auto plan = zelcli::planApply(options);
     EXPECT_EQ(plan.items[0].output.shown, folder / "out/a.jpeg");
     EXPECT_EQ(plan.items[1].output.shown, folder / "out/b.png");
     EXPECT_EQ(plan.items[1].sheet.shown, folder / "out/b-sheet.png");
     EXPECT_EQ(plan.items[1].maskOut.shown, folder / "out/b-mask.png");
     EXPECT_EQ(plan.items[1].faces.shown, folder / "b.json");
     options.faces = "one.json";
-    EXPECT_EQ(zel::planApply(options).items[1].faces.shown, "one.json");
-    EXPECT_TRUE(zel::planApply(options).items[1].faces.real.is_absolute());
+    EXPECT_EQ(zelcli::planApply(options).items[1].faces.shown, "one.json");
+    EXPECT_TRUE(zelcli::planApply(options).items[1].faces.real.is_absolute());
 }
 
 TEST(ApplyPlan, RefusesWhatCouldNotBeMeant) {
     const TemporaryFolder folder;
     writeBytes(folder / "file", {1});
-    const zel::ApplyOptions cases[] = {
+    const zelcli::ApplyOptions cases[] = {
         optionsFor({"a.png"}, "out"),                        // no format
         optionsFor({"a.png"}, "out.bmp"),                    // not one that is written
         optionsFor({"a.png", "b.png"}, "out.png"),           // one file for two inputs
@@ -56,11 +56,11 @@ TEST(ApplyPlan, RefusesWhatCouldNotBeMeant) {
         optionsFor({"a.bmp", "a.png"}, folder / "out"),      // one name after the suffix changed
     };
     for (const auto& options : cases)
-        EXPECT_THROW(zel::planApply(options), zel::UsageError) << options.output;
+        EXPECT_THROW(zelcli::planApply(options), zelcli::UsageError) << options.output;
     auto sheet = optionsFor({"a.png"}, "b.png"), mask = sheet;
     sheet.compare = mask.maskOut = "./b.png";
-    EXPECT_THROW(zel::planApply(sheet), zel::UsageError);
-    EXPECT_THROW(zel::planApply(mask), zel::UsageError);
+    EXPECT_THROW(zelcli::planApply(sheet), zelcli::UsageError);
+    EXPECT_THROW(zelcli::planApply(mask), zelcli::UsageError);
 }
 
 }  // namespace

@@ -4,12 +4,12 @@
 
 #include <algorithm>
 
-#include "libzel/effectRegistry.h"
-#include "libzel/faces/facesJson.h"
-#include "hostSupport.h"
 #include "cli/files/exifBlock.h"
+#include "cli/files/facesFile.h"
 #include "cli/files/readPicture.h"
 #include "cli/files/writePicture.h"
+#include "cli/library.h"
+#include "hostSupport.h"
 #include "support/environment.h"
 
 namespace {
@@ -24,7 +24,7 @@ int lineCount(const std::string& text) {
 
 TEST(Command, WrongUsageIsStatusTwoInOneLineAndTouchesNothing) {
     const TemporaryFolder folder;
-    zel::writePicture(folder / "a.png", testImage(8, 8, 1));
+    zelcli::writePicture(folder / "a.png", testImage(8, 8, 1));
     const struct {
         const char *words, *says;
     } cases[] = {
@@ -63,18 +63,19 @@ TEST(Command, HelpTeachesByExampleAndListsEveryEffect) {
     const TemporaryFolder folder;
     const std::string apply = runZel(folder, "apply --help").out, list = runZel(folder, "effects").out,
                       json = runZel(folder, "effects --json").out, man = runZel(folder, "--man").out;
-    for (const zel::Effect& effect : zel::allEffects()) {
-        EXPECT_THAT(apply, HasSubstr(effect.name));
-        EXPECT_THAT(list, HasSubstr(effect.name + "\n"));
-        EXPECT_THAT(json, HasSubstr("\"name\": \"" + effect.name + "\""));
-        const ProgramRun help = runZel(folder, "apply " + effect.name + " --help");
+    for (const zel_effect* effect : zelcli::allEffects()) {
+        const std::string name = effect->name;
+        EXPECT_THAT(apply, HasSubstr(name));
+        EXPECT_THAT(list, HasSubstr(name + "\n"));
+        EXPECT_THAT(json, HasSubstr("\"name\": \"" + name + "\""));
+        const ProgramRun help = runZel(folder, "apply " + name + " --help");
         EXPECT_EQ(help.status, 0);
         EXPECT_EQ(help.err, "");
-        EXPECT_THAT(help.out, HasSubstr(effect.example));
-        for (const auto& parameter : effect.parameters) {
-            const bool told = help.out.find("\n  " + parameter.name + " ") != std::string::npos;
-            EXPECT_EQ(told, !parameter.offFirstPage) << effect.name << ": " << parameter.name;
-            EXPECT_THAT(man, HasSubstr(parameter.name));
+        EXPECT_THAT(help.out, HasSubstr(effect->example));
+        for (const zel_parameter* parameter : zelcli::setParameters(*effect)) {
+            const bool told = help.out.find(std::string("\n  ") + parameter->name + " ") != std::string::npos;
+            EXPECT_EQ(told, !parameter->advanced) << name << ": " << parameter->name;
+            EXPECT_THAT(man, HasSubstr(parameter->name));
         }
     }
     EXPECT_THAT(apply, HasSubstr("zel apply nature-smooth portrait.jpg -o smooth.jpg"));
@@ -86,8 +87,8 @@ TEST(Command, HelpTeachesByExampleAndListsEveryEffect) {
 TEST(Command, AFailingInputLeavesItsOutputAndTheOthersGoOn) {
     const TemporaryFolder folder;
     std::filesystem::create_directories(folder / "out");
-    zel::writePicture(folder / "a.png", testImage(20, 30, 1));
-    zel::writePicture(folder / "c.jpg", testImage(30, 20, 2));
+    zelcli::writePicture(folder / "a.png", testImage(20, 30, 1));
+    zelcli::writePicture(folder / "c.jpg", testImage(30, 20, 2));
     writeBytes(folder / "b.png", {'n', 'o', 'n', 'e'});
     writeBytes(folder / "out/b.png", {'o', 'l', 'd'});
     const ProgramRun run =
@@ -97,8 +98,8 @@ TEST(Command, AFailingInputLeavesItsOutputAndTheOthersGoOn) {
     EXPECT_THAT(run.err, HasSubstr("zel: gone.png: No such file or directory\n"));
     EXPECT_EQ(lineCount(run.err), 2) << run.err;
     EXPECT_EQ(readText(folder / "out/b.png"), "old");
-    EXPECT_EQ(zel::readPicture(folder / "out/a.png", false).image.height, 30);
-    EXPECT_EQ(zel::readPicture(folder / "out/c.jpg", false).image.height, 20);
+    EXPECT_EQ(zelcli::readPicture(folder / "out/a.png", false).image.height, 30);
+    EXPECT_EQ(zelcli::readPicture(folder / "out/c.jpg", false).image.height, 20);
     EXPECT_EQ(std::distance(std::filesystem::directory_iterator(folder / "out"), {}), 3);
 }
 
@@ -109,7 +110,7 @@ TEST(Command, FourJobsWriteTheBytesOfOne) {
     for (unsigned i = 0; i < 10; ++i) {
         names.emplace_back(1, static_cast<char>('a' + i));
         names.back().append(i % 3 ? ".png" : ".jpg");
-        zel::writePicture(folder / names.back(), testImage(60 + 7 * static_cast<int>(i), 50, i));
+        zelcli::writePicture(folder / names.back(), testImage(60 + 7 * static_cast<int>(i), 50, i));
         inputs.append(" ").append(names.back());
     }
     const std::string words = "apply nature-smooth" + inputs + " --set radius=6";
@@ -128,10 +129,10 @@ TEST(Command, FourJobsWriteTheBytesOfOne) {
 
 TEST(Command, CarriesExifAndProfileBetweenFormatsAndWritesTheSheet) {
     const TemporaryFolder folder;
-    zel::Image image = testImage(64, 40, 3);
+    zelcli::Image image = testImage(64, 40, 3);
     image.exif = exifBlock(6);
     image.iccProfile = colourProfile("RGB ");
-    zel::writePicture(folder / "in.jpg", image);
+    zelcli::writePicture(folder / "in.jpg", image);
     const ProgramRun run = runZel(
         folder, "apply mascara in.jpg -o sub/../out.png --compare sheet.png --assets . --set radius=2");
     // The folder "sub" is not there: nothing is written, and the line names the output.
@@ -140,17 +141,17 @@ TEST(Command, CarriesExifAndProfileBetweenFormatsAndWritesTheSheet) {
     EXPECT_FALSE(std::filesystem::exists(folder / "sheet.png"));
 
     ASSERT_EQ(runZel(folder, "apply mascara in.jpg -o out.png --compare sheet.png --set radius=2").status, 0);
-    const zel::Image out = zel::readPicture(folder / "out.png", false).image;
+    const zelcli::Image out = zelcli::readPicture(folder / "out.png", false).image;
     EXPECT_EQ(out.width, 40);
     EXPECT_EQ(out.iccProfile, image.iccProfile);
     EXPECT_EQ(out.exif.size(), image.exif.size());
-    EXPECT_EQ(zel::exifOrientation(out.exif), 1);
-    EXPECT_GT(zel::readPicture(folder / "sheet.png", false).image.width, 2 * 40);
+    EXPECT_EQ(zelcli::exifOrientation(out.exif), 1);
+    EXPECT_GT(zelcli::readPicture(folder / "sheet.png", false).image.width, 2 * 40);
 }
 
 TEST(Command, ReadsScrambledFilesOnlyWhenToldSo) {
     const TemporaryFolder folder;
-    zel::writePicture(folder / "plain.png", testImage(9, 7, 4));
+    zelcli::writePicture(folder / "plain.png", testImage(9, 7, 4));
     Bytes bytes = readBytes(folder / "plain.png");
     while (bytes.size() % 4) bytes.push_back(0);  // whole words; a decoder stops at the end mark
     const unsigned char key[4] = {0xD6, 0x27, 0x1E, 0x5C};
@@ -162,7 +163,7 @@ TEST(Command, ReadsScrambledFilesOnlyWhenToldSo) {
     writeBytes(folder / "s.bin", bytes);
     EXPECT_EQ(runZel(folder, "apply mascara s.bin -o o.png --set level=0").status, 1);
     EXPECT_EQ(runZel(folder, "apply mascara s.bin -o o.png --set level=0 --scrambled").status, 0);
-    EXPECT_EQ(zel::readPicture(folder / "o.png", false).image.rgba, testImage(9, 7, 4).rgba);
+    EXPECT_EQ(zelcli::readPicture(folder / "o.png", false).image.rgba, testImage(9, 7, 4).rgba);
 }
 
 /// Text of a .cube file with the colours of red and blue exchanged.
@@ -177,18 +178,18 @@ std::string exchangingCube() {
 // The portrait scenario at full strength is the look alone, and searches for no face.
 TEST(Command, AppliesALookFromACubeFile) {
     const TemporaryFolder folder;
-    const zel::Image image = testImage(48, 36, 11);
-    zel::writePicture(folder / "in.png", image);
-    zel::writeText(folder / "look.cube", exchangingCube());
+    const zelcli::Image image = testImage(48, 36, 11);
+    zelcli::writePicture(folder / "in.png", image);
+    zelcli::writeText(folder / "look.cube", exchangingCube());
     const std::string words = "apply scenario in.png -o out.png --set type=portrait --set alpha=1 --cube ";
     const ProgramRun run = runZel(folder, words + "look.cube");
     ASSERT_EQ(run.status, 0) << run.err;
     EXPECT_THAT(run.err, testing::Not(HasSubstr("face")));
-    const zel::Image out = zel::readPicture(folder / "out.png", false).image;
+    const zelcli::Image out = zelcli::readPicture(folder / "out.png", false).image;
     for (std::size_t i = 0; i < image.rgba.size(); i += 4)
         for (std::size_t c = 0; c < 3; ++c) ASSERT_NEAR(out.rgba[i + c], image.rgba[i + 2 - c], 2) << i;
 
-    zel::writeText(folder / "broken.cube", "LUT_3D_SIZE 2\n0 0\n");
+    zelcli::writeText(folder / "broken.cube", "LUT_3D_SIZE 2\n0 0\n");
     const ProgramRun broken = runZel(folder, words + "broken.cube");
     EXPECT_EQ(broken.status, 1);
     EXPECT_THAT(broken.err, HasSubstr("broken.cube: line 2"));
@@ -204,7 +205,8 @@ TEST(Command, MaskOutHoldsTheSkinThatTheRepairFound) {
     const std::string words = "apply auto-face-inpaint p.png -o o.png --faces f.json --mask-out ";
     const ProgramRun run = runZel(folder, words + "all.png");
     ASSERT_EQ(run.status, 0) << run.err;
-    const zel::Mask all = zel::readMask(folder / "all.png"), skin = zel::readMask(folder / "t/skin.png");
+    const zelcli::Mask all = zelcli::readMask(folder / "all.png"),
+                       skin = zelcli::readMask(folder / "t/skin.png");
     ASSERT_EQ(all.samples.size(), skin.samples.size());
     std::size_t onSkin = 0, found = 0;
     for (std::size_t i = 0; i < skin.samples.size(); ++i)
@@ -212,15 +214,15 @@ TEST(Command, MaskOutHoldsTheSkinThatTheRepairFound) {
     EXPECT_GT(found * 2, onSkin);
 
     // What --mask leaves out comes back black, the rest as before.
-    zel::Image half = zel::readPicture(folder / "p.png", false).image;
+    zelcli::Image half = zelcli::readPicture(folder / "p.png", false).image;
     for (std::size_t i = 0; i < half.rgba.size(); ++i)
         half.rgba[i] = i < half.rgba.size() / 2 || i % 4 == 3 ? 255 : 0;
-    zel::writePicture(folder / "half.png", half);
+    zelcli::writePicture(folder / "half.png", half);
     ASSERT_EQ(runZel(folder, words + "half-out.png --mask half.png").status, 0);
-    zel::Mask expected = all;
+    zelcli::Mask expected = all;
     std::fill(expected.samples.begin() + static_cast<std::ptrdiff_t>(expected.samples.size() / 2),
               expected.samples.end(), static_cast<unsigned char>(0));
-    EXPECT_EQ(zel::readMask(folder / "half-out.png").samples, expected.samples);
+    EXPECT_EQ(zelcli::readMask(folder / "half-out.png").samples, expected.samples);
 }
 
 TEST(Command, DrawsAPortraitWithFacesAndTruth) {
@@ -229,23 +231,25 @@ TEST(Command, DrawsAPortraitWithFacesAndTruth) {
     const ProgramRun run = runZel(folder, words + "--set moles=9 -o p.png --faces f.json --truth t/deep");
     ASSERT_EQ(run.status, 0) << run.err;
     EXPECT_EQ(run.out, "");
-    const zel::FaceSet faces = zel::readFaces(folder / "f.json");
-    ASSERT_EQ(faces.faces.size(), 1u);
-    EXPECT_EQ(faces.width, 90);
+    const libzel::Faces faces = zelcli::readFaces(folder / "f.json");
+    int width = 0, height = 0;
+    ASSERT_EQ(zel_faces_count(faces.get()), 1u);
+    ASSERT_EQ(zel_faces_size(faces.get(), &width, &height), ZEL_OK);
+    EXPECT_EQ(width, 90);
     EXPECT_EQ(readBytes(folder / "f.json"), readBytes(folder / "t/deep/faces.json"));
     EXPECT_EQ(readBytes(folder / "t/deep/depth.png")[24], 16);  // bits a sample in IHDR
     // The clean picture is what the same words draw without the layer.
     ASSERT_EQ(runZel(folder, words + "-o clean.png").status, 0);
     EXPECT_EQ(readBytes(folder / "clean.png"), readBytes(folder / "t/deep/clean.png"));
     EXPECT_NE(readBytes(folder / "p.png"), readBytes(folder / "clean.png"));
-    const zel::Mask moles = zel::readMask(folder / "t/deep/moles.png");
+    const zelcli::Mask moles = zelcli::readMask(folder / "t/deep/moles.png");
     EXPECT_TRUE(std::any_of(moles.samples.begin(), moles.samples.end(), [](auto m) { return m > 0; }));
     EXPECT_EQ(runZel(folder, words + "-o none/p.png").status, 1);
 }
 
 TEST(Assets, TheEnvironmentTellsTheFolderWhereNoOptionDoes) {
     const TemporaryFolder folder;
-    zel::writePicture(folder / "a.png", testImage(24, 18, 3));
+    zelcli::writePicture(folder / "a.png", testImage(24, 18, 3));
     const std::string words = "apply scenario a.png -o o.png --set type=scenery";
     {
         const Environment told("ZEL_ASSETS", (folder / "none").c_str());
@@ -263,7 +267,7 @@ TEST(Assets, TheEnvironmentTellsTheFolderWhereNoOptionDoes) {
 
 TEST(Scenario, AtFullStrengthThePortraitRecipeIsCautionedAgainst) {
     const TemporaryFolder folder;
-    zel::writePicture(folder / "a.png", testImage(24, 18, 3));
+    zelcli::writePicture(folder / "a.png", testImage(24, 18, 3));
     const auto says = [&](const std::string& set) {
         const ProgramRun run = runZel(folder, "apply scenario a.png -o o.png --set look=warm " + set);
         EXPECT_EQ(run.status, 0) << run.err;

@@ -5,9 +5,9 @@
 
 #include <algorithm>
 
-#include "hostSupport.h"
 #include "cli/files/readPicture.h"
 #include "cli/files/writePicture.h"
+#include "hostSupport.h"
 
 namespace {
 
@@ -19,15 +19,15 @@ class DefocusCommand : public testing::Test {
 protected:
     static constexpr int kWidth = 160, kHeight = 120;
     DefocusCommand() {
-        zel::writePicture(folder / "a.png", picture);
-        zel::Image map{64, 48, Bytes(4 * 64 * 48, 255), {}, {}};
+        zelcli::writePicture(folder / "a.png", picture);
+        zelcli::Image map{64, 48, Bytes(4 * 64 * 48, 255), {}, {}};
         for (std::size_t i = 0; i < map.rgba.size(); ++i)
             if (i % 4 != 3) map.rgba[i] = i / 4 % 64 < 32 ? 15 : 230;
-        zel::writePicture(folder / "near-right.png", map);
+        zelcli::writePicture(folder / "near-right.png", map);
     }
     /// Mean change of the columns from `left` on.
     double change(const std::string& file, int left, int across) const {
-        const Bytes after = zel::readPicture(folder / file, false).image.rgba;
+        const Bytes after = zelcli::readPicture(folder / file, false).image.rgba;
         double sum = 0;
         for (int y = 0; y < kHeight; ++y)
             for (int i = 4 * (y * kWidth + left); i < 4 * (y * kWidth + left + across); ++i)
@@ -36,7 +36,7 @@ protected:
         return sum / (4.0 * kHeight * across);
     }
     const TemporaryFolder folder;
-    const zel::Image picture = testImage(kWidth, kHeight, 6);
+    const zelcli::Image picture = testImage(kWidth, kHeight, 6);
 };
 
 TEST_F(DefocusCommand, AGivenDepthMapDecidesWhatIsBlurred) {
@@ -44,7 +44,7 @@ TEST_F(DefocusCommand, AGivenDepthMapDecidesWhatIsBlurred) {
     ASSERT_EQ(runZel(folder, words + " --set focus=0.9,0.5").status, 0);
     EXPECT_LT(change("o.png", 100, 60), 0.5);
     EXPECT_GT(change("o.png", 0, 60), 8);
-    const zel::Image depth = zel::readPicture(folder / "d.png", false).image;
+    const zelcli::Image depth = zelcli::readPicture(folder / "d.png", false).image;
     EXPECT_EQ(depth.width, kWidth);
     EXPECT_EQ(depth.rgba[4 * 80 * kWidth], 15);
     EXPECT_EQ(depth.rgba[4 * 80 * kWidth + 4 * 150], 230);
@@ -58,7 +58,7 @@ TEST_F(DefocusCommand, LivelinessStrengthensTheGroundAndLeavesTheSubject) {
         "apply defocus a.png -o o.png --depth near-right.png --quiet --set focus=0.9,0.5 --set liveliness=";
     const auto result = [&](const char* amount) {
         EXPECT_EQ(runZel(folder, words + amount).status, 0);
-        return zel::readPicture(folder / "o.png", false).image.rgba;
+        return zelcli::readPicture(folder / "o.png", false).image.rgba;
     };
     const Bytes plain = result("0"), lively = result("1");
     // Mean distance of the strongest channel to the weakest, and the mean of the strongest.
@@ -84,13 +84,13 @@ TEST_F(DefocusCommand, EstimatesDepthWhereNoneIsGiven) {
     const ProgramRun run = runZel(folder, "apply defocus a.png -o o.png --depth-out d.png");
     ASSERT_EQ(run.status, 0) << run.err;
     const ProgramRun depth = runZel(folder, "depth a.png -o other.png --quiet");
-    EXPECT_EQ(zel::readPicture(folder / "d.png", false).image.rgba,
-              zel::readPicture(folder / "other.png", false).image.rgba);
+    EXPECT_EQ(zelcli::readPicture(folder / "d.png", false).image.rgba,
+              zelcli::readPicture(folder / "other.png", false).image.rgba);
 }
 
 TEST_F(DefocusCommand, EveryShapeIsThereAndDrawsAnotherPicture) {
     // Blurs of a few pixels have a kernel of their own: the shape needs a larger picture to show.
-    zel::writePicture(folder / "large.png", testImage(512, 384, 6));
+    zelcli::writePicture(folder / "large.png", testImage(512, 384, 6));
     std::vector<Bytes> seen;
     for (const char* shape : {"classic", "hexagon", "heart", "star", "ring", "oval", "spin"}) {
         ASSERT_EQ(
@@ -100,7 +100,7 @@ TEST_F(DefocusCommand, EveryShapeIsThereAndDrawsAnotherPicture) {
                 .status,
             0)
             << shape;
-        const Bytes rgba = zel::readPicture(folder / "o.png", false).image.rgba;
+        const Bytes rgba = zelcli::readPicture(folder / "o.png", false).image.rgba;
         EXPECT_EQ(std::count(seen.begin(), seen.end(), rgba), 0) << shape;
         seen.push_back(rgba);
     }
@@ -111,8 +111,8 @@ TEST_F(DefocusCommand, WrongWordsAreRefusedInOneLineAndLeaveNoPicture) {
         const char* words;
         int status;
         const char* says;
-    } cases[] = {{"--set focus=0.5", 1, "focus must be"},     {"--set focus=0.5,1.5", 1, "focus must be"},
-                 {"--set focus=nan,0.5", 1, "focus must be"}, {"--set focus=0.5,0.5,0.5", 1, "focus must be"},
+    } cases[] = {{"--set focus=0.5", 2, "focus must be"},     {"--set focus=0.5,1.5", 2, "focus must be"},
+                 {"--set focus=nan,0.5", 2, "focus must be"}, {"--set focus=0.5,0.5,0.5", 2, "focus must be"},
                  {"--set shape=square", 2, "shape"},          {"--set blurLevel=101", 2, "0..100"},
                  {"--depth missing.png", 1, "missing.png"}};
     for (const auto& c : cases) {
@@ -140,9 +140,9 @@ TEST_F(DefocusCommand, WithoutOpenGlOneClearLineSaysSo) {
 // As long as the command takes them, twice the textures of the software driver. The library reports such a
 // render as done; the command must not.
 TEST_F(DefocusCommand, APictureThatIsTooLongForOpenGlIsAnErrorAndLeavesTheOldOne) {
-    zel::Image strip{32767, 3, Bytes(std::size_t{4} * 32767 * 3, 77), {}, {}};
-    zel::writePicture(folder / "long.png", strip);
-    zel::writePicture(folder / "o.png", picture);
+    zelcli::Image strip{32767, 3, Bytes(std::size_t{4} * 32767 * 3, 77), {}, {}};
+    zelcli::writePicture(folder / "long.png", strip);
+    zelcli::writePicture(folder / "o.png", picture);
     for (const char* resolution : {"full", "preview"}) {
         const ProgramRun run =
             runZel(folder, std::string("apply defocus long.png -o o.png --depth near-right.png --quiet "
@@ -155,9 +155,9 @@ TEST_F(DefocusCommand, APictureThatIsTooLongForOpenGlIsAnErrorAndLeavesTheOldOne
 }
 
 TEST_F(DefocusCommand, MixMaskMixesByTheMask) {
-    zel::Image other = picture;
+    zelcli::Image other = picture;
     for (auto& c : other.rgba) c = static_cast<unsigned char>(255 - c);
-    zel::writePicture(folder / "b.png", other);
+    zelcli::writePicture(folder / "b.png", other);
     ASSERT_EQ(
         runZel(folder, "apply mix-mask a.png -o o.png --second b.png --mask near-right.png --quiet").status,
         0);

@@ -2,9 +2,9 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "hostSupport.h"
 #include "cli/files/readPicture.h"
 #include "cli/files/writePicture.h"
+#include "hostSupport.h"
 #include "support/tinyOnnx.h"
 
 namespace {
@@ -13,8 +13,8 @@ using namespace zeltest;
 using testing::HasSubstr;
 
 /// Left half yellow, right half blue.
-zel::Image halves(int width, int height) {
-    zel::Image image = testImage(width, height, 1);
+zelcli::Image halves(int width, int height) {
+    zelcli::Image image = testImage(width, height, 1);
     for (int y = 0; y < height; ++y)
         for (int x = 0; x < width; ++x) {
             unsigned char* p = image.rgba.data() + 4 * (y * width + x);
@@ -31,11 +31,11 @@ protected:
         model.input = {1, 3, 48, 40};
         model.outputs[0].weights = {0, 0.5f, 0.5f};
         writeBytes(m_folder / "m.onnx", tinyOnnx(model));
-        zel::writePicture(m_folder / "p.png", halves(300, 200));
+        zelcli::writePicture(m_folder / "p.png", halves(300, 200));
     }
     /// Red of a pixel of a written map.
     int at(const std::string& name, int x, int y) const {
-        const zel::Image map = zel::readPicture(m_folder / name, false).image;
+        const zelcli::Image map = zelcli::readPicture(m_folder / name, false).image;
         return map.rgba[static_cast<std::size_t>(4 * (y * map.width + x))];
     }
     TemporaryFolder m_folder;
@@ -46,24 +46,24 @@ TEST_F(DepthCommand, WritesMapAndSheetInThePicturesSize) {
     ASSERT_EQ(run.status, 0) << run.err;
     EXPECT_EQ(run.out, "");
     EXPECT_EQ(run.err.find("[DEBUG"), std::string::npos) << run.err;
-    const zel::Image map = zel::readPicture(m_folder / "d.png", false).image;
+    const zelcli::Image map = zelcli::readPicture(m_folder / "d.png", false).image;
     EXPECT_EQ(map.width, 300);
     EXPECT_EQ(map.height, 200);
     EXPECT_LT(at("d.png", 40, 100), 40);
     EXPECT_GT(at("d.png", 260, 100), 215);
-    EXPECT_GT(zel::readPicture(m_folder / "s.png", false).image.width, 3 * 300);
+    EXPECT_GT(zelcli::readPicture(m_folder / "s.png", false).image.width, 3 * 300);
     ASSERT_EQ(runZel(m_folder, "depth p.png -o r.jpg --set model=m.onnx --raw").status, 0);
     EXPECT_GT(at("r.jpg", 260, 100), 215);
 }
 
 // The person of the mask is as near as its mean, wherever the network put its parts.
 TEST_F(DepthCommand, MaskBringsThePersonForward) {
-    zel::Image mask = halves(30, 20);
+    zelcli::Image mask = halves(30, 20);
     for (std::size_t i = 0; i < mask.rgba.size(); i += 4) {
         const bool lower = i / 4 / 30 >= 10;
         for (std::size_t c = 0; c < 3; ++c) mask.rgba[i + c] = lower ? 255 : 0;
     }
-    zel::writePicture(m_folder / "mask.png", mask);
+    zelcli::writePicture(m_folder / "mask.png", mask);
     ASSERT_EQ(runZel(m_folder, "depth p.png -o d.png --set model=m.onnx --mask mask.png").status, 0);
     EXPECT_GT(at("d.png", 40, 170), at("d.png", 40, 30) + 20);
 }

@@ -2,38 +2,36 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "libzel/faces/facesJson.h"
-#include "hostSupport.h"
+#include "cli/files/facesFile.h"
 #include "cli/files/readPicture.h"
 #include "cli/files/writePicture.h"
-#include "portrait/portrait.h"
+#include "hostSupport.h"
 
 namespace {
 
 using namespace zeltest;
 using testing::HasSubstr;
 
-zel::Image portraitPicture() {
-    zel::PortraitParams params;
-    params.width = 260;
-    params.height = 320;
-    params.seed = 3;
-    return zel::drawPortrait(params).image;
+/// Draws p.png, 260 by 320.
+void drawPicture(const TemporaryFolder& folder) {
+    ASSERT_EQ(runZel(folder, "portrait -o p.png --size 260x320 --seed 3 --quiet").status, 0);
 }
 
 TEST(FacesCommand, WritesFaceDataThatApplyTakesAndApplyFindsTheSameByItself) {
     const TemporaryFolder folder;
-    zel::writePicture(folder / "p.png", portraitPicture());
+    drawPicture(folder);
     const ProgramRun run = runZel(folder, "faces p.png -o p.json --overlay o.png");
     ASSERT_EQ(run.status, 0) << run.err;
     EXPECT_EQ(run.out, "");
     EXPECT_THAT(run.err, HasSubstr("1 face found (confidence "));
-    const zel::FaceSet set = zel::readFaces(folder / "p.json");
-    ASSERT_EQ(set.faces.size(), 1u);
-    EXPECT_EQ(set.width, 260);
-    EXPECT_GT(set.faces[0].confidence.value_or(-1), 0.4f);
+    const libzel::Faces set = zelcli::readFaces(folder / "p.json");
+    ASSERT_EQ(zel_faces_count(set.get()), 1u);
+    int width = 0, height = 0;
+    EXPECT_EQ(zel_faces_size(set.get(), &width, &height), ZEL_OK);
+    EXPECT_EQ(width, 260);
+    EXPECT_GT(libzel::faceAt(set.get(), 0).confidence, 0.4f);
     // The overlay is enlarged and shows more than the picture.
-    const zel::Image overlay = zel::readPicture(folder / "o.png", false).image;
+    const zelcli::Image overlay = zelcli::readPicture(folder / "o.png", false).image;
     EXPECT_EQ(overlay.width % 260, 0);
     EXPECT_GT(overlay.width, 1000);
 
@@ -42,16 +40,17 @@ TEST(FacesCommand, WritesFaceDataThatApplyTakesAndApplyFindsTheSameByItself) {
     ASSERT_EQ(found.status, 0) << found.err;
     EXPECT_THAT(found.err, HasSubstr("p.png: 1 face found"));
     EXPECT_EQ(readBytes(folder / "found.png"), readBytes(folder / "given.png"));
-    EXPECT_NE(zel::readPicture(folder / "found.png", false).image.rgba, portraitPicture().rgba);
+    EXPECT_NE(zelcli::readPicture(folder / "found.png", false).image.rgba,
+              zelcli::readPicture(folder / "p.png", false).image.rgba);
 }
 
 TEST(FacesCommand, NoFaceIsAnEmptyListWithANoteAndStopsWhatNeedsFaces) {
     const TemporaryFolder folder;
-    zel::writePicture(folder / "plain.png", testImage(64, 48, 2));
+    zelcli::writePicture(folder / "plain.png", testImage(64, 48, 2));
     const ProgramRun run = runZel(folder, "faces plain.png -o f.json");
     EXPECT_EQ(run.status, 0);
     EXPECT_THAT(run.err, HasSubstr("plain.png: no face was found"));
-    EXPECT_TRUE(zel::readFaces(folder / "f.json").faces.empty());
+    EXPECT_EQ(zel_faces_count(zelcli::readFaces(folder / "f.json").get()), 0u);
 
     const ProgramRun apply = runZel(folder, "apply auto-zoom-eye plain.png -o o.png");
     EXPECT_EQ(apply.status, 1);
@@ -61,23 +60,24 @@ TEST(FacesCommand, NoFaceIsAnEmptyListWithANoteAndStopsWhatNeedsFaces) {
 
 TEST(FacesCommand, SeveralInputsGoToAFolderAndOneThatFailsStopsNoOther) {
     const TemporaryFolder folder;
-    zel::writePicture(folder / "a.png", portraitPicture());
-    zel::writePicture(folder / "b.png", testImage(64, 48, 2));
+    drawPicture(folder);
+    std::filesystem::rename(folder / "p.png", folder / "a.png");
+    zelcli::writePicture(folder / "b.png", testImage(64, 48, 2));
     writeBytes(folder / "broken.png", {1, 2, 3});
     const ProgramRun run = runZel(folder, "faces a.png broken.png b.png -o out --overlay out --jobs 2");
     EXPECT_EQ(run.status, 1);
     EXPECT_THAT(run.err, HasSubstr("zel: broken.png: "));
-    EXPECT_EQ(zel::readFaces(folder / "out/a.json").faces.size(), 1u);
-    EXPECT_TRUE(zel::readFaces(folder / "out/b.json").faces.empty());
+    EXPECT_EQ(zel_faces_count(zelcli::readFaces(folder / "out/a.json").get()), 1u);
+    EXPECT_EQ(zel_faces_count(zelcli::readFaces(folder / "out/b.json").get()), 0u);
     EXPECT_TRUE(std::filesystem::exists(folder / "out/a-faces.png"));
     EXPECT_FALSE(std::filesystem::exists(folder / "out/broken.json"));
 }
 
 TEST(FacesCommand, WrongUsageIsStatusTwo) {
     const TemporaryFolder folder;
-    zel::writePicture(folder / "a.png", testImage(8, 8, 1));
+    zelcli::writePicture(folder / "a.png", testImage(8, 8, 1));
     std::filesystem::create_directory(folder / "sub");
-    zel::writePicture(folder / "sub/a.png", testImage(8, 8, 1));
+    zelcli::writePicture(folder / "sub/a.png", testImage(8, 8, 1));
     const struct {
         const char *words, *says;
     } cases[] = {
@@ -97,7 +97,7 @@ TEST(FacesCommand, WrongUsageIsStatusTwo) {
 
 TEST(FacesCommand, MissingDetectorIsOneLineThatNamesThePackage) {
     const TemporaryFolder folder;
-    zel::writePicture(folder / "a.png", testImage(64, 64, 1));
+    zelcli::writePicture(folder / "a.png", testImage(64, 64, 1));
     ASSERT_EQ(setenv("ZEL_CASCADES", folder.path().c_str(), 1), 0);
     const ProgramRun faces = runZel(folder, "faces a.png -o f.json");
     const ProgramRun apply = runZel(folder, "apply auto-slim-face a.png -o o.png --quiet");

@@ -5,7 +5,7 @@
 #include <filesystem>
 #include <string>
 
-#include "portrait/image.h"
+#include "cli/files/image.h"
 #include "support/scratchFolder.h"
 
 namespace zeltest {
@@ -18,8 +18,8 @@ inline std::string readText(const std::string& path) {
 }
 
 /// A picture with shapes and edges; opaque unless asked.
-inline zel::Image testImage(int width, int height, unsigned seed, bool opaque = true) {
-    zel::Image image{width, height, patternRgba(width, height, seed), {}, {}};
+inline zelcli::Image testImage(int width, int height, unsigned seed, bool opaque = true) {
+    zelcli::Image image{width, height, patternRgba(width, height, seed), {}, {}};
     for (std::size_t i = 3; opaque && i < image.rgba.size(); i += 4) image.rgba[i] = 255;
     return image;
 }

@@ -12,13 +12,13 @@
 
 #include <jpeglib.h>
 
-#include "hostSupport.h"
 #include "cli/files/exifBlock.h"
 #include "cli/files/jpegFile.h"
 #include "cli/files/orientation.h"
 #include "cli/files/pngFile.h"
 #include "cli/files/readPicture.h"
 #include "cli/files/writePicture.h"
+#include "hostSupport.h"
 #include "platform/outputSignals.h"
 
 namespace {
@@ -37,8 +37,8 @@ using testing::HasSubstr;
 
 std::string failureOf(const std::string& path, bool scrambled = false) {
     try {
-        zel::readPicture(path, scrambled);
-    } catch (const zel::Failure& failure) {
+        zelcli::readPicture(path, scrambled);
+    } catch (const zelcli::Failure& failure) {
         return failure.what();
     }
     return "accepted";
@@ -81,10 +81,10 @@ TEST(Orientation, TurnsAllEightUpright) {
                  {4, 2, {5, 6, 3, 4, 1, 2}}, {5, 3, {1, 3, 5, 2, 4, 6}}, {6, 3, {5, 3, 1, 6, 4, 2}},
                  {7, 3, {6, 4, 2, 5, 3, 1}}, {8, 3, {2, 4, 6, 1, 3, 5}}, {9, 2, {1, 2, 3, 4, 5, 6}}};
     for (const auto& c : cases) {
-        zel::Image image{2, 3, {}, {}, {}};
+        zelcli::Image image{2, 3, {}, {}, {}};
         for (const int red : stored)
             image.rgba.insert(image.rgba.end(), {static_cast<unsigned char>(red), 0, 0, 255});
-        zel::turnUpright(image, c.orientation);
+        zelcli::turnUpright(image, c.orientation);
         EXPECT_EQ(image.width, c.width) << c.orientation;
         EXPECT_EQ(image.height, 6 / c.width) << c.orientation;
         std::vector<int> reds;
@@ -95,8 +95,8 @@ TEST(Orientation, TurnsAllEightUpright) {
 
 TEST(ExifBlock, IsMadeTrueForTheUprightPictureAndKeptOtherwise) {
     Bytes block = exifBlock(6);
-    EXPECT_EQ(zel::exifOrientation(block), 6);
-    zel::adaptExif(block, 300, 200);
+    EXPECT_EQ(zelcli::exifOrientation(block), 6);
+    zelcli::adaptExif(block, 300, 200);
     Bytes wanted = exifBlock(1);
     for (const std::size_t at : {34u, 35u, 36u, 37u}) wanted[at] = 0;  // the thumbnail is unlinked,
     wanted[80 + 11] = 6;                                               // not rewritten
@@ -110,15 +110,15 @@ TEST(ExifBlock, SurvivesEveryCutAndDamage) {
     for (std::size_t size = 0; size < whole.size(); ++size) {
         Bytes cut(whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(size));
         cut.shrink_to_fit();  // so that a read behind its end shows under the sanitizer
-        zel::adaptExif(cut, 1, 1);
-        EXPECT_GE(zel::exifOrientation(cut), 1);
+        zelcli::adaptExif(cut, 1, 1);
+        EXPECT_GE(zelcli::exifOrientation(cut), 1);
     }
     for (std::size_t at = 0; at < whole.size(); ++at)
         for (const unsigned char value : {0, 127, 255}) {
             Bytes damaged = whole;
             damaged[at] = value;
-            zel::adaptExif(damaged, 1, 1);
-            EXPECT_LE(zel::exifOrientation(damaged), 8);
+            zelcli::adaptExif(damaged, 1, 1);
+            EXPECT_LE(zelcli::exifOrientation(damaged), 8);
         }
 }
 
@@ -128,30 +128,30 @@ INSTANTIATE_TEST_SUITE_P(Formats, CarriedThrough, testing::Values("p.png", "p.JP
 TEST_P(CarriedThrough, ExifProfileAndOrientation) {
     const TemporaryFolder folder;
     const std::string path = folder / GetParam();
-    zel::Image image = testImage(40, 30, 1);
+    zelcli::Image image = testImage(40, 30, 1);
     image.exif = exifBlock(8);
     image.iccProfile = colourProfile("RGB ", 150000);  // more than one JPEG marker holds
-    zel::writePicture(path, image);
-    const zel::LoadedPicture read = zel::readPicture(path, false);
+    zelcli::writePicture(path, image);
+    const zelcli::LoadedPicture read = zelcli::readPicture(path, false);
     EXPECT_TRUE(read.notes.empty());
     EXPECT_EQ(read.image.width, 30);
     EXPECT_EQ(read.image.height, 40);
     EXPECT_EQ(read.image.iccProfile, image.iccProfile);
-    EXPECT_EQ(zel::exifOrientation(read.image.exif), 1);
+    EXPECT_EQ(zelcli::exifOrientation(read.image.exif), 1);
     EXPECT_EQ(read.image.exif.size(), image.exif.size());
 }
 
 TEST(PngFile, KeepsEveryPixelAndDropsOnlyAnOpaqueAlpha) {
     const TemporaryFolder folder;
     for (const bool opaque : {true, false}) {
-        const zel::Image image = testImage(37, 21, 2, opaque);
-        zel::writePicture(folder / "p.png", image);
+        const zelcli::Image image = testImage(37, 21, 2, opaque);
+        zelcli::writePicture(folder / "p.png", image);
         EXPECT_EQ(readBytes(folder / "p.png")[25], opaque ? 2 : 6);  // colour type in IHDR
-        EXPECT_EQ(zel::readPicture(folder / "p.png", false).image.rgba, image.rgba);
+        EXPECT_EQ(zelcli::readPicture(folder / "p.png", false).image.rgba, image.rgba);
     }
     const std::vector<std::uint16_t> depth = {0, 65535, 0x1234, 0x8001};
-    writeBytes(folder / "d.png", zel::encodeGray16Png(2, 2, depth));
-    const auto read = zel::readPicture(folder / "d.png", false);
+    writeBytes(folder / "d.png", zelcli::encodeGray16Png(2, 2, depth));
+    const auto read = zelcli::readPicture(folder / "d.png", false);
     EXPECT_EQ(read.image.rgba[8], 0x12);
     ASSERT_EQ(read.notes.size(), 1u);
     EXPECT_THAT(read.notes[0], HasSubstr("16 bits"));
@@ -159,7 +159,7 @@ TEST(PngFile, KeepsEveryPixelAndDropsOnlyAnOpaqueAlpha) {
 
 TEST(JpegFile, IsCloseToThePictureAndWhiteWhereItWasClear) {
     const TemporaryFolder folder;
-    zel::Image image = testImage(64, 48, 3);
+    zelcli::Image image = testImage(64, 48, 3);
     for (std::size_t i = 0; i < image.rgba.size(); i += 4) {
         // Hard red and blue columns show chroma subsampling at once.
         image.rgba[i] = i / 4 % 2 ? 255 : 0;
@@ -167,8 +167,8 @@ TEST(JpegFile, IsCloseToThePictureAndWhiteWhereItWasClear) {
         image.rgba[i + 2] = i / 4 % 2 ? 0 : 255;
     }
     for (std::size_t i = 64 * 4 * 24; i < image.rgba.size(); i += 4) image.rgba[i + 3] = 0;
-    zel::writePicture(folder / "p.jpg", image);
-    const zel::Image read = zel::readPicture(folder / "p.jpg", false).image;
+    zelcli::writePicture(folder / "p.jpg", image);
+    const zelcli::Image read = zelcli::readPicture(folder / "p.jpg", false).image;
     for (std::size_t i = 0; i < read.rgba.size(); i += 4)
         for (std::size_t c = 0; c < 3; ++c)
             ASSERT_NEAR(read.rgba[i + c], i < 64 * 4 * 24 ? image.rgba[i + c] : 255, 16) << i;
@@ -177,7 +177,7 @@ TEST(JpegFile, IsCloseToThePictureAndWhiteWhereItWasClear) {
 TEST(ReadPicture, ConvertsInksAndLeavesTheirProfile) {
     const TemporaryFolder folder;
     writeBytes(folder / "inks.jpg", cmykJpeg(20, 10));
-    const auto read = zel::readPicture(folder / "inks.jpg", false);
+    const auto read = zelcli::readPicture(folder / "inks.jpg", false);
     EXPECT_EQ(read.image.width, 20);
     EXPECT_TRUE(read.image.iccProfile.empty());
     EXPECT_EQ(read.notes.size(), 2u);
@@ -185,9 +185,9 @@ TEST(ReadPicture, ConvertsInksAndLeavesTheirProfile) {
 
 TEST(ReadPicture, RefusesWhatIsNotAWholePicture) {
     const TemporaryFolder folder;
-    const zel::Image image = testImage(60, 50, 4);
+    const zelcli::Image image = testImage(60, 50, 4);
     for (const char* name : {"p.png", "p.jpg"}) {
-        zel::writePicture(folder / name, image);
+        zelcli::writePicture(folder / name, image);
         const Bytes whole = readBytes(folder / name);
         for (const std::size_t keep : {whole.size() - 2, whole.size() / 2, std::size_t{40}, std::size_t{9}}) {
             writeBytes(folder / "cut",
@@ -199,7 +199,7 @@ TEST(ReadPicture, RefusesWhatIsNotAWholePicture) {
             }
         }
     }
-    Bytes damaged = zel::encodePng(image);
+    Bytes damaged = zelcli::encodePng(image);
     damaged[damaged.size() / 2] ^= 1;
     writeBytes(folder / "damaged.png", damaged);
     EXPECT_THAT(failureOf(folder / "damaged.png"), HasSubstr("damaged"));
@@ -218,7 +218,7 @@ TEST(ReadPicture, RefusesWhatIsNotAWholePicture) {
 TEST(ReadPicture, RefusesAbsurdSizesBeforeItDecodes) {
     const TemporaryFolder folder;
     // A whole JPEG whose frame head claims 65,500 by 65,500 pixels.
-    Bytes jpeg = zel::encodeJpeg(testImage(16, 16, 5));
+    Bytes jpeg = zelcli::encodeJpeg(testImage(16, 16, 5));
     for (std::size_t i = 0; i + 9 < jpeg.size(); ++i)
         if (jpeg[i] == 0xFF && jpeg[i + 1] == 0xC0) {
             for (const std::size_t at : {5u, 7u}) jpeg[i + at] = 0xFF, jpeg[i + at + 1] = 0xDC;
@@ -230,9 +230,9 @@ TEST(ReadPicture, RefusesAbsurdSizesBeforeItDecodes) {
 
 TEST(ReadMask, TakesGreyWeighedByAlpha) {
     const TemporaryFolder folder;
-    const zel::Image image{3, 1, {255, 255, 255, 255, 255, 255, 255, 0, 100, 100, 100, 255}, {}, {}};
-    zel::writePicture(folder / "m.png", image);
-    EXPECT_EQ(zel::readMask(folder / "m.png").samples, (Bytes{255, 0, 100}));
+    const zelcli::Image image{3, 1, {255, 255, 255, 255, 255, 255, 255, 0, 100, 100, 100, 255}, {}, {}};
+    zelcli::writePicture(folder / "m.png", image);
+    EXPECT_EQ(zelcli::readMask(folder / "m.png").samples, (Bytes{255, 0, 100}));
 }
 
 std::ptrdiff_t filesIn(const TemporaryFolder& folder) {
@@ -253,15 +253,15 @@ TEST(SafeOutput, ReplacesAsAWholeAndKeepsLinksAndPermissions) {
     std::filesystem::create_symlink("real", folder / "link");
     for (const mode_t mode : {0640, 06755}) {
         chmod((folder / "real").c_str(), mode);
-        zel::writeFileSafely(folder / "link", kAfter);
+        zelcli::writeFileSafely(folder / "link", kAfter);
         EXPECT_EQ(readBytes(folder / "real"), kAfter);
         EXPECT_TRUE(std::filesystem::is_symlink(folder / "link"));
         EXPECT_EQ(modeOf(folder / "real"), mode & 0777) << "no set-user-id";
     }
-    EXPECT_THROW(zel::writeFileSafely("/dev/null", kAfter), zel::Failure);
-    EXPECT_THROW(zel::writeFileSafely(folder.path(), kAfter), zel::Failure);
-    EXPECT_THROW(zel::writeFileSafely(folder / "none/x", kAfter), zel::Failure);
-    EXPECT_THROW(zel::writePicture(folder / "x.bmp", testImage(2, 2, 1)), zel::Failure);
+    EXPECT_THROW(zelcli::writeFileSafely("/dev/null", kAfter), zelcli::Failure);
+    EXPECT_THROW(zelcli::writeFileSafely(folder.path(), kAfter), zelcli::Failure);
+    EXPECT_THROW(zelcli::writeFileSafely(folder / "none/x", kAfter), zelcli::Failure);
+    EXPECT_THROW(zelcli::writePicture(folder / "x.bmp", testImage(2, 2, 1)), zelcli::Failure);
     EXPECT_EQ(filesIn(folder), 2) << "a temporary file stayed behind";
 }
 
@@ -294,9 +294,9 @@ TEST(SafeOutput, IsOnTheDiskBeforeItTakesItsName) {
             return error == 0 ? 0 : -1;
         };
         if (error == EIO) {
-            EXPECT_THROW(zel::writeFileSafely(folder / "file", kAfter), zel::Failure);
+            EXPECT_THROW(zelcli::writeFileSafely(folder / "file", kAfter), zelcli::Failure);
         } else {
-            zel::writeFileSafely(folder / "file", kAfter);
+            zelcli::writeFileSafely(folder / "file", kAfter);
         }
         g_fsync = nullptr;
         EXPECT_EQ(calls, 1);
@@ -310,7 +310,7 @@ TEST(SafeOutput, IsOnTheDiskBeforeItTakesItsName) {
 void writeUnderSignal(const std::string& path, int signal) {
     zellab::platform::removeUnfinishedFilesOnSignals();
     g_fsync = [signal](int) { return raise(signal); };
-    zel::writeFileSafely(path, kAfter);
+    zelcli::writeFileSafely(path, kAfter);
 }
 
 TEST(SafeOutput, ASignalLeavesTheOldFileAlone) {

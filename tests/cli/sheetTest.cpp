@@ -4,20 +4,20 @@
 
 #include <algorithm>
 
-#include "hostSupport.h"
 #include "cli/drawing/glyphs.h"
+#include "hostSupport.h"
 
 namespace {
 
 using namespace zeltest;
 
-zel::Image flat(int width, int height, unsigned char grey, unsigned char alpha = 255) {
-    zel::Image image{width, height, Bytes(static_cast<std::size_t>(4 * width * height), grey), {}, {}};
+zelcli::Image flat(int width, int height, unsigned char grey, unsigned char alpha = 255) {
+    zelcli::Image image{width, height, Bytes(static_cast<std::size_t>(4 * width * height), grey), {}, {}};
     for (std::size_t i = 3; i < image.rgba.size(); i += 4) image.rgba[i] = alpha;
     return image;
 }
 
-int countGrey(const zel::Image& image, unsigned char grey, int fromX, int toX) {
+int countGrey(const zelcli::Image& image, unsigned char grey, int fromX, int toX) {
     int count = 0;
     for (int y = 0; y < image.height; ++y)
         for (int x = fromX; x < toX; ++x) {
@@ -28,7 +28,7 @@ int countGrey(const zel::Image& image, unsigned char grey, int fromX, int toX) {
 }
 
 TEST(Sheet, ShowsBothPicturesWholeOnTheirSides) {
-    const zel::Image sheet = zel::makeSheet(flat(200, 90, 77), flat(200, 90, 155), "bright");
+    const zelcli::Image sheet = zelcli::makeSheet(flat(200, 90, 77), flat(200, 90, 155), "bright");
     const int middle = sheet.width / 2;
     EXPECT_EQ(countGrey(sheet, 77, 0, middle), 200 * 90);
     EXPECT_EQ(countGrey(sheet, 155, middle, sheet.width), 200 * 90);
@@ -38,7 +38,7 @@ TEST(Sheet, ShowsBothPicturesWholeOnTheirSides) {
 
 TEST(Sheet, TakesAwkwardPictures) {
     for (const auto& [width, height] : {std::pair{1, 1}, {1, 5000}, {5000, 1}, {3001, 2}}) {
-        const zel::Image sheet = zel::makeSheet(flat(width, height, 60), flat(width, height, 61), "x");
+        const zelcli::Image sheet = zelcli::makeSheet(flat(width, height, 60), flat(width, height, 61), "x");
         EXPECT_LE(sheet.width, 2100);
         EXPECT_LE(sheet.height, 1500);
         EXPECT_GT(countGrey(sheet, 61, sheet.width / 2, sheet.width), 0) << width << " by " << height;
@@ -46,23 +46,23 @@ TEST(Sheet, TakesAwkwardPictures) {
 }
 
 TEST(Sheet, ReducesByTheMeanOfAreas) {
-    zel::Image checks = flat(400, 300, 0);
+    zelcli::Image checks = flat(400, 300, 0);
     for (int y = 0; y < 300; ++y)
         for (int x = 0; x < 400; ++x)
             if ((x + y) % 2)
                 std::fill_n(checks.rgba.begin() + 4 * (y * 400 + x), 3, static_cast<unsigned char>(200));
-    const zel::Image reduced = zel::reduceToFit(checks, 100, 100);
+    const zelcli::Image reduced = zelcli::reduceToFit(checks, 100, 100);
     EXPECT_EQ(reduced.width, 100);
     EXPECT_EQ(reduced.height, 75);
     EXPECT_EQ(countGrey(reduced, 100, 0, 100), 100 * 75);
     // What is wholly clear has no say in the colour.
-    zel::Image half = flat(2, 1, 200);
+    zelcli::Image half = flat(2, 1, 200);
     half.rgba[0] = 90;
     half.rgba[3] = 0;
-    const zel::Image one = zel::reduceToFit(half, 1, 1);
+    const zelcli::Image one = zelcli::reduceToFit(half, 1, 1);
     EXPECT_EQ(one.rgba[0], 200);
     EXPECT_EQ(one.rgba[3], 128);
-    EXPECT_EQ(zel::reduceToFit(checks, 4000, 4000).rgba, checks.rgba);
+    EXPECT_EQ(zelcli::reduceToFit(checks, 4000, 4000).rgba, checks.rgba);
 }
 
 }  // namespace

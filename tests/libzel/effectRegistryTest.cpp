@@ -5,48 +5,53 @@
 
 #include <set>
 
+#include "effectSupport.h"
 #include "libzel/effectChecks.h"
 
 namespace {
 
 using testing::HasSubstr;
-using zel::ParameterKind;
 
 zel::Effect sampleEffect() {
     zel::Effect effect;
     effect.name = "sample";
-    effect.parameters = {{"amount", ParameterKind::number, -1, 1, "0.5", "", {}},
-                         {"free", ParameterKind::number, 0, 0, "0", "", {}},
-                         {"radius", ParameterKind::integer, 1, 20, "", "", {}},
-                         {"soft", ParameterKind::toggle, 0, 0, "false", "", {}},
-                         {"mode", ParameterKind::choice, 0, 0, "fast", "", {"fast", "fine"}}};
+    effect.parameters = {{"amount", ZEL_NUMBER, -1, 1, "0.5", "", {}},
+                         {"free", ZEL_NUMBER, 0, 0, "0", "", {}},
+                         {"radius", ZEL_WHOLE_NUMBER, 1, 20, "", "", {}},
+                         {"soft", ZEL_SWITCH, 0, 0, "false", "", {}},
+                         {"mode", ZEL_CHOICE, 0, 0, "fast", "", {"fast", "fine"}},
+                         {"place", ZEL_POINT, 0, 0, "auto", "", {"auto"}},
+                         {"tint", ZEL_COLOUR, 0, 0, "#ff8800", "", {}}};
     return effect;
 }
 
 std::string usageErrorOf(const std::vector<std::string>& words) {
     try {
-        zel::parseValues(sampleEffect(), words);
-    } catch (const zel::UsageError& error) {
+        zeltest::valuesOf(sampleEffect(), words);
+    } catch (const zel::Failure& error) {
         return error.what();
     }
     return "accepted";
 }
 
 TEST(ParameterValues, FillDefaultsAndKeepTheLastWord) {
-    const auto values =
-        zel::parseValues(sampleEffect(), {"radius=3", "soft=on", "radius=7", "free=1e6", "amount=-1"});
+    const auto values = zeltest::valuesOf(
+        sampleEffect(), {"radius=3", "soft=on", "radius=7", "free=1e6", "amount=-1", "place=0.25,1"});
     EXPECT_EQ(values.integer("radius"), 7);
     EXPECT_FLOAT_EQ(values.number("amount"), -1.0f);
     EXPECT_FLOAT_EQ(values.number("free"), 1e6f);
     EXPECT_TRUE(values.toggle("soft"));
     EXPECT_EQ(values.text("mode"), "fast");
+    EXPECT_EQ(values.point("place"), (std::pair{0.25f, 1.0f}));
+    EXPECT_EQ(zeltest::valuesOf(sampleEffect(), {"radius=3"}).point("place"), std::nullopt);
 }
 
 TEST(ParameterValues, RefuseWhatAnEffectCouldNotMean) {
     for (const char* word :
-         {"amount=nan", "amount=inf", "amount=1.01", "amount=", "amount=0.5x", "amount= 0.5", "amount=1e-60",
-          "free=1e39", "free=nan", "free=-inf", "radius=0", "radius=21", "radius=2.5", "radius=99999999999",
-          "soft=maybe", "mode=Fast", "amount", "=3"})
+         {"amount=nan",    "amount=inf",         "amount=1.01",   "amount=",   "amount=0.5x", "amount= 0.5",
+          "amount=1e-60",  "free=1e39",          "free=nan",      "free=-inf", "radius=0",    "radius=21",
+          "radius=2.5",    "radius=99999999999", "soft=maybe",    "mode=Fast", "=3",          "place=0.5",
+          "place=0.5,1.1", "place=0.5,",         "place=nan,0.5", "tint=red",  "tint=#12345", "tint=#12345g"})
         EXPECT_NE(usageErrorOf({"radius=3", word}), "accepted") << word;
     EXPECT_THAT(usageErrorOf({}), HasSubstr("radius"));
     EXPECT_THAT(usageErrorOf({"radius=21"}), HasSubstr("1..20"));
@@ -65,17 +70,17 @@ TEST(EffectRegistry, EveryEffectIsCompleteAndItsDefaultsAreInRange) {
             if (!parameter.defaultValue.empty())
                 defaults.push_back(parameter.name + "=" + parameter.defaultValue);
         try {
-            zel::parseValues(effect, defaults);
-        } catch (const zel::UsageError& error) {
+            zeltest::valuesOf(effect, defaults);
+        } catch (const zel::Failure& error) {
             // A parameter without a default is the one thing that may be missing.
-            EXPECT_THAT(error.what(), HasSubstr(" needs --set "));
+            EXPECT_THAT(error.what(), HasSubstr(" needs a value for "));
         }
     }
-    EXPECT_THROW(zel::findEffect(""), zel::UsageError);
+    EXPECT_THROW(zel::findEffect(""), zel::Failure);
 }
 
 TEST(EffectChecks, TellBothSizesAndMissingFaces) {
-    zel::Image image{4, 3, std::vector<unsigned char>(48), {}, {}};
+    zel::Image image{4, 3, std::vector<unsigned char>(48)};
     const zel::Mask mask{3, 4, std::vector<unsigned char>(12)};
     const zel::FaceSet faces;
     const zel::ParameterValues values;

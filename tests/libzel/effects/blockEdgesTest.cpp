@@ -4,7 +4,7 @@
 
 #include <cmath>
 
-#include "hostSupport.h"
+#include "effectSupport.h"
 
 namespace {
 

@@ -2,8 +2,7 @@
 
 #include <algorithm>
 
-#include "libzel/effectRegistry.h"
-#include "hostSupport.h"
+#include "effectSupport.h"
 #include "portrait/portrait.h"
 
 namespace {
@@ -27,13 +26,8 @@ struct TwoFaces {
     }
 };
 
-Image applied(const std::string& name, const TwoFaces& scene, const std::vector<std::string>& assignments) {
-    Image image = scene.image;
-    const zel::Effect& effect = zel::findEffect(name);
-    const zel::ParameterValues values = zel::parseValues(effect, assignments);
-    zel::EffectRun run{image, scene.faces, nullptr, nullptr, values, [](const std::string&, double) {}};
-    effect.run(run);
-    return image;
+Image applied(const std::string& name, const TwoFaces& scene, const std::vector<std::string>& words) {
+    return zeltest::applied(name, scene.image, words, scene.faces);
 }
 
 /// How many bytes differ in the top left corner where the small face lies, and elsewhere.

@@ -4,22 +4,15 @@
 #include <cstdlib>
 #include <numeric>
 
-#include "libzel/effectRegistry.h"
-#include "hostSupport.h"
+#include "effectSupport.h"
 
 namespace {
 
 using zel::Image;
 
-/// One effect run as the command does it, with what it may take beside the picture.
-Image applied(const std::string& name, Image image, const std::vector<std::string>& assignments,
+Image applied(const std::string& name, const Image& image, const std::vector<std::string>& words,
               const zel::Mask* mask = nullptr, const Image* second = nullptr) {
-    const zel::Effect& effect = zel::findEffect(name);
-    const zel::ParameterValues values = zel::parseValues(effect, assignments);
-    const zel::FaceSet noFaces;
-    zel::EffectRun run{image, noFaces, mask, second, values, [](const std::string&, double) {}};
-    effect.run(run);
-    return image;
+    return zeltest::applied(name, image, words, {}, mask, second);
 }
 
 /// Sum of the differences of neighbours in a row: how busy a picture is.
