@@ -8,6 +8,7 @@
 #include "libzel/effects/effectLists.h"
 #include "libzel/effects/effectParts.h"
 #include "libzel/effects/liveliness.h"
+#include "libzel/effects/randomTurn.h"
 #include "zel_effects/offscreenContext.h"
 #include "zel_effects/zel_effects.h"
 
@@ -20,6 +21,9 @@ using Render = DefocusCore::ZelDepthDefocusRender;
 /// Folders beside the other assets.
 constexpr const char* kNetworkFolder = "depth";
 constexpr const char* kResourceFolder = "bokeh";
+
+/// Of the grain that the render lays over its blur: the numbers of a process that never asked for others.
+constexpr unsigned kGrainSeed = 1;
 
 /// There are no other values for what the library keeps and never reads.
 constexpr float kReserved = 0.0f;
@@ -171,6 +175,7 @@ void runDefocus(EffectRun& run) {
         render.SetHairMaskData(hair.data(), run.mask->width, run.mask->height);
     }
     const Canvas canvas(run.surroundings.gl);
+    const RandomTurn grain(kGrainSeed);
     run.progress("rendering", 0.5);
     std::vector<float> faces = faceRectangles(run.faces);
     const bool full = usesDepth && run.values.text("resolution") == "full";

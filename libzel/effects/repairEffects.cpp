@@ -1,8 +1,8 @@
 #include <algorithm>
-#include <cstdlib>
 
 #include "libzel/effects/effectLists.h"
 #include "libzel/effects/effectParts.h"
+#include "libzel/effects/randomTurn.h"
 #include "zel_effects/zel_effects.h"
 
 namespace zel {
@@ -19,7 +19,7 @@ std::vector<unsigned char> maskCopy(const EffectRun& run) {
 void runInpaint(EffectRun& run) {
     Image& image = run.image;
     std::vector<unsigned char> mask = maskCopy(run);
-    std::srand(static_cast<unsigned>(run.values.integer("seed")));
+    const RandomTurn tries(static_cast<unsigned>(run.values.integer("seed")));
     TableSkin::ImageProcessWithInpaint(image.rgba.data(), image.width, image.height, mask.data(),
                                        run.values.text("method") == "gradient" ? 1 : 0);
 }
