@@ -3,6 +3,7 @@
 
 #include "effectSupport.h"
 #include "hostScene.h"
+#include "support/environment.h"
 
 namespace {
 
@@ -14,9 +15,8 @@ zel::Mask maskOver(const zel_pixels& pixels) {
 }
 
 TEST(SameBytes, OfEveryEffectThroughBothDoors) {
-    auto settings = libzel::sized<zel_settings>();
-    settings.assets = ZEL_ASSETS;
-    const libzel::Context context = libzel::createContext(&settings);
+    const Environment assets("ZEL_ASSETS", ZEL_ASSETS);  // both find them there
+    const libzel::Context context = libzel::createContext();
     HostScene scene(context.get());
     const zel::FaceSet faces = [&] {
         const zel_face face = libzel::faceAt(scene.faces.get(), 0);
