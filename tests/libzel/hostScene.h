@@ -64,11 +64,16 @@ public:
     zel_pixels maskOut{}, depthOut{};
 };
 
+/// The value of a parameter that must be given, by its place in the list: no two places of a drag are one.
+inline std::string neededValue(std::size_t place) {
+    return "0.4" + std::to_string(place);
+}
+
 /// A value for every parameter that must be given.
 inline libzel::Values neededValues(const zel_effect& effect) {
     libzel::Values values;
     for (std::size_t i = 0; i < effect.parameter_count; ++i)
-        if (!effect.parameters[i]->default_value) values.set(effect.parameters[i]->name, "0.4");
+        if (!effect.parameters[i]->default_value) values.set(effect.parameters[i]->name, neededValue(i));
     return values;
 }
 

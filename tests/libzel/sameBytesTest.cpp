@@ -35,8 +35,9 @@ TEST(SameBytes, OfEveryEffectThroughBothDoors) {
         const zel_effect* info = nullptr;
         ASSERT_EQ(zel_effect_find(effect.name.c_str(), &info), ZEL_OK);
         std::vector<std::string> words;
-        for (const zel::Parameter& parameter : effect.parameters)
-            if (parameter.mustBeGiven()) words.push_back(parameter.name + "=0.4");
+        for (std::size_t i = 0; i < effect.parameters.size(); ++i)
+            if (effect.parameters[i].mustBeGiven())
+                words.push_back(effect.parameters[i].name + "=" + neededValue(i));
         zel::Image image{scene.picture.width, scene.picture.height, scene.bytes()};
         const zel::ParameterValues values = valuesOf(effect, words);
         const zel::FaceSet none;
