@@ -22,7 +22,7 @@ CurveLift smallLift(int brightness) {
 }
 
 void liftShadows(ImageView image, PlaneView<const Byte> shadow, const CurveLift& lift) {
-    Byte curve[256];
+    ByteTable curve;
     ApplyCurveThreePoints(curve, 128, lift.target);
     // The result for every shadow weight and sample: two bytes decide it.
     std::vector<Byte> lifted;

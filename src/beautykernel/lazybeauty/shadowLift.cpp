@@ -8,7 +8,7 @@
 namespace zellab {
 
 std::vector<Byte> shadowLiftTable(const MeanColour& skin, int smoothLevel) {
-    Byte curve[256];
+    ByteTable curve;
     ApplyCurveThreePoints(curve, 128, shadowLiftTarget(skin.brightness()));
     const float share = static_cast<float>(std::clamp(smoothLevel, 0, 7)) / 7.0f;
     std::vector<Byte> lifted;
