@@ -41,16 +41,19 @@ int shadowLiftTarget(int skinBrightness) {
     return skinBrightness <= 200 ? 148 : 145;
 }
 
-void mapRowByWeight(Byte* pixels, const Byte* weight, int width, const std::vector<Byte>& table) {
-    for (int x = 0; x < width; ++x, pixels += 4) {
-        const Byte* row = table.data() + 256 * static_cast<std::size_t>(weight[x]);
-        for (int c = 0; c < 3; ++c) pixels[c] = row[pixels[c]];
+void mapRowByWeight(Byte* pixels, std::span<const Byte> weights, const WeightTables& tables) {
+    const ByteTable* const first = tables.data();  // the bytes written might alias the vector's own pointer
+    for (const Byte weight : weights) {
+        const ByteTable& table = first[weight];
+        for (int c = 0; c < 3; ++c) pixels[c] = table[pixels[c]];
+        pixels += 4;
     }
 }
 
-void mapByPlane(ImageView image, PlaneView<const Byte> plane, const std::vector<Byte>& table) {
+void mapByPlane(ImageView image, PlaneView<const Byte> weights, const WeightTables& tables) {
+    const auto width = static_cast<std::size_t>(image.width);
     parallelRows(image.height, [&](int begin, int end) {
-        for (int y = begin; y < end; ++y) mapRowByWeight(image.row(y), plane.row(y), image.width, table);
+        for (int y = begin; y < end; ++y) mapRowByWeight(image.row(y), {weights.row(y), width}, tables);
     });
 }
 
