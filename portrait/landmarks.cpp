@@ -106,7 +106,7 @@ Face measureFace(const FaceShape& shape, const HeadPose& pose, int width, int he
     for (std::size_t i = 0; i < points.size(); ++i) {
         const Vec2 pixel = pose.toPicture(points[i]);
         const Vec2 share{pixel.x / static_cast<float>(width), pixel.y / static_cast<float>(height)};
-        face.points[i] = {share.x, share.y};
+        face.points[i] = share;
         low = {std::min(low.x, share.x), std::min(low.y, share.y)};
         high = {std::max(high.x, share.x), std::max(high.y, share.y)};
         if ((i >= 29 && i <= 36) || i >= 75) browTop = std::min(browTop, share.y);

@@ -5,24 +5,15 @@
 #include <cmath>
 #include <cstdint>
 
+#include "zellab/geometry/vector2.h"
+
 /// Small vectors and the few functions that the C library computes differently from one processor to the
 /// next. The picture must have the same bytes everywhere, so only operations that IEEE 754 fixes stand below:
 /// sums, products, quotients, roots and floor.
 
 namespace zel::drawing {
 
-struct Vec2 {
-    float x = 0, y = 0;
-};
-inline Vec2 operator+(Vec2 a, Vec2 b) {
-    return {a.x + b.x, a.y + b.y};
-}
-inline Vec2 operator-(Vec2 a, Vec2 b) {
-    return {a.x - b.x, a.y - b.y};
-}
-inline Vec2 operator*(Vec2 a, float s) {
-    return {a.x * s, a.y * s};
-}
+using Vec2 = zellab::Vector2f;
 inline float dot(Vec2 a, Vec2 b) {
     return a.x * b.x + a.y * b.y;
 }
@@ -64,9 +55,6 @@ inline float clamp01(float v) {
     return std::min(std::max(v, 0.0f), 1.0f);
 }
 inline float mix(float a, float b, float t) {
-    return a + (b - a) * t;
-}
-inline Vec2 mix(Vec2 a, Vec2 b, float t) {
     return a + (b - a) * t;
 }
 inline Vec3 mix(Vec3 a, Vec3 b, float t) {

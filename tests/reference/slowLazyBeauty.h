@@ -214,7 +214,7 @@ inline void lazyBeauty(LazyPicture& picture, const LazySettings& set, const zell
     if (!direct) shadow = scaleBilinear(shadow, sw, sh, w, h, 1);
     const int brightness = static_cast<unsigned char>(
         lazyLuma(static_cast<float>(mean[0]), static_cast<float>(mean[1]), static_cast<float>(mean[2])));
-    unsigned char curve[256];
+    zellab::ByteTable curve;
     zellab::ApplyCurveThreePoints(curve, 128,
                                   brightness < 61     ? 156
                                   : brightness < 101  ? 152

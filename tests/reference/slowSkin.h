@@ -51,8 +51,7 @@ inline void smoothLuma(Bytes& rgba, int w, int h, const Bytes& skin, const zella
     libyuv::ARGBToI444(rgba.data(), w * 4, y.data(), w, u.data(), w, v.data(), w, w, h);
     Table levelled{};
     for (int i = 0; i < 256; ++i) levelled[static_cast<std::size_t>(i)] = static_cast<unsigned char>(i);
-    if (set.levels)
-        levelled = levels({set.levels[0], set.levels[1], set.levels[2], set.levels[3], set.levels[4]});
+    if (set.levels) levelled = levels(*set.levels);
     const Bytes d = blurredPlane(y, w, h, 16);
     const float k = set.smoothStrength / 255.0f;
     for (std::size_t i = 0; i < y.size(); ++i) {

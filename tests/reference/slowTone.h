@@ -81,7 +81,7 @@ inline void curveTable(const std::vector<CurvePoint>& points, Table& table) {
     }
 }
 
-/// `brightnessRow` and `contrastRow` fill a table from a row number.
+/// `brightnessRow` and `contrastRow` make a table of a row number.
 template <typename Row>
 void contrastBrightness(Bytes& rgba, float brightness, float contrast, Row brightnessRow, Row contrastRow) {
     brightness = std::clamp(brightness, -100.0f, 100.0f);
@@ -90,12 +90,11 @@ void contrastBrightness(Bytes& rgba, float brightness, float contrast, Row brigh
     const int c = static_cast<int>(contrast < 0 ? contrast * 0.5f + 0.5f : contrast);
     Table table{};
     if (b != 0) {
-        brightnessRow(b, table.data());
+        table = brightnessRow(b);
         eachColour(rgba, [&](unsigned char v, std::size_t) { return table[v]; });
     }
-    table = {};
     if (c != 0) {
-        contrastRow(c, table.data());
+        table = contrastRow(c);
         eachColour(rgba, [&](unsigned char v, std::size_t) { return table[v]; });
     }
 }

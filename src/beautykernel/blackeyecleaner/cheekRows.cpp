@@ -20,8 +20,7 @@ int lowestLid(const EyeRegion& region, int first, int last) {
 
 }  // namespace
 
-CheekRows::CheekRows(ConstImageView image, const EyeRegion& region)
-    : m_colours(static_cast<std::size_t>(region.crop.width) * 4) {
+CheekRows::CheekRows(ConstImageView image, const EyeRegion& region) : m_colours(region.crop.width, 1) {
     const int below = static_cast<int>(static_cast<float>(region.face.height) * kBelowLid) + kBelowLidRows;
     const int radius = std::max(20, region.face.width / 120 + 8);
     // The band starts this far below the lids; in its blur a row looks as far up as down. It ends with the
@@ -40,7 +39,7 @@ CheekRows::CheekRows(ConstImageView image, const EyeRegion& region)
     const float between = (region.inCrop(region.points[5]).x + region.inCrop(region.points[10]).x) / 2.0f;
     for (int x = 0; x < width; ++x) {
         const int row = static_cast<float>(x) < between ? leftRow : rightRow;
-        std::copy_n(band.view().at(x, row - top), 4, &m_colours[static_cast<std::size_t>(x) * 4]);
+        std::copy_n(band.view().at(x, row - top), 4, m_colours.view().at(x, 0));
     }
 }
 

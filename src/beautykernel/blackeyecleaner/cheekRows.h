@@ -1,6 +1,7 @@
 #pragma once
 
 #include "beautykernel/blackeyecleaner/eyeRegion.h"
+#include "zellab/imageproc/core/ownedImage.h"
 
 namespace zellab {
 
@@ -10,10 +11,10 @@ class CheekRows {
 public:
     CheekRows(ConstImageView image, const EyeRegion& region);
 
-    const Byte* colour(int column) const { return &m_colours[static_cast<std::size_t>(column) * 4]; }
+    const Byte* colour(int column) const { return m_colours.view().at(column, 0); }
 
 private:
-    std::vector<Byte> m_colours;
+    RgbaImage m_colours;  // one row
 };
 
 }  // namespace zellab

@@ -25,14 +25,14 @@ template <typename Work>
 void forOpening(EyeCut& eye, const Work& work) {
     for (int y = 0; y < eye.box.height; ++y)
         for (int x = 0; x < eye.box.width; ++x)
-            if (eye.lidShape.view().row(y)[x] != 0.0f) work(eye.pixels().at(x, y), x, y);
+            if (eye.lidShape.row(y)[x] != 0.0f) work(eye.pixels().at(x, y), x, y);
 }
 
 /// The same inside the iris, with a weight that is 1 in its centre and 0 on its rim.
 template <typename Work>
 void forIris(EyeCut& eye, const Work& work) {
     forOpening(eye, [&](Byte* pixel, int x, int y) {
-        const float radial = eye.irisRadial.view().row(y)[x];
+        const float radial = eye.irisRadial.row(y)[x];
         if (radial < 1.0f) work(pixel, x, y, 1.0f - radial * radial);
     });
 }
@@ -71,7 +71,7 @@ void recolourIrisRing(EyeCut& eye, const EyeTuning& tuning, float ratio) {
     if (!(inner < 1.0f)) return;
     const float factor = ringFactor(tuning.irisGain, ratio);
     forOpening(eye, [&](Byte* pixel, int x, int y) {
-        const float t = (eye.irisRadial.view().row(y)[x] - (inner + 1.0f) / 2.0f) / (1.0f - inner);
+        const float t = (eye.irisRadial.row(y)[x] - (inner + 1.0f) / 2.0f) / (1.0f - inner);
         if (!(t * t < 0.25f)) return;
         EyeHsl hsl = toHsl(pixel);
         const auto lightness = static_cast<float>(hsl.lightness);
@@ -89,9 +89,9 @@ void liftWhites(EyeCut& eye, const EyeTuning& tuning, const EyeTone& tone) {
                 farGain = highlight * static_cast<float>(tone.level) / 255.0f;
     const bool upright = eye.box.height > eye.box.width;
     forOpening(eye, [&](Byte* pixel, int x, int y) {
-        const float iris = eye.irisRadial.view().row(y)[x], radial = eye.eyeRadial.view().row(y)[x];
+        const float iris = eye.irisRadial.row(y)[x], radial = eye.eyeRadial.row(y)[x];
         if (!(iris > 1.0f) || !(radial <= 1.0f)) return;
-        const LidCoords& coords = eye.lidCoords.view().row(y)[x];
+        const LidCoords& coords = eye.lidCoords.row(y)[x];
         const float across = upright ? coords.falloffX : coords.falloffY,
                     along = upright ? coords.ey : coords.ex;
         const float eighth = eighthPower(along);
@@ -99,7 +99,7 @@ void liftWhites(EyeCut& eye, const EyeTuning& tuning, const EyeTone& tone) {
         float weight;
         if (along >= 0.0f) {
             targets = {(1.0f - eighth) * nearGain, (1.0f - eighth) * farGain};
-            weight = eye.lidShape.view().row(y)[x];
+            weight = eye.lidShape.row(y)[x];
         } else {
             weight = (1.0f - eighth * eighth) * across;
         }

@@ -93,15 +93,15 @@ void buildEyeMasks(EyeCut& eye, const EyeLids& lids, const Iris& iris) {
             const auto px = static_cast<float>(x), py = static_cast<float>(y);
             const float ex = 2.0f * (px - middle) / spanWidth;
             const LidCoords coords = {ex, ey, 1.0f - fourthPower(ex), 1.0f - fourthPower(ey)};
-            eye.lidCoords.view().row(row)[column] = coords;
+            eye.lidCoords.row(row)[column] = coords;
             const float shape = coords.falloffX * coords.falloffY;
-            if (shape >= 0.0f) eye.lidShape.view().row(row)[column] = shape;
-            eye.irisRadial.view().row(row)[column] = squaredDistance(px - iris.x, py - iris.y) / irisSquare;
-            eye.eyeRadial.view().row(row)[column] =
+            if (shape >= 0.0f) eye.lidShape.row(row)[column] = shape;
+            eye.irisRadial.row(row)[column] = squaredDistance(px - iris.x, py - iris.y) / irisSquare;
+            eye.eyeRadial.row(row)[column] =
                 squaredDistance(px - frame.centreX, py - frame.centreY) / eyeSquare;
             const int distance =
                 std::min(std::min(x - span.left, span.right - x), std::min(y - frame.top, frame.bottom - y));
-            eye.lidDistance.view().row(row)[column] =
+            eye.lidDistance.row(row)[column] =
                 std::min(static_cast<float>(distance) / EyeCut::kFullDistance, 1.0f);
         }
     }

@@ -1,7 +1,5 @@
 #include "beautykernel/facebeauty/curveLift.h"
 
-#include <vector>
-
 #include "beautykernel/skintools/shadowPlane.h"
 #include "zellab/imageproc/core/pixelMath.h"
 #include "zellab/imageproc/tone/sfCurve.h"
@@ -22,15 +20,12 @@ CurveLift smallLift(int brightness) {
 }
 
 void liftShadows(ImageView image, PlaneView<const Byte> shadow, const CurveLift& lift) {
-    Byte curve[256];
+    ByteTable curve;
     ApplyCurveThreePoints(curve, 128, lift.target);
-    // The result for every shadow weight and sample: two bytes decide it.
-    std::vector<Byte> lifted;
-    lifted.reserve(256 * 256);
-    for (int s = 0; s < 256; ++s)
-        for (int c = 0; c < 256; ++c)
-            lifted.push_back(clampToByte(c + ((curve[c] - c) * s + lift.rounding) / 255));
-    mapByPlane(image, shadow, lifted);
+    mapByPlane(
+        image, shadow, weightTables([&](int weight, int c) {
+            return clampToByte(c + ((curve[static_cast<std::size_t>(c)] - c) * weight + lift.rounding) / 255);
+        }));
 }
 
 }  // namespace zellab

@@ -143,7 +143,7 @@ bool CFaceBeauty::Run8kelxx(ImageView image, const FaceData* face, const FaceBea
     UnsharpMask(image, kUnsharpPercent, kUnsharpRadius, 0);
     if (params.alternateFinish) {
         skinColorCorrect(image, skin.mask.view(), skin.mean);
-        mapPixels(image, kFinishTable.data());
+        mapPixels(image, kFinishTable);
     }
     return true;
 }

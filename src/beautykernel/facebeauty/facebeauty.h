@@ -1,7 +1,10 @@
 #pragma once
 
+#include <optional>
+
 #include "facepoints/faceData.h"
 #include "zellab/imageproc/core/imageView.h"
+#include "zellab/imageproc/tone/levels.h"
 
 namespace zellab {
 
@@ -14,8 +17,7 @@ struct FaceBeautyParams {
     bool edgeFilter = false;       // smooth the lightness once more, along edges
     float toneStrength = 0.0f;     // 0..1, of the portrait look; up to 0.01 a fainter look is applied
     float smoothStrength = 0.0f;   // 0..1, of the smoothing
-    /// Input black, gamma * 100, input white, output black and white of the skin mask; null leaves it alone.
-    const int* levels = nullptr;
+    std::optional<LevelsParams> levels = std::nullopt;  // of the skin mask
 };
 
 /// The main retouch. Pictures up to 640 pixels on each side are smoothed in their colours; larger ones decide

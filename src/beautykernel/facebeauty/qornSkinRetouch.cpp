@@ -34,7 +34,7 @@ void retouchSkin(ImageView image, float strength, const ImageCoreFaceInfo* faceI
                             image.width, image.height);
     CFaceBeauty().Run(work.view(), {}, hasFace ? &face : nullptr, kRetouch);
     combinePixels(image, image, work.view(), MixWeights(strength));
-    mapPixels(image, brightnessCurve(kCurveHeight).data());
+    mapPixels(image, brightnessCurve(kCurveHeight));
     ColorTemperatureBlend(image, kNeutralTemperature, 0);
 }
 

@@ -1,7 +1,6 @@
 #include "beautykernel/facebeauty/skinLuma.h"
 
 #include <algorithm>
-#include <array>
 #include <cmath>
 #include <cstring>
 
@@ -13,8 +12,6 @@
 #include "zellab/imageproc/domaintransform/domainTransform.h"
 #include "zellab/imageproc/sfdsp/yuvLuma.h"
 #include "zellab/imageproc/sharpen/unsharpStep.h"
-#include "zellab/imageproc/tone/levels.h"
-#include "zellab/imageproc/tone/toneTables.h"
 
 namespace zellab {
 
@@ -93,13 +90,13 @@ void changeLuma(PlaneView<Byte> luma, PlaneView<const Byte> blurred, PlaneView<c
 }
 
 /// The mask through the levels; empty where these leave it alone.
-Plane<Byte> levelledMask(PlaneView<const Byte> skin, const int* levels) {
-    constexpr std::array kIdentity = {0, 100, 255, 0, 255};
-    if (!levels || std::equal(kIdentity.begin(), kIdentity.end(), levels)) return {};
+Plane<Byte> levelledMask(PlaneView<const Byte> skin, const std::optional<LevelsParams>& levels) {
+    constexpr LevelsParams kIdentity = {0, 100, 255, 0, 255};
+    if (!levels || *levels == kIdentity) return {};
     ByteTable table;
-    LevelsAdjust(levels, table.data());
+    LevelsAdjust(*levels, table);
     Plane<Byte> mask = copyOf(skin);
-    mapPlane(mask.view(), table.data());
+    mapPlane(mask.view(), table);
     return mask;
 }
 

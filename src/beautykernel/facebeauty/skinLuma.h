@@ -1,14 +1,17 @@
 #pragma once
 
+#include <optional>
+
 #include "zellab/imageproc/core/imageView.h"
+#include "zellab/imageproc/tone/levels.h"
 
 namespace zellab {
 
 /// How the lightness of skin is smoothed.
 struct LumaSmoothing {
-    float strength;     // 0..1; what is no finite number counts as 0
-    const int* levels;  // five numbers for LevelsAdjust that remap the mask, or null
-    bool edgeFilter;    // smooth once more, along edges
+    float strength;                      // 0..1; what is no finite number counts as 0
+    std::optional<LevelsParams> levels;  // of the mask
+    bool edgeFilter;                     // smooth once more, along edges
 };
 
 /// Smooths the lightness of skin and sharpens it again, a little. Faint differences from the surroundings go,

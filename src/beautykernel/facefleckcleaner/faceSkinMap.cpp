@@ -1,7 +1,6 @@
 #include "beautykernel/facefleckcleaner/faceSkinMap.h"
 
 #include <algorithm>
-#include <new>
 
 #include "beautykernel/facefleckcleaner/faceCrop.h"
 #include "beautykernel/skinmaskstatisdetector/skinMaskManager.h"
@@ -31,29 +30,16 @@ PixelBox areaOf(const SkinFaceRecord& face, int width, int height) {
 
 }  // namespace
 
-FaceSkinMap::LazyPlane FaceSkinMap::makePlane(std::size_t pixels) {
-    LazyPlane plane(static_cast<Byte*>(std::calloc(std::max<std::size_t>(pixels, 1), 1)));
-    if (!plane) throw std::bad_alloc();
-    return plane;
-}
-
 FaceSkinMap::FaceSkinMap(ImageView image, const SkinFaceRecord& face, bool onlyFace)
-    : m_width(image.width), m_height(image.height) {
+    : m_map(image.width, image.height) {
     const int width = image.width, height = image.height;
-    const std::size_t pixels = sampleCount(width, height);
-    m_map = makePlane(pixels);
-    const LazyPlane luma = makePlane(pixels), blue = makePlane(pixels), red = makePlane(pixels);
+    LazyPlane luma(width, height), blue(width, height), red(width, height);
     const PixelBox area = onlyFace ? areaOf(face, width, height) : PixelBox{{0, width}, {0, height}};
     const auto inArea = [&](const auto& view) {
         return view.crop(area.x.begin, area.y.begin, area.x.length(), area.y.length());
     };
-    const auto planeOf = [&](const LazyPlane& plane) {
-        return inArea(PlaneView<Byte>(plane.get(), width, height));
-    };
-    RGBAToYCbCrPlanes(inArea(image), planeOf(luma), planeOf(blue), planeOf(red));
-    SkinMaskStatisDetector::DetectWithin(
-        area, {{luma.get(), width, height}, {blue.get(), width, height}, {red.get(), width, height}}, view(),
-        face);
+    RGBAToYCbCrPlanes(inArea(image), inArea(luma.view()), inArea(blue.view()), inArea(red.view()));
+    SkinMaskStatisDetector::DetectWithin(area, {luma.view(), blue.view(), red.view()}, view(), face);
     SkinMaskManager::PaintParts(view(), face, kAllParts);
 }
 

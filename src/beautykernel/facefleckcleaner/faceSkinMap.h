@@ -1,10 +1,7 @@
 #pragma once
 
-#include <cstdlib>
-#include <memory>
-
 #include "beautykernel/skinmaskstatisdetector/skinFaceRecord.h"
-#include "zellab/imageproc/core/imageView.h"
+#include "zellab/imageproc/core/lazyPlane.h"
 
 namespace zellab {
 
@@ -16,18 +13,10 @@ public:
     FaceSkinMap(ImageView image, const zelbeauty::SkinFaceRecord& face, bool onlyFace);
 
     /// A plane of the picture's size.
-    PlaneView<Byte> view() { return {m_map.get(), m_width, m_height}; }
+    PlaneView<Byte> view() { return m_map.view(); }
 
 private:
-    struct Free {
-        void operator()(Byte* plane) const { std::free(plane); }
-    };
-    /// Memory that holds 0 and costs nothing where nobody touches it.
-    using LazyPlane = std::unique_ptr<Byte, Free>;
-    static LazyPlane makePlane(std::size_t pixels);
-
     LazyPlane m_map;
-    int m_width, m_height;
 };
 
 }  // namespace zellab

@@ -47,9 +47,8 @@ Plane<Byte> rednessPlane(ConstImageView crop) {
     return plane;
 }
 
-Plane<Byte> blurred(const Plane<Byte>& plane, int radius) {
-    Plane<Byte> copy(plane.width(), plane.height());
-    std::copy_n(plane.data(), plane.size(), copy.data());
+Plane<Byte> blurred(PlaneView<const Byte> plane, int radius) {
+    Plane<Byte> copy = copyOf(plane);
     StackBlurGray(copy.view(), radius);
     return copy;
 }
@@ -73,7 +72,8 @@ bool isCompact(int boxWidth, int boxHeight, int area, int fillLimit, int longLim
 
 Plane<Byte> darkSpots(ConstImageView crop, PlaneView<const Byte> skinMask) {
     const Plane<Byte> redness = rednessPlane(crop);
-    const Plane<Byte> fine = blurred(redness, kFineRadius), coarse = blurred(redness, kCoarseRadius);
+    const Plane<Byte> fine = blurred(redness.view(), kFineRadius),
+                      coarse = blurred(redness.view(), kCoarseRadius);
     Plane<Byte> spots(crop.width, crop.height);
     Histogram histogram{};
     for (int y = 0; y < crop.height; ++y) {

@@ -1,9 +1,9 @@
 #include "beautykernel/facefleckcleaner/textureTransplant.h"
 
 #include <algorithm>
-#include <cstring>
 
 #include "zellab/imageproc/blur/stackBlur.h"
+#include "zellab/imageproc/core/ownedImage.h"
 #include "zellab/imageproc/core/pixelMath.h"
 
 namespace zellab {
@@ -12,22 +12,11 @@ namespace {
 
 constexpr int kTreated = -255;
 
-/// A block of pixels on its own.
-class Block {
-public:
-    Block(ConstImageView picture, int left, int top, int width, int height)
-        : m_width(width), m_height(height), m_pixels(sampleCount(width, height, 4)) {
-        const ConstImageView from = picture.crop(left, top, width, height);
-        for (int y = 0; y < height; ++y)
-            std::memcpy(row(y), from.row(y), static_cast<std::size_t>(width) * 4);
-    }
-    void blur(int radius) { StackBlurRGBA({m_pixels.data(), m_width, m_height}, radius); }
-    Byte* row(int y) { return ImageView(m_pixels.data(), m_width, m_height).row(y); }
-
-private:
-    int m_width, m_height;
-    std::vector<Byte> m_pixels;
-};
+RgbaImage blurred(ConstImageView block, int radius) {
+    RgbaImage copy = copyOf(block);
+    StackBlurRGBA(copy.view(), radius);
+    return copy;
+}
 
 int blurRadius(ConstImageView crop) {
     const float share = static_cast<float>(std::min(crop.width, crop.height)) * 0.008f;
@@ -56,13 +45,11 @@ bool touches(PlaneView<const int> labels, int x, int y, int label) {
 
 void transplant(ImageView crop, PlaneView<int> labels, const FleckRect& box, int label, DonorDirection step) {
     const int w = box.width(), h = box.height(), radius = blurRadius(crop);
-    Block repair(crop, box.left, box.top, w, h);
-    repair.blur(radius);
+    const RgbaImage repair = blurred(crop.crop(box.left, box.top, w, h), radius);
     // A block that fitted at the working size can lie a pixel outside at full resolution: it is moved inside.
-    Block donor(crop, std::clamp(box.left + step.x * w, 0, crop.width - w),
-                std::clamp(box.top + step.y * h, 0, crop.height - h), w, h);
-    Block smoothDonor = donor;
-    smoothDonor.blur(radius);
+    const RgbaImage donor = copyOf(crop.crop(std::clamp(box.left + step.x * w, 0, crop.width - w),
+                                             std::clamp(box.top + step.y * h, 0, crop.height - h), w, h));
+    const RgbaImage smoothDonor = blurred(donor.view(), radius);
     for (int y = 0; y < h; ++y) {
         const Byte *d = donor.row(y), *e = smoothDonor.row(y), *a = repair.row(y);
         Byte* out = crop.at(box.left, box.top + y);

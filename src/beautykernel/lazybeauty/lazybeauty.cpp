@@ -112,8 +112,7 @@ RgbaImage smallCopy(ConstImageView image, const WorkSize& size) {
 }
 
 /// Pastes the spots and lifts the shadows: one walk through the full picture, row by row.
-void pasteAndLift(ImageView image, const SpotPaste* spots, Plane<Byte>& shadow,
-                  const std::vector<Byte>& lift) {
+void pasteAndLift(ImageView image, const SpotPaste* spots, Plane<Byte>& shadow, const WeightTables& lift) {
     const BilinearRows weights(shadow.view(), image.width, image.height);
     parallelRows(image.height, [&](int begin, int end) {
         SpotPaste::Scratch scratch;
@@ -121,7 +120,7 @@ void pasteAndLift(ImageView image, const SpotPaste* spots, Plane<Byte>& shadow,
         for (int y = begin; y < end; ++y) {
             if (spots) spots->row(y, image.row(y), scratch);
             weights.scale(y, scratch.line, weight.data());
-            mapRowByWeight(image.row(y), weight.data(), image.width, lift);
+            mapRowByWeight(image.row(y), weight, lift);
         }
     });
 }
@@ -132,7 +131,7 @@ void runDirect(ImageView image, const LazyBeautyParams& params, const FaceData* 
     if (params.repairSpots) repairSpots(image, skin.mask.view(), face, {});
     ShadowPlanes shadows =
         shadowPlanes(overlayLightness(image, overlay, kDirect.lightness), skin.mask.view(), kShadowRadius);
-    mapByPlane(image, shadows.shadow.view(), shadowLiftTable(skin.mean, params.smoothLevel));
+    mapByPlane(image, shadows.shadow.view(), shadowLiftTables(skin.mean, params.smoothLevel));
     const SmoothPlanes planes =
         smoothPlanes(image, skin.mask.view(), face, std::move(shadows.highPass), kDirect);
     mixSmooth(image, planes, overlay, params.overlayLevel);
@@ -156,7 +155,7 @@ void runScaled(ImageView image, const LazyBeautyParams& params, const FaceData* 
     ShadowPlanes shadows = shadowPlanes(overlayLightness(before.view(), overlay, kScaled.lightness),
                                         skin.mask.view(), kShadowRadius);
     pasteAndLift(image, paste ? &*paste : nullptr, shadows.shadow,
-                 shadowLiftTable(skin.mean, params.smoothLevel));
+                 shadowLiftTables(skin.mean, params.smoothLevel));
     const RgbaImage lifted = smallCopy(image, size);
     const SmoothPlanes planes =
         smoothPlanes(lifted.view(), skin.mask.view(), face, std::move(shadows.highPass), kScaled);

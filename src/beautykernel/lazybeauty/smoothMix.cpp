@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <array>
 #include <cstdint>
+#include <utility>
 
 #include "platform/simdLevel.h"
 #include "zellab/imageproc/core/ownedImage.h"
@@ -24,7 +25,7 @@ constexpr std::size_t kSlack = 16;
 struct SplitPlanes {
     int width, height;
     Plane<Byte> colours[3];
-    const Byte* data[kSampled];
+    std::array<PlaneView<const Byte>, kSampled> sampled;
 
     explicit SplitPlanes(const SmoothPlanes& planes)
         : width(planes.weight.width()), height(planes.weight.height()) {
@@ -32,11 +33,11 @@ struct SplitPlanes {
             colours[c] = Plane<Byte>(width, height);
             for (std::size_t i = 0; i < colours[c].size(); ++i)
                 colours[c].data()[i] = planes.blurred.data()[4 * i + c];
-            data[c] = colours[c].data();
+            sampled[c] = std::as_const(colours[c]).view();
         }
-        data[kWeight] = planes.weight.data();
-        data[kEdge] = planes.edges.data();
-        data[kHighPass] = planes.highPass.data();
+        sampled[kWeight] = planes.weight.view();
+        sampled[kEdge] = planes.edges.view();
+        sampled[kHighPass] = planes.highPass.view();
     }
 };
 
@@ -54,8 +55,7 @@ public:
         const float fraction = position - static_cast<float>(top);
         const auto width = static_cast<std::size_t>(m_planes.width);
         for (std::size_t s = 0; s < kSampled; ++s) {
-            const Byte* upper = m_planes.data[s] + sampleCount(m_planes.width, top);
-            const Byte* lower = m_planes.data[s] + sampleCount(m_planes.width, bottom);
+            const Byte *upper = m_planes.sampled[s].row(top), *lower = m_planes.sampled[s].row(bottom);
             float* out = m_samples.data() + m_stride * s;
             for (std::size_t x = 0; x < width; ++x)
                 out[x] = static_cast<float>(upper[x]) + static_cast<float>(lower[x] - upper[x]) * fraction;

@@ -81,7 +81,7 @@ void defog(ImageView image) {
     std::array<ByteTable, 3> tables;
     const ColourHistograms counts = histograms(image);
     for (std::size_t c = 0; c < tables.size(); ++c) tables[c] = channelTable(counts[c], pixels, clip);
-    mapPixels(image, {tables[0].data(), tables[1].data(), tables[2].data()});
+    mapPixels(image, ChannelTables{tables[0], tables[1], tables[2]});
 }
 
 }  // namespace zellab

@@ -52,21 +52,23 @@ std::array<unsigned char, 256> lumaWeights(const LumaRange& range, bool fromFace
 }
 
 /// The chroma table stamped around the skin colour, held in by a soft box.
-std::vector<unsigned char> chromaMap(int cb, int cr, bool altTable) {
-    std::vector<unsigned char> map(kSide * kSide), box(kSide * kSide);
-    const auto index = [](int row, int column) { return static_cast<std::size_t>(row * kSide + column); };
+zellab::Plane<zellab::Byte> chromaMap(int cb, int cr, bool altTable) {
+    zellab::Plane<zellab::Byte> map(kSide, kSide), box(kSide, kSide);
     const ChromaTable& table = altTable ? skinChromaTableAlt() : skinChromaTable();
     const int firstCb = limit(cb - 25), lastCb = limit(cb + 36), firstCr = limit(cr - 35),
               lastCr = limit(cr + 37);
     for (int row = firstCr; row <= lastCr; ++row)
         for (int column = firstCb; column <= lastCb; ++column)
-            map[index(row, column)] =
+            map.row(row)[column] =
                 table[static_cast<std::size_t>(row - firstCr)][static_cast<std::size_t>(column - firstCb)];
     for (int row = limit(cr - 24); row <= limit(cr + 24); ++row)
-        for (int column = limit(cb - 15); column <= limit(cb + 24); ++column) box[index(row, column)] = 255;
-    zellab::StackBlurGray({box.data(), kSide, kSide}, kBoxBlurRadius);
-    for (std::size_t i = 0; i < map.size(); ++i)
-        map[i] = static_cast<unsigned char>((kSkinBoxCurve[box[i]] * map[i]) >> 8);
+        for (int column = limit(cb - 15); column <= limit(cb + 24); ++column) box.row(row)[column] = 255;
+    zellab::StackBlurGray(box.view(), kBoxBlurRadius);
+    for (int row = 0; row < kSide; ++row)
+        for (int column = 0; column < kSide; ++column) {
+            zellab::Byte& weight = map.row(row)[column];
+            weight = static_cast<zellab::Byte>((kSkinBoxCurve[box.row(row)[column]] * weight) >> 8);
+        }
     return map;
 }
 

@@ -1,7 +1,8 @@
 #pragma once
 
 #include <array>
-#include <vector>
+
+#include "zellab/imageproc/core/ownedImage.h"
 
 namespace zelbeauty {
 
@@ -31,11 +32,13 @@ public:
     }
 
 private:
-    int chromaWeight(int cb, int cr) const { return m_chroma[static_cast<std::size_t>(cr * 256 + cb)]; }
+    int chromaWeight(int cb, int cr) const { return m_chroma.data()[cr * kSide + cb]; }
+
+    static constexpr int kSide = 256;
 
     int m_low, m_high, m_edgeLow;
-    std::array<unsigned char, 256> m_luma{};
-    std::vector<unsigned char> m_chroma;  // [Cr][Cb]
+    std::array<unsigned char, kSide> m_luma{};
+    zellab::Plane<zellab::Byte> m_chroma;  // kSide by kSide: column Cb, row Cr
 };
 
 }  // namespace zelbeauty

@@ -1,7 +1,5 @@
 #include "beautykernel/skintools/shadowPlane.h"
 
-#include <algorithm>
-
 #include "beautykernel/skintools/shadowTable.h"
 #include "zellab/imageproc/blur/stackBlur.h"
 #include "zellab/imageproc/core/ownedImage.h"
@@ -15,7 +13,7 @@ Plane<Byte> overlayLightness(ConstImageView image, const OverlayTable& overlay, 
     Plane<Byte> plane(image.width, image.height);
     for (int y = 0; y < image.height; ++y) {
         const Byte* p = image.row(y);
-        Byte* row = plane.view().row(y);
+        Byte* row = plane.row(y);
         for (int x = 0; x < image.width; ++x, p += 4) row[x] = overlay(p[1], p[other]);
     }
     return plane;
@@ -23,13 +21,15 @@ Plane<Byte> overlayLightness(ConstImageView image, const OverlayTable& overlay, 
 
 ShadowPlanes shadowPlanes(const Plane<Byte>& lightness, PlaneView<const Byte> skinMask, int radius) {
     const int width = lightness.width(), height = lightness.height();
-    ShadowPlanes planes{Plane<Byte>(width, height), Plane<Byte>(width, height)};
-    Byte* highPass = planes.highPass.data();
-    std::copy_n(lightness.data(), lightness.size(), highPass);
+    ShadowPlanes planes{copyOf(lightness.view()), Plane<Byte>(width, height)};
     StackBlurGray(planes.highPass.view(), radius);
-    for (std::size_t i = 0; i < lightness.size(); ++i) {
-        highPass[i] = clampToByte(lightness.data()[i] - highPass[i] + 128);
-        planes.shadow.data()[i] = static_cast<Byte>(kShadowWeight[highPass[i]] * skinMask.data[i] / 255);
+    for (int y = 0; y < height; ++y) {
+        const Byte *light = lightness.row(y), *skin = skinMask.row(y);
+        Byte *highPass = planes.highPass.row(y), *shadow = planes.shadow.row(y);
+        for (int x = 0; x < width; ++x) {
+            highPass[x] = clampToByte(light[x] - highPass[x] + 128);
+            shadow[x] = static_cast<Byte>(kShadowWeight[highPass[x]] * skin[x] / 255);
+        }
     }
     return planes;
 }
@@ -41,16 +41,19 @@ int shadowLiftTarget(int skinBrightness) {
     return skinBrightness <= 200 ? 148 : 145;
 }
 
-void mapRowByWeight(Byte* pixels, const Byte* weight, int width, const std::vector<Byte>& table) {
-    for (int x = 0; x < width; ++x, pixels += 4) {
-        const Byte* row = table.data() + 256 * static_cast<std::size_t>(weight[x]);
-        for (int c = 0; c < 3; ++c) pixels[c] = row[pixels[c]];
+void mapRowByWeight(Byte* pixels, std::span<const Byte> weights, const WeightTables& tables) {
+    const ByteTable* const first = tables.data();  // the bytes written might alias the vector's own pointer
+    for (const Byte weight : weights) {
+        const ByteTable& table = first[weight];
+        for (int c = 0; c < 3; ++c) pixels[c] = table[pixels[c]];
+        pixels += 4;
     }
 }
 
-void mapByPlane(ImageView image, PlaneView<const Byte> plane, const std::vector<Byte>& table) {
+void mapByPlane(ImageView image, PlaneView<const Byte> weights, const WeightTables& tables) {
+    const auto width = static_cast<std::size_t>(image.width);
     parallelRows(image.height, [&](int begin, int end) {
-        for (int y = begin; y < end; ++y) mapRowByWeight(image.row(y), plane.row(y), image.width, table);
+        for (int y = begin; y < end; ++y) mapRowByWeight(image.row(y), {weights.row(y), width}, tables);
     });
 }
 

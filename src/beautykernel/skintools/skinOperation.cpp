@@ -23,7 +23,7 @@ void addLimitedFaces(CInterFacePoint& points, const ImageCoreFaceInfo* faceInfo,
 
 ByteTable brightnessCurve(int height) {
     ByteTable table;
-    CurveTableThreePoints(table.data(), 130, height);
+    CurveTableThreePoints(table, 130, height);
     return table;
 }
 

@@ -28,7 +28,7 @@ void ZelImageCore::TableSkin::ImageProcessWithQornSkinWhitening(unsigned char* i
         AutoLevels(picture);
         brightenEyes(picture, facePointsAt(&points, 0));
     }
-    mapPixels(picture, brightnessCurve(brightnessHeight(level)).data());
+    mapPixels(picture, brightnessCurve(brightnessHeight(level)));
     ColorTemperatureBlend(picture, temperature, 0);
     if (mask) mixByMask(picture, before.view(), {mask, width, height});
 }

@@ -92,7 +92,7 @@ void TableSkin::ImageProcessWithSkinColor(unsigned char* image, int width, int h
         std::isnan(level))
         return;
     RgbaImage cube = copyOf(ConstImageView(neutralTable, kCubeSide, kCubeSide));
-    mapPixels(cube.view(), brightnessCurve(truncateToInt(level * kStep + kBase)).data());
+    mapPixels(cube.view(), brightnessCurve(truncateToInt(level * kStep + kBase)));
     ColorTemperatureBlend(cube.view(), strength, 0);
     ApplyColorCube(picture, cube.data());
 }

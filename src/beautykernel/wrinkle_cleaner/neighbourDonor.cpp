@@ -52,7 +52,7 @@ void exchange(int blockSize, ConstImageView crop, PlaneView<const Byte> mask, Gr
             if (mask.row(y)[x] > kHoleAbove) edge = 255;
         }
 
-    const GradientField before = field;
+    const GradientField before = copyOf(field);
     for (const GridBlock hole : holeBlocksFromOutside(mask, grid)) {
         const std::vector<Candidate> list = candidates(roughness.view(), grid, hole);
         const auto donor =

@@ -38,8 +38,8 @@ TEST(FaceBeautyMatchesSlow, OnBothRoads) {
     zellab::OverlayTable overlay;
     ASSERT_TRUE(overlay.load());
     const slow::StyleCubes cubes{cube("tone3.bin"), cube("tone3_1.bin"), cube("tone4.bin")};
-    const int levels[] = {20, 80, 230, 0, 255}, noLevels[] = {0, 100, 255, 0, 255};
-    const FaceBeautyParams settings[] = {{1, 0, 1, 0, 1.0f, 0.5f, nullptr},
+    const zellab::LevelsParams levels = {20, 80, 230, 0, 255}, noLevels = {0, 100, 255, 0, 255};
+    const FaceBeautyParams settings[] = {{1, 0, 1, 0, 1.0f, 0.5f},
                                          {0, 1, 0, 1, 0.4f, 1.0f, levels},
                                          {0, 1, 0, 0, 0.005f, 0.0f, noLevels},
                                          {1, 1, 0, 1, 0.995f, 0.8f, levels}};
@@ -86,8 +86,8 @@ TEST(FaceBeauty, EachMissingTableHasItsLineAndItsOutcome) {
         std::string line;  // empty: nothing is said
         bool works;
     };
-    const FaceBeautyParams portrait{0, 0, 0, 0, 0.5f, 0.5f, nullptr}, faint{0, 0, 0, 0, 0.0f, 0.5f, nullptr},
-        airy{0, 0, 1, 0, 0.5f, 0.5f, nullptr};
+    const FaceBeautyParams portrait{0, 0, 0, 0, 0.5f, 0.5f}, faint{0, 0, 0, 0, 0.0f, 0.5f},
+        airy{0, 0, 1, 0, 0.5f, 0.5f};
     const Case cases[] = {
         {"PSOverlay", kLarge, airy,
          "ERROR:CFaceBeauty Run8kelyy ,failed to load PSOverlay.png from style" + source + "(133)", false},

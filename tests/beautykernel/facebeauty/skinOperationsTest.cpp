@@ -54,7 +54,7 @@ TEST(QornRetouchMatchesSlow, WithoutAFace) {
     Bytes levelled = picture;
     slow::autoLevels(levelled);
     slow::LazyPicture work{size.width, size.height, levelled};
-    slow::faceBeauty(work, {1, 0, 1, 0, 1.0f, 0.5f, nullptr}, {}, 0, 0, overlay, {}, nullptr);
+    slow::faceBeauty(work, {1, 0, 1, 0, 1.0f, 0.5f}, {}, 0, 0, overlay, {}, nullptr);
     HostFaces nobody(size, 0);
     for (const float strength : {0.0f, 0.37f, 1.0f, 1.6f}) {
         const int a = static_cast<int>(strength * 256.0f);

@@ -275,7 +275,7 @@ TEST(GradientExchange, DonorsMatchTheSteps) {
                     mask[static_cast<std::size_t>(y * w + x)] = 255;
             const ConstImageView view(pixels.data(), w, h);
             GradientField fast(view), slow(view);
-            const GradientField before = slow;
+            const GradientField before = copyOf(slow);
             (quiet ? quietDonorExchange(size) : neighbourDonorExchange(size))(view, {mask.data(), w, h},
                                                                               fast);
             SlowExchange reference{size, w, h, rgba, mask};

@@ -67,7 +67,7 @@ Table shuffledTable(int step) {
 
 void mapThree(Job& job) {
     static const Table r = shuffledTable(3), g = shuffledTable(5), b = shuffledTable(7);
-    zellab::mapPixels({job.pixels.data(), job.size.width, job.size.height}, {r.data(), g.data(), b.data()});
+    zellab::mapPixels({job.pixels.data(), job.size.width, job.size.height}, zellab::ChannelTables{r, g, b});
 }
 
 void mapOpenCv(Job& job) {

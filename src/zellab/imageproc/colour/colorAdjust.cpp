@@ -57,7 +57,7 @@ void LogBrightnessAdjust(ImageView image, int lift) {
         const float shift = logarithm * -255.0f / std::log(3.0f);
         table[static_cast<std::size_t>(i)] = clampToByte(i - static_cast<int>(shift));
     }
-    mapPixels(image, table.data());
+    mapPixels(image, table);
 }
 
 }  // namespace zellab

@@ -8,6 +8,7 @@
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>
+#include <type_traits>
 #include <vector>
 
 #include "frame/processorCount.h"
@@ -154,31 +155,30 @@ std::uint16_t differenceOf(const Byte* a, const Byte* b) {
     return static_cast<std::uint16_t>(std::abs(a[0] - b[0]) + std::abs(a[1] - b[1]) + std::abs(a[2] - b[2]));
 }
 
-/// One call on a picture of kChannels tight bytes a pixel.
-template <int kChannels>
+/// One call on a picture or a plane.
+template <typename View>
 class Transform {
 public:
-    Transform(Byte* data, int width, int height, std::ptrdiff_t stride, bool threaded)
-        : m_data(data),
-          m_stride(stride),
-          m_width(width),
-          m_height(height),
+    Transform(const View& view, bool threaded)
+        : m_view(view),
           m_workers(threaded ? ProcessorCount() : 1),
           m_filter(
               platform::pick(platform::simdLevel(), filterLinesPlain<kChannels>, filterLinesAvx2<kChannels>)),
-          m_left(sampleCount(width, height)),
-          m_above(sampleCount(width, height)) {
-        parallelRows(height, m_workers, [&](int begin, int end) {
+          m_left(view.width, view.height),
+          m_above(view.width, view.height) {
+        parallelRows(view.height, m_workers, [&](int begin, int end) {
             for (int y = begin; y < end; ++y) fillDifferences(y);
         });
     }
 
     void filter(const Decay& decay) {
-        runBlocks(m_height, [&](int block) { filterRows(block, decay); });
-        runBlocks(m_width, [&](int block) { filterColumns(block, decay); });
+        runBlocks(m_view.height, [&](int block) { filterRows(block, decay); });
+        runBlocks(m_view.width, [&](int block) { filterColumns(block, decay); });
     }
 
 private:
+    /// Bytes of a pixel.
+    static constexpr int kChannels = std::is_same_v<View, ImageView> ? ImageView::kChannels : 1;
     /// Lines of a block.
     static constexpr std::size_t kPixels = kLanes / kChannels;
 
@@ -189,35 +189,35 @@ private:
     }
 
     void fillDifferences(int y) {
-        const Byte* row = m_data + y * m_stride;
-        std::uint16_t* left = m_left.data() + std::ptrdiff_t{y} * m_width;
-        std::uint16_t* above = m_above.data() + std::ptrdiff_t{y} * m_width;
-        for (std::ptrdiff_t x = 1; x < m_width; ++x)
+        const Byte* row = m_view.row(y);
+        std::uint16_t *left = m_left.row(y), *above = m_above.row(y);
+        const std::ptrdiff_t width = m_view.width;
+        for (std::ptrdiff_t x = 1; x < width; ++x)
             left[x] = differenceOf<kChannels>(row + x * kChannels, row + (x - 1) * kChannels);
-        for (std::ptrdiff_t x = 0; y > 0 && x < m_width; ++x)
-            above[x] = differenceOf<kChannels>(row + x * kChannels, row + x * kChannels - m_stride);
+        for (std::ptrdiff_t x = 0; y > 0 && x < width; ++x)
+            above[x] = differenceOf<kChannels>(row + x * kChannels, row + x * kChannels - m_view.stride);
     }
 
     void filterColumns(int block, const Decay& decay) const {
         const std::ptrdiff_t first = std::ptrdiff_t{block} * kPixels;
-        const auto count = std::min<std::size_t>(kPixels, static_cast<std::size_t>(m_width - first));
-        m_filter({m_data + first * kChannels, m_stride, m_above.data() + first, m_width, count * kChannels,
-                  static_cast<std::size_t>(m_height)},
+        const auto count = std::min<std::size_t>(kPixels, static_cast<std::size_t>(m_view.width - first));
+        m_filter({m_view.data + first * kChannels, m_view.stride, m_above.data() + first, m_view.width,
+                  count * kChannels, static_cast<std::size_t>(m_view.height)},
                  decay);
     }
 
     /// Rows turn into columns of a scratch, are filtered there and turned back.
     void filterRows(int block, const Decay& decay) const {
-        const auto width = static_cast<std::size_t>(m_width);
+        const auto width = static_cast<std::size_t>(m_view.width);
         const std::ptrdiff_t first = std::ptrdiff_t{block} * kPixels;
-        const auto count = std::min<std::size_t>(kPixels, static_cast<std::size_t>(m_height - first));
+        const auto count = std::min<std::size_t>(kPixels, static_cast<std::size_t>(m_view.height - first));
         std::vector<Byte> scratch(width * kLanes);
         std::vector<std::uint16_t> difference(width * kPixels);
         const auto move = [&](bool in) {
             for (std::size_t x = 0; x < width; ++x)
                 for (std::size_t j = 0; j < count; ++j) {
-                    Byte* pixel =
-                        m_data + (first + static_cast<std::ptrdiff_t>(j)) * m_stride + x * kChannels;
+                    Byte* pixel = m_view.data + (first + static_cast<std::ptrdiff_t>(j)) * m_view.stride +
+                                  x * kChannels;
                     Byte* lane = scratch.data() + x * kLanes + j * kChannels;
                     std::memcpy(in ? lane : pixel, in ? pixel : lane, kChannels);
                 }
@@ -225,22 +225,22 @@ private:
         move(true);
         for (std::size_t x = 0; x < width; ++x)
             for (std::size_t j = 0; j < count; ++j)
-                difference[x * kPixels + j] = m_left[(static_cast<std::size_t>(first) + j) * width + x];
+                difference[x * kPixels + j] =
+                    m_left.data()[(static_cast<std::size_t>(first) + j) * width + x];
         m_filter({scratch.data(), kLanes, difference.data(), kPixels, count * kChannels, width}, decay);
         move(false);
     }
 
-    Byte* m_data;
-    std::ptrdiff_t m_stride;
-    int m_width, m_height, m_workers;
+    View m_view;
+    int m_workers;
     void (*m_filter)(const Lines&, const Decay&);
-    std::vector<std::uint16_t> m_left, m_above;  // differences to the left and the upper neighbour
+    Plane<std::uint16_t> m_left, m_above;  // differences to the left and the upper neighbour
 };
 
-template <int kChannels, typename View>
+template <typename View>
 void run(const View& view, float sigmaSpace, float sigmaRange, int iterations, bool threaded) {
     if (!view.valid() || iterations <= 0 || iterations > kMostIterations) return;
-    Transform<kChannels> transform(view.data, view.width, view.height, view.stride, threaded);
+    Transform<View> transform(view, threaded);
     for (int i = iterations - 1; i >= 0; --i)
         transform.filter(decayOf(sigmaSpace, sigmaRange, i, iterations));
 }
@@ -248,12 +248,12 @@ void run(const View& view, float sigmaSpace, float sigmaRange, int iterations, b
 }  // namespace
 
 void DomainTransformRGBA(ImageView image, float sigmaSpace, float sigmaRange, int iterations, bool threaded) {
-    run<ImageView::kChannels>(image, sigmaSpace, sigmaRange, iterations, threaded);
+    run(image, sigmaSpace, sigmaRange, iterations, threaded);
 }
 
 void DomainTransformPlane(PlaneView<Byte> plane, float sigmaSpace, float sigmaRange, int iterations,
                           bool threaded) {
-    run<1>(plane, sigmaSpace, sigmaRange, iterations, threaded);
+    run(plane, sigmaSpace, sigmaRange, iterations, threaded);
 }
 
 }  // namespace zellab

@@ -6,12 +6,11 @@
 #include <array>
 #include <cmath>
 #include <cstdint>
-#include <cstring>
 #include <utility>
 #include <vector>
 
 #include "platform/simdLevel.h"
-#include "zellab/imageproc/core/imageView.h"
+#include "zellab/imageproc/core/ownedImage.h"
 #include "zellab/imageproc/core/parallelRows.h"
 
 namespace zellab {
@@ -186,11 +185,9 @@ public:
           m_mask(mask),
           m_disc(radius),
           m_weights(threshold),
-          m_stride(4 * (std::ptrdiff_t{image.width} + 2 * radius)),
-          m_padded(static_cast<std::size_t>(m_stride) *
-                   (static_cast<std::size_t>(image.height) + 2 * static_cast<std::size_t>(radius))) {
-        for (int y = 0; y < image.height; ++y)
-            std::memcpy(padded(0, y), image.row(y), 4 * static_cast<std::size_t>(image.width));
+          m_padded(image.width + 2 * radius, image.height + 2 * radius),
+          m_stride(m_padded.view().stride) {
+        copyPixels(image, m_padded.view().crop(radius, radius, image.width, image.height));
     }
 
     void run() {
@@ -269,8 +266,8 @@ private:
     PlaneView<const Byte> m_mask;
     Disc m_disc;
     Weights m_weights;
+    RgbaImage m_padded;  // the picture as it was, in a rim of zeros as wide as the radius
     std::ptrdiff_t m_stride;
-    std::vector<Byte> m_padded;  // the picture as it was, in a rim of zeros as wide as the radius
 };
 
 }  // namespace

@@ -2,7 +2,7 @@
 #include <limits>
 #include <vector>
 
-#include "zellab/imageproc/core/imageView.h"
+#include "zellab/imageproc/core/ownedImage.h"
 #include "zellab/imageproc/masks/maskMorphology.h"
 
 namespace zellab {
@@ -43,11 +43,10 @@ constexpr auto kRemovable = [] {
 class Thinner {
 public:
     explicit Thinner(const PlaneView<Byte>& plane)
-        : m_plane(plane),
-          m_stride(std::ptrdiff_t{plane.width} + 2),
-          m_pixels(static_cast<std::size_t>(m_stride) * (static_cast<std::size_t>(plane.height) + 2)),
-          m_around{-m_stride, -m_stride + 1, 1,  m_stride + 1,  //
-                   m_stride,  m_stride - 1,  -1, -m_stride - 1} {
+        : m_plane(plane), m_pixels(plane.width + 2, plane.height + 2), m_around{-stride(), -stride() + 1,
+                                                                                1,         stride() + 1,  //
+                                                                                stride(),  stride() - 1,
+                                                                                -1,        -stride() - 1} {
         for (int y = 0; y < plane.height; ++y)
             for (int x = 0; x < plane.width; ++x) at(x, y) = plane.row(y)[x] ? kSet : 0;
     }
@@ -68,9 +67,8 @@ public:
     }
 
 private:
-    Byte& at(int x, int y) {
-        return m_pixels[static_cast<std::size_t>((std::ptrdiff_t{y} + 1) * m_stride + x + 1)];
-    }
+    Byte& at(int x, int y) { return m_pixels.row(y + 1)[x + 1]; }
+    std::ptrdiff_t stride() const { return m_pixels.width(); }
 
     unsigned neighboursOf(const Byte* pixel) const {
         unsigned bits = 0;
@@ -106,8 +104,7 @@ private:
     }
 
     PlaneView<Byte> m_plane;
-    std::ptrdiff_t m_stride;
-    std::vector<Byte> m_pixels;
+    Plane<Byte> m_pixels;
     std::array<std::ptrdiff_t, 8> m_around;
     std::vector<Byte*> m_queue;
 };

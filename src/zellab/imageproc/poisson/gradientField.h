@@ -2,10 +2,9 @@
 
 #include <array>
 #include <cstdint>
+#include <utility>
 
-#include <vector>
-
-#include "zellab/imageproc/core/imageView.h"
+#include "zellab/imageproc/core/ownedImage.h"
 
 namespace zellab {
 
@@ -16,15 +15,15 @@ class GradientField {
 public:
     explicit GradientField(ConstImageView picture);
 
-    int width() const { return m_width; }
-    int height() const { return m_height; }
+    int width() const { return m_samples.width(); }
+    int height() const { return m_samples.height(); }
 
     /// One sample: the steps to the right and down of each colour.
     struct Sample {
         std::array<std::int16_t, 3> right{}, down{};
     };
-    Sample& at(int x, int y) { return m_samples[index(x, y)]; }
-    const Sample& at(int x, int y) const { return m_samples[index(x, y)]; }
+    Sample& at(int x, int y) { return m_samples.row(y)[x]; }
+    const Sample& at(int x, int y) const { return m_samples.row(y)[x]; }
 
     /// Second differences at an interior sample: what the Poisson solve takes.
     int divergence(int x, int y, int channel) const {
@@ -33,12 +32,14 @@ public:
         return here.right[c] - at(x - 1, y).right[c] + here.down[c] - at(x, y - 1).down[c];
     }
 
-private:
-    std::size_t index(int x, int y) const {
-        return static_cast<std::size_t>(y) * static_cast<std::size_t>(m_width) + static_cast<std::size_t>(x);
+    friend GradientField copyOf(const GradientField& field) {
+        return GradientField(copyOf(field.m_samples.view()));
     }
-    int m_width, m_height;
-    std::vector<Sample> m_samples;
+
+private:
+    explicit GradientField(Plane<Sample> samples) : m_samples(std::move(samples)) {}
+
+    Plane<Sample> m_samples;
 };
 
 }  // namespace zellab

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
-#include <cstring>
 
 #include "zellab/imageproc/core/ownedImage.h"
 #include "zellab/imageproc/poisson/boxSolve.h"
@@ -21,9 +20,9 @@ void copyColours(Byte* to, const Byte* from) {
 
 /// The crop with what belongs to it, owned.
 struct Crop {
-    std::vector<Byte> pixels;
+    RgbaImage pixels;
     Plane<Byte> mask;
-    ImageView view() { return {pixels.data(), mask.width(), mask.height()}; }
+    ImageView view() { return pixels.view(); }
 };
 
 /// The part of a span that lies in another, from the start of the first.
@@ -35,15 +34,12 @@ Span overlapFromStart(Span span, Span other) {
 Crop cutOut(ConstImageView image, PlaneView<const Byte> mask, const PixelBox& box,
             const GradientRepair& repair) {
     const int w = box.x.length(), h = box.y.length();
-    Crop crop{std::vector<Byte>(sampleCount(w, h, 4)), Plane<Byte>(w, h)};
-    for (int y = 0; y < h; ++y)
-        std::memcpy(crop.view().row(y), image.at(box.x.begin, box.y.begin + y),
-                    static_cast<std::size_t>(w) * 4);
+    Crop crop{copyOf(image.crop(box.x.begin, box.y.begin, w, h)), Plane<Byte>(w, h)};
     const Span columns = overlapFromStart(box.x, repair.maskArea.x),
                rows = overlapFromStart(box.y, repair.maskArea.y);
     for (int y = rows.begin; y < rows.end; ++y) {
         const Byte* from = mask.row(box.y.begin + y) + box.x.begin;
-        Byte* to = crop.mask.view().row(y);
+        Byte* to = crop.mask.row(y);
         for (int x = columns.begin; x < columns.end; ++x)
             to[x] = from[x] > repair.anyMaskAbove ? Byte{255} : from[x];
     }

@@ -32,7 +32,7 @@ void exchange(int blockSize, ConstImageView crop, PlaneView<const Byte> mask, Gr
     const BlockGrid grid(crop.width, crop.height, blockSize);
     const std::vector<long> roughness = blockRoughness(crop, grid);
     std::vector<char> isUsed(grid.count());
-    const GradientField before = field;
+    const GradientField before = copyOf(field);
     for (const GridBlock hole : holeBlocksFromOutside(mask, grid)) {
         GridBlock best = hole;
         for (int y = hole.y - kReach; y <= hole.y + kReach; ++y)

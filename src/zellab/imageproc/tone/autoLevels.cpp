@@ -8,7 +8,6 @@
 #include "zellab/imageproc/core/parallelRows.h"
 #include "zellab/imageproc/tone/colourHistograms.h"
 #include "zellab/imageproc/tone/levels.h"
-#include "zellab/imageproc/tone/toneTables.h"
 
 namespace zellab {
 
@@ -155,7 +154,7 @@ ByteTable stretchTable(int low, int high) {
 
 void lift(ByteTable& table, float gamma) {
     ByteTable curve;
-    GammaTable(curve.data(), gamma);
+    GammaTable(curve, gamma);
     for (auto& entry : table) entry = curve[entry];
 }
 
@@ -204,7 +203,7 @@ void stretch(const Source& source, const Map& map) {
     if (source.mask.valid())
         applyMasked(source, *table);
     else
-        map(table->data());
+        map(*table);
 }
 
 }  // namespace
@@ -213,14 +212,14 @@ void AutoLevels(ImageView image, const LevelsRegion* region, PlaneView<const Byt
     if (!image.valid()) return;
     stretch({image.data, image.stride, image.width, image.height, ImageView::kChannels, mask,
              limitedTo(image.width, image.height, region)},
-            [&](const Byte* table) { mapPixels(image, table); });
+            [&](const ByteTable& table) { mapPixels(image, table); });
 }
 
 void AutoLevels(PlaneView<Byte> plane, const LevelsRegion* region, PlaneView<const Byte> mask) {
     if (!plane.valid()) return;
     stretch({plane.data, plane.stride, plane.width, plane.height, 1, mask,
              limitedTo(plane.width, plane.height, region)},
-            [&](const Byte* table) { mapPlane(plane, table); });
+            [&](const ByteTable& table) { mapPlane(plane, table); });
 }
 
 }  // namespace zellab

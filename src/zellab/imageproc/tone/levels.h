@@ -1,18 +1,21 @@
 #pragma once
 
-#include "zellab/imageproc/core/imageView.h"
+#include <array>
+
+#include "zellab/imageproc/tone/toneTables.h"
 
 namespace zellab {
 
-/// Levels as a table of 256 bytes.
-/// @param params  input black, gamma * 100, input white, output black, output white
-/// Entries below input black are 0 and entries from input white on are 255, whatever the output limits are.
-/// Nothing happens for null pointers.
-void LevelsAdjust(const int* params, unsigned char* table);
+/// Input black, gamma * 100, input white, output black, output white.
+using LevelsParams = std::array<int, 5>;
 
-/// A gamma curve of 256 bytes, (i / 255) ^ (1 / gamma), whose foot is eased where gamma is above 1: the pure
+/// Levels as a table. Entries below input black are 0 and entries from input white on are 255, whatever the
+/// output limits are.
+void LevelsAdjust(const LevelsParams& params, ByteTable& table);
+
+/// A gamma curve, (i / 255) ^ (1 / gamma), whose foot is eased where gamma is above 1: the pure
 /// power rises too steeply at 0. A gamma below 0.001 or NaN leaves the table as it is.
-void GammaTable(unsigned char* table, float gamma);
+void GammaTable(ByteTable& table, float gamma);
 
 /// The rectangle over which AutoLevels takes its mean: first and last row, first and last column.
 struct LevelsRegion {

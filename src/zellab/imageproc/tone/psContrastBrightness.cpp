@@ -4,9 +4,6 @@
 #include <array>
 #include <cmath>
 
-#include "zellab/imageproc/core/imageView.h"
-#include "zellab/imageproc/tone/toneTables.h"
-
 namespace zellab {
 
 namespace {
@@ -88,9 +85,11 @@ Curve mirrored(const Curve& curve) {
     return result;
 }
 
-void roundCurve(const Curve& curve, unsigned char* table) {
-    for (int i = 0; i < kEntries; ++i)
-        table[i] = static_cast<unsigned char>(std::clamp(std::floor(curve[i] + 0.5), 0.0, 255.0));
+ByteTable rounded(const Curve& curve) {
+    ByteTable table;
+    for (std::size_t i = 0; i < kEntries; ++i)
+        table[i] = static_cast<Byte>(std::clamp(std::floor(curve[i] + 0.5), 0.0, 255.0));
+    return table;
 }
 
 /// Height of the contrast parabolas for one row, in levels: an S moves its quarter points by this much.
@@ -114,19 +113,17 @@ float sliderValue(float value) {
 
 }  // namespace
 
-void BrightnessTable(int row, unsigned char* table) {
-    std::fill_n(table, kEntries, static_cast<unsigned char>(0));
-    if (row == 0 || row < -kLastBrightness || row > kLastBrightness) return;
+ByteTable BrightnessTable(int row) {
+    if (row == 0 || row < -kLastBrightness || row > kLastBrightness) return {};
     const Curve curve = brightCurve(std::abs(row));
-    roundCurve(row > 0 ? curve : mirrored(curve), table);
+    return rounded(row > 0 ? curve : mirrored(curve));
 }
 
-void ContrastTable(int row, unsigned char* table) {
-    std::fill_n(table, kEntries, static_cast<unsigned char>(0));
-    if (row == 0 || row < kFirstContrast || row > kLastContrast) return;
+ByteTable ContrastTable(int row) {
+    if (row == 0 || row < kFirstContrast || row > kLastContrast) return {};
     Curve curve;
     for (int i = 0; i < kEntries; ++i) curve[i] = contrastLevel(row, i);
-    roundCurve(curve, table);
+    return rounded(curve);
 }
 
 void PSContrastBrightness::Run(ImageView image, float brightness, float contrast) {
@@ -136,16 +133,15 @@ void PSContrastBrightness::Run(ImageView image, float brightness, float contrast
     const int brightnessRow = static_cast<int>(b * 0.01f * 150.0f + 0.5f);
     const int contrastRow = static_cast<int>(c < 0.0f ? c * 0.5f + 0.5f : c);
     if (brightnessRow == 0 && contrastRow == 0) return;
-    ByteTable brightnessTable, contrastTable;
-    BrightnessTable(brightnessRow, brightnessTable.data());
-    ContrastTable(contrastRow, contrastTable.data());
+    const ByteTable brightnessTable = BrightnessTable(brightnessRow),
+                    contrastTable = ContrastTable(contrastRow);
     // One pass over the picture: contrast on the result of brightness is a table of its own.
     ByteTable both;
     for (std::size_t i = 0; i < kEntries; ++i) {
         const Byte bright = brightnessRow != 0 ? brightnessTable[i] : static_cast<Byte>(i);
         both[i] = contrastRow != 0 ? contrastTable[bright] : bright;
     }
-    mapPixels(image, both.data());
+    mapPixels(image, both);
 }
 
 }  // namespace zellab

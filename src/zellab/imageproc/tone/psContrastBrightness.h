@@ -1,6 +1,6 @@
 #pragma once
 
-#include "zellab/imageproc/core/imageView.h"
+#include "zellab/imageproc/tone/toneTables.h"
 
 namespace zellab {
 
@@ -15,12 +15,12 @@ public:
     void Run(ImageView image, float brightness, float contrast);
 };
 
-/// Fills 256 entries with the brightness curve of a row in -150..150; all zero for row 0 and outside.
+/// The brightness curve of a row in -150..150; all zero for row 0 and outside.
 /// Bright rows are a straight foot that bends into a shoulder; row -b is row b mirrored at the diagonal.
-void BrightnessTable(int row, unsigned char* table);
+ByteTable BrightnessTable(int row);
 
-/// Fills 256 entries with the contrast curve of a row in -50..100; all zero for row 0 and outside.
+/// The contrast curve of a row in -50..100; all zero for row 0 and outside.
 /// Each row is an S of two parabolas that meet in (128, 128).
-void ContrastTable(int row, unsigned char* table);
+ByteTable ContrastTable(int row);
 
 }  // namespace zellab

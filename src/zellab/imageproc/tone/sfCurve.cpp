@@ -2,7 +2,7 @@
 
 #include <algorithm>
 #include <cstdint>
-#include <new>
+#include <numeric>
 #include <vector>
 
 #include "zellab/imageproc/core/pixelMath.h"
@@ -11,10 +11,10 @@ namespace zellab {
 
 namespace {
 
-constexpr int kTableSize = 256;
+constexpr int kTableSize = static_cast<int>(ByteTable().size());
 
-unsigned char saturate(std::int64_t value) {
-    return static_cast<unsigned char>(std::clamp<std::int64_t>(value, 0, 255));
+Byte saturate(std::int64_t value) {
+    return static_cast<Byte>(std::clamp<std::int64_t>(value, 0, 255));
 }
 
 /// Truncation of an elimination step. The limit keeps wild points (far outside a byte) within the type.
@@ -23,9 +23,10 @@ std::int64_t truncateStep(double value) {
 }
 
 /// The y components of the B-spline's control points. Only they are needed: a segment's x runs evenly.
-std::vector<std::int64_t> controlValues(const int* points, int count) {
-    const auto y = [points](int i) { return std::int64_t{points[2 * std::ptrdiff_t{i} + 1]}; };
-    std::vector<std::int64_t> b(static_cast<std::size_t>(count));
+std::vector<std::int64_t> controlValues(std::span<const CurvePoint> points) {
+    const int count = static_cast<int>(points.size());
+    const auto y = [points](int i) { return std::int64_t{points[static_cast<std::size_t>(i)].y}; };
+    std::vector<std::int64_t> b(points.size());
     const auto at = [&b](int i) -> std::int64_t& { return b[static_cast<std::size_t>(i)]; };
     at(0) = y(0);
     at(count - 1) = y(count - 1);
@@ -36,7 +37,7 @@ std::vector<std::int64_t> controlValues(const int* points, int count) {
     if (count < 3) return b;
 
     // B[i-1] + 4 B[i] + B[i+1] = 6 P[i]; the elimination truncates at every assignment.
-    std::vector<double> diagonal(static_cast<std::size_t>(count), 4.0);
+    std::vector<double> diagonal(points.size(), 4.0);
     for (int i = 1; i < count - 1; ++i) at(i) = 6 * y(i);
     at(1) -= y(0);
     at(count - 2) -= y(count - 1);
@@ -67,50 +68,47 @@ float bezier(float t, float y0, float c1, float c2, float y1) {
 
 SFCurve::SFCurve() {
     for (auto& table : m_tables) {
-        table.reset(static_cast<unsigned char*>(std::malloc(kTableSize)));
-        if (!table) throw std::bad_alloc();
-        for (int i = 0; i < kTableSize; ++i) table.get()[i] = static_cast<unsigned char>(i);
+        table = std::make_unique<ByteTable>();
+        std::iota(table->begin(), table->end(), Byte{0});
     }
 }
 
 SFCurve::~SFCurve() = default;
 
-void SFCurve::BuildTable(const int* points, int count, unsigned char* table) {
-    if (!points || !table || count < 1) return;
-    const auto x = [points](int i) { return points[2 * std::ptrdiff_t{i}]; };
-    const auto y = [points](int i) { return points[2 * std::ptrdiff_t{i} + 1]; };
-    std::fill_n(table, std::clamp(x(0), 0, kTableSize), saturate(y(0)));
-    const int last = std::clamp(x(count - 1), 0, kTableSize);
-    std::fill_n(table + last, kTableSize - last, saturate(y(count - 1)));
+void SFCurve::BuildTable(std::span<const CurvePoint> points, ByteTable& table) {
+    if (points.empty()) return;
+    const auto entryOf = [&table](const CurvePoint& p) {
+        return table.begin() + std::clamp(p.x, 0, kTableSize);
+    };
+    std::fill(table.begin(), entryOf(points.front()), saturate(points.front().y));
+    std::fill(entryOf(points.back()), table.end(), saturate(points.back().y));
 
-    const std::vector<std::int64_t> b = controlValues(points, count);
-    int position = 0;
-    for (int i = 0; i < count - 1; ++i) {
-        const auto k = static_cast<std::size_t>(i);
+    const std::vector<std::int64_t> b = controlValues(points);
+    std::size_t position = 0;
+    for (std::size_t k = 0; k + 1 < points.size(); ++k) {
+        const CurvePoint &from = points[k], &to = points[k + 1];
         const float c1 =
             static_cast<float>(static_cast<std::int64_t>(static_cast<float>(2 * b[k] + b[k + 1]) / 3.0f));
         const float c2 =
             static_cast<float>(static_cast<std::int64_t>(static_cast<float>(b[k] + 2 * b[k + 1]) / 3.0f));
-        const std::int64_t run =
-            std::max<std::int64_t>(std::abs(std::int64_t{x(i + 1)} - std::int64_t{x(i)}), 1);
-        for (std::int64_t step = 0; step < run && position < kTableSize; ++step, ++position) {
+        const std::int64_t run = std::max<std::int64_t>(std::abs(std::int64_t{to.x} - from.x), 1);
+        for (std::int64_t step = 0; step < run && position < table.size(); ++step, ++position) {
             const float t = static_cast<float>(step) / static_cast<float>(run);
             table[position] =
-                truncateToByte(bezier(t, static_cast<float>(y(i)), c1, c2, static_cast<float>(y(i + 1))));
+                truncateToByte(bezier(t, static_cast<float>(from.y), c1, c2, static_cast<float>(to.y)));
         }
     }
 }
 
-void SFCurve::BuildChannel(const int* points, int count, int channel) {
-    if (channel >= 0 && channel < kChannels) BuildTable(points, count, m_tables[channel].get());
+void SFCurve::BuildChannel(std::span<const CurvePoint> points, int channel) {
+    if (channel >= 0 && channel < kChannels) BuildTable(points, *m_tables[static_cast<std::size_t>(channel)]);
 }
 
-void CurveTableThreePoints(unsigned char* table, int x, int y) {
-    const int points[] = {0, 0, x, y, 255, 255};
-    SFCurve::BuildTable(points, 3, table);
+void CurveTableThreePoints(ByteTable& table, int x, int y) {
+    SFCurve::BuildTable(std::array<CurvePoint, 3>{{{0, 0}, {x, y}, {255, 255}}}, table);
 }
 
-void ApplyCurveThreePoints(unsigned char* table, int x, int y) {
+void ApplyCurveThreePoints(ByteTable& table, int x, int y) {
     CurveTableThreePoints(table, x, y);
 }
 

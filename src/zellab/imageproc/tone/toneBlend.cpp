@@ -64,7 +64,7 @@ void mapBlended(ImageView image, const ByteTable& red, const ByteTable& green, c
                 float weight) {
     const ByteTable r = blendWithIdentity(red, weight), g = blendWithIdentity(green, weight),
                     b = blendWithIdentity(blue, weight);
-    mapPixels(image, {r.data(), g.data(), b.data()});
+    mapPixels(image, ChannelTables{r, g, b});
 }
 
 /// @param redKnee, blueKnee  levels that 128 becomes; green's is the same in both directions

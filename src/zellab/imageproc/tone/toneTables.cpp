@@ -34,7 +34,7 @@ void mapPixels(ImageView image, const ChannelTables& tables) {
     });
 }
 
-void mapPlane(PlaneView<Byte> plane, const Byte* table) {
+void mapPlane(PlaneView<Byte> plane, const ByteTable& table) {
     parallelRows(plane.height, [&](int begin, int end) {
         for (int y = begin; y < end; ++y) {
             Byte* const row = plane.row(y);

@@ -10,22 +10,20 @@ namespace zellab {
 
 using ByteTable = std::array<Byte, 256>;
 
-/// One table of 256 bytes for each of red, green and blue; none is null.
+/// The tables of red, green and blue, for the length of a call.
 struct ChannelTables {
-    const Byte* red;
-    const Byte* green;
-    const Byte* blue;
+    const ByteTable &red, &green, &blue;
 };
 
 /// Maps every pixel of a valid view in place. The tables must not lie inside the picture.
 void mapPixels(ImageView image, const ChannelTables& tables);
 
 /// The same with one table for all three channels.
-inline void mapPixels(ImageView image, const Byte* table) {
-    mapPixels(image, {table, table, table});
+inline void mapPixels(ImageView image, const ByteTable& table) {
+    mapPixels(image, ChannelTables{table, table, table});
 }
 
 /// Maps every sample of a valid plane in place.
-void mapPlane(PlaneView<Byte> plane, const Byte* table);
+void mapPlane(PlaneView<Byte> plane, const ByteTable& table);
 
 }  // namespace zellab

@@ -5,7 +5,7 @@
 namespace zellab {
 
 ShuffleTables::ShuffleTables(const ChannelTables& tables) {
-    const Byte* const channels[3] = {tables.red, tables.green, tables.blue};
+    const Byte* const channels[3] = {tables.red.data(), tables.green.data(), tables.blue.data()};
     for (int c = 0; c < 3; ++c)
         for (int piece = 0; piece < kPieces; ++piece)
             for (int i = 0; i < 16; ++i) {

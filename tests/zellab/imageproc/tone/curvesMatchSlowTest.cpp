@@ -23,10 +23,10 @@ Table filledTable() {
 }
 
 Table engineCurve(const std::vector<slow::CurvePoint>& points) {
-    std::vector<int> pairs;
-    for (const auto& p : points) pairs.insert(pairs.end(), {p.x, p.y});
+    std::vector<zellab::CurvePoint> curve;
+    for (const auto& p : points) curve.push_back({p.x, p.y});
     Table table = filledTable();
-    zellab::SFCurve::BuildTable(pairs.data(), static_cast<int>(points.size()), table.data());
+    zellab::SFCurve::BuildTable(curve, table);
     return table;
 }
 
@@ -42,8 +42,8 @@ TEST(CurveMatchesSlow, ThroughThreePoints) {
             SCOPED_TRACE(testing::Message() << "through " << x << ", " << y);
             const Table expected = slowCurve({{0, 0}, {x, y}, {255, 255}});
             Table direct = filledTable(), temporary = filledTable();
-            zellab::CurveTableThreePoints(direct.data(), x, y);
-            zellab::ApplyCurveThreePoints(temporary.data(), x, y);
+            zellab::CurveTableThreePoints(direct, x, y);
+            zellab::ApplyCurveThreePoints(temporary, x, y);
             ASSERT_TRUE(zeltest::sameSamples(expected, direct, 256));
             ASSERT_TRUE(zeltest::sameSamples(expected, temporary, 256));
             ASSERT_TRUE(zeltest::sameSamples(expected, engineCurve({{0, 0}, {x, y}, {255, 255}}), 256));
@@ -71,7 +71,7 @@ TEST(GammaTableMatchesSlow, BelowAtAndAboveOne) {
         SCOPED_TRACE(testing::Message() << "gamma " << gamma);
         Table expected = filledTable(), actual = filledTable();
         slow::gammaTable(expected, gamma);
-        zellab::GammaTable(actual.data(), gamma);
+        zellab::GammaTable(actual, gamma);
         EXPECT_TRUE(zeltest::sameSamples(expected, actual, 256));
     }
 }
@@ -79,7 +79,7 @@ TEST(GammaTableMatchesSlow, BelowAtAndAboveOne) {
 TEST(LevelsMatchSlow, OverTheirWholeRange) {
     const auto compare = [](std::array<int, 5> params) {
         Table actual{};
-        zellab::LevelsAdjust(params.data(), actual.data());
+        zellab::LevelsAdjust(params, actual);
         ASSERT_TRUE(zeltest::sameSamples(slow::levels(params), actual, 256))
             << testing::PrintToString(params);
     };
