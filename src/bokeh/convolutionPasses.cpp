@@ -1,3 +1,5 @@
+#include <algorithm>
+#include <array>
 #include <string>
 
 #include "bokeh/passDraw.h"
@@ -112,10 +114,10 @@ bool isSoftwareRenderer(const char* name) {
     std::string lower(name);
     for (char& c : lower)
         if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
-    for (const char* const software :
-         {"llvmpipe", "softpipe", "swr", "swiftshader", "gdi generic", "microsoft basic render driver"})
-        if (lower.find(software) != lower.npos) return true;
-    return false;
+    constexpr std::array kSoftware = {"llvmpipe",    "softpipe",    "swr",
+                                      "swiftshader", "gdi generic", "microsoft basic render driver"};
+    return std::any_of(kSoftware.begin(), kSoftware.end(),
+                       [&](const char* software) { return lower.find(software) != std::string::npos; });
 }
 
 bool rendersOnProcessor() {

@@ -83,7 +83,7 @@ ZEL_TARGET_AVX2 inline void addRow(Lanes& sums, const Group& group, const Neighb
         const int second = std::min(column + 1, lastColumn);  // beyond the picture a pair's values are 0
         const int apart = std::max(-distance - 1, distance - (kGroup - 1));
         if (std::max(row.radii[column], row.radii[column + 1]) < std::max(dy, apart)) continue;
-        const __m128i* const masks =
+        const auto* const masks =
             reinterpret_cast<const __m128i*>(group.columnMask[distance - kFirstDistance]);
         const __m128i firstKernel =
             _mm_and_si128(kernelWindow(row, column, distance), _mm_loadl_epi64(masks));

@@ -40,6 +40,7 @@ private:
         const auto width = static_cast<std::size_t>(m_mask.width);
         m_queue.clear();
         visit(first, label);
+        // NOLINTNEXTLINE(modernize-loop-convert): the queue grows on the way
         for (std::size_t head = 0; head < m_queue.size(); ++head) {
             const std::size_t i = m_queue[head], x = i % width, y = i / width;
             if (x > 0) visit(i - 1, label);

@@ -24,7 +24,7 @@ Vector2f middle(Vector2f a, Vector2f b) {
 struct Affine {
     double m[6] = {};
     Vector2f operator()(Vector2f p) const {
-        const double x = static_cast<double>(p.x), y = static_cast<double>(p.y);
+        const auto x = static_cast<double>(p.x), y = static_cast<double>(p.y);
         return {static_cast<float>(m[0] * x + m[1] * y + m[2]),
                 static_cast<float>(m[3] * x + m[4] * y + m[5])};
     }
@@ -117,7 +117,7 @@ int appendEyes(const Vector2f* landmarks, Vector2f* out, int count) {
 
 /// 20 to 39: outlines of both brows, by the middles of both edges and the inner end.
 int appendBrows(const Vector2f* landmarks, Vector2f* out, int count) {
-    count = appendFitted<10>(landmarks, {31, 33, 35}, &kTemplateBrows[0], out, count);
+    count = appendFitted<10>(landmarks, {31, 33, 35}, kTemplateBrows.data(), out, count);
     return appendFitted<10>(landmarks, {77, 75, 81}, &kTemplateBrows[10], out, count);
 }
 

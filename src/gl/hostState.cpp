@@ -141,6 +141,7 @@ void HostState::saveColourBuffers() {
         buffer.blends = glIsEnabledi(GL_BLEND, i) == GL_TRUE;
         glGetBooleani_v(GL_COLOR_WRITEMASK, i, buffer.mask.data());
         for (std::size_t k = 0; k < buffer.factors.size(); ++k) get(kFactors[k], &buffer.factors[k]);
+        // NOLINTNEXTLINE(clang-analyzer-core.CallAndMessage): both arrays have one length
         for (std::size_t k = 0; k < buffer.equations.size(); ++k) get(kEquations[k], &buffer.equations[k]);
     }
 }
@@ -243,6 +244,7 @@ void HostState::restoreViewports() const {
 }
 
 void HostState::restoreCompatibility() const {
+    // NOLINTNEXTLINE(clang-analyzer-core.CallAndMessage): both arrays have one length
     for (std::size_t i = 0; i < m_oldSwitches.size(); ++i) turn(kOldSwitches[i], m_oldSwitches[i]);
     glClampColor(GL_CLAMP_FRAGMENT_COLOR, enumOf(m_fragmentClamp));
     for (std::size_t i = 0; i < m_pixelTransfer.size(); ++i)

@@ -83,7 +83,7 @@ bool readGraph(Message graph, OnnxHead& head) {
         if (field.number == kGraphInput) return readValue(field.bytes, head.inputs);
         return field.number != kGraphOutput || readValue(field.bytes, head.outputs);
     });
-    std::erase_if(head.inputs, [&](const OnnxValue& value) { return weights.count(value.name) > 0; });
+    std::erase_if(head.inputs, [&](const OnnxValue& value) { return weights.contains(value.name); });
     return read && nodes > 0;
 }
 

@@ -102,7 +102,7 @@ const char* createOn(const EglLibrary& egl, EGLDisplay display, EGLContext share
     if (!bound) return "eglBindAPI";
     const char* extensions = egl.queryString(display, EGL_EXTENSIONS);
     const bool needsSurface = !hasWord(extensions, "EGL_KHR_surfaceless_context");
-    const EGLConfig config = chooseConfig(egl, display);
+    EGLConfig config = chooseConfig(egl, display);
     // Contexts that draw to textures alone need no format of their own.
     if (!config && (needsSurface || !hasWord(extensions, "EGL_KHR_no_config_context")))
         return "eglChooseConfig";
@@ -113,7 +113,7 @@ const char* createOn(const EglLibrary& egl, EGLDisplay display, EGLContext share
                                                 EGL_CONTEXT_OPENGL_PROFILE_MASK,
                                                 EGL_CONTEXT_OPENGL_CORE_PROFILE_BIT,
                                                 EGL_NONE};
-    const EGLContext context = egl.createContext(display, config, share, kVersion.data());
+    EGLContext context = egl.createContext(display, config, share, kVersion.data());
     if (context == EGL_NO_CONTEXT) return "eglCreateContext";
     EGLSurface surface = EGL_NO_SURFACE;
     if (needsSurface) {
@@ -169,13 +169,13 @@ bool makeGlContextCurrent(const GlContext& context) {
 void releaseCurrentGlContext() {
     const EglLibrary* egl = eglLibrary();
     if (!egl) return;
-    const EGLDisplay display = egl->getCurrentDisplay();
+    EGLDisplay display = egl->getCurrentDisplay();
     if (display != EGL_NO_DISPLAY) egl->makeCurrent(display, EGL_NO_SURFACE, EGL_NO_SURFACE, EGL_NO_CONTEXT);
 }
 
 GlContext currentGlContext() {
     if (const EglLibrary* egl = eglLibrary()) {
-        const EGLContext context = egl->getCurrentContext();
+        EGLContext context = egl->getCurrentContext();
         if (context != EGL_NO_CONTEXT)
             return {context, egl->getCurrentDisplay(), egl->getCurrentSurface(EGL_DRAW)};
     }

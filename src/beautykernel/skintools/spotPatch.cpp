@@ -14,6 +14,7 @@ constexpr int kMostUnknowns = kLargestSide * kLargestSide;
 
 int textureValue(int radius, int channel, int column, int row) {
     if (radius == 0) return kSpotTexture0;
+    // NOLINTNEXTLINE(clang-analyzer-core.uninitialized.UndefReturn): column and row stay below 2 * radius + 1
     if (radius == 1) return kSpotTexture1[column][row];
     return row == kLargestSide - 1 ? kSpotTexture2LastRow[channel][column] : kSpotTexture2[column][row];
 }

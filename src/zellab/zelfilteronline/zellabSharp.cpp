@@ -134,6 +134,7 @@ template <int kFrom, int kFull>
         moves[4 * x] = moves[4 * x + 1] = moves[4 * x + 2] = changes[x];
         moves[4 * x + 3] = 0;
     }
+    // NOLINTNEXTLINE(clang-analyzer-core.UndefinedBinaryOperatorResult): filled above for every pixel
     for (int i = 0; i < 4 * count; ++i) pixels[i] = zellab::clampToByte(pixels[i] + moves[i]);
 }
 

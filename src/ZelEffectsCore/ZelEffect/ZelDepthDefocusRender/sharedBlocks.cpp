@@ -28,7 +28,7 @@ bool dropHolder(const void* block) {
 
 void retainShared(std::initializer_list<const void*> blocks) {
     const std::lock_guard lock(g_mutex);
-    auto next = blocks.begin();
+    const auto* next = blocks.begin();
     try {
         for (; next != blocks.end(); ++next)
             if (*next) ++furtherHolders()[*next];

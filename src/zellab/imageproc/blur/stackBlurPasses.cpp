@@ -125,7 +125,7 @@ private:
 
     /// What the last strip reads beside the picture influences nothing, but it shall have a value.
     void clearRowEnds() {
-        const std::size_t used = static_cast<std::size_t>(m_source.rowSamples());
+        const auto used = static_cast<std::size_t>(m_source.rowSamples());
         for (std::size_t i = 0; i < m_rows.capacity(); ++i)
             std::memset(m_rows.slot(i) + used, 0, m_rows.slotBytes() - used);
     }

@@ -80,6 +80,7 @@ template <int kChannels>
     else
         for (std::size_t p = begin; p < lanes; ++p) feedback[p] = decay.share[difference[p]];
     for (std::size_t j = begin; j < lanes; ++j) {
+        // NOLINTNEXTLINE(clang-analyzer-core.UndefinedBinaryOperatorResult): lanes are whole pixels, all filled
         const float move = static_cast<float>(from[j] - to[j]) * feedback[j] + kRound;
         to[j] = static_cast<Byte>(to[j] + static_cast<int>(move));
     }

@@ -143,6 +143,7 @@ Model mix(const Model& a, const Model& b, double share) {
 
 void apply(const Grid& grid, const Plane<Model>& models, ConstImageView guide, PlaneView<Byte> plane) {
     std::vector<Between> across;
+    across.reserve(grid.width);
     for (int x = 0; x < grid.width; ++x) across.emplace_back(x, grid.width, grid.columns);
     parallelRows(grid.height, [&](int begin, int end) {
         std::vector<Model> line(static_cast<std::size_t>(grid.columns));

@@ -104,8 +104,9 @@ float summed(float g1, float g2, float g3, float p1, float p2, float p3) {
 }  // namespace
 
 RootTables::RootTables() {
+    constexpr int kMiddle = kEntries / 2;
     for (int k = 0; k < kEntries; ++k) {
-        const float r = static_cast<float>(k - kEntries / 2) / 500.0f;
+        const float r = static_cast<float>(k - kMiddle) / 500.0f;
         const float angle = std::acos(r / 2.0f) / 3.0f;
         first[static_cast<std::size_t>(k)] = std::cos(angle);
         second[static_cast<std::size_t>(k)] = std::cos(angle + 2.0f * std::numbers::pi_v<float> / 3.0f);

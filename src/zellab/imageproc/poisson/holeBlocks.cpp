@@ -41,6 +41,7 @@ std::vector<GridBlock> holeBlocksFromOutside(PlaneView<const Byte> mask, const B
     for (int y = 0; y < grid.rows; ++y)
         for (int x = 0; x < grid.columns; ++x)
             if (!isSurrounded({x, y})) append({x, y});
+    // NOLINTNEXTLINE(modernize-loop-convert): the list grows on the way
     for (std::size_t i = 0; i < list.size(); ++i) {
         const GridBlock b = list[i];
         for (const GridBlock next : {GridBlock{b.x + 1, b.y}, GridBlock{b.x, b.y + 1},

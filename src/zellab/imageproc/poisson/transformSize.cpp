@@ -34,7 +34,7 @@ static_assert(kTransformSizes.size() == 337 && kTransformSizes.back() == 10000);
 int transformPadding(int side) {
     if (side < 2 || side > kLargestTransformSize / 2 + 1) return 0;
     const int length = 2 * side - 2;
-    auto size = std::lower_bound(kTransformSizes.begin(), kTransformSizes.end(), length);
+    const auto* size = std::lower_bound(kTransformSizes.begin(), kTransformSizes.end(), length);
     while (*size % 2 != 0) ++size;  // the last entry is even, so this ends
     return (*size - length) / 2;
 }

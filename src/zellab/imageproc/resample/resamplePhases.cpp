@@ -106,10 +106,9 @@ public:
 private:
     void buildEnlarging(int phase, std::int16_t* out) const {
         std::array<float, kWideTaps> row{};
-        const int count = taps();
+        const int count = taps(), middle = count / 2 - 1;
         for (int k = 0; k < count; ++k) {
-            const float distance =
-                static_cast<float>(k - (count / 2 - 1)) - static_cast<float>(phase) / kPhases;
+            const float distance = static_cast<float>(k - middle) - static_cast<float>(phase) / kPhases;
             row[static_cast<std::size_t>(k)] =
                 m_shape.support > kCubicSupport
                     ? static_cast<float>(windowedSinc(distance, m_shape.support, m_shape.enlarging))
@@ -119,10 +118,10 @@ private:
     }
 
     void buildShrinking(int phase, std::int16_t* out) const {
-        const int count = taps();
+        const int count = taps(), middle = count / 2 - 1;
         std::vector<double> row(static_cast<std::size_t>(count));
         for (int k = 0; k < count; ++k) {
-            const double distance = (k - (count / 2 - 1) - static_cast<double>(phase) / kPhases) / m_stretch;
+            const double distance = (k - middle - static_cast<double>(phase) / kPhases) / m_stretch;
             row[static_cast<std::size_t>(k)] =
                 m_shape.support > kCubicSupport ? windowedSinc(distance, m_shape.support, m_shape.shrinking)
                                                 : static_cast<double>(cubicTap(static_cast<float>(distance)));
@@ -140,7 +139,7 @@ private:
 int positionOf(int output, int source, int target, int quality) {
     constexpr float kLargest = 2147483520.0f;  // the largest float that an int holds
     const float centre = (static_cast<float>(output) + 0.5f) / static_cast<float>(target);
-    const float samples = static_cast<float>(source);
+    const auto samples = static_cast<float>(source);
     const float at = quality == 0 ? centre * (samples - 0.5f) : centre * samples - 0.5f;
     const int position = static_cast<int>(std::min(at * kPhases + 0.5f, kLargest));
     if (quality != 0) return position;
@@ -158,7 +157,7 @@ AxisFilter buildAxisFilter(int source, int target, int quality) {
     filter.rowLength = (filter.taps + 3) / 4 * 4;
 
     // Rows are built for the phases that occur: a long kernel serves few outputs.
-    constexpr std::size_t kNotBuilt = static_cast<std::size_t>(-1);
+    constexpr auto kNotBuilt = static_cast<std::size_t>(-1);
     std::array<std::size_t, kPhases> rowOfPhase;
     rowOfPhase.fill(kNotBuilt);
     for (int i = 0; i < target; ++i) {

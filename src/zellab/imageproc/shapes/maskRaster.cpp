@@ -37,7 +37,7 @@ struct Tap {
     int here, next;
     float share;
     Tap(float position, int size) {
-        const float last = static_cast<float>(size - 1);
+        const auto last = static_cast<float>(size - 1);
         const float at = position > 0.0f ? std::min(position, last) : 0.0f;
         here = static_cast<int>(at);
         next = std::min(here + 1, size - 1);
@@ -70,9 +70,9 @@ void drawTriangle(const Corner* c, ImageView target, ConstImageView texture) {
     parallelRows(raster.bottom() - raster.top() + 1, [&](int begin, int end) {
         for (int y = raster.top() + begin; y < raster.top() + end; ++y) {
             const PixelSpan span = raster.span(y);
-            const float fy = static_cast<float>(y);
+            const auto fy = static_cast<float>(y);
             for (int x = span.first; x <= span.last; ++x) {
-                const float fx = static_cast<float>(x);
+                const auto fx = static_cast<float>(x);
                 sampleBilinear(texture, affine[0] * fx + affine[1] * fy + affine[2],
                                affine[3] * fx + affine[4] * fy + affine[5], target.at(x, y));
             }

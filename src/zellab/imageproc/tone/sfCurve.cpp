@@ -59,8 +59,8 @@ std::vector<std::int64_t> controlValues(std::span<const CurvePoint> points) {
 /// One Bezier segment, end values y0 and y1, inner control values c1 and c2. Single precision.
 float bezier(float t, float y0, float c1, float c2, float y1) {
     const float s = 1.0f - t;
-    const float sCubed = static_cast<float>(static_cast<double>(s) * s * s);
-    const float tCubed = static_cast<float>(static_cast<double>(t) * t * t);
+    const auto sCubed = static_cast<float>(static_cast<double>(s) * s * s);
+    const auto tCubed = static_cast<float>(static_cast<double>(t) * t * t);
     return sCubed * y0 + 3.0f * s * s * t * c1 + 3.0f * s * t * t * c2 + tCubed * y1;
 }
 
@@ -87,9 +87,9 @@ void SFCurve::BuildTable(std::span<const CurvePoint> points, ByteTable& table) {
     std::size_t position = 0;
     for (std::size_t k = 0; k + 1 < points.size(); ++k) {
         const CurvePoint &from = points[k], &to = points[k + 1];
-        const float c1 =
+        const auto c1 =
             static_cast<float>(static_cast<std::int64_t>(static_cast<float>(2 * b[k] + b[k + 1]) / 3.0f));
-        const float c2 =
+        const auto c2 =
             static_cast<float>(static_cast<std::int64_t>(static_cast<float>(b[k] + 2 * b[k + 1]) / 3.0f));
         const std::int64_t run = std::max<std::int64_t>(std::abs(std::int64_t{to.x} - from.x), 1);
         for (std::int64_t step = 0; step < run && position < table.size(); ++step, ++position) {
