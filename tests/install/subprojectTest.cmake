@@ -21,7 +21,7 @@ string(REGEX MATCH "\"command\": \"([^\"]*)client\\.cpp\"" command "${commands}"
 if(NOT command OR command MATCHES "ffp-contract|-Wshadow|-Werror|fvisibility|std=c\\+\\+20|-O3")
   message(FATAL_ERROR "The client is compiled with: ${command}")
 endif()
-if(commands MATCHES "host/main\\.cpp|gtest")
+if(commands MATCHES "cli/main\\.cpp|gtest")
   message(FATAL_ERROR "The client's project has the library's command or tests")
 endif()
 
