@@ -30,14 +30,14 @@ ShortOfMemory inShortMemory(std::size_t spare, const Body& body) {
         // Blocks of any size come from the heap and stay there when they are freed.
         mallopt(M_MMAP_THRESHOLD, 1 << 24);
         mallopt(M_TRIM_THRESHOLD, -1);
-        void* const left = spare > 0 ? std::malloc(spare) : nullptr;
+        // The optimiser must not take these blocks for unused.
+        void* volatile left = spare > 0 ? std::malloc(spare) : nullptr;
         rlimit limit{};
         getrlimit(RLIMIT_AS, &limit);
         limit.rlim_cur = 0;
         setrlimit(RLIMIT_AS, &limit);
         constexpr std::size_t kStep = 16;
         for (std::size_t bytes = std::size_t{1} << 23; bytes >= kStep;) {
-            // The optimiser must not take the block for unused.
             if (void* volatile block = std::malloc(bytes); !block)
                 bytes = bytes > 2048 ? bytes / 2 : bytes - kStep;
         }
