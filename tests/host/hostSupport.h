@@ -1,11 +1,13 @@
 #pragma once
 
+#include <gmock/gmock.h>
 #include <sys/wait.h>
+#include <algorithm>
 #include <cstdlib>
 #include <filesystem>
 #include <string>
 
-#include "portrait/image.h"
+#include "effectRegistry.h"
 #include "support/scratchFolder.h"
 
 namespace zeltest {
@@ -15,6 +17,17 @@ using TemporaryFolder = ScratchFolder;
 inline std::string readText(const std::string& path) {
     const Bytes bytes = readBytes(path);
     return {bytes.begin(), bytes.end()};
+}
+
+/// The words of the fault that a call ends with; "accepted" without one.
+template <typename Fault = zel::Failure, typename Call>
+std::string faultOf(const Call& call) {
+    try {
+        call();
+    } catch (const Fault& fault) {
+        return fault.what();
+    }
+    return "accepted";
 }
 
 /// A picture with shapes and edges; opaque unless asked.
@@ -59,6 +72,17 @@ inline Bytes colourProfile(const std::string& space, std::size_t size = 3000) {
     return profile;
 }
 
+/// One effect run as the command does it, with what it may take beside the picture.
+inline zel::Image applied(const std::string& name, zel::Image image,
+                          const std::vector<std::string>& assignments, const zel::FaceSet& faces = {},
+                          const zel::Mask* mask = nullptr, const zel::Image* second = nullptr) {
+    const zel::Effect& effect = zel::findEffect(name);
+    const zel::ParameterValues values = zel::parseValues(effect, assignments);
+    zel::EffectRun run{image, faces, mask, second, values, [](const std::string&, double) {}};
+    effect.run(run);
+    return image;
+}
+
 /// What one run of the built program left behind.
 struct ProgramRun {
     int status = -1;
@@ -72,6 +96,33 @@ inline ProgramRun runZel(const TemporaryFolder& folder, const std::string& words
     const int status = std::system(command.c_str());
     return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, readText(folder / ".out"),
             readText(folder / ".err")};
+}
+
+/// Passes a run through that must have ended well; what it said shows where it did not.
+inline ProgramRun expectOk(const ProgramRun& run) {
+    EXPECT_EQ(run.status, 0) << run.err;
+    return run;
+}
+
+/// Words that the program must refuse, and what it says then.
+struct Refusal {
+    const char *words, *says;
+    int status = 2;
+};
+
+/// Each run must end with one line that says why, and without the file `output`.
+inline void expectRefusals(const TemporaryFolder& folder, const std::string& begin, const std::string& output,
+                           std::initializer_list<Refusal> refusals) {
+    for (const Refusal& refusal : refusals) {
+        SCOPED_TRACE(refusal.words);
+        const ProgramRun run = runZel(folder, begin + refusal.words);
+        EXPECT_EQ(run.status, refusal.status) << run.err;
+        EXPECT_THAT(run.err, testing::HasSubstr(refusal.says));
+        EXPECT_THAT(run.err, testing::StartsWith("zel: "));
+        EXPECT_EQ(std::count(run.err.begin(), run.err.end(), '\n'), 1) << run.err;
+        EXPECT_EQ(run.out, "");
+        EXPECT_FALSE(std::filesystem::exists(folder / output));
+    }
 }
 
 }  // namespace zeltest

@@ -4,7 +4,6 @@
 #include <gtest/gtest.h>
 
 #include <cstdio>
-#include <optional>
 
 #include "hostSupport.h"
 #include "run/jobs.h"

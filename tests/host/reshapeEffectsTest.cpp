@@ -1,8 +1,5 @@
 #include <gtest/gtest.h>
 
-#include <algorithm>
-
-#include "effectRegistry.h"
 #include "hostSupport.h"
 #include "portrait/portrait.h"
 
@@ -28,12 +25,7 @@ struct TwoFaces {
 };
 
 Image applied(const std::string& name, const TwoFaces& scene, const std::vector<std::string>& assignments) {
-    Image image = scene.image;
-    const zel::Effect& effect = zel::findEffect(name);
-    const zel::ParameterValues values = zel::parseValues(effect, assignments);
-    zel::EffectRun run{image, scene.faces, nullptr, nullptr, values, [](const std::string&, double) {}};
-    effect.run(run);
-    return image;
+    return zeltest::applied(name, scene.image, assignments, scene.faces);
 }
 
 /// How many bytes differ in the top left corner where the small face lies, and elsewhere.
