@@ -36,14 +36,14 @@ TEST(AssetSearch, AHostThatStandsElsewhereGetsTheSameBytes) {
     // The test program has switched the search off; the told outcome without the table is another one.
     const Outcome without = retouchedIn(elsewhere.path(""));
     EXPECT_NE(without.picture, expected);
-    EXPECT_NE(without.log.find("LoadPPM file not from sdcard or not exist!"), std::string::npos);
-    EXPECT_NE(without.log.find("failed to load PSOverlay.png from style"), std::string::npos);
+    EXPECT_NE(without.log.find("LoadPPM file not from sdcard or not exist!"), without.log.npos);
+    EXPECT_NE(without.log.find("failed to load PSOverlay.png from style"), without.log.npos);
 
     for (const char* told : {static_cast<const char*>(nullptr), ZEL_ASSETS, "/nowhere"}) {
         const zeltest::Environment variable("ZEL_ASSETS", told);
         const Outcome outcome = retouchedIn(elsewhere.path(""));
         EXPECT_EQ(outcome.picture, expected) << (told ? told : "beside the library");
-        EXPECT_EQ(outcome.log.find("PSOverlay"), std::string::npos) << outcome.log;
+        EXPECT_EQ(outcome.log.find("PSOverlay"), outcome.log.npos) << outcome.log;
     }
 }
 
@@ -52,7 +52,7 @@ TEST(AssetSearch, ATableThatCannotBeReadIsTold) {
     std::filesystem::create_directories(folder.path("style/base/PSOverlay.bin"));  // a folder in its place
     const Outcome outcome = retouchedIn(folder.path(""));
     EXPECT_NE(outcome.log.find("ERROR: style asset style/base/PSOverlay.bin cannot be read"),
-              std::string::npos)
+              outcome.log.npos)
         << outcome.log;
 }
 

@@ -111,17 +111,6 @@ TEST_F(DefocusPictures, HairKeepsThePhotograph) {
     EXPECT_GT(left(scene.inPlace(render, {60, true}), 30), 15);
 }
 
-TEST_F(DefocusPictures, FocusMovesToTheBackground) {
-    Render render;
-    scene.prepare(render);
-    Bytes image = scene.picture;
-    ASSERT_TRUE(render.Run(image.data(), kWidth, kHeight, 0, nullptr, 0.1f, 0.1f, 100, 1.0f, false, true,
-                           1.0f, 0.5f, 0.0f));
-    EXPECT_LT(distance(cut(image, kWidth, 0, 0, 70, 240), cut(scene.picture, kWidth, 0, 0, 70, 240)), 1);
-    EXPECT_GT(distance(cut(image, kWidth, 125, 90, 70, 140), cut(scene.picture, kWidth, 125, 90, 70, 140)),
-              3);
-}
-
 /// The line that tells the band in focus.
 std::string bandLine(const std::string& log) {
     const std::size_t at = log.find("disparity: [");

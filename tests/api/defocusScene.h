@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <cstdlib>
 
 #include "support/randomImage.h"
 #include "support/streamCapture.h"
@@ -24,28 +23,23 @@ struct DefocusScene {
 
     DefocusScene() {
         const Bytes colours = randomBytes(3 * 32 * 32, 3), grain = randomRgba(kWidth, kHeight, 4);
-        for (int y = 0; y < kHeight; ++y)
-            for (int x = 0; x < kWidth; ++x) {
-                for (std::size_t c = 0; c < 3; ++c)
-                    picture.push_back(static_cast<unsigned char>(
-                        colours[static_cast<std::size_t>(3 * (y / 9 * 32 + x / 11)) + c] * 15 / 16 +
-                        grain[picture.size()] % 8));
-                picture.push_back(255);
-            }
+        picture = drawnRgba(kWidth, kHeight, [&](int x, int y) {
+            std::array<int, 3> colour;
+            for (std::size_t c = 0; c < 3; ++c)
+                colour[c] = colours[static_cast<std::size_t>(3 * (y / 9 * 32 + x / 11)) + c] * 15 / 16 +
+                            grain[static_cast<std::size_t>(4 * (y * kWidth + x)) + c] % 8;
+            return colour;
+        });
         for (int y = 60; y < 240; ++y) std::fill_n(depth.begin() + y * kWidth + 100, 120, 220);
     }
 
     /// A strip of six frames whose opening is half a disc, so that turning it shows.
     static Bytes shape() {
-        constexpr int kFrame = 176, kAcross = 6 * kFrame;
-        Bytes rgba(std::size_t{4} * kAcross * kFrame, 0);
-        for (int y = 0; y < kFrame; ++y)
-            for (int x = 0; x < kAcross; ++x) {
-                const int dx = x % kFrame - kFrame / 2, dy = y - kFrame / 2;
-                if (dx * dx + dy * dy < 80 * 80 && dx > 0)
-                    rgba[static_cast<std::size_t>(4 * (y * kAcross + x))] = 255;
-            }
-        return rgba;
+        const auto half = [](int x, int y) {
+            const int dx = x % 176 - 88, dy = y - 88;
+            return std::array{dx * dx + dy * dy < 80 * 80 && dx > 0 ? 255 : 0, 0, 0};
+        };
+        return drawnRgba(1056, 176, half, 0);
     }
 
     /// A render that is ready to run, with the built shaders.
@@ -80,16 +74,6 @@ inline double distance(const Bytes& a, const Bytes& b) {
     for (std::size_t i = 0; i < a.size(); ++i)
         if (i % 4 != 3) sum += (a[i] - b[i]) * (a[i] - b[i]);
     return std::sqrt(sum / (0.75 * static_cast<double>(a.size())));
-}
-
-/// The pixels of a rectangle.
-inline Bytes cut(const Bytes& rgba, int width, int left, int top, int across, int down) {
-    Bytes part;
-    for (int y = top; y < top + down; ++y) {
-        const auto row = rgba.begin() + 4 * (y * width + left);
-        part.insert(part.end(), row, row + 4 * across);
-    }
-    return part;
 }
 
 /// A test with a context of its own, as a host makes it.

@@ -5,7 +5,6 @@
 #include <climits>
 #include <cmath>
 #include <limits>
-#include <vector>
 
 #include "facepoints/faceTemplate.h"
 #include "support/guardedBytes.h"
@@ -58,7 +57,14 @@ public:
         std::copy(m_picture.begin(), m_picture.end(), m_image.data());
         for (GuardedBytes* buffer : {&m_second, &m_cover})
             std::copy(m_noise.begin(), m_noise.end(), buffer->data());
-        for (auto& b : m_plane) b = b < 200 ? 0 : b;
+        for (int i = 0; i < width * height; ++i) {
+            const int x = i % width, y = i / width;
+            unsigned char& mark = m_plane[static_cast<std::size_t>(i)];
+            const bool border = x == 0 || y == 0 || x == width - 1 || y == height - 1;
+            const bool marked[] = {mark >= 200, true, false, border, x >= width / 2, i == width * height / 2};
+            const std::size_t kind = static_cast<std::size_t>(round / 2) % 6;
+            mark = !marked[kind] ? 0 : kind == 0 ? mark : 255;
+        }
         std::copy(m_plane.begin(), m_plane.end(), m_mask.data());
         std::copy(kTableBytes.begin(), kTableBytes.end(), m_table.data());
         addFaces();
@@ -100,6 +106,11 @@ public:
                m_mask.guardsIntact() && m_table.guardsIntact();
     }
     bool pictureUntouched() { return std::equal(m_picture.begin(), m_picture.end(), m_image.data()); }
+    bool alphaUntouched() {
+        for (std::size_t i = 3; i < m_picture.size(); i += 4)
+            if (m_image[i] != m_picture[i]) return false;
+        return true;
+    }
     bool nothingTouched() {
         return pictureUntouched() && std::equal(m_noise.begin(), m_noise.end(), m_second.data()) &&
                std::equal(m_noise.begin(), m_noise.end(), m_cover.data()) &&

@@ -50,9 +50,9 @@ TEST(LibraryFile, ExportsTheMembersOfTheExportedClassesAndNothingElse) {
 // The library must load where no OpenGL is installed, so it may not ask the loader for any.
 TEST(LibraryFile, LoadsWithoutOpenGl) {
     const std::string needed = outputOf(ZEL_READELF " -d " ZEL_LIBRARY_FILE " | grep NEEDED");
-    EXPECT_NE(needed.find("libc.so"), std::string::npos) << "the list could not be read";
+    EXPECT_NE(needed.find("libc.so"), needed.npos) << "the list could not be read";
     for (const char* name : {"[libEGL", "[libGL", "[libOpenGL"})
-        EXPECT_EQ(needed.find(name), std::string::npos) << needed;
+        EXPECT_EQ(needed.find(name), needed.npos) << needed;
 }
 
 }  // namespace

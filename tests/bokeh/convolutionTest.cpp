@@ -13,34 +13,33 @@
 namespace {
 
 using namespace zellab::Bokeh;
-using zeltest::BokehCase;
-using zeltest::Bytes;
+using namespace zeltest;
 
-class Convolution : public zeltest::GlScene {
+class Convolution : public GlScene {
 protected:
     ConvolutionTextures texturesOf(const BokehCase& c) {
         ConvolutionTextures textures;
-        textures.small = zeltest::rgbaTexture(c.width, c.height, c.rgba.data());
-        textures.kernel = zeltest::planeTexture(kStripWidth, kStripHeight, c.strip.data());
+        textures.small = rgbaTexture(c.width, c.height, c.rgba.data());
+        textures.kernel = planeTexture(kStripWidth, kStripHeight, c.strip.data());
         textures.ratio = Texture2D(c.width, c.height, kOrderRed, kTypeFloat, nullptr);
-        if (!c.radius.empty()) textures.radius = zeltest::planeTexture(c.width, c.height, c.radius.data());
+        if (!c.radius.empty()) textures.radius = planeTexture(c.width, c.height, c.radius.data());
         EXPECT_TRUE(ratio(cache, textures.small, lookValues(c.look), textures.ratio));
         return textures;
     }
 
     Bytes convolved(const BokehCase& c, bool cpuOnly) {
-        const Texture2D target = zeltest::rgbaTexture(c.width, c.height, nullptr);
+        const Texture2D target = rgbaTexture(c.width, c.height, nullptr);
         EXPECT_TRUE(convolve(cache, texturesOf(c), c.source(), cpuOnly, target));
-        return zeltest::readRgba(target);
+        return readRgba(target);
     }
 };
 
 BokehCase randomCase(int width, int height, int largest, bool spin, const Look& look, unsigned seed) {
     BokehCase c{width,
                 height,
-                zeltest::randomRgba(width, height, seed),
-                zeltest::patchyRadius(width, height, largest, seed + 1),
-                zeltest::randomStrip(seed + 2),
+                randomRgba(width, height, seed),
+                patchyRadius(width, height, largest, seed + 1),
+                randomStrip(seed + 2),
                 {},
                 look};
     if (spin) {
@@ -62,13 +61,13 @@ TEST_F(Convolution, OpenGlAndTheProcessorPaintTheSamePicture) {
                                                 << ", constant " << constant);
                 std::atomic<int> next{0};
                 const ConvolutionSource source = c.source();
-                const Bytes processor = zeltest::assemble(computeTiles(source, next, 2), c.width, c.height);
+                const Bytes processor = assemble(computeTiles(source, next, 2), c.width, c.height);
                 // A strip of no valid size leaves the whole picture to OpenGL.
                 ConvolutionSource noStrip = source;
                 noStrip.kernel = {};
-                const Texture2D target = zeltest::rgbaTexture(c.width, c.height, nullptr);
+                const Texture2D target = rgbaTexture(c.width, c.height, nullptr);
                 ASSERT_TRUE(convolve(cache, texturesOf(c), noStrip, false, target));
-                const auto d = zeltest::differenceOf(zeltest::readRgba(target), processor);
+                const auto d = differenceOf(readRgba(target), processor);
                 EXPECT_LE(d.largest, 2);
                 EXPECT_LT(d.mean, 0.3);
             }
@@ -78,9 +77,9 @@ TEST_F(Convolution, WhoeverWinsTheTilesThePictureIsTheSame) {
     const BokehCase c = randomCase(520, 270, 9, false, {1, 0.5f, 1, 0.5f}, 50);
     const Bytes processor = convolved(c, true);
     std::atomic<int> next{0};
-    EXPECT_EQ(processor, zeltest::assemble(computeTiles(c.source(), next, 2), c.width, c.height))
+    EXPECT_EQ(processor, assemble(computeTiles(c.source(), next, 2), c.width, c.height))
         << "with the processor alone its bytes come through unchanged";
-    const auto d = zeltest::differenceOf(convolved(c, false), processor);
+    const auto d = differenceOf(convolved(c, false), processor);
     EXPECT_LE(d.largest, 2);
     EXPECT_LT(d.mean, 0.3);
 }
@@ -88,11 +87,11 @@ TEST_F(Convolution, WhoeverWinsTheTilesThePictureIsTheSame) {
 TEST_F(Convolution, WithoutAThreadForTheChoreNothingIsLeftUndone) {
     const BokehCase c = randomCase(520, 270, 9, false, {1, 0.5f, 1, 0.5f}, 70);
     const Bytes expected = convolved(c, true);
-    zeltest::StreamCapture log(stderr);
-    const zeltest::NoThreads alone;
+    StreamCapture log(stderr);
+    const NoThreads alone;
     ASSERT_THROW(std::thread([] {}), std::system_error);
     EXPECT_EQ(convolved(c, true), expected) << "the calling thread computes the tiles";
-    EXPECT_LE(zeltest::differenceOf(convolved(c, false), expected).largest, 2) << "OpenGL paints them all";
+    EXPECT_LE(differenceOf(convolved(c, false), expected).largest, 2) << "OpenGL paints them all";
     EXPECT_NE(log.text().find("[ERROR  ] Fail to schedule the chore!\n"), std::string::npos);
 }
 
@@ -108,15 +107,14 @@ TEST_F(Convolution, BothSidesPutTheEdgeBetweenFramesAtTheSamePixel) {
         std::fill_n(c.rgba.begin() + 4 * (y * kWide + x), 3, static_cast<unsigned char>(255));
     ConvolutionSource noStrip = c.source();
     noStrip.kernel = {};
-    const Texture2D target = zeltest::rgbaTexture(kWide, kHigh, nullptr);
+    const Texture2D target = rgbaTexture(kWide, kHigh, nullptr);
     ASSERT_TRUE(convolve(cache, texturesOf(c), noStrip, false, target));
-    EXPECT_LE(zeltest::differenceOf(zeltest::readRgba(target), convolved(c, true)).largest, 2);
+    EXPECT_LE(differenceOf(readRgba(target), convolved(c, true)).largest, 2);
 }
 
 TEST_F(Convolution, WhatDoesNotFitDrawsNothing) {
     const BokehCase c = randomCase(40, 30, 5, false, {1, 0, 0, 0}, 60);
-    const Texture2D target = zeltest::rgbaTexture(40, 30, c.rgba.data()),
-                    other = zeltest::rgbaTexture(44, 30, nullptr);
+    const Texture2D target = rgbaTexture(40, 30, c.rgba.data()), other = rgbaTexture(44, 30, nullptr);
     EXPECT_FALSE(convolve(cache, texturesOf(c), c.source(), true, other)) << "the target has another size";
     ConvolutionSource noStrip = c.source();
     noStrip.kernel.width = 300;
@@ -124,7 +122,7 @@ TEST_F(Convolution, WhatDoesNotFitDrawsNothing) {
     ShaderCache empty;
     EXPECT_FALSE(convolve(empty, texturesOf(c), c.source(), true, target)) << "the shader is missing";
     EXPECT_FALSE(convolve(cache, texturesOf(c), c.source(), false, {}));
-    EXPECT_EQ(zeltest::readRgba(target), c.rgba);
+    EXPECT_EQ(readRgba(target), c.rgba);
 }
 
 // Shapes of the free form: at rest it spreads one point over its square, and each parameter changes that.
@@ -135,15 +133,15 @@ TEST_F(Convolution, TheFreeShapeFollowsItsParameters) {
     for (int i = 0; i < 300 * 300; ++i) shape[static_cast<std::size_t>(i)] = i % 300 < 150 ? 255 : 100;
     const Bytes radius(side * side, 6);
     ConvolutionTextures textures;
-    textures.small = zeltest::rgbaTexture(side, side, rgba.data());
-    textures.kernel = zeltest::planeTexture(300, 300, shape.data());
-    textures.radius = zeltest::planeTexture(side, side, radius.data());
+    textures.small = rgbaTexture(side, side, rgba.data());
+    textures.kernel = planeTexture(300, 300, shape.data());
+    textures.radius = planeTexture(side, side, radius.data());
     textures.ratio = Texture2D(side, side, kOrderRed, kTypeFloat, nullptr);
     ASSERT_TRUE(ratio(cache, textures.small, lookValues({1, 0, 0, 0}), textures.ratio));
     const auto draw = [&](const FreeShape& free) {
-        const Texture2D target = zeltest::rgbaTexture(side, side, nullptr);
+        const Texture2D target = rgbaTexture(side, side, nullptr);
         EXPECT_TRUE(convolveFree(cache, textures, lookValues({1, 0, 0, 0}), 30, free, target));
-        return zeltest::readRgba(target);
+        return readRgba(target);
     };
     const auto covered = [](const Bytes& picture) {
         int count = 0;

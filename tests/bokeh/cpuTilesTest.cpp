@@ -16,8 +16,7 @@
 namespace {
 
 using namespace zellab::Bokeh;
-using zeltest::BokehCase;
-using zeltest::Bytes;
+using namespace zeltest;
 
 Bytes recordsOf(int width, int height) {
     const zellab::Plane<zellab::Byte> plane = spinIndexPlane(width, height);
@@ -27,7 +26,7 @@ Bytes recordsOf(int width, int height) {
 Bytes chorePicture(const BokehCase& c) {
     std::atomic<int> next{0};
     const ConvolutionSource source = c.source();
-    return zeltest::assemble(startTileChore(source, next).get(), c.width, c.height);
+    return assemble(startTileChore(source, next).get(), c.width, c.height);
 }
 
 Bytes slowPicture(const BokehCase& c) {
@@ -35,42 +34,6 @@ Bytes slowPicture(const BokehCase& c) {
         c.radius.empty() ? Bytes(c.rgba.size() / 4, static_cast<unsigned char>(c.maximum)) : c.radius;
     return slow::bokehGather(c.rgba, c.width, c.height, radius, c.maximum, c.strip, c.records,
                              {c.look.amount, c.look.intensity, c.look.highlights, c.look.vivid});
-}
-
-TEST(BokehKernels, HoldWhatTheStripHoldsAtEverySizeAndTurn) {
-    const Bytes strip = zeltest::randomStrip(1);
-    const StripView view(strip.data(), kStripWidth, kStripHeight);
-    const KernelSet plain = KernelSet::pyramid(view), spin = KernelSet::spinPyramid(view);
-    ASSERT_EQ(plain.records(), 1);
-    ASSERT_EQ(spin.records(), kRecords);
-    for (const bool turned : {false, true})
-        for (int record = 0; record < (turned ? kRecords : 1); record += 7)
-            for (int radius = 0; radius <= kMaxRadius; ++radius) {
-                const int n = 2 * radius + 1;
-                const Bytes expected = slow::bokehKernel(strip, n, turned, record);
-                for (int i = 0; i < n; ++i) {
-                    const zellab::Byte* const row =
-                        (turned ? spin : plain).rowTowards(record, radius, radius - i);
-                    ASSERT_TRUE(std::equal(row - radius, row + radius + 1, expected.begin() + i * n))
-                        << "record " << record << ", radius " << radius << ", row " << i;
-                    // A vectorised load may begin up to a group away from the row: it must find zeros.
-                    ASSERT_EQ(row[-radius - 1], 0);
-                    ASSERT_EQ(row[radius + 1], 0);
-                }
-                ASSERT_EQ((turned ? spin : plain)
-                              .rowTowards(record, radius, radius == kMaxRadius ? 0 : -radius - 1)[0],
-                          radius == kMaxRadius ? expected[expected.size() / 2] : 0);
-            }
-}
-
-TEST(BokehWeights, AreSixteenthsOfThePowerAndStopAtTheirEnd) {
-    const Bytes rgba = zeltest::randomRgba(61, 40, 2);
-    for (const Look look : {Look{1, 0, 0, 0}, Look{0.5f, 0.6f, 1, 0.7f}, Look{2.2f, 1, 3, 1}}) {
-        const auto plane = weightPlane({rgba.data(), 61, 40}, lookValues(look));
-        const auto expected =
-            slow::bokehWeights(rgba, {look.amount, look.intensity, look.highlights, look.vivid});
-        EXPECT_TRUE(std::equal(expected.begin(), expected.end(), plane.data(), plane.data() + plane.size()));
-    }
 }
 
 struct TileCase {
@@ -84,22 +47,20 @@ class CpuTiles : public testing::TestWithParam<TileCase> {};
 
 TEST_P(CpuTiles, MatchTheObviousLoopsBitForBit) {
     const TileCase& p = GetParam();
-    BokehCase c{p.width, p.height, zeltest::randomRgba(p.width, p.height, 3), {}, zeltest::randomStrip(4),
-                {},      p.look};
+    BokehCase c{p.width, p.height, randomRgba(p.width, p.height, 3), {}, randomStrip(4), {}, p.look};
     if (p.constant)
         c.maximum = p.largest;
     else
-        c.radius = zeltest::patchyRadius(p.width, p.height, p.largest, 5);
+        c.radius = patchyRadius(p.width, p.height, p.largest, 5);
     if (p.spin) c.records = recordsOf(p.width, p.height);
     const Bytes expected = slowPicture(c);
-    zeltest::expectSameOnEveryMachine([&] { return chorePicture(c) == expected; });
-    EXPECT_TRUE(chorePicture(c) == expected);
+    onEveryMachine([&] { EXPECT_TRUE(chorePicture(c) == expected); });
 }
 
 INSTANTIATE_TEST_SUITE_P(Cases, CpuTiles,
                          testing::Values(TileCase{"identity", 83, 61, 30, false, false, {1, 0, 0, 0}},
                                          TileCase{"lights", 83, 61, 24, false, false, {1.5f, 0.9f, 2, 0.6f}},
-                                         TileCase{"spinning", 90, 70, 12, true, false, {1, 0.5f, 1, 0.5f}},
+                                         TileCase{"spinning", 90, 70, 30, true, false, {1, 0.5f, 1, 0.5f}},
                                          TileCase{"constant", 64, 50, 9, false, true, {1, 0.4f, 1, 0}},
                                          TileCase{"constantSpin", 64, 50, 9, true, true, {1, 0.4f, 1, 0}},
                                          TileCase{"acrossTiles", 263, 6, 5, false, false, {1, 0.3f, 1, 0.2f}},
@@ -114,12 +75,7 @@ TEST(CpuTiles, FullWindowsOfTheBrightestWeightsKeepTheirSums) {
 }
 
 TEST(CpuTiles, TilesCoverThePictureOnceAndAreSharedThroughTheCounter) {
-    EXPECT_EQ(TileGrid(256, 1).across(), 1);
-    EXPECT_EQ(TileGrid(257, 1).across(), 2);
-    EXPECT_EQ(TileGrid(0, 0).count(), 0);
-    BokehCase c{
-        600, 300,         zeltest::randomRgba(600, 300, 7), Bytes(600 * 300, 1), zeltest::randomStrip(8),
-        {},  {1, 0, 0, 0}};
+    BokehCase c{600, 300, randomRgba(600, 300, 7), Bytes(600 * 300, 1), randomStrip(8), {}, {1, 0, 0, 0}};
     std::atomic<int> next{2};  // another worker has taken two of the six
     const ConvolutionSource source = c.source();
     const auto tiles = startTileChore(source, next).get();

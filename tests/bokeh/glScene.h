@@ -2,8 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <cstdlib>
-
 #include "bokeh/passes.h"
 #include "bokehCase.h"
 #include "gl/glSupport.h"
@@ -37,23 +35,6 @@ inline Bytes readRgba(const zellab::Bokeh::Texture2D& texture) {
     Bytes pixels(static_cast<std::size_t>(texture.width()) * static_cast<std::size_t>(texture.height()) * 4);
     if (!texture.read(0, 0, texture.width(), texture.height(), pixels.data())) pixels.clear();
     return pixels;
-}
-
-/// Largest and mean difference of two pictures' bytes.
-struct Difference {
-    int largest = 0;
-    double mean = 0;
-};
-inline Difference differenceOf(const Bytes& a, const Bytes& b) {
-    Difference d;
-    if (a.size() != b.size() || a.empty()) return {256, 256};
-    for (std::size_t i = 0; i < a.size(); ++i) {
-        const int apart = std::abs(int{a[i]} - int{b[i]});
-        d.largest = std::max(d.largest, apart);
-        d.mean += apart;
-    }
-    d.mean /= static_cast<double>(a.size());
-    return d;
 }
 
 }  // namespace zeltest

@@ -8,6 +8,7 @@
 #include "cli/files/readPicture.h"
 #include "cli/files/writePicture.h"
 #include "hostSupport.h"
+#include "support/environment.h"
 
 namespace {
 
@@ -28,12 +29,9 @@ protected:
     /// Mean change of the columns from `left` on.
     double change(const std::string& file, int left, int across) const {
         const Bytes after = zelcli::readPicture(folder / file, false).image.rgba;
-        double sum = 0;
-        for (int y = 0; y < kHeight; ++y)
-            for (int i = 4 * (y * kWidth + left); i < 4 * (y * kWidth + left + across); ++i)
-                sum += std::abs(int{after[static_cast<std::size_t>(i)]} -
-                                int{picture.rgba[static_cast<std::size_t>(i)]});
-        return sum / (4.0 * kHeight * across);
+        return differenceOf(cut(after, kWidth, left, 0, across, kHeight),
+                            cut(picture.rgba, kWidth, left, 0, across, kHeight))
+            .mean;
     }
     const TemporaryFolder folder;
     const zelcli::Image picture = testImage(kWidth, kHeight, 6);
@@ -41,14 +39,14 @@ protected:
 
 TEST_F(DefocusCommand, AGivenDepthMapDecidesWhatIsBlurred) {
     const std::string words = "apply defocus a.png -o o.png --depth near-right.png --depth-out d.png --quiet";
-    ASSERT_EQ(runZel(folder, words + " --set focus=0.9,0.5").status, 0);
+    expectOk(runZel(folder, words + " --set focus=0.9,0.5"));
     EXPECT_LT(change("o.png", 100, 60), 0.5);
     EXPECT_GT(change("o.png", 0, 60), 8);
     const zelcli::Image depth = zelcli::readPicture(folder / "d.png", false).image;
     EXPECT_EQ(depth.width, kWidth);
     EXPECT_EQ(depth.rgba[4 * 80 * kWidth], 15);
     EXPECT_EQ(depth.rgba[4 * 80 * kWidth + 4 * 150], 230);
-    ASSERT_EQ(runZel(folder, words + " --set focus=0.1,0.5 --set blurLevel=100").status, 0);
+    expectOk(runZel(folder, words + " --set focus=0.1,0.5 --set blurLevel=100"));
     EXPECT_LT(change("o.png", 0, 60), 0.5);
     EXPECT_GT(change("o.png", 100, 60), 2);
 }
@@ -57,7 +55,7 @@ TEST_F(DefocusCommand, LivelinessStrengthensTheGroundAndLeavesTheSubject) {
     const std::string words =
         "apply defocus a.png -o o.png --depth near-right.png --quiet --set focus=0.9,0.5 --set liveliness=";
     const auto result = [&](const char* amount) {
-        EXPECT_EQ(runZel(folder, words + amount).status, 0);
+        expectOk(runZel(folder, words + amount));
         return zelcli::readPicture(folder / "o.png", false).image.rgba;
     };
     const Bytes plain = result("0"), lively = result("1");
@@ -77,13 +75,12 @@ TEST_F(DefocusCommand, LivelinessStrengthensTheGroundAndLeavesTheSubject) {
     EXPECT_GT(look(lively, 0, 60).second, look(plain, 0, 60).second);
     EXPECT_THAT(runZel(folder, "apply defocus --help").out,
                 testing::AllOf(HasSubstr("liveliness"), testing::Not(HasSubstr("vivid"))));
-    EXPECT_EQ(runZel(folder, words + "0 --set vivid=0.2").status, 0) << "old command lines go on";
+    expectOk(runZel(folder, words + "0 --set vivid=0.2"));
 }
 
 TEST_F(DefocusCommand, EstimatesDepthWhereNoneIsGiven) {
-    const ProgramRun run = runZel(folder, "apply defocus a.png -o o.png --depth-out d.png");
-    ASSERT_EQ(run.status, 0) << run.err;
-    const ProgramRun depth = runZel(folder, "depth a.png -o other.png --quiet");
+    expectOk(runZel(folder, "apply defocus a.png -o o.png --depth-out d.png"));
+    expectOk(runZel(folder, "depth a.png -o other.png --quiet"));
     EXPECT_EQ(zelcli::readPicture(folder / "d.png", false).image.rgba,
               zelcli::readPicture(folder / "other.png", false).image.rgba);
 }
@@ -91,15 +88,12 @@ TEST_F(DefocusCommand, EstimatesDepthWhereNoneIsGiven) {
 TEST_F(DefocusCommand, EveryShapeIsThereAndDrawsAnotherPicture) {
     // Blurs of a few pixels have a kernel of their own: the shape needs a larger picture to show.
     zelcli::writePicture(folder / "large.png", testImage(512, 384, 6));
+    const std::string words =
+        "apply defocus large.png -o o.png --depth near-right.png --quiet --set focus=0.9,0.5 "
+        "--set blurLevel=100 --set shape=";
     std::vector<Bytes> seen;
     for (const char* shape : {"classic", "hexagon", "heart", "star", "ring", "oval", "spin"}) {
-        ASSERT_EQ(
-            runZel(folder, std::string("apply defocus large.png -o o.png --depth near-right.png --quiet "
-                                       "--set focus=0.9,0.5 --set blurLevel=100 --set shape=") +
-                               shape)
-                .status,
-            0)
-            << shape;
+        expectOk(runZel(folder, words + shape));
         const Bytes rgba = zelcli::readPicture(folder / "o.png", false).image.rgba;
         EXPECT_EQ(std::count(seen.begin(), seen.end(), rgba), 0) << shape;
         seen.push_back(rgba);
@@ -107,33 +101,21 @@ TEST_F(DefocusCommand, EveryShapeIsThereAndDrawsAnotherPicture) {
 }
 
 TEST_F(DefocusCommand, WrongWordsAreRefusedInOneLineAndLeaveNoPicture) {
-    const struct {
-        const char* words;
-        int status;
-        const char* says;
-    } cases[] = {{"--set focus=0.5", 2, "focus must be"},     {"--set focus=0.5,1.5", 2, "focus must be"},
-                 {"--set focus=nan,0.5", 2, "focus must be"}, {"--set focus=0.5,0.5,0.5", 2, "focus must be"},
-                 {"--set shape=square", 2, "shape"},          {"--set blurLevel=101", 2, "0..100"},
-                 {"--depth missing.png", 1, "missing.png"}};
-    for (const auto& c : cases) {
-        const ProgramRun run = runZel(folder, std::string("apply defocus a.png -o o.png ") + c.words);
-        EXPECT_EQ(run.status, c.status) << c.words << run.err;
-        EXPECT_THAT(run.err, HasSubstr(c.says)) << c.words;
-        EXPECT_FALSE(std::filesystem::exists(folder / "o.png")) << c.words;
-    }
+    expectRefusals(folder, "apply defocus a.png -o o.png --quiet ", "o.png",
+                   {{"--set focus=0.5", "focus must be"},
+                    {"--set focus=0.5,1.5", "focus must be"},
+                    {"--set focus=nan,0.5", "focus must be"},
+                    {"--set shape=square", "shape"},
+                    {"--set blurLevel=101", "0..100"},
+                    {"--depth missing.png", "missing.png", 1}});
 }
 
 TEST_F(DefocusCommand, WithoutOpenGlOneClearLineSaysSo) {
-    for (const char* hidden :
-         {"LIBGL_DRIVERS_PATH=/nonexistent", "__EGL_VENDOR_LIBRARY_FILENAMES=/nonexistent.json"}) {
-        const std::string assignment(hidden), name = assignment.substr(0, assignment.find('='));
-        setenv(name.c_str(), assignment.substr(name.size() + 1).c_str(), 1);
-        const ProgramRun run = runZel(folder, "apply defocus a.png -o o.png --depth near-right.png --quiet");
-        unsetenv(name.c_str());
-        EXPECT_EQ(run.status, 1) << hidden;
-        EXPECT_THAT(run.err, HasSubstr("a.png: depth of field needs OpenGL")) << hidden;
-        EXPECT_EQ(std::count(run.err.begin(), run.err.end(), '\n'), 1) << run.err;
-        EXPECT_FALSE(std::filesystem::exists(folder / "o.png"));
+    for (const auto& [name, value] : {std::pair{"LIBGL_DRIVERS_PATH", "/nonexistent"},
+                                      {"__EGL_VENDOR_LIBRARY_FILENAMES", "/nonexistent.json"}}) {
+        const Environment hidden(name, value);
+        expectRefusals(folder, "apply defocus a.png -o o.png ", "o.png",
+                       {{"--depth near-right.png --quiet", "a.png: depth of field needs OpenGL", 1}});
     }
 }
 
@@ -143,12 +125,11 @@ TEST_F(DefocusCommand, APictureThatIsTooLongForOpenGlIsAnErrorAndLeavesTheOldOne
     zelcli::Image strip{32767, 3, Bytes(std::size_t{4} * 32767 * 3, 77), {}, {}};
     zelcli::writePicture(folder / "long.png", strip);
     zelcli::writePicture(folder / "o.png", picture);
+    const std::string words =
+        "apply defocus long.png -o o.png --depth near-right.png --quiet --set resolution=";
     for (const char* resolution : {"full", "preview"}) {
-        const ProgramRun run =
-            runZel(folder, std::string("apply defocus long.png -o o.png --depth near-right.png --quiet "
-                                       "--set resolution=") +
-                               resolution);
-        EXPECT_EQ(run.status, 1) << resolution;
+        const ProgramRun run = runZel(folder, words + resolution);
+        EXPECT_EQ(run.status, 1) << resolution << run.err;
         EXPECT_THAT(run.err, HasSubstr("long.png: is too large for the OpenGL driver")) << run.err;
         EXPECT_EQ(change("o.png", 0, kWidth), 0);
     }
@@ -158,12 +139,11 @@ TEST_F(DefocusCommand, MixMaskMixesByTheMask) {
     zelcli::Image other = picture;
     for (auto& c : other.rgba) c = static_cast<unsigned char>(255 - c);
     zelcli::writePicture(folder / "b.png", other);
-    ASSERT_EQ(
-        runZel(folder, "apply mix-mask a.png -o o.png --second b.png --mask near-right.png --quiet").status,
-        0);
+    const std::string words = "apply mix-mask a.png -o o.png --mask near-right.png --quiet";
+    expectOk(runZel(folder, words + " --second b.png"));
     EXPECT_GT(change("o.png", 100, 60), 10);
     EXPECT_LT(change("o.png", 0, 60), change("o.png", 100, 60) / 4);
-    EXPECT_NE(runZel(folder, "apply mix-mask a.png -o o.png --mask near-right.png").status, 0);
+    EXPECT_NE(runZel(folder, words).status, 0);
 }
 
 }  // namespace

@@ -6,22 +6,26 @@
 #include "cli/files/readPicture.h"
 #include "cli/files/writePicture.h"
 #include "hostSupport.h"
+#include "support/environment.h"
 
 namespace {
 
 using namespace zeltest;
 using testing::HasSubstr;
 
-/// Draws p.png, 260 by 320.
-void drawPicture(const TemporaryFolder& folder) {
-    ASSERT_EQ(runZel(folder, "portrait -o p.png --size 260x320 --seed 3 --quiet").status, 0);
+/// Draws a file of 260 by 320 pixels with one face.
+void drawPicture(const TemporaryFolder& folder, const std::string& file) {
+    expectOk(runZel(folder, "portrait --size 260x320 --seed 3 --quiet -o " + file));
+}
+
+std::size_t facesIn(const std::string& file) {
+    return zel_faces_count(zelcli::readFaces(file).get());
 }
 
 TEST(FacesCommand, WritesFaceDataThatApplyTakesAndApplyFindsTheSameByItself) {
     const TemporaryFolder folder;
-    drawPicture(folder);
-    const ProgramRun run = runZel(folder, "faces p.png -o p.json --overlay o.png");
-    ASSERT_EQ(run.status, 0) << run.err;
+    drawPicture(folder, "p.png");
+    const ProgramRun run = expectOk(runZel(folder, "faces p.png -o p.json --overlay o.png"));
     EXPECT_EQ(run.out, "");
     EXPECT_THAT(run.err, HasSubstr("1 face found (confidence "));
     const libzel::Faces set = zelcli::readFaces(folder / "p.json");
@@ -35,9 +39,8 @@ TEST(FacesCommand, WritesFaceDataThatApplyTakesAndApplyFindsTheSameByItself) {
     EXPECT_EQ(overlay.width % 260, 0);
     EXPECT_GT(overlay.width, 1000);
 
-    ASSERT_EQ(runZel(folder, "apply auto-slim-face p.png -o given.png --faces p.json").status, 0);
-    const ProgramRun found = runZel(folder, "apply auto-slim-face p.png -o found.png");
-    ASSERT_EQ(found.status, 0) << found.err;
+    expectOk(runZel(folder, "apply auto-slim-face p.png -o given.png --faces p.json"));
+    const ProgramRun found = expectOk(runZel(folder, "apply auto-slim-face p.png -o found.png"));
     EXPECT_THAT(found.err, HasSubstr("p.png: 1 face found"));
     EXPECT_EQ(readBytes(folder / "found.png"), readBytes(folder / "given.png"));
     EXPECT_NE(zelcli::readPicture(folder / "found.png", false).image.rgba,
@@ -47,28 +50,26 @@ TEST(FacesCommand, WritesFaceDataThatApplyTakesAndApplyFindsTheSameByItself) {
 TEST(FacesCommand, NoFaceIsAnEmptyListWithANoteAndStopsWhatNeedsFaces) {
     const TemporaryFolder folder;
     zelcli::writePicture(folder / "plain.png", testImage(64, 48, 2));
-    const ProgramRun run = runZel(folder, "faces plain.png -o f.json");
-    EXPECT_EQ(run.status, 0);
+    const ProgramRun run = expectOk(runZel(folder, "faces plain.png -o f.json"));
     EXPECT_THAT(run.err, HasSubstr("plain.png: no face was found"));
-    EXPECT_EQ(zel_faces_count(zelcli::readFaces(folder / "f.json").get()), 0u);
+    EXPECT_EQ(facesIn(folder / "f.json"), 0u);
 
     const ProgramRun apply = runZel(folder, "apply auto-zoom-eye plain.png -o o.png");
-    EXPECT_EQ(apply.status, 1);
+    EXPECT_EQ(apply.status, 1) << apply.err;
     EXPECT_THAT(apply.err, HasSubstr("no face was found; --faces"));
     EXPECT_FALSE(std::filesystem::exists(folder / "o.png"));
 }
 
 TEST(FacesCommand, SeveralInputsGoToAFolderAndOneThatFailsStopsNoOther) {
     const TemporaryFolder folder;
-    drawPicture(folder);
-    std::filesystem::rename(folder / "p.png", folder / "a.png");
+    drawPicture(folder, "a.png");
     zelcli::writePicture(folder / "b.png", testImage(64, 48, 2));
     writeBytes(folder / "broken.png", {1, 2, 3});
     const ProgramRun run = runZel(folder, "faces a.png broken.png b.png -o out --overlay out --jobs 2");
-    EXPECT_EQ(run.status, 1);
+    EXPECT_EQ(run.status, 1) << run.err;
     EXPECT_THAT(run.err, HasSubstr("zel: broken.png: "));
-    EXPECT_EQ(zel_faces_count(zelcli::readFaces(folder / "out/a.json").get()), 1u);
-    EXPECT_EQ(zel_faces_count(zelcli::readFaces(folder / "out/b.json").get()), 0u);
+    EXPECT_EQ(facesIn(folder / "out/a.json"), 1u);
+    EXPECT_EQ(facesIn(folder / "out/b.json"), 0u);
     EXPECT_TRUE(std::filesystem::exists(folder / "out/a-faces.png"));
     EXPECT_FALSE(std::filesystem::exists(folder / "out/broken.json"));
 }
@@ -78,36 +79,21 @@ TEST(FacesCommand, WrongUsageIsStatusTwo) {
     zelcli::writePicture(folder / "a.png", testImage(8, 8, 1));
     std::filesystem::create_directory(folder / "sub");
     zelcli::writePicture(folder / "sub/a.png", testImage(8, 8, 1));
-    const struct {
-        const char *words, *says;
-    } cases[] = {
-        {"faces a.png", "--output"},
-        {"faces a.png sub/a.png -o f.json", "must be a folder"},
-        {"faces a.png sub/a.png -o f/", "written twice"},
-        {"faces a.png -o f.json --overlay o.tiff", ".png, .jpg or .jpeg"},
-    };
-    for (const auto& c : cases) {
-        const ProgramRun run = runZel(folder, c.words);
-        EXPECT_EQ(run.status, 2) << c.words;
-        EXPECT_THAT(run.err, HasSubstr(c.says)) << c.words;
-    }
-    EXPECT_FALSE(std::filesystem::exists(folder / "f.json"));
+    expectRefusals(folder, "faces ", "f.json",
+                   {{"a.png", "--output"},
+                    {"a.png sub/a.png -o f.json", "must be a folder"},
+                    {"a.png sub/a.png -o f/", "written twice"},
+                    {"a.png -o f.json --overlay o.tiff", ".png, .jpg or .jpeg"}});
     EXPECT_FALSE(std::filesystem::exists(folder / "f"));
 }
 
 TEST(FacesCommand, MissingDetectorIsOneLineThatNamesThePackage) {
     const TemporaryFolder folder;
     zelcli::writePicture(folder / "a.png", testImage(64, 64, 1));
-    ASSERT_EQ(setenv("ZEL_CASCADES", folder.path().c_str(), 1), 0);
-    const ProgramRun faces = runZel(folder, "faces a.png -o f.json");
-    const ProgramRun apply = runZel(folder, "apply auto-slim-face a.png -o o.png --quiet");
-    unsetenv("ZEL_CASCADES");
-    EXPECT_EQ(faces.status, 1);
-    EXPECT_THAT(faces.err, HasSubstr("opencv-data"));
-    EXPECT_EQ(apply.status, 1);
-    EXPECT_THAT(apply.err, HasSubstr("opencv-data"));
-    EXPECT_THAT(apply.err, HasSubstr("--faces"));
-    EXPECT_EQ(std::count(apply.err.begin(), apply.err.end(), '\n'), 1);
+    const Environment none("ZEL_CASCADES", folder.path().c_str());
+    expectRefusals(folder, "", "f.json", {{"faces a.png -o f.json", "opencv-data", 1}});
+    expectRefusals(folder, "apply auto-slim-face a.png --quiet -o ", "o.png",
+                   {{"o.png", "opencv-data", 1}, {"o.png", "--faces", 1}});
 }
 
 }  // namespace

@@ -1,11 +1,15 @@
 #pragma once
 
+#include <gmock/gmock.h>
 #include <sys/wait.h>
+#include <algorithm>
 #include <cstdlib>
 #include <filesystem>
 #include <string>
 
+#include "cli/failure.h"
 #include "cli/files/image.h"
+#include "support/faultOf.h"
 #include "support/scratchFolder.h"
 
 namespace zeltest {
@@ -72,6 +76,33 @@ inline ProgramRun runZel(const TemporaryFolder& folder, const std::string& words
     const int status = std::system(command.c_str());
     return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, readText(folder / ".out"),
             readText(folder / ".err")};
+}
+
+/// Passes a run through that must have ended well; what it said shows where it did not.
+inline ProgramRun expectOk(const ProgramRun& run) {
+    EXPECT_EQ(run.status, 0) << run.err;
+    return run;
+}
+
+/// Words that the program must refuse, and what it says then.
+struct Refusal {
+    const char *words, *says;
+    int status = 2;
+};
+
+/// Each run must end with one line that says why, and without the file `output`.
+inline void expectRefusals(const TemporaryFolder& folder, const std::string& begin, const std::string& output,
+                           std::initializer_list<Refusal> refusals) {
+    for (const Refusal& refusal : refusals) {
+        SCOPED_TRACE(refusal.words);
+        const ProgramRun run = runZel(folder, begin + refusal.words);
+        EXPECT_EQ(run.status, refusal.status) << run.err;
+        EXPECT_THAT(run.err, testing::HasSubstr(refusal.says));
+        EXPECT_THAT(run.err, testing::StartsWith("zel: "));
+        EXPECT_EQ(std::count(run.err.begin(), run.err.end(), '\n'), 1) << run.err;
+        EXPECT_EQ(run.out, "");
+        EXPECT_FALSE(std::filesystem::exists(folder / output));
+    }
 }
 
 }  // namespace zeltest

@@ -2,8 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
-
 #include "cli/drawing/glyphs.h"
 #include "hostSupport.h"
 
@@ -46,11 +44,11 @@ TEST(Sheet, TakesAwkwardPictures) {
 }
 
 TEST(Sheet, ReducesByTheMeanOfAreas) {
-    zelcli::Image checks = flat(400, 300, 0);
-    for (int y = 0; y < 300; ++y)
-        for (int x = 0; x < 400; ++x)
-            if ((x + y) % 2)
-                std::fill_n(checks.rgba.begin() + 4 * (y * 400 + x), 3, static_cast<unsigned char>(200));
+    const auto check = [](int x, int y) {
+        const int grey = (x + y) % 2 * 200;
+        return std::array{grey, grey, grey};
+    };
+    const zelcli::Image checks{400, 300, drawnRgba(400, 300, check), {}, {}};
     const zelcli::Image reduced = zelcli::reduceToFit(checks, 100, 100);
     EXPECT_EQ(reduced.width, 100);
     EXPECT_EQ(reduced.height, 75);

@@ -7,7 +7,6 @@
 #include <Eigen/Dense>
 #include <algorithm>
 #include <map>
-#include <numeric>
 
 #include "depth/depthAreas.h"
 #include "depth/fastBilateralSolver.h"

@@ -16,8 +16,7 @@ namespace {
 
 using zellab::CInterFacePoint;
 using zellab::Vector2f;
-using zeltest::Landmarks;
-using zeltest::Placing;
+using namespace zeltest;
 using Points = std::array<Vector2f, CInterFacePoint::kBlockPoints>;
 using Positions = std::vector<std::size_t>;
 
@@ -119,12 +118,12 @@ std::size_t partner(std::size_t i) {
 
 Landmarks mirroredLandmarks(const Landmarks& face) {
     Landmarks mirrored = Placing{1, 0, 0, 0, -1}(face);
-    for (const auto& [a, b] : zeltest::kMirrorPairs) std::swap(mirrored[a], mirrored[b]);
+    for (const auto& [a, b] : kMirrorPairs) std::swap(mirrored[a], mirrored[b]);
     return mirrored;
 }
 
 TEST(FaceInterpolation, HoldsTheToldPlaces) {
-    const Landmarks face = zeltest::variedFace(zeltest::standardFace(400, 500, kPupils), 3);
+    const Landmarks face = variedFace(standardFace(400, 500, kPupils), 3);
     const Points p = pointsOf(face);
     const auto same = [](Vector2f a, Vector2f b) { return a.x == b.x && a.y == b.y; };
     EXPECT_TRUE(same(p[169], face[24]) && same(p[170], face[70]));
@@ -137,10 +136,11 @@ TEST(FaceInterpolation, HoldsTheToldPlaces) {
     EXPECT_NEAR(p[298].x, p[107].x + (p[107].x - p[48].x) * 0.3f, 1e-3);
     EXPECT_NEAR(p[0].x, face[21].x, 1e-2);
     EXPECT_NEAR(p[15].y, face[71].y, 1e-2);
+    for (Vector2f zero : pointsOf({})) EXPECT_TRUE(same(zero, {})) << "a face of zeros";
 }
 
 TEST(FaceInterpolation, FollowsASimilarityTransform) {
-    const Landmarks face = zeltest::variedFace(zeltest::standardFace(0, 0, kPupils), 8);
+    const Landmarks face = variedFace(standardFace(0, 0, kPupils), 8);
     const Points before = pointsOf(face);
     for (const Placing& move : {Placing{1, 0, 900, -40, 1}, Placing{7.5f, 0.6f, 200, 3000, 1},
                                 Placing{0.2f, -2.0f, 5, 5, 1}, Placing{1.3f, 3.1f, 0, 0, 1}}) {
@@ -156,7 +156,7 @@ TEST(FaceInterpolation, FollowsASimilarityTransform) {
 
 TEST(FaceInterpolation, AMirroredFaceGivesTheMirroredList) {
     for (unsigned seed = 0; seed < 20; ++seed) {
-        const Landmarks face = zeltest::variedFace(zeltest::standardFace(0, 0, kPupils), seed);
+        const Landmarks face = variedFace(standardFace(0, 0, kPupils), seed);
         const Points plain = pointsOf(face), mirrored = pointsOf(mirroredLandmarks(face));
         for (std::size_t i = 0; i < plain.size(); ++i) {
             ASSERT_EQ(partner(partner(i)), i);
@@ -203,7 +203,7 @@ TEST(FaceInterpolation, NarrowEyesKeepTheirLidsInOrderAndOthersTheirFit) {
     int hanging = 0, open = 0;
     for (unsigned seed = 0; seed < 200; ++seed) {
         SCOPED_TRACE(seed);
-        Landmarks face = zeltest::variedFace(zeltest::standardFace(0, 0, kPupils), seed);
+        Landmarks face = variedFace(standardFace(0, 0, kPupils), seed);
         std::array<bool, 2> hangs;
         for (std::size_t k = 0; k < 2; ++k) {
             const EyeOutline& eye = kOutlines[k];
@@ -244,14 +244,10 @@ TEST(FaceInterpolation, NarrowEyesKeepTheirLidsInOrderAndOthersTheirFit) {
     EXPECT_GT(std::min(hanging, open), 100);
 }
 
-TEST(FaceInterpolation, AFaceOfZerosGivesTheWholeListOfZeros) {
-    for (Vector2f p : pointsOf({})) EXPECT_TRUE(p.x == 0 && p.y == 0);
-}
-
 TEST(FaceInterpolation, EachListLiesOnItsFeature) {
     for (unsigned seed = 0; seed < 60; ++seed) {
         SCOPED_TRACE(seed);
-        const Landmarks face = zeltest::variedFace(zeltest::standardFace(0, 0, kPupils), seed);
+        const Landmarks face = variedFace(standardFace(0, 0, kPupils), seed);
         const Points p = pointsOf(face);
         for (const Positions& polygon : {kEyes[0], kEyes[1], kBrows[0], kBrows[1], kMouth, kFace})
             EXPECT_TRUE(isSimple(p, polygon)) << polygon[0];
@@ -305,7 +301,7 @@ TEST(FaceInterpolation, OutlinesHoldTheWholeBrow) {
 TEST(FaceInterpolation, UnderEyePointsLieBetweenLidAndNoseAndTheForeheadAboveTheBrows) {
     for (unsigned seed = 0; seed < 60; ++seed) {
         SCOPED_TRACE(seed);
-        const Points p = pointsOf(zeltest::variedFace(zeltest::standardFace(0, 0, kPupils), seed));
+        const Points p = pointsOf(variedFace(standardFace(0, 0, kPupils), seed));
         const Vector2f axis{p[41].x - p[98].x, p[41].y - p[98].y};
         const auto height = [&](std::size_t i) {
             return ((p[i].x - p[98].x) * axis.x + (p[i].y - p[98].y) * axis.y) /
@@ -328,15 +324,21 @@ TEST(FaceInterpolation, UnderEyePointsLieBetweenLidAndNoseAndTheForeheadAboveThe
 
 TEST(InterFacePoint, AddFaceSetsTheCountAndOverwritesTheBlock) {
     CInterFacePoint faces;
+    const Landmarks landmarks = standardFace(100, 200, 40);
     EXPECT_EQ(faces.GetInterPointCount(), 0);
+    faces.AddFace(nullptr, 0);
+    faces.AddFace(landmarks.data(), -1);
     EXPECT_EQ(faces.GetInterPoints(0), nullptr);
-    faces.AddFace(zeltest::standardFace(300, 300, 60).data(), 0);
+    faces.AddFace(standardFace(300, 300, 60).data(), 2);
     EXPECT_EQ(faces.GetInterPointCount(), 310);
-    const Vector2f* block = faces.GetInterPoints(0);
-    const Points moved = pointsOf(zeltest::standardFace(100, 200, 40));
-    faces.AddFace(zeltest::standardFace(100, 200, 40).data(), 0);
-    EXPECT_EQ(faces.GetInterPoints(0), block);
+    EXPECT_EQ(faces.GetInterPoints(1), nullptr) << "the slots below stay empty";
+    const Vector2f* block = faces.GetInterPoints(2);
+    const Points moved = pointsOf(landmarks);
+    faces.AddFace(landmarks.data(), 2);
+    ASSERT_EQ(faces.GetInterPoints(2), block);
     for (std::size_t i = 0; i < moved.size(); ++i) EXPECT_EQ(block[i].x, moved[i].x);
+    for (const auto& [index, face] : {std::pair{-1, 0}, {2, 2}, {3, 0}})
+        EXPECT_EQ(zellab::clampFaceIndex(index, 3), face) << "out of range is face 0";
 }
 
 }  // namespace

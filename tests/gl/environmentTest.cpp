@@ -15,7 +15,6 @@
 namespace {
 
 using namespace zellab::gl;
-using testing::HasSubstr;
 using zellab::Bokeh::Texture2D;
 
 std::string g_seen;
@@ -61,38 +60,6 @@ TEST(GlVersion, OnlyDesktopContextsFrom33OnWillDo) {
          {"3.2.9", "3", "2.1 x 22.3", "1.4 (3.3)", "OpenGL ES 3.2 x", "OpenGL ES-CM 4.4", "", "x"})
         EXPECT_FALSE(isOpenGl33(text)) << text;
     EXPECT_FALSE(isOpenGl33(nullptr));
-}
-
-TEST(Environment, SharesTexturesAndTakesTheFlagOfItsShare) {
-    const EnvironmentHolder first(0, nullptr, false);
-    ASSERT_TRUE(first.isValid());
-    const EnvironmentHolder second(1, &first, true);
-    ASSERT_TRUE(second.isValid());
-    EXPECT_FALSE(second.get()->hasGlsl330());
-    first.makeCurrent();
-    ASSERT_TRUE(Utils::initializeGlew());
-    GLuint texture = 0;
-    glCore().genTextures(1, &texture);
-    glCore().bindTexture(GL_TEXTURE_2D, texture);
-    const unsigned char pixel[4] = {1, 2, 3, 4};
-    glCore().texImage2D(GL_TEXTURE_2D, 0, GL_RGBA8, 1, 1, 0, GL_RGBA, GL_UNSIGNED_BYTE, pixel);
-    second.makeCurrent();
-    glCore().bindTexture(GL_TEXTURE_2D, texture);
-    GLint width = 0;
-    glCore().getTexLevelParameteriv(GL_TEXTURE_2D, 0, GL_TEXTURE_WIDTH, &width);
-    EXPECT_EQ(width, 1);
-    EnvironmentHolder::doneCurrent();
-}
-
-/// Without a context to share with, the new one would silently stand alone.
-TEST(Environment, SharingWithNothingFails) {
-    const EnvironmentHolder nothing = EnvironmentHolder::current();
-    ASSERT_FALSE(nothing.isValid());
-    zeltest::StreamCapture log(stdout);
-    EXPECT_FALSE(EnvironmentHolder(0, &nothing, true).isValid());
-    EXPECT_EQ(log.text(),
-              "<[zelgl]   ERROR:> Environment::InitializeEnvironment_EGL eglCreateContext failed !\n"
-              "<[zelgl]   ERROR:> Environment:: Initialize shared off-screen environment failed !\n");
 }
 
 TEST(Environment, ABorrowedContextStaysCurrentAndAlive) {

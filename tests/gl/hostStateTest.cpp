@@ -27,34 +27,57 @@ public:
 
     State read() const {
         State state;
-        const auto numbers = [&](const std::string& name, GLenum question, std::size_t count = 1) {
+        const auto numbers = [&](const std::string& name, GLenum question) {
             std::vector<float> values(16, -1.0f);  // room for whatever the driver writes
             glCore().getFloatv(question, values.data());
-            values.resize(count);
             state[name] = values;
         };
-        const auto ask = [&](const char* name, GLenum question, std::size_t count = 1) {
-            numbers(name, question, count);
-        };
-#define ASK(question, ...) ask(#question, question __VA_OPT__(, ) __VA_ARGS__)
-        ASK(GL_UNPACK_ALIGNMENT), ASK(GL_UNPACK_ROW_LENGTH), ASK(GL_UNPACK_SKIP_ROWS);
-        ASK(GL_UNPACK_SKIP_PIXELS), ASK(GL_UNPACK_IMAGE_HEIGHT), ASK(GL_UNPACK_SKIP_IMAGES);
-        ASK(GL_UNPACK_SWAP_BYTES), ASK(GL_UNPACK_LSB_FIRST), ASK(GL_PACK_ALIGNMENT);
-        ASK(GL_PACK_ROW_LENGTH), ASK(GL_PACK_SKIP_ROWS), ASK(GL_PACK_SKIP_PIXELS);
-        ASK(GL_PACK_IMAGE_HEIGHT), ASK(GL_PACK_SKIP_IMAGES), ASK(GL_PACK_SWAP_BYTES), ASK(GL_PACK_LSB_FIRST);
-        ASK(GL_CURRENT_PROGRAM), ASK(GL_VERTEX_ARRAY_BINDING), ASK(GL_ARRAY_BUFFER_BINDING);
-        ASK(GL_ELEMENT_ARRAY_BUFFER_BINDING), ASK(GL_PIXEL_PACK_BUFFER_BINDING);
-        ASK(GL_PIXEL_UNPACK_BUFFER_BINDING), ASK(GL_DRAW_FRAMEBUFFER_BINDING);
-        ASK(GL_READ_FRAMEBUFFER_BINDING), ASK(GL_RENDERBUFFER_BINDING), ASK(GL_ACTIVE_TEXTURE);
-        ASK(GL_POLYGON_MODE, m_compatibility ? 2 : 1), ASK(GL_CULL_FACE_MODE), ASK(GL_FRONT_FACE);
-        ASK(GL_BLEND_COLOR, 4), ASK(GL_COLOR_CLEAR_VALUE, 4), ASK(GL_LOGIC_OP_MODE), ASK(GL_SCISSOR_BOX, 4);
-        ASK(GL_VIEWPORT, 4), ASK(GL_DEPTH_FUNC), ASK(GL_DEPTH_WRITEMASK), ASK(GL_STENCIL_FUNC);
-        ASK(GL_DRAW_BUFFER0), ASK(GL_READ_BUFFER), ASK(GL_LINE_WIDTH), ASK(GL_PRIMITIVE_RESTART_INDEX);
-        if (m_compatibility) {
-            ASK(GL_ALPHA_TEST), ASK(GL_POLYGON_STIPPLE), ASK(GL_MAP_COLOR), ASK(GL_RED_SCALE);
-            ASK(GL_GREEN_BIAS), ASK(GL_ALPHA_BIAS), ASK(GL_CLAMP_FRAGMENT_COLOR);
-        }
-#undef ASK
+        std::vector<GLenum> questions = {GL_UNPACK_ALIGNMENT,
+                                         GL_UNPACK_ROW_LENGTH,
+                                         GL_UNPACK_SKIP_ROWS,
+                                         GL_UNPACK_SKIP_PIXELS,
+                                         GL_UNPACK_IMAGE_HEIGHT,
+                                         GL_UNPACK_SKIP_IMAGES,
+                                         GL_UNPACK_SWAP_BYTES,
+                                         GL_UNPACK_LSB_FIRST,
+                                         GL_PACK_ALIGNMENT,
+                                         GL_PACK_ROW_LENGTH,
+                                         GL_PACK_SKIP_ROWS,
+                                         GL_PACK_SKIP_PIXELS,
+                                         GL_PACK_IMAGE_HEIGHT,
+                                         GL_PACK_SKIP_IMAGES,
+                                         GL_PACK_SWAP_BYTES,
+                                         GL_PACK_LSB_FIRST,
+                                         GL_CURRENT_PROGRAM,
+                                         GL_VERTEX_ARRAY_BINDING,
+                                         GL_ARRAY_BUFFER_BINDING,
+                                         GL_ELEMENT_ARRAY_BUFFER_BINDING,
+                                         GL_PIXEL_PACK_BUFFER_BINDING,
+                                         GL_PIXEL_UNPACK_BUFFER_BINDING,
+                                         GL_DRAW_FRAMEBUFFER_BINDING,
+                                         GL_READ_FRAMEBUFFER_BINDING,
+                                         GL_RENDERBUFFER_BINDING,
+                                         GL_ACTIVE_TEXTURE,
+                                         GL_POLYGON_MODE,
+                                         GL_CULL_FACE_MODE,
+                                         GL_FRONT_FACE,
+                                         GL_BLEND_COLOR,
+                                         GL_COLOR_CLEAR_VALUE,
+                                         GL_LOGIC_OP_MODE,
+                                         GL_SCISSOR_BOX,
+                                         GL_VIEWPORT,
+                                         GL_DEPTH_FUNC,
+                                         GL_DEPTH_WRITEMASK,
+                                         GL_STENCIL_FUNC,
+                                         GL_DRAW_BUFFER0,
+                                         GL_READ_BUFFER,
+                                         GL_LINE_WIDTH,
+                                         GL_PRIMITIVE_RESTART_INDEX};
+        if (m_compatibility)
+            for (const int question : {GL_ALPHA_TEST, GL_POLYGON_STIPPLE, GL_MAP_COLOR, GL_RED_SCALE,
+                                       GL_GREEN_BIAS, GL_ALPHA_BIAS, GL_CLAMP_FRAGMENT_COLOR})
+                questions.push_back(static_cast<GLenum>(question));
+        for (const GLenum question : questions) numbers("number " + std::to_string(question), question);
         for (const GLenum name :
              {GL_CULL_FACE, GL_RASTERIZER_DISCARD, GL_COLOR_LOGIC_OP, GL_PRIMITIVE_RESTART, GL_POLYGON_SMOOTH,
               GL_CLIP_DISTANCE0, GL_CLIP_DISTANCE0 + 7, GL_DEPTH_TEST, GL_STENCIL_TEST, GL_SCISSOR_TEST,

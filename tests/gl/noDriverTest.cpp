@@ -7,6 +7,7 @@
 #include "gl/glApi.h"
 #include "gl/shaderCache.h"
 #include "gl/utils.h"
+#include "support/environment.h"
 #include "support/scratchFolder.h"
 #include "support/streamCapture.h"
 
@@ -54,11 +55,10 @@ class NoDriverDeathTest : public testing::TestWithParam<Missing> {};
 TEST_P(NoDriverDeathTest, EveryStepFailsWithItsLineAndNoneCrashes) {
     GTEST_FLAG_SET(death_test_style, "threadsafe");
     const Missing& missing = GetParam();
-    setenv(missing.variable, missing.value, 1);
+    const zeltest::Environment hidden(missing.variable, missing.value);
     EXPECT_EXIT(renderWithoutOpenGl(missing.failedCall), testing::ExitedWithCode(0),
                 "fail to read Texture2D: mem is empty\n.*not allow draw: fbo is empty\n"
                 ".*fragment shader .00000001. not in cache");
-    unsetenv(missing.variable);
 }
 
 INSTANTIATE_TEST_SUITE_P(Parts, NoDriverDeathTest,
@@ -73,11 +73,8 @@ TEST(NoEglDeathTest, WithoutTheLibraryItselfEveryStepFails) {
     GTEST_FLAG_SET(death_test_style, "threadsafe");
     const zeltest::ScratchFolder scratch;
     scratch.write("libEGL.so.1", {'n', 'o'});
-    const char* before = getenv("LD_LIBRARY_PATH");
-    const std::string kept = before ? before : "";
-    setenv("LD_LIBRARY_PATH", scratch.path("").c_str(), 1);
+    const zeltest::Environment path("LD_LIBRARY_PATH", scratch.path("").c_str());
     EXPECT_EXIT(renderWithoutOpenGl("dlopen libEGL.so.1"), testing::ExitedWithCode(0), "mem is empty");
-    setenv("LD_LIBRARY_PATH", kept.c_str(), 1);
 }
 
 }  // namespace

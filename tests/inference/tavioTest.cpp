@@ -2,9 +2,6 @@
 #include <gtest/gtest.h>
 
 #include <cstring>
-#include <filesystem>
-#include <limits>
-#include <memory>
 
 #include "depth/tavioSession.h"
 #include "inference/onnxHead.h"

@@ -6,9 +6,7 @@
 
 #include <sstream>
 
-#include "libzel/effect.h"
-#include "support/randomImage.h"
-#include "support/scratchFolder.h"
+#include "effectSupport.h"
 
 namespace {
 
@@ -20,12 +18,7 @@ zel::CubeFile read(const std::string& text) {
 }
 
 std::string failureOf(const std::string& text) {
-    try {
-        read(text);
-    } catch (const zel::Failure& failure) {
-        return failure.what();
-    }
-    return "";
+    return zeltest::faultOf([&] { read(text); });
 }
 
 /// The text of a table whose colours are `change` of the position of each step, over a domain.
@@ -46,7 +39,9 @@ std::string cubeText(int size, float low, float high, const Change& change) {
     return text.str();
 }
 
-using Colour = std::array<float, 3>;
+std::array<float, 3> identity(float r, float g, float b) {
+    return {r, g, b};
+}
 
 /// The texel of a step in the library's picture.
 const unsigned char* texel(const std::vector<unsigned char>& picture, int r, int g, int b) {
@@ -54,7 +49,6 @@ const unsigned char* texel(const std::vector<unsigned char>& picture, int r, int
 }
 
 TEST(CubeFile, AnIdentityOfAnySizeAndDomainGivesTheIdentityPicture) {
-    const auto identity = [](float r, float g, float b) { return Colour{r, g, b}; };
     for (int size : {2, 3, 16, 17, 33})
         for (const auto& [low, high] : std::vector<std::pair<float, float>>{{0, 1}, {-0.5f, 2.0f}}) {
             const zel::CubeFile cube = read(cubeText(size, low, high, identity));
@@ -75,7 +69,6 @@ TEST(CubeFile, AnIdentityOfAnySizeAndDomainGivesTheIdentityPicture) {
 
 // Inputs beyond the table's domain take its nearest colour.
 TEST(CubeFile, InputsOutsideTheDomainStopAtItsEdge) {
-    const auto identity = [](float r, float g, float b) { return Colour{r, g, b}; };
     const auto picture = zel::cubePicture(read(cubeText(4, 0.2f, 0.8f, identity)));
     EXPECT_EQ(texel(picture, 0, 7, 15)[0], 51);
     EXPECT_EQ(texel(picture, 0, 7, 15)[1], 17 * 7);
@@ -117,7 +110,7 @@ TEST(CubeFile, SaysWhatIsWrongAndWhere) {
 
 TEST(CubeFile, IsReadFromRegularFilesAlone) {
     const zeltest::ScratchFolder folder;
-    const std::string text = cubeText(2, 0, 1, [](float r, float g, float b) { return Colour{r, g, b}; });
+    const std::string text = cubeText(2, 0, 1, identity);
     EXPECT_EQ(zel::readCubeFile(folder.write("a.cube", {text.begin(), text.end()})).size, 2);
     ASSERT_EQ(mkfifo(folder.path("pipe.cube").c_str(), 0600), 0);
     for (const std::string& path :
@@ -127,7 +120,7 @@ TEST(CubeFile, IsReadFromRegularFilesAlone) {
 
 // A damaged file either fails with a message or gives a table that can be used.
 TEST(CubeFile, DamagedTextNeverBreaksIt) {
-    const std::string whole = cubeText(3, 0, 1, [](float r, float g, float b) { return Colour{r, g, b}; });
+    const std::string whole = cubeText(3, 0, 1, identity);
     for (unsigned seed = 0; seed < 3000; ++seed) {
         std::string damaged = whole;
         const auto random = zeltest::randomBytes(9, seed);

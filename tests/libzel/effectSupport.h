@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "libzel/effectRegistry.h"
+#include "support/faultOf.h"
 #include "support/scratchFolder.h"
 
 namespace zeltest {

@@ -35,21 +35,30 @@ inline void recursiveLine(std::vector<unsigned char*>& line, float sigma) {
 inline void recursiveGaussian(Bytes& pixels, int width, int height, int rowBytes, float sigmaX,
                               float sigmaY) {
     const int channels = rowBytes / width;
-    const auto at = [&](int x, int y, int c) {
-        return &pixels[static_cast<std::size_t>(y * rowBytes + x * channels + c)];
-    };
+    const auto at = gridOf(pixels, width, channels);
     for (int c = 0; c < (channels == 4 ? 3 : 1); ++c) {
         for (int y = 0; y < height && width > 1 && sigmaX >= 0.1f; ++y) {
             std::vector<unsigned char*> line;
-            for (int x = 0; x < width; ++x) line.push_back(at(x, y, c));
+            for (int x = 0; x < width; ++x) line.push_back(&at(x, y, c));
             recursiveLine(line, sigmaX);
         }
         for (int x = 0; x < width && height > 1 && sigmaY >= 0.1f; ++x) {
             std::vector<unsigned char*> line;
-            for (int y = 0; y < height; ++y) line.push_back(at(x, y, c));
+            for (int y = 0; y < height; ++y) line.push_back(&at(x, y, c));
             recursiveLine(line, sigmaY);
         }
     }
+}
+
+/// Steps across and down by the weights 1, 2, 1, inside a plane.
+inline std::array<int, 2> sobel(const Bytes& plane, int width, int x, int y) {
+    const auto at = gridOf(plane, width);
+    int across = 0, down = 0;
+    for (int d = -1; d <= 1; ++d) {
+        across += (2 - std::abs(d)) * (at(x + 1, y + d) - at(x - 1, y + d));
+        down += (2 - std::abs(d)) * (at(x + d, y + 1) - at(x + d, y - 1));
+    }
+    return {across, down};
 }
 
 /// Canny edges: 255 on an edge, 0 elsewhere. Both sides are above 1.

@@ -123,33 +123,25 @@ inline Bytes strongEdges(const Bytes& grey, int w, int h) {
         level.push_back(static_cast<unsigned char>(
             static_cast<float>(upTo) * 255.0f / static_cast<float>(grey.size()) + 0.5f));
     }
-    const auto at = [&](int x, int y) {
-        return static_cast<int>(level[static_cast<std::size_t>(y * w + x)]);
-    };
     Bytes edges(grey.size(), 0);
     for (int y = 1; y < h - 1; ++y)
         for (int x = 1; x < w - 1; ++x) {
-            int gx = 0, gy = 0;
-            for (int d = -1; d <= 1; ++d) {
-                gx += (2 - std::abs(d)) * (at(x + 1, y + d) - at(x - 1, y + d));
-                gy += (2 - std::abs(d)) * (at(x + d, y + 1) - at(x + d, y - 1));
-            }
+            const auto [gx, gy] = sobel(level, w, x, y);
             if (gx * gx + gy * gy >= 900) edges[static_cast<std::size_t>(y * w + x)] = 255;
         }
     return edges;
 }
 
-/// One byte of a plane of `channels` bytes a pixel between its samples.
-inline int between(const Bytes& plane, int w, int h, int channels, int channel, float x, float y) {
-    const int left = static_cast<int>(x), top = static_cast<int>(y);
-    const int right = std::min(left + 1, w - 1), bottom = std::min(top + 1, h - 1);
-    const auto column = [&](int i) {
-        const auto at = [&](int j) {
-            return static_cast<int>(plane[static_cast<std::size_t>((j * w + i) * channels + channel)]);
-        };
-        return static_cast<float>(at(top)) + static_cast<float>(at(bottom) - at(top)) * (y - top);
-    };
-    return static_cast<unsigned char>((column(right) - column(left)) * (x - left) + column(left));
+/// What stands out of the light, and how much the places in its shadow on the skin are to be lifted.
+inline std::array<Bytes, 2> highPassAndShadow(const Bytes& light, const Bytes& mask, int w, int h,
+                                              int radius) {
+    const Bytes base = blurredPlane(light, w, h, radius);
+    Bytes highPass, shadow;
+    for (std::size_t i = 0; i < light.size(); ++i) {
+        highPass.push_back(toByte(light[i] - base[i] + 128));
+        shadow.push_back(static_cast<unsigned char>(zellab::kShadowWeight[highPass[i]] * mask[i] / 255));
+    }
+    return {highPass, shadow};
 }
 
 /// Repairs the spots on the skin and tells where they were.
@@ -205,12 +197,7 @@ inline void lazyBeauty(LazyPicture& picture, const LazySettings& set, const zell
     Bytes light;
     for (std::size_t i = 0; i < work.size(); i += 4)
         light.push_back(overlay(work[i + 1], work[direct ? i + 2 : i + 1]));
-    const Bytes base = blurredPlane(light, sw, sh, 20);
-    Bytes highPass, shadow;
-    for (std::size_t i = 0; i < light.size(); ++i) {
-        highPass.push_back(static_cast<unsigned char>(std::clamp(light[i] - base[i] + 128, 0, 255)));
-        shadow.push_back(static_cast<unsigned char>(zellab::kShadowWeight[highPass[i]] * mask[i] / 255));
-    }
+    auto [highPass, shadow] = highPassAndShadow(light, mask, sw, sh, 20);
     if (!direct) shadow = scaleBilinear(shadow, sw, sh, w, h, 1);
     const int brightness = static_cast<unsigned char>(
         lazyLuma(static_cast<float>(mean[0]), static_cast<float>(mean[1]), static_cast<float>(mean[2])));

@@ -8,6 +8,18 @@
 
 namespace slow {
 
+/// One byte of a plane or picture between its samples; behind an end the end sample repeats.
+inline int between(const Bytes& plane, int w, int h, int channels, int channel, float x, float y) {
+    const int left = static_cast<int>(x), top = static_cast<int>(y);
+    const int right = std::min(left + 1, w - 1), bottom = std::min(top + 1, h - 1);
+    const auto grid = gridOf(plane, w, channels);
+    const auto column = [&](int i) {
+        const int upper = grid(i, top, channel), lower = grid(i, bottom, channel);
+        return static_cast<float>(upper) + static_cast<float>(lower - upper) * (y - top);
+    };
+    return static_cast<unsigned char>((column(right) - column(left)) * (x - left) + column(left));
+}
+
 /// Sample positions that a single walk over the axis reaches by adding the step.
 inline std::vector<float> walkedPositions(int source, int target) {
     const float step = static_cast<float>(source) / static_cast<float>(target);
@@ -26,18 +38,7 @@ inline Bytes scaleBilinear(const Bytes& source, int sourceWidth, int sourceHeigh
     for (const float sy : ys)
         for (const float sx : xs)
             for (int c = 0; c < channels; ++c) {
-                const int top = static_cast<int>(sy), left = static_cast<int>(sx);
-                const int bottom = std::min(top + 1, sourceHeight - 1),
-                          right = std::min(left + 1, sourceWidth - 1);
-                const float fy = sy - top, fx = sx - left;
-                const auto column = [&](int x) {
-                    const auto at = [&](int y) {
-                        return static_cast<int>(
-                            source[static_cast<std::size_t>((y * sourceWidth + x) * channels + c)]);
-                    };
-                    return static_cast<float>(at(top)) + (at(bottom) - at(top)) * fy;
-                };
-                const float value = (column(right) - column(left)) * fx + column(left);
+                const int value = between(source, sourceWidth, sourceHeight, channels, c, sx, sy);
                 target.push_back(c == 3 ? 255 : static_cast<unsigned char>(value));
             }
     return target;

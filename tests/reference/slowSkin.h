@@ -38,11 +38,8 @@ struct RetouchPlanes {
     void addShadows(const Bytes& rgba, int w, int h, const zellab::OverlayTable& overlay) {
         Bytes light;
         for (std::size_t i = 0; i < rgba.size(); i += 4) light.push_back(overlay(rgba[i + 1], rgba[i + 2]));
-        const Bytes base = blurredPlane(light, w, h, 16);
-        for (std::size_t i = 0; i < light.size(); ++i) {
-            highPass.push_back(toByte(light[i] - base[i] + 128));
-            shadow.push_back(static_cast<unsigned char>(zellab::kShadowWeight[highPass[i]] * mask[i] / 255));
-        }
+        const auto both = highPassAndShadow(light, mask, w, h, 16);
+        highPass = both[0], shadow = both[1];
     }
 };
 

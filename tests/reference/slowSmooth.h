@@ -12,16 +12,13 @@ namespace slow {
 /// The recursive filter, its feedback held in a table of signed bytes. `channels` is 4 or 1.
 inline void domainTransform(Bytes& pixels, int width, int height, int channels, float sigmaSpace,
                             float sigmaRange, int iterations) {
-    const auto at = [&](int x, int y, int c) -> unsigned char& {
-        return pixels[static_cast<std::size_t>((y * width + x) * channels + c)];
-    };
+    const auto at = gridOf(pixels, width, channels);
     const int colours = channels == 4 ? 3 : 1;
     const Bytes original = pixels;
+    const auto before = gridOf(original, width, channels);
     const auto difference = [&](int x, int y, int x2, int y2) {
         int sum = 0;
-        for (int c = 0; c < colours; ++c)
-            sum += std::abs(original[static_cast<std::size_t>((y * width + x) * channels + c)] -
-                            original[static_cast<std::size_t>((y2 * width + x2) * channels + c)]);
+        for (int c = 0; c < colours; ++c) sum += std::abs(before(x, y, c) - before(x2, y2, c));
         return channels == 4 ? sum : 3 * sum;
     };
     for (int i = iterations - 1; i >= 0; --i) {

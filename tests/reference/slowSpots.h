@@ -4,7 +4,8 @@
 #include <array>
 
 #include "beautykernel/skintools/spotTables.h"
-#include "reference/slowStackBlur.h"
+#include "reference/slowEdges.h"
+#include "reference/slowRegions.h"
 
 /// The search for spots: which cells each radius marks. No sums are shared; every window is added up anew.
 
@@ -21,9 +22,8 @@ struct SpotPicture {
 
 inline int windowSum(const Bytes& plane, int width, int height, int x, int y, int half, int mask) {
     int sum = 0;
-    for (int j = std::max(y - half, 0); j <= std::min(y + half, height - 1); ++j)
-        for (int i = std::max(x - half, 0); i <= std::min(x + half, width - 1); ++i)
-            sum += plane[static_cast<std::size_t>(j * width + i)] & mask;
+    eachInWindow(plane, width, height, 1, 0, x - half, x + half, y - half, y + half,
+                 [&](int v) { sum += v & mask; });
     return sum;
 }
 
@@ -40,7 +40,6 @@ inline Bytes spotGrey(const SpotPicture& p) {
 
 inline Bytes spotFree(const SpotPicture& p, const Bytes& grey) {
     const int w = p.width, h = p.height;
-    const auto g = [&](int x, int y) { return static_cast<int>(grey[static_cast<std::size_t>(y * w + x)]); };
     Bytes edges(grey.size(), 0);
     std::array<int, 256> histogram{};
     for (int y = 0; y < h; ++y)
@@ -48,12 +47,7 @@ inline Bytes spotFree(const SpotPicture& p, const Bytes& grey) {
             const bool ring = x == 0 || y == 0 || x == w - 1 || y == h - 1;
             int e = 0;
             if (!ring) {
-                int gx = 0, gy = 0;
-                for (int d = -1; d <= 1; ++d) {
-                    const int weight = d == 0 ? 2 : 1;
-                    gx += weight * (g(x + 1, y + d) - g(x - 1, y + d));
-                    gy += weight * (g(x + d, y + 1) - g(x + d, y - 1));
-                }
+                const auto [gx, gy] = sobel(grey, w, x, y);
                 e = std::min((std::abs(gx) + std::abs(gy)) / 2, 255);
             }
             edges[static_cast<std::size_t>(y * w + x)] = static_cast<unsigned char>(e);

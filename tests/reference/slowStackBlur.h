@@ -12,6 +12,20 @@ namespace slow {
 
 using Bytes = std::vector<unsigned char>;
 
+/// The samples of a picture or plane by their place.
+template <typename Samples>
+struct Grid {
+    Samples& samples;
+    int width, channels;
+    auto& operator()(int x, int y, int channel = 0) const {
+        return samples[static_cast<std::size_t>((y * width + x) * channels + channel)];
+    }
+};
+template <typename Samples>
+Grid<Samples> gridOf(Samples& samples, int width, int channels = 1) {
+    return {samples, width, channels};
+}
+
 inline int triangleMean(const std::vector<int>& line, int centre, int radius) {
     const int last = static_cast<int>(line.size()) - 1;
     long long sum = 0;
@@ -22,9 +36,8 @@ inline int triangleMean(const std::vector<int>& line, int centre, int radius) {
 }
 
 inline void stackBlurChannel(Bytes& pixels, int width, int height, int channels, int channel, int radius) {
-    const auto at = [&](int x, int y) -> unsigned char& {
-        return pixels[static_cast<std::size_t>((y * width + x) * channels + channel)];
-    };
+    const auto grid = gridOf(pixels, width, channels);
+    const auto at = [&](int x, int y) -> unsigned char& { return grid(x, y, channel); };
     for (int y = 0; y < height; ++y) {
         std::vector<int> line;
         for (int x = 0; x < width; ++x) line.push_back(at(x, y));

@@ -6,19 +6,22 @@
 
 namespace slow {
 
-/// Mixes `source` into the region of `image`; `mask` has the region's size and is blurred in place.
+/// Mixes `source` into the region of `image` as far as it lies in it; `mask` has the region's size and is
+/// blurred in place.
 inline void alphaMix(Bytes& image, int width, const Bytes& source, Bytes& mask, const float* params) {
-    const int left = static_cast<int>(params[0]), top = static_cast<int>(params[1]),
-              regionWidth = static_cast<int>(params[2]), regionHeight = static_cast<int>(params[3]);
+    const int height = static_cast<int>(image.size()) / 4 / width;
+    const double left = std::trunc(params[0]), top = std::trunc(params[1]);
+    const int regionWidth = static_cast<int>(params[2]), regionHeight = static_cast<int>(params[3]);
     const auto strength = static_cast<float>(params[5] / 255.0);
     maskStackBlur(mask, regionWidth, regionHeight, static_cast<int>(params[4]));
     for (int y = 0; y < regionHeight; ++y)
         for (int x = 0; x < regionWidth; ++x) {
             const int m = mask[static_cast<std::size_t>((y * regionWidth + x) * 4)];
-            if (m == 0) continue;
+            const double px = left + x, py = top + y;
+            if (m == 0 || px < 0 || py < 0 || px >= width || py >= height) continue;
             const double a = static_cast<float>(m) * strength;
             for (int c = 0; c < 3; ++c) {
-                const auto i = static_cast<std::size_t>(((top + y) * width + left + x) * 4 + c);
+                const auto i = static_cast<std::size_t>((py * width + px) * 4 + c);
                 image[i] = static_cast<unsigned char>(source[i] * a + image[i] * (1.0 - a));
             }
         }

@@ -4,11 +4,13 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <ostream>
 #include <vector>
 
 #include "frame/processorCount.h"
 #include "platform/simdLevel.h"
 #include "support/randomImage.h"
+#include "zellab/imageproc/core/imageView.h"
 
 namespace zeltest {
 
@@ -42,7 +44,19 @@ void expectSameOnEveryMachine(const Operation& operation) {
 
 struct Size {
     int width, height;
+    int pixels() const { return width * height; }
+    friend std::ostream& operator<<(std::ostream& out, Size size) {
+        return out << size.width << " by " << size.height;
+    }
 };
+
+/// Tightly packed samples as a picture or a plane.
+inline zellab::ImageView rgbaView(Bytes& samples, Size size) {
+    return {samples.data(), size.width, size.height};
+}
+inline zellab::PlaneView<unsigned char> planeView(Bytes& samples, Size size) {
+    return {samples.data(), size.width, size.height};
+}
 
 /// Sizes at which loops go wrong first: one pixel, one row, one column, odd, around a vector's width.
 inline const std::vector<Size> kAwkwardSizes = {{1, 1}, {1, 9},  {13, 1}, {2, 2},   {2, 5},   {3, 4},
@@ -63,14 +77,22 @@ testing::AssertionResult sameSamples(const Samples& expected, const Samples& act
            << +*at.first << ", got " << +*at.second << "; " << differing << " differ";
 }
 
-/// Runs an operation in place on copies of `picture` everywhere and compares with `expected`.
-template <typename Operation>
-void compareEverywhere(const Bytes& expected, const Bytes& picture, int samplesPerRow,
-                       const Operation& operation) {
+/// Holds an operation to its slow form, both in place on copies of `picture`, everywhere. `what` tells a case
+/// from the others; after a failure nothing more is compared.
+template <typename SlowForm, typename Operation, typename... What>
+void compareWithSlow(Size size, const Bytes& picture, const SlowForm& slowForm, const Operation& operation,
+                     const What&... what) {
+    if (testing::Test::HasFailure()) return;
+    testing::Message trace;
+    trace << size;
+    ((trace << ", " << what), ...);
+    SCOPED_TRACE(trace);
+    Bytes expected = picture;
+    slowForm(expected);
     onEveryMachine([&] {
         Bytes actual = picture;
         operation(actual);
-        ASSERT_TRUE(sameSamples(expected, actual, samplesPerRow));
+        ASSERT_TRUE(sameSamples(expected, actual, static_cast<int>(picture.size()) / size.height));
     });
 }
 

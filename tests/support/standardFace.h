@@ -21,6 +21,15 @@ inline Landmarks standardFace(float x, float y, float pupilDistance) {
     return landmarks;
 }
 
+/// These landmarks as the one face of a container.
+struct OneFace : zellab::CInterFacePoint {
+    explicit OneFace(const Landmarks& landmarks) {
+        SetFaceCount(1);
+        AddFace(landmarks.data(), 0);
+    }
+    const zellab::Vector2f* list() const { return GetInterPoints(0); }
+};
+
 /// A similarity transform, mirrored where `flip` is -1.
 struct Placing {
     float scale = 1, angle = 0, dx = 0, dy = 0, flip = 1;

@@ -1,7 +1,5 @@
 #pragma once
 
-#include <initializer_list>
-
 #include "support/randomImage.h"
 
 namespace zeltest {

@@ -28,6 +28,16 @@ inline int coverage(zellab::Vector2f p, const zellab::Vector2f* mesh,
     return count;
 }
 
+/// Expects that no triangles of a mesh overlap, on a picture of that size.
+inline void expectNoOverlap(int width, int height, const zellab::Vector2f* mesh,
+                            std::span<const std::uint16_t> triangles) {
+    for (int y = 0; y < height; ++y)
+        for (int x = 0; x < width; ++x) {
+            const zellab::Vector2f p{static_cast<float>(x) + 0.37f, static_cast<float>(y) + 0.41f};
+            EXPECT_LE(coverage(p, mesh, triangles), 1) << x << ',' << y;
+        }
+}
+
 /// Expects that every pixel that differs between two pictures of `width` pixels across lies on the mesh: its
 /// own centre or a point of one on an edge. @return how many differ
 inline std::size_t changesOnTheMesh(const Bytes& before, const Bytes& after, int width,

@@ -5,6 +5,7 @@
 #include <cstdlib>
 
 #include "portrait/portrait.h"
+#include "support/standardFace.h"
 #include "zel_effects/zel_effects.h"
 
 namespace {
@@ -14,6 +15,8 @@ using zellab::Vector2f;
 
 struct Eyes {
     double openLeft, openRight, wink, laugh;
+    double removed[2] = {-1, -1};  // least share of the circles' darkness that goes, by method
+    std::array<unsigned, 2> seeds = {3, 8};
 };
 
 constexpr int kWidth = 600, kHeight = 800;
@@ -59,12 +62,10 @@ struct Change {
 class NarrowEyes : public testing::TestWithParam<Eyes> {};
 
 TEST_P(NarrowEyes, LoseTheirCirclesAndKeepWhitesAndLids) {
-    for (unsigned seed : {3u, 8u}) {
+    for (unsigned seed : GetParam().seeds) {
         const Portrait portrait = drawn(GetParam(), seed);
         const auto marks = landmarksOf(portrait);
-        zellab::CInterFacePoint points;
-        points.SetFaceCount(1);
-        points.AddFace(marks.data(), 0);
+        zeltest::OneFace points(marks);
         const auto& rect = portrait.faces.faces.front().rect;
         for (int method : {0, 1}) {
             SCOPED_TRACE(testing::Message() << "seed " << seed << ", method " << method);
@@ -72,27 +73,35 @@ TEST_P(NarrowEyes, LoseTheirCirclesAndKeepWhitesAndLids) {
             CGRect face{rect[0] * kWidth, rect[1] * kHeight, rect[2] * kWidth, rect[3] * kHeight};
             ZelImageCore::TableSkin::ImageProcessWithAutoRemoveBlackCircle(pixels.data(), kWidth, kHeight,
                                                                            face, &points, 0, 1.0f, method);
-            Change whites, lids, circles;
+            Change whites, lids, circles, before, after;
             for (int y = 0; y < kHeight; ++y)
                 for (int x = 0; x < kWidth; ++x) {
                     const auto i = static_cast<std::size_t>(y * kWidth + x);
-                    int by = 0;
-                    for (std::size_t c = 0; c < 3; ++c)
-                        by = std::max(by, std::abs(pixels[4 * i + c] - portrait.image.rgba[4 * i + c]));
+                    int by = 0, was = 0, is = 0;
+                    for (std::size_t c = 4 * i; c < 4 * i + 3; ++c) {
+                        by = std::max(by, std::abs(pixels[c] - portrait.image.rgba[c]));
+                        was += std::abs(portrait.image.rgba[c] - portrait.clean.rgba[c]);
+                        is += std::abs(pixels[c] - portrait.clean.rgba[c]);
+                    }
                     const float cx = static_cast<float>(x) + 0.5f, cy = static_cast<float>(y) + 0.5f;
                     if (portrait.eyes.samples[i] >= 250) whites.add(by);
                     if (portrait.eyes.samples[i] == 0 && showsLid(marks, cx, cy)) lids.add(by);
-                    if (portrait.darkCircles.samples[i] > 100) circles.add(by);
+                    if (portrait.darkCircles.samples[i] <= 100) continue;
+                    circles.add(by);
+                    before.add(was), after.add(is);
                 }
             EXPECT_LT(whites.mean(), 1.2);
             EXPECT_LT(lids.mean(), 0.15);
             EXPECT_GT(circles.mean(), 1.5);
+            EXPECT_GT(1 - after.mean() / before.mean(), GetParam().removed[method]);
         }
     }
 }
 
+// Open eyes, and blinks.
 INSTANTIATE_TEST_SUITE_P(Blinks, NarrowEyes,
-                         testing::Values(Eyes{0, 0.15, 0, 0}, Eyes{0.3, 0.4, 0, 0}, Eyes{0.5, 0.5, 0, 0},
-                                         Eyes{1, 1, 0.8, 0}, Eyes{0.6, 0.8, 0, 1}));
+                         testing::Values(Eyes{1, 1, 0, 0, {0.2, 0.5}, {4, 6}}, Eyes{0, 0.15, 0, 0},
+                                         Eyes{0.3, 0.4, 0, 0}, Eyes{0.5, 0.5, 0, 0}, Eyes{1, 1, 0.8, 0},
+                                         Eyes{0.6, 0.8, 0, 1}));
 
 }  // namespace

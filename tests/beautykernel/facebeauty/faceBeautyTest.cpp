@@ -13,20 +13,18 @@ namespace {
 using zellab::CFaceBeauty;
 using zellab::FaceBeautyParams;
 using zellab::FaceData;
-using zeltest::Bytes;
-using zeltest::faceLike;
-using zeltest::Size;
+using namespace zeltest;
 
 const Size kSmall{90, 70}, kLarge{641, 60};
 
 Bytes cube(const char* name) {
-    Bytes file = zeltest::readBytes(std::string("style/base/") + name);
+    Bytes file = readBytes(std::string("style/base/") + name);
     return file.erase(file.begin(), file.begin() + 8), file;
 }
 
 bool run(Bytes& rgba, Size size, const FaceBeautyParams& params, FaceData* face = nullptr,
          const Bytes& mask = {}, Size maskSize = {0, 0}) {
-    const zeltest::StreamCapture quiet(stderr);
+    const StreamCapture quiet(stderr);
     return CFaceBeauty().Run({rgba.data(), size.width, size.height},
                              {mask.empty() ? nullptr : mask.data(), maskSize.width, maskSize.height}, face,
                              params);
@@ -34,7 +32,7 @@ bool run(Bytes& rgba, Size size, const FaceBeautyParams& params, FaceData* face 
 
 /// The sizes on both sides of the limit between the roads, every option in turn, with and without a face.
 TEST(FaceBeautyMatchesSlow, OnBothRoads) {
-    const zeltest::WithAssets assets;
+    const WithAssets assets;
     zellab::OverlayTable overlay;
     ASSERT_TRUE(overlay.load());
     const slow::StyleCubes cubes{cube("tone3.bin"), cube("tone3_1.bin"), cube("tone4.bin")};
@@ -44,7 +42,7 @@ TEST(FaceBeautyMatchesSlow, OnBothRoads) {
                                          {0, 1, 0, 0, 0.005f, 0.0f, noLevels},
                                          {1, 1, 0, 1, 0.995f, 0.8f, levels}};
     const Size maskSize{37, 50};
-    const Bytes mask = zeltest::randomPlane(maskSize.width, maskSize.height, 80);
+    const Bytes mask = randomPlane(maskSize.width, maskSize.height, 80);
     int turn = 0;
     for (const Size size : {Size{1, 1},
                             {9, 1},
@@ -58,21 +56,23 @@ TEST(FaceBeautyMatchesSlow, OnBothRoads) {
                             {900, 210}})
         for (const int kind : {0, 1, 2}) {
             const FaceBeautyParams& set = settings[turn++ % 4];
-            SCOPED_TRACE(testing::Message() << size.width << " by " << size.height << ", turn " << turn);
             Bytes picture = faceLike(size, 7u + static_cast<unsigned>(turn));
             if (turn % 5 == 0)
                 for (unsigned char& b : picture) b = static_cast<unsigned char>(b / 3);
-            FaceData face = zeltest::faceIn(size);
+            FaceData face = faceIn(size);
             const Bytes& given = kind == 2 ? mask : Bytes();
-            slow::LazyPicture expected{size.width, size.height, picture};
-            slow::faceBeauty(expected, set, given, maskSize.width, maskSize.height, overlay, cubes,
-                             kind == 0 ? nullptr : &face);
-            zeltest::onEveryMachine([&] {
-                Bytes actual = picture;
-                ASSERT_TRUE(run(actual, size, set, kind == 0 ? nullptr : &face, given, maskSize));
-                ASSERT_TRUE(zeltest::sameSamples(expected.rgba, actual, size.width * 4));
-            });
-            ASSERT_FALSE(HasFailure());
+            compareWithSlow(
+                size, picture,
+                [&](Bytes& p) {
+                    slow::LazyPicture work{size.width, size.height, p};
+                    slow::faceBeauty(work, set, given, maskSize.width, maskSize.height, overlay, cubes,
+                                     kind == 0 ? nullptr : &face);
+                    p = work.rgba;
+                },
+                [&](Bytes& p) {
+                    ASSERT_TRUE(run(p, size, set, kind == 0 ? nullptr : &face, given, maskSize));
+                },
+                turn);
         }
 }
 
@@ -99,31 +99,31 @@ TEST(FaceBeauty, EachMissingTableHasItsLineAndItsOutcome) {
          true},
         {"tone3_1", kLarge, faint, "", true},
         {"tone4", kLarge, airy, "", true}};
-    const zeltest::ScratchFolder folder;
+    const ScratchFolder folder;
     std::filesystem::copy(ZEL_ASSETS, folder.path(""), std::filesystem::copy_options::recursive);
-    const zeltest::WorkingFolder inside(folder.path(""));
+    const WorkingFolder inside(folder.path(""));
     for (const auto& [table, size, params, line, works] : cases) {
         SCOPED_TRACE(table);
         const Bytes picture = faceLike(size, 4);
         Bytes complete = picture;
         ASSERT_TRUE(run(complete, size, params));
         const std::string path = folder.path(std::string("style/base/") + table + ".bin");
-        const Bytes whole = zeltest::readBytes(path);
+        const Bytes whole = readBytes(path);
         for (const bool damaged : {false, true}) {
             if (damaged)
                 folder.write(std::string("style/base/") + table + ".bin", {2, 0, 0, 0, 2, 0, 0, 0, 1});
             else
                 std::filesystem::remove(path);
             Bytes without = picture;
-            zeltest::StreamCapture log(stderr);
+            StreamCapture log(stderr);
             EXPECT_EQ(CFaceBeauty().Run({without.data(), size.width, size.height}, {}, nullptr, params),
                       works);
             const std::string said = log.text();
             EXPECT_NE(said.find("version 2.05 run...width:" + std::to_string(size.width) +
                                 ", height: " + std::to_string(size.height)),
-                      std::string::npos);
+                      said.npos);
             EXPECT_EQ(said.find("ERROR") == std::string::npos, line.empty()) << said;
-            EXPECT_NE(said.find(line), std::string::npos) << said;
+            EXPECT_NE(said.find(line), said.npos) << said;
             EXPECT_EQ(without == picture, !works);
             EXPECT_NE(without, complete) << "the table must have shown";
         }

@@ -12,19 +12,17 @@
 namespace {
 
 using ZelImageCore::TableSkin;
-using zeltest::Bytes;
-using zeltest::HostFaces;
-using zeltest::Size;
+using namespace zeltest;
 
 Bytes retouched(Bytes rgba, Size size, float strength, ImageCoreFaceInfo* faces, Bytes mask = {}) {
-    const zeltest::StreamCapture quiet(stderr);
+    const StreamCapture quiet(stderr);
     TableSkin::ImageProcessWithQornSkinRetouch(rgba.data(), size.width, size.height, strength, faces,
                                                mask.empty() ? nullptr : mask.data());
     return rgba;
 }
 
 Bytes whitened(Bytes rgba, Size size, float level, float temperature, Bytes mask = {}, Bytes prepared = {}) {
-    const zeltest::StreamCapture quiet(stderr);
+    const StreamCapture quiet(stderr);
     float params[] = {level, temperature};
     TableSkin::ImageProcessWithQornSkinWhitening(rgba.data(), size.width, size.height, params, nullptr,
                                                  mask.empty() ? nullptr : mask.data(),
@@ -45,12 +43,11 @@ Bytes curved(Bytes rgba, int y) {
 
 /// With no face the eye step finds nothing, so that every step is known.
 TEST(QornRetouchMatchesSlow, WithoutAFace) {
-    const zeltest::WithAssets assets;
+    const WithAssets assets;
     zellab::OverlayTable overlay;
     ASSERT_TRUE(overlay.load());
     const Size size{120, 90};
-    const Bytes picture = zeltest::faceLike(size, 21),
-                mask = zeltest::randomPlane(size.width, size.height, 22);
+    const Bytes picture = faceLike(size, 21), mask = randomPlane(size.width, size.height, 22);
     Bytes levelled = picture;
     slow::autoLevels(levelled);
     slow::LazyPicture work{size.width, size.height, levelled};
@@ -62,17 +59,17 @@ TEST(QornRetouchMatchesSlow, WithoutAFace) {
         for (std::size_t i = 0; i < expected.size(); ++i)
             if (i % 4 != 3) expected[i] = slow::toByte((levelled[i] * (256 - a) + work.rgba[i] * a) >> 8);
         expected = curved(expected, 137);
-        EXPECT_TRUE(zeltest::sameSamples(expected, retouched(picture, size, strength, nobody.info()), 480));
-        EXPECT_TRUE(zeltest::sameSamples(expected, retouched(picture, size, strength, nullptr), 480));
+        EXPECT_TRUE(sameSamples(expected, retouched(picture, size, strength, nobody.info()), 480));
+        EXPECT_TRUE(sameSamples(expected, retouched(picture, size, strength, nullptr), 480));
         slow::mixByMask(expected, picture, mask);
-        EXPECT_TRUE(zeltest::sameSamples(expected, retouched(picture, size, strength, nullptr, mask), 480));
+        EXPECT_TRUE(sameSamples(expected, retouched(picture, size, strength, nullptr, mask), 480));
     }
 }
 
 TEST(QornRetouch, TheFirstFaceDecidesAndAMaskOfZeroKeepsThePicture) {
-    const zeltest::WithAssets assets;
+    const WithAssets assets;
     const Size size{660, 500};
-    const Bytes picture = zeltest::faceLike(size, 23);
+    const Bytes picture = faceLike(size, 23);
     HostFaces one(size, 1), three(size, 3);
     const Bytes alone = retouched(picture, size, 0.8f, one.info());
     EXPECT_EQ(retouched(picture, size, 0.8f, three.info()), alone);
@@ -81,14 +78,12 @@ TEST(QornRetouch, TheFirstFaceDecidesAndAMaskOfZeroKeepsThePicture) {
     EXPECT_EQ(retouched(picture, size, 0.8f, one.info(), nothing), picture);
     const Bytes whole = retouched(picture, size, 0.8f, one.info(), all);
     for (std::size_t i = 0; i < whole.size(); ++i) ASSERT_NEAR(whole[i], alone[i], 1);
-    for (std::size_t i = 3; i < alone.size(); i += 4) ASSERT_EQ(alone[i], picture[i]) << "alpha";
 }
 
 TEST(QornWhiteningMatchesSlow, FromThePictureAndFromAPreparedOne) {
     const Size size{70, 50};
-    const Bytes picture = zeltest::faceLike(size, 24),
-                mask = zeltest::randomPlane(size.width, size.height, 25);
-    const Bytes prepared = zeltest::randomRgba(size.width, size.height, 26);
+    const Bytes picture = faceLike(size, 24), mask = randomPlane(size.width, size.height, 25);
+    const Bytes prepared = randomRgba(size.width, size.height, 26);
     for (const float level : {0.0f, 3.9f, 10.0f, -2.5f, 40.0f})
         for (const float temperature : {0.5f, 0.8f, -1.0f}) {
             const auto finished = [&](const Bytes& start) {
@@ -107,7 +102,7 @@ TEST(QornWhiteningMatchesSlow, FromThePictureAndFromAPreparedOne) {
 
 TEST(SkinMatchesSlow, AndWithoutARadiusOnlyTheToneRuns) {
     const Size size{61, 33};
-    const Bytes picture = zeltest::faceLike(size, 27);
+    const Bytes picture = faceLike(size, 27);
     for (const auto& [radius, mix, level, tone] : std::vector<std::array<float, 4>>{{4.9f, 7, 3.7f, 0},
                                                                                     {2, 10, 0, 0.6f},
                                                                                     {9, 3.3f, -4, -0.4f},
@@ -118,20 +113,15 @@ TEST(SkinMatchesSlow, AndWithoutARadiusOnlyTheToneRuns) {
             const auto step = strength < 0 ? zellab::ToneTableBlend : zellab::ToneTableBlendWarm;
             step({rgba.data(), size.width, size.height}, std::fabs(strength));
         });
-        EXPECT_TRUE(zeltest::sameSamples(expected, skinned(picture, size, {radius, mix, level, tone}), 244));
+        EXPECT_TRUE(sameSamples(expected, skinned(picture, size, {radius, mix, level, tone}), 244));
     }
     EXPECT_EQ(skinned(picture, size, {0, 8, 9, 0}), picture) << "no radius, no tone";
 }
 
 TEST(SkinColor, TintsThroughTheTableAndRefusesShortOnes) {
     const Size size{64, 64};
-    Bytes neutral(64 * 64 * 4, 255);
-    for (int i = 0; i < 64 * 64; ++i) {
-        const int x = i % 64, y = i / 64, steps[] = {x % 16, y % 16, y / 16 * 4 + x / 16};
-        for (int c = 0; c < 3; ++c)
-            neutral[static_cast<std::size_t>(i * 4 + c)] = static_cast<unsigned char>(steps[c] * 17);
-    }
-    const Bytes picture = zeltest::randomRgba(size.width, size.height, 28);
+    Bytes neutral = cubePicture();
+    const Bytes picture = randomRgba(size.width, size.height, 28);
     const auto tinted = [&](float strength, float level, int tableWidth, int tableHeight) {
         Bytes rgba = picture;
         TableSkin::ImageProcessWithSkinColor(rgba.data(), size.width, size.height, strength, level,

@@ -4,13 +4,12 @@
 #include <limits>
 
 #include "beautykernel/scenario/defog.h"
-#include "support/everyMachine.h"
 #include "support/randomImage.h"
 #include "zellab/zelfilteronline/zellabSharp.h"
 
 namespace {
 
-using zeltest::Bytes;
+using namespace zeltest;
 
 void sharpen(Bytes& pixels, int width, int height, float fine = 0.6f, float structure = 0.6f,
              bool protectFlat = true) {
@@ -20,12 +19,11 @@ void sharpen(Bytes& pixels, int width, int height, float fine = 0.6f, float stru
 /// Grey picture of a brightness that depends on the position.
 template <typename Level>
 Bytes greyPicture(int width, int height, const Level& level) {
-    Bytes pixels(static_cast<std::size_t>(width * height) * 4, 200);
-    for (int y = 0; y < height; ++y)
-        for (int x = 0; x < width; ++x)
-            std::fill_n(&pixels[static_cast<std::size_t>(y * width + x) * 4], 3,
-                        static_cast<unsigned char>(std::lround(level(x, y))));
-    return pixels;
+    const auto colour = [&](int x, int y) {
+        const long grey = std::lround(level(x, y));
+        return std::array{grey, grey, grey};
+    };
+    return drawnRgba(width, height, colour, 200);
 }
 
 TEST(Sharpener, AStepEdgeGrowsSteeperAndHardlyHigher) {
@@ -70,17 +68,12 @@ TEST(Sharpener, NoiseOnFlatSkinIsHardlyRaised) {
     }
 }
 
-TEST(Sharpener, NothingAndBadAmountsLeaveThePictureAndTheMachineDoesNotMatter) {
-    const Bytes original = zeltest::patternRgba(150, 130, 3);
+TEST(Sharpener, NothingAndBadAmountsLeaveThePicture) {
+    const Bytes original = patternRgba(150, 130, 3);
     Bytes pixels = original;
     sharpen(pixels, 150, 130, 0.0f, -2.0f);
     sharpen(pixels, 150, 130, std::numeric_limits<float>::quiet_NaN(), 0.0f);
     EXPECT_EQ(pixels, original);
-    zeltest::expectSameOnEveryMachine([&] {
-        Bytes sharp = original;
-        sharpen(sharp, 150, 130);
-        return sharp;
-    });
 }
 
 /// The stretch of one channel, pixel by pixel from the sorted values.
@@ -123,8 +116,8 @@ Bytes slowDefog(const Bytes& image) {
 TEST(Defog, MatchesTheSortedStretch) {
     for (const auto& [w, h] : {std::pair{1, 1}, {3, 1}, {10, 10}, {20, 10}, {57, 43}, {120, 90}})
         for (int kind = 0; kind < 3; ++kind) {
-            Bytes pixels = kind == 0   ? zeltest::randomRgba(w, h, 5)
-                           : kind == 1 ? zeltest::patternRgba(w, h, 6)
+            Bytes pixels = kind == 0   ? randomRgba(w, h, 5)
+                           : kind == 1 ? patternRgba(w, h, 6)
                                        : Bytes(static_cast<std::size_t>(w * h) * 4, 77);
             if (kind == 1)
                 for (unsigned char& b : pixels) b = static_cast<unsigned char>(60 + b / 3);
@@ -132,7 +125,6 @@ TEST(Defog, MatchesTheSortedStretch) {
             zellab::defog({pixels.data(), w, h});
             ASSERT_EQ(pixels, expected) << w << " by " << h << ", kind " << kind;
         }
-    zellab::defog({nullptr, 4, 4});
 }
 
 }  // namespace

@@ -12,13 +12,12 @@ namespace {
 using zelbeauty::SkinFaceRecord;
 using zelbeauty::SkinMaskManager;
 using zelbeauty::SkinMaskStatisDetector;
-using zeltest::Bytes;
+using namespace zeltest;
 
 /// Planes around a skin colour, wide enough that every branch of the model is met.
 slow::SkinPlanes planesOf(int width, int height, unsigned seed, int y, int cb, int cr) {
-    slow::SkinPlanes p{width, height, zeltest::randomPlane(width, height, seed),
-                       zeltest::randomPlane(width, height, seed + 1),
-                       zeltest::randomPlane(width, height, seed + 2)};
+    slow::SkinPlanes p{width, height, randomPlane(width, height, seed), randomPlane(width, height, seed + 1),
+                       randomPlane(width, height, seed + 2)};
     for (std::size_t i = 0; i < p.y.size(); ++i) {
         const bool face = i % static_cast<std::size_t>(width) > static_cast<std::size_t>(width) / 4;
         p.y[i] = static_cast<unsigned char>(std::clamp(face ? y + p.y[i] / 5 - 25 : p.y[i], 0, 255));
@@ -68,16 +67,16 @@ TEST(SkinModelMatchesSlow, StatisticsAndMap) {
                 ASSERT_GT(colour.low, 3);
                 const Bytes expected = slow::skinMap(p, colour, true, alt),
                             faceless = slow::skinMap(p, slow::pictureColour(p), false, alt);
-                zeltest::onEveryMachine([&] {
+                onEveryMachine([&] {
                     Bytes map(expected.size(), 1);
                     const auto detect = [&](std::size_t count) {
                         SkinMaskStatisDetector::Detect(picture, {map.data(), 90, 80}, {&face, count}, alt,
                                                        nullptr);
                     };
                     detect(1);
-                    ASSERT_TRUE(zeltest::sameSamples(expected, map, 90));
+                    ASSERT_TRUE(sameSamples(expected, map, 90));
                     detect(0);
-                    ASSERT_TRUE(zeltest::sameSamples(faceless, map, 90));
+                    ASSERT_TRUE(sameSamples(faceless, map, 90));
                 });
                 ASSERT_FALSE(HasFailure());
             }

@@ -5,7 +5,7 @@
 #include "beautykernel/skinmaskstatisdetector/skinMaskManager.h"
 #include "beautykernel/skinmaskstatisdetector/skinMaskStatisDetector.h"
 #include "portrait/portrait.h"
-#include "zel_effects/interFacePoint.h"
+#include "support/standardFace.h"
 #include "zellab/imageproc/colour/yCbCr.h"
 
 namespace {
@@ -25,8 +25,7 @@ SkinFaceRecord recordOf(const zel::Portrait& portrait, int width, int height) {
     std::array<zellab::Vector2f, 83> landmarks;
     for (std::size_t i = 0; i < landmarks.size(); ++i)
         landmarks[i] = {face.points[i].x * w, face.points[i].y * h};
-    zellab::CInterFacePoint points;
-    points.AddFace(landmarks.data(), 0);
+    const zeltest::OneFace points(landmarks);
     SkinFaceRecord record;
     record.left = static_cast<int>(face.rect[0] * w), record.top = static_cast<int>(face.rect[1] * h);
     record.right = static_cast<int>((face.rect[0] + face.rect[2]) * w);

@@ -14,16 +14,11 @@ constexpr int kWidth = 84, kHeight = 68;  // the last blocks are cut
 
 /// A slope of every colour with a dark bar down its middle.
 Image slope() {
-    Image image = zeltest::testImage(kWidth, kHeight, 3);
-    for (int y = 0; y < kHeight; ++y)
-        for (int x = 0; x < kWidth; ++x) {
-            unsigned char* p = &image.rgba[static_cast<std::size_t>(y * kWidth + x) * 4];
-            const bool bar = x >= 42 && x < 46;
-            p[0] = static_cast<unsigned char>(bar ? 20 : 90 + x + y / 2);
-            p[1] = static_cast<unsigned char>(bar ? 20 : 80 + x / 2 + y);
-            p[2] = static_cast<unsigned char>(bar ? 20 : 70 + x / 2 + y / 2);
-        }
-    return image;
+    const auto colour = [](int x, int y) {
+        return x >= 42 && x < 46 ? std::array{20, 20, 20}
+                                 : std::array{90 + x + y / 2, 80 + x / 2 + y, 70 + x / 2 + y / 2};
+    };
+    return {kWidth, kHeight, zeltest::drawnRgba(kWidth, kHeight, colour)};
 }
 
 /// What the coarsest JPEG file leaves of it: each block in its own mean colour, but for the bar.
@@ -45,12 +40,6 @@ Image inBlocks(const Image& image, int offsetX, int offsetY) {
     return blocks;
 }
 
-double distance(const Image& a, const Image& b) {
-    double sum = 0;
-    for (std::size_t i = 0; i < a.rgba.size(); ++i) sum += std::abs(a.rgba[i] - b.rgba[i]);
-    return sum / static_cast<double>(a.rgba.size());
-}
-
 // A turned picture has its cut blocks at the first pixels instead of the last.
 TEST(BlockEdges, BecomeSlopesAndTheBarStays) {
     const Image truth = slope();
@@ -61,7 +50,8 @@ TEST(BlockEdges, BecomeSlopesAndTheBarStays) {
         softenBlockEdges(after);
         EXPECT_GT(blockiness(before), 3);
         EXPECT_LT(blockiness(after), blockiness(before) / 2);
-        EXPECT_LT(distance(after, truth), distance(before, truth) * 0.8);
+        EXPECT_LT(zeltest::differenceOf(after.rgba, truth.rgba).mean,
+                  zeltest::differenceOf(before.rgba, truth.rgba).mean * 0.8);
         for (int row = 0; row < kHeight; ++row)
             for (int column = 42; column < 46; ++column) {
                 const auto i = static_cast<std::size_t>(row * kWidth + column) * 4;

@@ -1,7 +1,5 @@
 #include <gtest/gtest.h>
 
-#include <algorithm>
-
 #include "effectSupport.h"
 #include "portrait/portrait.h"
 
@@ -26,8 +24,8 @@ struct TwoFaces {
     }
 };
 
-Image applied(const std::string& name, const TwoFaces& scene, const std::vector<std::string>& words) {
-    return zeltest::applied(name, scene.image, words, scene.faces);
+Image applied(const std::string& name, const TwoFaces& scene, const std::vector<std::string>& assignments) {
+    return zeltest::applied(name, scene.image, assignments, scene.faces);
 }
 
 /// How many bytes differ in the top left corner where the small face lies, and elsewhere.

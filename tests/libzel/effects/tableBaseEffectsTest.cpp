@@ -1,4 +1,3 @@
-#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <cstdlib>
@@ -9,11 +8,7 @@
 namespace {
 
 using zel::Image;
-
-Image applied(const std::string& name, const Image& image, const std::vector<std::string>& words,
-              const zel::Mask* mask = nullptr, const Image* second = nullptr) {
-    return zeltest::applied(name, image, words, {}, mask, second);
-}
+using zeltest::applied;
 
 /// Sum of the differences of neighbours in a row: how busy a picture is.
 long busyness(const Image& image) {
@@ -38,17 +33,17 @@ TEST(TableBaseEffects, EachDoesWhatItsNameSays) {
 
 TEST(TableBaseEffects, AlphaMixPlacesTheMask) {
     const Image image = zeltest::testImage(30, 20, 3), second = zeltest::testImage(30, 20, 4);
-    EXPECT_EQ(applied("alpha-mix", image, {}, nullptr, &second).rgba, second.rgba);
+    EXPECT_EQ(applied("alpha-mix", image, {}, {}, nullptr, &second).rgba, second.rgba);
 
     zel::Mask mask{4, 4, std::vector<unsigned char>(16, 255)};
-    const Image mixed = applied("alpha-mix", image, {"left=28", "top=-2"}, &mask, &second);
+    const Image mixed = applied("alpha-mix", image, {"left=28", "top=-2"}, {}, &mask, &second);
     for (std::size_t i = 0; i < image.rgba.size(); ++i) {
         const std::size_t x = i / 4 % 30, y = i / 120;
         ASSERT_EQ(mixed.rgba[i], x >= 28 && y < 2 ? second.rgba[i] : image.rgba[i]) << x << ',' << y;
     }
 
     const Image other = zeltest::testImage(31, 20, 5);
-    EXPECT_THROW(applied("alpha-mix", image, {}, nullptr, &other), zel::Failure);
+    EXPECT_THROW(applied("alpha-mix", image, {}, {}, nullptr, &other), zel::Failure);
 }
 
 }  // namespace

@@ -1,7 +1,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "libzel/effect.h"
+#include "effectSupport.h"
 #include "libzel/faces/faceRecords.h"
 #include "libzel/faces/facesJson.h"
 
@@ -29,12 +29,7 @@ std::string replaced(std::string text, const std::string& from, const std::strin
 }
 
 std::string failureOf(const std::string& json) {
-    try {
-        zel::parseFaces(json);
-    } catch (const zel::Failure& failure) {
-        return failure.what();
-    }
-    return "accepted";
+    return zeltest::faultOf([&] { zel::parseFaces(json); });
 }
 
 TEST(FacesJson, KeepsEveryFloatThroughText) {
@@ -79,7 +74,7 @@ TEST(FacesJson, SaysWhatIsWrongAndWhere) {
     for (const auto& c : cases) {
         const std::string said = failureOf(c.json);
         EXPECT_THAT(said, HasSubstr(c.says));
-        EXPECT_EQ(said.find('\n'), std::string::npos);
+        EXPECT_EQ(said.find('\n'), said.npos);
     }
     // Depth must not cost stack.
     EXPECT_NE(failureOf(std::string(200000, '[')), "accepted");

@@ -17,15 +17,6 @@ zel::FaceSet find(const zel::Image& image) {
     return zel::findFaces(image, detector);
 }
 
-zel::Image mirrored(const zel::Image& image) {
-    zel::Image result = image;
-    for (int y = 0; y < image.height; ++y)
-        for (int x = 0; x < image.width; ++x)
-            std::copy_n(image.rgba.begin() + 4 * (y * image.width + image.width - 1 - x), 4,
-                        result.rgba.begin() + 4 * (y * image.width + x));
-    return result;
-}
-
 TEST(LandmarkFit, FindsTheTrueLandmarksOfUnseenFaces) {
     float sum = 0;
     constexpr int kFaces = 6;
@@ -44,20 +35,6 @@ TEST(LandmarkFit, FindsTheTrueLandmarksOfUnseenFaces) {
             EXPECT_NEAR(found.faces[0].rect[k], portrait.faces.faces[0].rect[k], 0.05f) << i << " " << k;
     }
     EXPECT_LT(sum / kFaces, 0.035f);
-}
-
-TEST(LandmarkFit, MirroredPictureGivesMirroredLandmarks) {
-    const auto portrait = zel::drawPortrait(zeltrain::variedPortrait(911, 300));
-    const zel::FaceSet found = find(portrait.image), other = find(mirrored(portrait.image));
-    ASSERT_EQ(found.faces.size(), 1u);
-    ASSERT_EQ(other.faces.size(), 1u);
-    zel::Landmarks back;
-    for (std::size_t i = 0; i < back.size(); ++i) {
-        const auto& p = other.faces[0].points[zel::mirrorOrder()[i]];
-        back[i] = {(1 - p.x) * static_cast<float>(portrait.image.width),
-                   p.y * static_cast<float>(portrait.image.height)};
-    }
-    EXPECT_LT(zel::landmarkError(back, zel::landmarksInPixels(found.faces[0], portrait.image)), 0.03f);
 }
 
 TEST(LandmarkFit, TwoFacesComeLargestFirst) {

@@ -3,7 +3,6 @@
 #include <array>
 
 #include "zellab/geometry/curveTools.h"
-#include "zellab/geometry/pointDeform.h"
 
 namespace {
 

@@ -17,7 +17,7 @@
 using testing::HasSubstr;
 using testing::MatchesRegex;
 using ZelImageCore::StbImageUtil;
-using zeltest::Bytes;
+using namespace zeltest;
 
 namespace {
 
@@ -52,7 +52,7 @@ Loaded loadMemory(Bytes file, Options o = {}) {
 
 Bytes scrambled(const Bytes& file) {
     Bytes whole;
-    zeltest::appendLittle(whole, static_cast<unsigned>(file.size()), 4);
+    appendLittle(whole, static_cast<unsigned>(file.size()), 4);
     for (const unsigned char byte : file) whole.push_back(byte);
     zellab::unscrambleImageData(whole.data() + 4, static_cast<std::ptrdiff_t>(file.size()));
     return whole;
@@ -60,10 +60,10 @@ Bytes scrambled(const Bytes& file) {
 
 class StbImageUtilTest : public testing::Test {
 protected:
-    const Bytes m_rgba = zeltest::randomRgba(31, 9, 3);
-    const Bytes m_tga = zeltest::tgaFile(31, 9, m_rgba);
-    zeltest::ScratchFolder m_folder;
-    zeltest::StreamCapture m_log{stderr};
+    const Bytes m_rgba = randomRgba(31, 9, 3);
+    const Bytes m_tga = tgaFile(31, 9, m_rgba);
+    ScratchFolder m_folder;
+    StreamCapture m_log{stderr};
 };
 
 TEST_F(StbImageUtilTest, FileMemoryAndScrambledFormsGiveTheSamePixels) {
@@ -96,32 +96,29 @@ TEST_F(StbImageUtilTest, TheCallerIsToldTheDecodedSizeAlsoWhenReduced) {
     EXPECT_EQ(Bytes(flat.begin() + 10 * 2 * 4, flat.end()), Bytes((31 * 9 - 10 * 2) * 4, 255));
 }
 
-TEST_F(StbImageUtilTest, SaysWhatItLoaded) {
-    const std::string path = m_folder.write("plain.tga", m_tga);
-    loadFile(path);
-    EXPECT_THAT(m_log.text(),
-                MatchesRegex("[0-9]{8} : ZelImageCore::StbImageUtil::loadImageFromFile\\([0-9]+\\) "
-                             "stb load image: .*/plain.tga. w:31, h:9\r\n"));
-}
-
-TEST_F(StbImageUtilTest, SaysWhyItFailedInOrder) {
+TEST_F(StbImageUtilTest, SaysWhatItLoadedAndWhyItFailedInOrder) {
     const std::string prefix = "[0-9]{8} : ZelImageCore::StbImageUtil::";
     const std::string tail =
         "\r\nCrossPlateform/platform_win/stb_image_util/stbImageUtil.cpp\\([0-9]+\\)\r\n";
-    loadFile(m_folder.write("empty", {}));
+    const auto said = [&](const auto& load) {
+        const std::size_t seen = m_log.text().size();
+        load();
+        return m_log.text().substr(seen);
+    };
     EXPECT_THAT(
-        m_log.text(),
+        said([&] { loadFile(m_folder.write("plain.tga", m_tga)); }),
+        MatchesRegex(prefix + "loadImageFromFile\\([0-9]+\\) stb load image: .*/plain.tga. w:31, h:9\r\n"));
+    EXPECT_THAT(
+        said([&] { loadFile(m_folder.write("empty", {})); }),
         MatchesRegex(prefix + "IsEncryptImageWithHead\\([0-9]+\\) param error." + tail + prefix +
                      "loadImageFromMemory\\([0-9]+\\) param error." + tail + prefix +
                      "loadImageFromFile\\([0-9]+\\) loadImageFromMemory fail: .*/empty." + tail + prefix +
                      "loadImageFromFile\\([0-9]+\\) stb load image: .*/empty. w:-7, h:-8\r\n"));
-    const std::size_t seen = m_log.text().size();
-    loadFile(m_folder.path("missing"));
-    EXPECT_THAT(m_log.text().substr(seen),
+    EXPECT_THAT(said([&] { loadFile(m_folder.path("missing")); }),
                 MatchesRegex(prefix + "loadImageFromFile\\([0-9]+\\) read file fail: .*/missing." + tail));
-    const std::size_t seenToo = m_log.text().size();
-    loadMemory({1, 2, 3});
-    EXPECT_THAT(m_log.text().substr(seenToo),
+    EXPECT_THAT(said([&] {
+                    loadMemory({1, 2, 3});
+                }),
                 MatchesRegex(prefix + "loadImageFromMemory\\([0-9]+\\) stbi_load_from_memory fail." + tail));
 }
 
@@ -160,8 +157,7 @@ long peakMegabytes() {
 
 TEST_F(StbImageUtilTest, LyingHeadsFailWithoutTakingTheirMemory) {
     const long before = peakMegabytes();
-    const auto heads = {zeltest::bmpHead, zeltest::gifHead, zeltest::jpegHead, zeltest::pngHead,
-                        zeltest::tgaHead};
+    const auto heads = {bmpHead, gifHead, jpegHead, pngHead, tgaHead};
     for (const unsigned side : {8000u, 16000u, 32767u, 65535u})
         for (const auto& head : heads) {
             EXPECT_FALSE(loadMemory(head(side, side)).pixels) << side;
@@ -174,13 +170,13 @@ TEST_F(StbImageUtilTest, LyingHeadsFailWithoutTakingTheirMemory) {
     tables.resize(5000, 255);
     EXPECT_FALSE(loadMemory(tables).pixels);
     // The other way round: packed data that unpacks to far more than its head says.
-    EXPECT_FALSE(loadMemory(zeltest::pngHead(0, 0)).pixels);
-    EXPECT_FALSE(loadMemory(zeltest::pngHead(0xFFFFFFFFu, 1)).pixels);
+    EXPECT_FALSE(loadMemory(pngHead(0, 0)).pixels);
+    EXPECT_FALSE(loadMemory(pngHead(0xFFFFFFFFu, 1)).pixels);
 }
 
 TEST_F(StbImageUtilTest, EightCallsAtOnceGiveTheBytesOfOne) {
-    const Bytes rgba = zeltest::randomRgba(200, 300, 8);
-    const std::string path = m_folder.write("picture", scrambled(zeltest::tgaFile(200, 300, rgba)));
+    const Bytes rgba = randomRgba(200, 300, 8);
+    const std::string path = m_folder.write("picture", scrambled(tgaFile(200, 300, rgba)));
     const Bytes alone = loadFile(path, {.scrambled = true, .keepAlpha = false, .maxSize = 150}).bytes();
     std::vector<std::thread> threads;
     std::vector<Bytes> results(8);

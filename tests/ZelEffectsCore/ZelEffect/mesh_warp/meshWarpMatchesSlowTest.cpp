@@ -60,6 +60,8 @@ TEST(TriangleWarpMatchesSlow, BitForBit) {
         for (Vector2f& p : to) p.x += static_cast<float>(random() % 9u) - 4.0f, p.y += 1.7f;
         if (round % 5 == 1)
             for (Vector2f& p : to) p = {std::floor(p.x), std::floor(p.y)};
+        if (round % 11 == 5)  // so thin that its map leads far beyond the picture
+            to[0] = {0, 10}, to[1] = {40, 10}, to[2] = {20, std::nextafter(10.0f, 11.0f)};
         if (round % 11 == 3) to[2] = to[1];  // no map: the rows hold what the elimination left
         if (round % 7 == 2) to[2] = from[2], to[1] = from[1], to[0] = from[0];
         const std::uint16_t triangles[] = {0, 1, 2, 2, 1, 3};

@@ -13,18 +13,6 @@ namespace {
 using zellab::CStackBlur;
 using zeltest::Bytes;
 
-// A row of one bright sample, worked by hand: along x the weights 1 2 1 of radius 1, by 4, truncated. Along y
-// the only row repeats and stays.
-TEST(StackBlur, OneBrightSampleSpreadsAsATriangle) {
-    Bytes row = {0, 0, 0, 255, 0, 0, 0};
-    CStackBlur::StackBlurExGray({row.data(), 7, 1}, 1, 1);
-    EXPECT_EQ(row, (Bytes{0, 0, 63, 127, 63, 0, 0}));
-    // At the edge the repeats weigh in: (2 + 1) * 255 / 4.
-    Bytes edge = {255, 0, 0};
-    CStackBlur::StackBlurExGray({edge.data(), 3, 1}, 1, 1);
-    EXPECT_EQ(edge, (Bytes{191, 63, 0}));
-}
-
 // With the radius far beyond the line both ends weigh almost the same: 255 * (1/2 - a little), truncated.
 // The window's sum passes 32 bits here, and at the last two radii 64.
 TEST(StackBlur, RadiiFarBeyondTheLineAverageItsEnds) {

@@ -6,7 +6,6 @@
 #include <functional>
 
 #include "frame/processorCount.h"
-#include "support/randomImage.h"
 #include "support/shortMemory.h"
 #include "zellab/imageproc/core/ownedImage.h"
 #include "zellab/imageproc/poisson/sineSolver.h"

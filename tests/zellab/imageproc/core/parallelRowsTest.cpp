@@ -28,16 +28,13 @@ TEST(ParallelRows, EveryRowIsVisitedOnceOnAnyWorkerCount) {
 
 TEST(RunTasks, TheFirstExceptionReachesTheCallerAfterAllThreadsEnded) {
     std::atomic<int> running{0};
-    EXPECT_THROW(runTasks(100, 4,
-                          [&](int i) {
-                              ++running;
-                              if (i == 5) {
-                                  --running;
-                                  throw std::runtime_error("band");
-                              }
-                              --running;
-                          }),
-                 std::runtime_error);
+    const auto task = [&](int i) {
+        ++running;
+        std::this_thread::yield();
+        --running;
+        if (i == 5) throw std::runtime_error("band");
+    };
+    EXPECT_THROW(runTasks(100, 4, task), std::runtime_error);
     EXPECT_EQ(running, 0);
 }
 

@@ -12,7 +12,7 @@
 
 namespace {
 
-using zeltest::Bytes;
+using namespace zeltest;
 
 struct Floats {
     float exponent, scale, factor;
@@ -43,7 +43,7 @@ TEST(GuidedFilterColor, MatchesTheDefinition) {
         for (const Floats f :
              {Floats{1.0f, 0.01f, 0.2f}, Floats{0.5f, 0.3f, 0.0f}, Floats{2.0f, 0.001f, 1.6f}})
             for (bool smooth : {false, true}) {
-                const Bytes noise = zeltest::randomRgba(19, 23, 3), pattern = zeltest::patternRgba(26, 21, 4);
+                const Bytes noise = randomRgba(19, 23, 3), pattern = patternRgba(26, 21, 4);
                 const slow::GuidedFilter slowNoise(noise, 19, 23, radius),
                     slowPattern(pattern, 26, 21, radius);
                 SCOPED_TRACE(testing::Message()
@@ -59,7 +59,7 @@ TEST(GuidedFilterColor, MatchesTheDefinition) {
 
 // Bright enough, and its window large enough, that a sum of products passes 31 bits.
 TEST(GuidedFilterColor, LargeWindowsOfBrightPixelsDoNotOverflow) {
-    Bytes bright = zeltest::randomRgba(9, 7, 8);
+    Bytes bright = randomRgba(9, 7, 8);
     for (auto& b : bright) b |= 0xE0;
     for (int radius : {90, 91, 130})
         EXPECT_LE(distance(filtered(bright, 9, {1.0f, 0.001f, 0.1f}, radius),
@@ -74,7 +74,7 @@ TEST(GuidedFilterColor, BothInstructionSetsAgreeOnEqualRoots) {
     constexpr int kWindows = 4096;
     std::vector<float> moments(9 * kWindows), one(9 * kWindows), eight(9 * kWindows);
     const zellab::NineRows<float> rows{moments.data(), kWindows};
-    const Bytes random = zeltest::randomBytes(kWindows * 4, 5);
+    const Bytes random = randomBytes(kWindows * 4, 5);
     for (int x = 0; x < kWindows; ++x) {
         const float v = static_cast<float>(random[static_cast<std::size_t>(x)] * 7 + 1) / 3.0f;
         const int kind = x % 4;  // the largest twice, the smallest twice, all three, one colour
@@ -93,7 +93,7 @@ TEST(GuidedFilterColor, BothInstructionSetsAgreeOnEqualRoots) {
 // fits.
 TEST(GuidedFilterColor, FactorOneAndFlatPicturesReturnTheirInput) {
     for (int colours : {1, 2, 3, 256}) {
-        Bytes picture = zeltest::randomRgba(40, 30, 9);
+        Bytes picture = randomRgba(40, 30, 9);
         for (std::size_t i = 0; i < picture.size(); ++i)
             picture[i] =
                 colours == 256
@@ -107,12 +107,12 @@ TEST(GuidedFilterColor, FactorOneAndFlatPicturesReturnTheirInput) {
 }
 
 TEST(GuidedFilterColor, WorkersAndInstructionSetsChangeNothing) {
-    const Bytes picture = zeltest::patternRgba(83, 300, 6);
+    const Bytes picture = patternRgba(83, 300, 6);
     for (const Floats f : {Floats{1.0f, 0.01f, 0.2f}, Floats{0.7f, 0.1f, 2.0f}, Floats{1.0f, 0.0f, 1.0f},
                            Floats{90.0f, -1.0f, 1e30f}})
         for (int radius : {2, 20, 95})
             for (bool smooth : {false, true})
-                zeltest::expectSameOnEveryMachine([&] { return filtered(picture, 83, f, radius, smooth); });
+                expectSameOnEveryMachine([&] { return filtered(picture, 83, f, radius, smooth); });
 }
 
 Bytes guided(Bytes plane, const Bytes& guide, int width, int radius, float epsilon, float scale) {
@@ -125,16 +125,13 @@ Bytes guided(Bytes plane, const Bytes& guide, int width, int radius, float epsil
 // A plane that is a linear function of a smooth guide stays, whatever the window; constants stay always.
 TEST(GuidedFilterPlane, KeepsWhatTheGuideExplains) {
     constexpr int kWidth = 96, kHeight = 80;
-    Bytes guide(kWidth * kHeight * 4), plane(kWidth * kHeight);
-    for (int i = 0; i < kWidth * kHeight; ++i) {
-        const int x = i % kWidth, y = i / kWidth;
-        guide[4 * i] = static_cast<unsigned char>(20 + 2 * x);
-        guide[4 * i + 1] = static_cast<unsigned char>(240 - 2 * y);
-        plane[i] = static_cast<unsigned char>(x + y + 10);
-    }
+    const Bytes guide = drawnRgba(kWidth, kHeight, [](int x, int y) {
+        return std::array{20 + 2 * x, 240 - 2 * y, 0};
+    });
+    const Bytes plane = drawnPlane(kWidth, kHeight, [](int x, int y) { return x + y + 10; });
     const Bytes out = guided(plane, guide, kWidth, 2, 1e-3f, 4.0f);
     for (std::size_t i = 0; i < out.size(); ++i) ASSERT_NEAR(out[i], plane[i], 1) << i;
-    const Bytes flat(plane.size(), 77), noise = zeltest::randomRgba(kWidth, kHeight, 5);
+    const Bytes flat(plane.size(), 77), noise = randomRgba(kWidth, kHeight, 5);
     for (float epsilon : {0.0f, 0.1f, -3.0f, std::nanf("")})
         for (float scale : {4.0f, 1.0f, 1e9f, std::nanf("")})
             ASSERT_EQ(guided(flat, noise, kWidth, 2, epsilon, scale), flat) << epsilon << " " << scale;
@@ -142,12 +139,11 @@ TEST(GuidedFilterPlane, KeepsWhatTheGuideExplains) {
 
 TEST(GuidedFilterPlane, MovesTheEdgeToTheGuidesAndMeansWhereTheGuideIsFlat) {
     constexpr int kWidth = 160, kHeight = 64;
-    Bytes guide(kWidth * kHeight * 4, 90), ragged(kWidth * kHeight);
-    for (int i = 0; i < kWidth * kHeight; ++i) {
-        const int x = i % kWidth;
-        if (x >= 80) guide[4 * i + 1] = 220;
-        ragged[i] = x >= 80 + (i / kWidth / 4 % 2 ? 4 : -4) ? 255 : 0;
-    }
+    const Bytes guide = drawnRgba(kWidth, kHeight, [](int x, int) {
+        return std::array{90, x >= 80 ? 220 : 90, 90};
+    });
+    const Bytes ragged =
+        drawnPlane(kWidth, kHeight, [](int x, int y) { return x >= 80 + (y / 4 % 2 ? 4 : -4) ? 255 : 0; });
     const auto misses = [&](const Bytes& plane) {
         int count = 0;
         for (int i = 0; i < kWidth * kHeight; ++i) count += (plane[i] >= 128) != (i % kWidth >= 80);
@@ -157,8 +153,7 @@ TEST(GuidedFilterPlane, MovesTheEdgeToTheGuidesAndMeansWhereTheGuideIsFlat) {
     // One bright column: a flat guide gives means over two boxes of 3 cells of 4 pixels, so it spreads
     // evenly.
     const Bytes grey(kWidth * kHeight * 4, 90);
-    Bytes column(kWidth * kHeight, 0);
-    for (int y = 0; y < kHeight; ++y) column[y * kWidth + 80] = 252;
+    const Bytes column = drawnPlane(kWidth, kHeight, [](int x, int) { return x == 80 ? 252 : 0; });
     const Bytes spread = guided(column, grey, kWidth, 1, 0.0f, 4.0f);
     // Cell 20 holds 252 / 4 / 3 = 21, cell 19 two thirds of that; pixel 81 lies an eighth between their
     // centres.
@@ -167,8 +162,8 @@ TEST(GuidedFilterPlane, MovesTheEdgeToTheGuidesAndMeansWhereTheGuideIsFlat) {
 }
 
 TEST(GuidedFilterPlane, WorkersAndInstructionSetsChangeNothing) {
-    const Bytes noise = zeltest::patternRgba(130, 150, 8), plane = zeltest::randomPlane(130, 150, 9);
-    zeltest::expectSameOnEveryMachine([&] { return guided(plane, noise, 130, 2, 0.1f, 2.5f); });
+    const Bytes noise = patternRgba(130, 150, 8), plane = randomPlane(130, 150, 9);
+    expectSameOnEveryMachine([&] { return guided(plane, noise, 130, 2, 0.1f, 2.5f); });
 }
 
 }  // namespace

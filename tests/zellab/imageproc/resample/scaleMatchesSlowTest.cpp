@@ -10,8 +10,7 @@
 
 namespace {
 
-using zeltest::Bytes;
-using zeltest::Size;
+using namespace zeltest;
 
 struct Scaling {
     Size from, to;
@@ -48,13 +47,13 @@ void compareScalers(bool enlarging, const SlowForm& slowForm, const Engine& engi
             SCOPED_TRACE(testing::Message() << s.from.width << " by " << s.from.height << " to " << s.to.width
                                             << " by " << s.to.height << ", channels " << channels);
             const Bytes source =
-                zeltest::randomBytes(static_cast<std::size_t>(s.from.width * s.from.height * channels), 72);
+                randomBytes(static_cast<std::size_t>(s.from.width * s.from.height * channels), 72);
             const Bytes expected =
                 slowForm(source, s.from.width, s.from.height, s.to.width, s.to.height, channels);
-            zeltest::onEveryMachine([&] {
+            onEveryMachine([&] {
                 Bytes actual(expected.size(), 66);
                 ASSERT_TRUE(engine(source.data(), s.from, actual.data(), s.to, channels));
-                ASSERT_TRUE(zeltest::sameSamples(expected, actual, s.to.width * channels));
+                ASSERT_TRUE(sameSamples(expected, actual, s.to.width * channels));
             });
             ASSERT_FALSE(testing::Test::HasFailure());
         }
@@ -64,8 +63,7 @@ void compareScalers(bool enlarging, const SlowForm& slowForm, const Engine& engi
 template <typename Scale>
 auto onViews(const Scale& scale) {
     return [=](const unsigned char* source, Size from, unsigned char* target, Size to, int channels) {
-        return zeltest::withViews(source, from.width, from.height, target, to.width, to.height, channels,
-                                  scale);
+        return withViews(source, from.width, from.height, target, to.width, to.height, channels, scale);
     };
 }
 

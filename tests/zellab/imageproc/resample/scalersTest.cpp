@@ -2,7 +2,6 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
-#include <cstdlib>
 
 #include "frame/processorCount.h"
 #include "support/guardedBytes.h"
@@ -17,34 +16,26 @@
 namespace {
 
 using zellab::sampleCount;
-using zeltest::Bytes;
-using zeltest::GuardedBytes;
+using namespace zeltest;
 
 constexpr int kQualities[] = {0, 1, 2, 3};
 
 bool scaleBilinear(const unsigned char* source, int sw, int sh, unsigned char* target, int tw, int th,
                    int channels) {
-    return zeltest::withViews(source, sw, sh, target, tw, th, channels,
-                              [](auto from, auto to) { return zellab::ScaleBilinearThreaded(from, to); });
+    return withViews(source, sw, sh, target, tw, th, channels,
+                     [](auto from, auto to) { return zellab::ScaleBilinearThreaded(from, to); });
 }
 
 bool resample(const unsigned char* source, int sw, int sh, unsigned char* target, int tw, int th,
               int channels, int quality) {
-    return zeltest::withViews(source, sw, sh, target, tw, th, channels, [=](auto from, auto to) {
-        return zellab::ImageResampler().Resize(from, to, quality);
-    });
+    return withViews(source, sw, sh, target, tw, th, channels,
+                     [=](auto from, auto to) { return zellab::ImageResampler().Resize(from, to, quality); });
 }
 
 Bytes resize(const Bytes& source, int sw, int sh, int tw, int th, int channels, int quality) {
     Bytes target(sampleCount(tw, th, channels));
     EXPECT_TRUE(resample(source.data(), sw, sh, target.data(), tw, th, channels, quality));
     return target;
-}
-
-int largestDifference(const Bytes& a, const Bytes& b) {
-    int most = 0;
-    for (std::size_t i = 0; i < a.size(); ++i) most = std::max(most, std::abs(a[i] - b[i]));
-    return most;
 }
 
 // Rounding of weights, ends that are read twice and margins all show as a constant that moves.
@@ -73,19 +64,19 @@ TEST(Scalers, AConstantStaysAndNothingBesideTheTargetIsWritten) {
 
 TEST(Scalers, WithoutThreadsNoRowIsLeftAndTheLogSaysSo) {
     const zellab::WorkerCount workers(3);
-    const Bytes source = zeltest::randomRgba(90, 80, 4);
+    const Bytes source = randomRgba(90, 80, 4);
     const auto both = [&] {
         Bytes target(sampleCount(120, 200, 4));
         EXPECT_TRUE(scaleBilinear(source.data(), 90, 80, target.data(), 120, 200, 4));
         return std::pair{target, resize(source, 90, 80, 120, 200, 4, 3)};
     };
     const auto expected = both();
-    const zeltest::NoThreads none;
+    const NoThreads none;
     testing::internal::CaptureStderr();
     EXPECT_EQ(both(), expected);
     const std::string log = testing::internal::GetCapturedStderr();
-    EXPECT_NE(log.find("error creating thread.1"), std::string::npos);
-    EXPECT_NE(log.find("error creating thread.2"), std::string::npos);
+    EXPECT_NE(log.find("error creating thread.1"), log.npos);
+    EXPECT_NE(log.find("error creating thread.2"), log.npos);
 }
 
 TEST(ImageResampler, WeightsSumToOneAndPositionsRise) {
@@ -108,10 +99,7 @@ TEST(ImageResampler, WeightsSumToOneAndPositionsRise) {
 // Detail finer than the target can show must turn into its mean instead of into false patterns.
 TEST(ImageResampler, ShrinkingAveragesACheckerboard) {
     constexpr int kSide = 256;
-    Bytes source(sampleCount(kSide, kSide));
-    for (int y = 0; y < kSide; ++y)
-        for (int x = 0; x < kSide; ++x)
-            source[static_cast<std::size_t>(y * kSide + x)] = (x ^ y) & 1 ? 255 : 0;
+    const Bytes source = drawnPlane(kSide, kSide, [](int x, int y) { return (x ^ y) & 1 ? 255 : 0; });
     for (int quality : {1, 2, 3})
         for (int side : {150, 100, 61, 7}) {
             const Bytes small = resize(source, kSide, kSide, side, side, 1, quality);
@@ -125,15 +113,12 @@ TEST(ImageResampler, ShrinkingAveragesACheckerboard) {
 // Upscaling by a whole number passes through the samples' neighbourhood without shifting the picture.
 TEST(ImageResampler, EnlargingThenShrinkingGivesBackASmoothPicture) {
     constexpr int kSide = 60;
-    Bytes source(sampleCount(kSide, kSide));
-    for (int y = 0; y < kSide; ++y)
-        for (int x = 0; x < kSide; ++x)
-            source[static_cast<std::size_t>(y * kSide + x)] =
-                static_cast<unsigned char>(128 + 50 * std::sin(x * 0.2) + 40 * std::cos(y * 0.15));
+    const Bytes source = drawnPlane(
+        kSide, kSide, [](int x, int y) { return 128 + 50 * std::sin(x * 0.2) + 40 * std::cos(y * 0.15); });
     for (int quality : {1, 2, 3}) {
         const Bytes large = resize(source, kSide, kSide, 3 * kSide, 3 * kSide, 1, quality);
         const Bytes back = resize(large, 3 * kSide, 3 * kSide, kSide, kSide, 1, quality);
-        EXPECT_LE(largestDifference(source, back), 4) << "quality " << quality;
+        EXPECT_LE(differenceOf(source, back).largest, 4) << "quality " << quality;
     }
 }
 

@@ -3,8 +3,6 @@
 #include <algorithm>
 #include <array>
 #include <climits>
-#include <cmath>
-#include <limits>
 #include <vector>
 
 #include "zellab/imageproc/tone/psContrastBrightness.h"
@@ -19,13 +17,13 @@ struct Sample {
     int entries[8];
 };
 
-constexpr Sample kBrightness[] = {
+const std::vector<Sample> kBrightness = {
     {-150, {0, 12, 25, 37, 50, 63, 79, 106}},     {-120, {0, 15, 30, 45, 60, 75, 95, 124}},
     {-75, {0, 20, 40, 60, 80, 102, 129, 168}},    {-30, {0, 26, 53, 79, 106, 133, 163, 199}},
     {-1, {0, 32, 64, 95, 127, 159, 190, 223}},    {1, {0, 32, 64, 97, 129, 161, 194, 225}},
     {30, {0, 39, 77, 116, 154, 189, 219, 241}},   {75, {0, 51, 103, 152, 191, 219, 238, 249}},
     {120, {0, 68, 136, 194, 227, 243, 251, 254}}, {150, {0, 82, 162, 214, 239, 249, 253, 254}}};
-constexpr Sample kContrast[] = {
+const std::vector<Sample> kContrast = {
     {-50, {0, 41, 76, 105, 128, 151, 180, 215}}, {-25, {0, 37, 70, 101, 128, 155, 186, 220}},
     {1, {0, 32, 64, 96, 128, 160, 192, 224}},    {25, {0, 27, 58, 91, 128, 165, 198, 228}},
     {50, {0, 23, 52, 87, 128, 169, 204, 233}},   {100, {0, 14, 40, 78, 128, 178, 216, 242}}};
@@ -47,7 +45,9 @@ TEST_P(SliderCurves, MeetEverySampleOfTheReference) {
     }
 }
 
-TEST_P(SliderCurves, RiseWithTheInputFromBlackToWhite) {
+TEST_P(SliderCurves, RiseFromBlackToWhiteAndNoRowLiesOutsideTheRange) {
+    for (int index : {GetParam().first - 1, 0, GetParam().last + 1, INT_MIN, INT_MAX})
+        EXPECT_EQ(GetParam().build(index), Table{}) << index;
     for (int index = GetParam().first; index <= GetParam().last; ++index) {
         if (index == 0) continue;
         const Table table = GetParam().build(index);
@@ -57,43 +57,10 @@ TEST_P(SliderCurves, RiseWithTheInputFromBlackToWhite) {
     }
 }
 
-TEST_P(SliderCurves, NoRowOutsideTheRangeNorRowZero) {
-    for (int index : {GetParam().first - 1, 0, GetParam().last + 1, INT_MIN, INT_MAX})
-        EXPECT_EQ(GetParam().build(index), Table{}) << index;
-}
-
-INSTANTIATE_TEST_SUITE_P(
-    Families, SliderCurves,
-    testing::Values(
-        Family{"Brightness",
-               zellab::BrightnessTable,
-               -150,
-               150,
-               {std::begin(kBrightness), std::end(kBrightness)}},
-        Family{"Contrast", zellab::ContrastTable, -50, 100, {std::begin(kContrast), std::end(kContrast)}}),
-    [](const auto& family) { return family.param.name; });
-
-/// What a grey of that level becomes.
-int adjusted(int level, float brightness, float contrast) {
-    unsigned char pixel[4] = {static_cast<unsigned char>(level), 0, 255, 9};
-    zellab::PSContrastBrightness().Run({pixel, 1, 1}, brightness, contrast);
-    EXPECT_EQ(pixel[3], 9);
-    return pixel[0];
-}
-
-TEST(ContrastBrightness, StepsOfTheSlidersAreRounded) {
-    Table table = zellab::BrightnessTable(-149);
-    EXPECT_EQ(adjusted(200, -100, 0), table[200]);
-    EXPECT_EQ(adjusted(200, -std::numeric_limits<float>::infinity(), 0), table[200]);
-    table = zellab::BrightnessTable(150);
-    EXPECT_EQ(adjusted(70, 1e30f, 0), table[70]);
-    table = zellab::ContrastTable(-49);
-    EXPECT_EQ(adjusted(70, 0, -100), table[70]);
-    table = zellab::ContrastTable(99);
-    EXPECT_EQ(adjusted(70, 0, 99.9f), table[70]);
-    // Below half a step, and where there is no number.
-    EXPECT_EQ(adjusted(70, 0.2f, 0.9f), 70);
-    EXPECT_EQ(adjusted(70, std::nanf(""), std::nanf("")), 70);
-}
+INSTANTIATE_TEST_SUITE_P(Families, SliderCurves,
+                         testing::Values(Family{"Brightness", zellab::BrightnessTable, -150, 150,
+                                                kBrightness},
+                                         Family{"Contrast", zellab::ContrastTable, -50, 100, kContrast}),
+                         [](const auto& family) { return family.param.name; });
 
 }  // namespace

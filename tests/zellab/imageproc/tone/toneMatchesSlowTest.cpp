@@ -1,7 +1,5 @@
 #include <gtest/gtest.h>
 
-#include <limits>
-
 #include "reference/slowTone.h"
 #include "support/everyMachine.h"
 #include "support/views.h"
@@ -13,17 +11,16 @@
 namespace {
 
 using slow::Table;
-using zeltest::Bytes;
-using zeltest::Size;
+using namespace zeltest;
 
-/// All byte values in every channel, with an alpha that no operation may touch.
+/// All byte values in every channel.
 Bytes greyRamp() {
-    Bytes ramp;
-    for (int i = 0; i < 256; ++i) {
-        const auto v = static_cast<unsigned char>(i);
-        ramp.insert(ramp.end(), {v, v, v, static_cast<unsigned char>(255 - i)});
-    }
-    return ramp;
+    return drawnRgba(
+        256, 1,
+        [](int x, int) {
+            return std::array{x, x, x};
+        },
+        9);
 }
 
 // Offsets and spans that meet both lifts, their absence, and both limits of the stretch.
@@ -35,16 +32,11 @@ TEST(AutoLevelsMatchesSlow, OnDarkFlatAndWidePictures) {
         for (const Range range : {Range{0, 256}, Range{0, 40}, Range{10, 60}, Range{17, 80}, Range{18, 80},
                                   Range{18, 200}, Range{37, 90}, Range{38, 90}, Range{70, 1}, Range{70, 60},
                                   Range{130, 126}, Range{210, 46}, Range{254, 2}}) {
-            SCOPED_TRACE(testing::Message() << size.width << " by " << size.height << ", from " << range.from
-                                            << " span " << range.span);
-            Bytes picture = zeltest::randomRgba(size.width, size.height, 31);
+            Bytes picture = randomRgba(size.width, size.height, 31);
             for (auto& b : picture) b = static_cast<unsigned char>(range.from + b * range.span / 256);
-            Bytes expected = picture;
-            slow::autoLevels(expected);
-            zeltest::compareEverywhere(expected, picture, size.width * 4, [&](Bytes& p) {
-                zellab::AutoLevels(zellab::ImageView(p.data(), size.width, size.height));
-            });
-            ASSERT_FALSE(HasFailure());
+            compareWithSlow(
+                size, picture, slow::autoLevels, [&](Bytes& p) { zellab::AutoLevels(rgbaView(p, size)); },
+                range.from, range.span);
         }
 }
 
@@ -52,17 +44,17 @@ TEST(AutoLevelsMatchesSlow, OnDarkFlatAndWidePictures) {
 TEST(AutoLevelsMatchesSlow, OnOneColourPicturesAroundTheLift) {
     for (int channel = 0; channel < 3; ++channel)
         for (int value = 60; value < 256; value += 3) {
-            Bytes picture;
-            for (int i = 0; i < 12; ++i) {
-                unsigned char pixel[4] = {50, 50, 50, 9};
-                pixel[channel] = static_cast<unsigned char>(value);
-                picture.insert(picture.end(), pixel, pixel + 4);
-            }
-            Bytes expected = picture;
-            slow::autoLevels(expected);
-            zellab::AutoLevels(zellab::ImageView(picture.data(), 4, 3));
-            ASSERT_TRUE(zeltest::sameSamples(expected, picture, 16))
-                << "channel " << channel << ", " << value;
+            const auto colour = [=](int, int) {
+                std::array<int, 3> pixel{50, 50, 50};
+                pixel[static_cast<std::size_t>(channel)] = value;
+                return pixel;
+            };
+            compareWithSlow(
+                {4, 3}, drawnRgba(4, 3, colour, 9), slow::autoLevels,
+                [&](Bytes& p) {
+                    zellab::AutoLevels(rgbaView(p, {4, 3}));
+                },
+                channel, value);
         }
 }
 
@@ -99,54 +91,42 @@ TEST(ColorTemperatureBlendMatchesSlow, AtTheTellingEntriesAndBetween) {
     }
     const Bytes ramp = greyRamp();
     for (const float strength :
-         {-3.0f, 0.0f, 0.1f, 0.37f, 0.49999f, 0.5f, 0.5000004f, 0.6f, 0.77f, 0.9f, 2.0f}) {
-        SCOPED_TRACE(testing::Message() << "strength " << strength);
-        Bytes expected = ramp;
-        slow::temperatureBlend(expected, strength, curves[strength > 0.5f]);
-        zeltest::compareEverywhere(expected, ramp, 256 * 4, [&](Bytes& p) {
-            zellab::ColorTemperatureBlend({p.data(), 256, 1}, strength, 0);
-        });
-    }
+         {-3.0f, 0.0f, 0.1f, 0.37f, 0.49999f, 0.5f, 0.5000004f, 0.6f, 0.77f, 0.9f, 2.0f})
+        compareWithSlow(
+            {256, 1}, ramp, [&](Bytes& p) { slow::temperatureBlend(p, strength, curves[strength > 0.5f]); },
+            [&](Bytes& p) {
+                zellab::ColorTemperatureBlend({p.data(), 256, 1}, strength, 0);
+            },
+            strength);
 }
 
 TEST(ToneTableBlendMatchesSlow, OnEveryByteAndEitherSign) {
     const Bytes ramp = greyRamp();
-    for (const float strength : {-1.0f, -0.45f, -0.1f, 0.0f, 0.2f, 0.333f, 0.7f, 1.0f}) {
-        SCOPED_TRACE(testing::Message() << "strength " << strength);
-        Bytes expected = ramp;
-        slow::toneTableBlend(expected, strength);
-        zeltest::compareEverywhere(expected, ramp, 256 * 4, [&](Bytes& p) {
-            zellab::ToneTableBlend({p.data(), 256, 1}, strength);
-        });
-    }
+    for (const float strength : {-1.0f, -0.45f, -0.1f, 0.0f, 0.2f, 0.333f, 0.7f, 1.0f})
+        compareWithSlow(
+            {256, 1}, ramp, [&](Bytes& p) { slow::toneTableBlend(p, strength); },
+            [&](Bytes& p) {
+                zellab::ToneTableBlend({p.data(), 256, 1}, strength);
+            },
+            strength);
 }
 
-// A picture of 256 by 256 holds every pair of bytes once.
 TEST(MixByAlphaMatchesSlow, OnEveryPairOfBytes) {
-    Bytes before(256 * 256 * 4), after(256 * 256 * 4);
-    for (std::size_t i = 0; i < before.size(); ++i) {
-        before[i] = static_cast<unsigned char>(i / 1024);
-        after[i] = static_cast<unsigned char>(i / 4);
-    }
-    for (const float alpha : {-1.0f, 0.0f, 0.1f, 0.333f, 0.5f, 0.7f, 0.99f, 1.0f, 3.0f}) {
-        SCOPED_TRACE(testing::Message() << "alpha " << alpha);
-        Bytes expected = after;
-        slow::mixByAlpha(expected, before, after, alpha);
-        zeltest::compareEverywhere(expected, after, 256 * 4, [&](Bytes& result) {
-            zellab::MixByAlpha({result.data(), 256, 256}, {before.data(), 256, 256},
-                               {result.data(), 256, 256}, alpha);
-        });
-    }
-    for (const Size size : zeltest::kAwkwardSizes) {
-        const Bytes a = zeltest::randomRgba(size.width, size.height, 33),
-                    b = zeltest::randomRgba(size.width, size.height, 34);
-        Bytes expected(a.size(), 66);
-        slow::mixByAlpha(expected, a, b, 0.61f);
-        zeltest::compareEverywhere(expected, Bytes(a.size(), 66), size.width * 4, [&](Bytes& result) {
-            zellab::MixByAlpha({result.data(), size.width, size.height}, {a.data(), size.width, size.height},
-                               {b.data(), size.width, size.height}, 0.61f);
-        });
-    }
+    const auto compare = [](Size size, const Bytes& before, const Bytes& after, float alpha) {
+        compareWithSlow(
+            size, after, [&](Bytes& p) { slow::mixByAlpha(p, before, after, alpha); },
+            [&](Bytes& p) {
+                zellab::MixByAlpha(rgbaView(p, size), {before.data(), size.width, size.height},
+                                   rgbaView(p, size), alpha);
+            },
+            alpha);
+    };
+    const std::array<Bytes, 2> pairs = allPairs();
+    for (const float alpha : {-1.0f, 0.0f, 0.1f, 0.333f, 0.5f, 0.7f, 0.99f, 1.0f, 3.0f})
+        compare({256, 256}, pairs[0], pairs[1], alpha);
+    for (const Size size : kAwkwardSizes)
+        compare(size, randomRgba(size.width, size.height, 33), randomRgba(size.width, size.height, 34),
+                0.61f);
 }
 
 TEST(UnsharpMaskMatchesSlow, OnPicturesAndPlanes) {
@@ -156,25 +136,24 @@ TEST(UnsharpMaskMatchesSlow, OnPicturesAndPlanes) {
         int threshold;
     };
     for (const int channels : {1, 4})
-        for (const Size size : zeltest::kAwkwardSizes)
+        for (const Size size : kAwkwardSizes)
             for (const Case& c :
                  {Case{150, 1.0f, 0}, Case{70, 2.0f, 3}, Case{1, 1.0f, 0}, Case{-5, 0.5f, 0},
                   Case{700, 3.0f, 20}, Case{33, 0.0f, 0}, Case{60, 4.0f, 1}, Case{90, 5000.0f, 255}}) {
-                SCOPED_TRACE(testing::Message()
-                             << channels << " channels, " << size.width << " by " << size.height << ", "
-                             << c.amount << ", " << c.radius << ", " << c.threshold);
-                const Bytes picture =
-                    zeltest::randomBytes(static_cast<std::size_t>(size.width * size.height * channels), 35);
-                Bytes expected = picture;
-                slow::unsharpMask(expected, size.width, size.height, size.width * channels, c.amount,
-                                  c.radius, c.threshold);
-                zeltest::compareEverywhere(expected, picture, size.width * 4, [&](Bytes& p) {
-                    zeltest::withView(p.data(), size.width, size.height, channels, [&](auto view) {
-                        EXPECT_TRUE(zellab::UnsharpMask(view, c.amount, c.radius,
-                                                        static_cast<unsigned char>(c.threshold)));
-                    });
-                });
-                ASSERT_FALSE(HasFailure());
+                const Bytes picture = randomBytes(static_cast<std::size_t>(size.pixels() * channels), 35);
+                compareWithSlow(
+                    size, picture,
+                    [&](Bytes& p) {
+                        slow::unsharpMask(p, size.width, size.height, size.width * channels, c.amount,
+                                          c.radius, c.threshold);
+                    },
+                    [&](Bytes& p) {
+                        withView(p.data(), size.width, size.height, channels, [&](auto view) {
+                            EXPECT_TRUE(zellab::UnsharpMask(view, c.amount, c.radius,
+                                                            static_cast<unsigned char>(c.threshold)));
+                        });
+                    },
+                    c.amount, c.radius, c.threshold);
             }
 }
 
