@@ -7,6 +7,7 @@
 #include "applyPlan.h"
 #include "depth/portraitDepth.h"
 #include "effectRegistry.h"
+#include "inference/moduleLoader.h"
 #include "overlay/depthColours.h"
 #include "pictures/pngFile.h"
 #include "pictures/sheet.h"
@@ -116,6 +117,8 @@ private:
         if (!fs::exists(network, error))
             throw Failure(m_model.empty() ? "the depth network is missing; --set model=FILE names another one"
                                           : "there is no such file");
+        const std::string absence = zellab::platform::networkModuleAbsence();
+        if (!absence.empty()) throw Failure(absence);
         if (!m_depth->load(network.c_str()))
             throw Failure(
                 "is no depth network: an ONNX file with one float input of 1 x 3 x H x W and one or two maps "

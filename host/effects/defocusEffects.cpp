@@ -7,6 +7,7 @@
 #include "depth/portraitDepth.h"
 #include "effectLists.h"
 #include "effectParts.h"
+#include "inference/moduleLoader.h"
 #include "liveliness.h"
 #include "zel_effects/offscreenContext.h"
 #include "zel_effects/zel_effects.h"
@@ -83,6 +84,8 @@ void setDepth(Render& render, EffectRun& run) {
             throw Failure("the depth map is empty");
     } else {
         run.progress("estimating depth", 0);
+        const std::string absence = zellab::platform::networkModuleAbsence();
+        if (!absence.empty()) throw Failure(absence + "; or give --depth MAP.png");
         if (!render.Init(true))
             throw FileFailure(kNetworkFolder,
                               "holds no depth network that can be loaded; give --depth MAP.png");

@@ -7,6 +7,7 @@
 #include "pictures/readPicture.h"
 #include "pictures/writePicture.h"
 #include "portrait/portrait.h"
+#include "support/environment.h"
 
 namespace {
 
@@ -108,6 +109,28 @@ TEST(FacesCommand, MissingDetectorIsOneLineThatNamesThePackage) {
     EXPECT_THAT(apply.err, HasSubstr("opencv-data"));
     EXPECT_THAT(apply.err, HasSubstr("--faces"));
     EXPECT_EQ(std::count(apply.err.begin(), apply.err.end(), '\n'), 1);
+}
+
+TEST(FacesCommand, AnAbsentInferenceModuleStopsWhatNeedsItAndNothingElse) {
+    const TemporaryFolder folder;
+    zel::writePicture(folder / "a.png", testImage(64, 64, 1));
+    const struct {
+        const char* words;
+        int status, lines;
+        const char* says;
+    } cases[] = {{"faces a.png -o f.json --quiet", 1, 1, "zel: a.png: the inference module "},
+                 {"apply auto-slim-face a.png -o o.png --quiet", 1, 1, "; or give --faces"},
+                 {"apply defocus a.png -o o.png --quiet", 1, 1, "; or give --depth MAP.png"},
+                 {"depth a.png -o d.png --quiet", 1, 1, "the inference module libzel_networks.so"},
+                 {"apply scenario a.png -o o.png", 0, 2, "; going on without faces"}};
+    const Environment none("ZEL_NETWORKS_MODULE", "");
+    for (const auto& c : cases) {
+        EXPECT_FALSE(std::filesystem::exists(folder / "o.png"));
+        const ProgramRun run = runZel(folder, c.words);
+        EXPECT_EQ(run.status, c.status) << c.words;
+        EXPECT_THAT(run.err, HasSubstr(c.says)) << c.words;
+        EXPECT_EQ(std::count(run.err.begin(), run.err.end(), '\n'), c.lines) << run.err;
+    }
 }
 
 }  // namespace
