@@ -7,6 +7,7 @@
    returns null or 0 and writes why into the caller's buffer, one line, cut to its size, ended by a zero. A
    buffer of size 0 may be null. */
 
+/* NOLINTBEGIN(modernize-use-using,modernize-deprecated-headers,modernize-redundant-void-arg): this is C. */
 #include <stddef.h>
 
 #ifdef __cplusplus
@@ -86,3 +87,4 @@ const ZelNetworkModule* zelNetworkModule(void);
 #ifdef __cplusplus
 }
 #endif
+/* NOLINTEND(modernize-use-using,modernize-deprecated-headers,modernize-redundant-void-arg) */
