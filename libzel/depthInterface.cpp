@@ -1,6 +1,7 @@
 #include <string>
 
 #include "depth/portraitDepth.h"
+#include "inference/moduleLoader.h"
 #include "libzel/call.h"
 #include "libzel/faces/faceList.h"
 #include "libzel/pixels.h"
@@ -27,6 +28,8 @@ public:
         };
         if (!zellab::platform::pathExists(m_file.c_str()))
             throw refusal(told ? "there is no such file" : "the depth network is missing");
+        if (const std::string absence = zellab::platform::networkModuleAbsence(); !absence.empty())
+            throw Failure(absence, ZEL_NOT_AVAILABLE);
         m_network = std::make_unique<zellab::PortraitDepth>();
         if (!m_network->load(m_file.c_str()))
             throw refusal(

@@ -480,7 +480,7 @@ public:
 
     /// Makes the depth engine and loads the network from the model directory.
     /// @param reserved  not read
-    /// @return whether the network was loaded
+    /// @return whether the network was loaded; false, with a line in the log, without the inference module
     bool Init(bool reserved);
 
     /// Frees the depth engine; a later Init makes it anew.

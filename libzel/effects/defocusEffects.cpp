@@ -5,6 +5,7 @@
 #include <optional>
 
 #include "depth/portraitDepth.h"
+#include "inference/moduleLoader.h"
 #include "libzel/effects/effectLists.h"
 #include "libzel/effects/effectParts.h"
 #include "libzel/effects/liveliness.h"
@@ -77,6 +78,8 @@ void setDepth(Render& render, EffectRun& run) {
             throw Failure("the depth map is empty");
     } else {
         run.progress("estimating depth", 0);
+        const std::string absence = zellab::platform::networkModuleAbsence();
+        if (!absence.empty()) throw Failure(absence + "; or give a depth map", ZEL_NOT_AVAILABLE);
         if (!render.Init(true))
             throw assetFailure(kNetworkFolder, "holds no depth network that can be loaded; give a depth map");
         if (!render.DepthEstimate(image.rgba.data(), image.width, image.height, nullptr, 0, 0))

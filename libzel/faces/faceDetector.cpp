@@ -3,8 +3,9 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdlib>
-#include <opencv2/imgproc.hpp>
-#include <opencv2/objdetect.hpp>
+#include <string>
+
+#include "inference/moduleLoader.h"
 
 namespace zel {
 
@@ -26,7 +27,13 @@ constexpr int kCascadeSide = 24;        // pixels of the smallest face that the 
 }  // namespace
 
 struct FaceDetector::Cascade {
-    cv::CascadeClassifier classifier;
+    explicit Cascade(const ZelNetworkModule* opened) : module(opened) {}
+    ~Cascade() { module->closeCascade(cascade); }
+    Cascade(const Cascade&) = delete;
+    Cascade& operator=(const Cascade&) = delete;
+
+    const ZelNetworkModule* const module;
+    ZelCascade* cascade = nullptr;
 };
 
 std::filesystem::path detectorFolder() {
@@ -34,15 +41,16 @@ std::filesystem::path detectorFolder() {
     return named && *named ? named : kFolder;
 }
 
-FaceDetector::FaceDetector(const std::filesystem::path& folder) : m_cascade(std::make_unique<Cascade>()) {
+FaceDetector::FaceDetector(const std::filesystem::path& folder) {
+    std::string absence;
+    const ZelNetworkModule* module = zellab::platform::networkModule(absence);
+    if (!module) throw DetectorMissing(absence);
+    m_cascade = std::make_unique<Cascade>(module);
     const auto file = folder / kCascadeFile;
     std::error_code error;
-    bool loaded = false;
-    try {
-        loaded = std::filesystem::is_regular_file(file, error) && m_cascade->classifier.load(file.string());
-    } catch (const cv::Exception&) {  // told below like a missing file
-    }
-    if (!loaded)
+    if (std::filesystem::is_regular_file(file, error))
+        m_cascade->cascade = module->openCascade(file.c_str(), nullptr, 0);
+    if (!m_cascade->cascade)
         throw DetectorMissing("the face detector's data cannot be read from " + file.string() +
                               "; the package opencv-data brings them");
 }
@@ -55,28 +63,23 @@ std::vector<FaceBox> FaceDetector::find(const std::vector<unsigned char>& luma, 
     if (longSide > kLargestSearch) scale = static_cast<double>(kLargestSearch) / longSide;
     if (longSide < kSmallestSearch)
         scale = std::min(kLargestEnlarging, static_cast<double>(kSmallestSearch) / longSide);
-    const cv::Size size(std::max(1, static_cast<int>(std::lround(width * scale))),
-                        std::max(1, static_cast<int>(std::lround(height * scale))));
-    if (std::min(size.width, size.height) < kCascadeSide) return {};
+    ZelCascadeSearch search{luma.data(), width, height, 1, 1, kStep, kLeastVotes, kCascadeSide};
+    search.searchedWidth = std::max(1, static_cast<int>(std::lround(width * scale)));
+    search.searchedHeight = std::max(1, static_cast<int>(std::lround(height * scale)));
+    const int shortSide = std::min(search.searchedWidth, search.searchedHeight);
+    if (shortSide < kCascadeSide) return {};
+    search.smallest = std::max(kCascadeSide, static_cast<int>(kSmallestFace * shortSide));
 
-    // The picture is only read; the library's header has no form for that.
-    const cv::Mat whole(height, width, CV_8UC1, const_cast<unsigned char*>(luma.data()));
-    cv::Mat searched;
-    cv::resize(whole, searched, size, 0, 0, scale < 1 ? cv::INTER_AREA : cv::INTER_LINEAR);
-    cv::equalizeHist(searched, searched);
-    const int smallest =
-        std::max(kCascadeSide, static_cast<int>(kSmallestFace * std::min(size.width, size.height)));
-    std::vector<cv::Rect> found;
-    std::vector<int> votes;
-    m_cascade->classifier.detectMultiScale(searched, found, votes, kStep, kLeastVotes, 0,
-                                           {smallest, smallest});
-
+    ZelCascadeBoxes found{};
+    char reason[256];
+    if (!m_cascade->module->searchCascade(m_cascade->cascade, &search, &found, reason, sizeof reason))
+        throw std::runtime_error(std::string("the search for faces failed (") + reason + ")");
     std::vector<FaceBox> boxes;
     const auto back = static_cast<float>(1 / scale);
-    for (std::size_t i = 0; i < found.size(); ++i) {
-        const cv::Rect& r = found[i];
-        boxes.push_back({static_cast<float>(r.x) * back, static_cast<float>(r.y) * back,
-                         static_cast<float>(r.width) * back, votes[i]});
+    for (std::size_t i = 0; i < found.count; ++i) {
+        const ZelCascadeBox& box = found.boxes[i];
+        boxes.push_back({static_cast<float>(box.x) * back, static_cast<float>(box.y) * back,
+                         static_cast<float>(box.width) * back, box.votes});
     }
     return boxes;
 }

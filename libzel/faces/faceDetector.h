@@ -7,7 +7,7 @@
 
 namespace zel {
 
-/// The detector's data are missing: the text names the package that brings them.
+/// The detector's data or the inference module are missing: the text says which, and what brings them.
 class DetectorMissing : public std::runtime_error {
     using std::runtime_error::runtime_error;
 };
@@ -21,7 +21,7 @@ struct FaceBox {
 /// Finds upright faces that look at the camera. One detector serves one thread.
 class FaceDetector {
 public:
-    /// Reads the detector's data from this folder. Throws DetectorMissing.
+    /// Opens the inference module and reads the detector's data from this folder. Throws DetectorMissing.
     explicit FaceDetector(const std::filesystem::path& folder);
     ~FaceDetector();
 

@@ -5,6 +5,8 @@
 #include <string>
 #include <vector>
 
+#include "inference/networkModule.h"
+
 namespace zellab::platform {
 
 /// One output of a run.
@@ -13,24 +15,29 @@ struct NetworkMap {
     std::vector<float> values;
 };
 
-/// A network in the inference library's hands, of which nothing shows here. For one thread at a time.
+/// A network in the inference module's hands. For one thread at a time.
 class DnnModel {
 public:
-    /// Null where the library cannot read the file or lacks a layer.
+    /// Null where the module is absent, which is logged, and where it cannot read the file or lacks a layer.
     static std::unique_ptr<DnnModel> load(std::span<const unsigned char> file, std::string inputName,
                                           std::vector<std::string> outputNames);
-    ~DnnModel();
-    DnnModel(const DnnModel&) = delete;
-    DnnModel& operator=(const DnnModel&) = delete;
 
     /// Runs on a planar input of 1 by 3 by height by width floats, which stays the caller's. The maps come in
     /// the order of the output names; empty where the run failed, or an output is no single map.
     std::vector<NetworkMap> forward(const float* input, int height, int width);
 
 private:
-    struct Impl;
-    explicit DnnModel(std::unique_ptr<Impl> impl);
-    std::unique_ptr<Impl> m_impl;
+    struct Closer {
+        const ZelNetworkModule* module;
+        void operator()(ZelNetwork* network) const { module->closeNetwork(network); }
+    };
+    using Network = std::unique_ptr<ZelNetwork, Closer>;
+
+    DnnModel(Network network, std::string inputName, std::vector<std::string> outputNames);
+
+    const Network m_network;
+    const std::string m_inputName;
+    const std::vector<std::string> m_outputNames;
 };
 
 }  // namespace zellab::platform

@@ -1,13 +1,17 @@
 // What the built library shows to the loader: the members of its seven exported classes and nothing else, and
-// no need of OpenGL.
+// no need of OpenGL or of what runs networks.
 #include <gtest/gtest.h>
 
 #include <array>
 #include <cstdio>
+#include <cstdlib>
+#include <fstream>
 #include <memory>
 #include <set>
 #include <sstream>
 #include <string>
+
+#include "zel_effects/zel_effects.h"
 
 namespace {
 
@@ -21,9 +25,9 @@ std::string outputOf(const char* command) {
     return text;
 }
 
-/// Demangled names of all dynamic symbols that the library defines.
-std::set<std::string> exportedNames() {
-    std::istringstream lines(outputOf(ZEL_NM " -D --defined-only -C " ZEL_LIBRARY_FILE));
+/// Demangled names of all dynamic symbols that a library defines, as a listing tells them.
+std::set<std::string> exportedNames(const char* listing) {
+    std::istringstream lines(outputOf(listing));
     std::set<std::string> names;
     for (std::string line; std::getline(lines, line);) {
         // "0000000000001234 T name"; absolute symbols (A) are version marks, not code.
@@ -34,7 +38,7 @@ std::set<std::string> exportedNames() {
 }
 
 TEST(LibraryFile, ExportsTheMembersOfTheExportedClassesAndNothingElse) {
-    const std::set<std::string> names = exportedNames();
+    const std::set<std::string> names = exportedNames(ZEL_NM " -D --defined-only -C " ZEL_LIBRARY_FILE);
     EXPECT_EQ(names.size(), kExportedNames);
     for (const std::string& name : names) {
         bool known = false;
@@ -45,6 +49,34 @@ TEST(LibraryFile, ExportsTheMembersOfTheExportedClassesAndNothingElse) {
             known = known || name.rfind(scope, 0) == 0;
         EXPECT_TRUE(known) << name;
     }
+}
+
+TEST(LibraryFile, TheInferenceModuleShowsItsOneName) {
+    EXPECT_EQ(exportedNames(ZEL_NM " -D --defined-only -C " ZEL_MODULE_FILE),
+              std::set<std::string>{"zelNetworkModule"});
+}
+
+/// Whether the library that runs networks is in this process.
+bool networksAreLoaded() {
+    std::ifstream maps("/proc/self/maps");
+    for (std::string line; std::getline(maps, line);)
+        if (line.find("libopencv_") != std::string::npos) return true;
+    return false;
+}
+
+// In a process of its own, so that what other tests loaded does not count.
+TEST(LibraryFileDeathTest, WhatRunsNetworksIsLoadedForTheFirstNetworkAndNotBefore) {
+    GTEST_FLAG_SET(death_test_style, "threadsafe");
+    const auto steps = [] {
+        if (networksAreLoaded()) std::exit(1);
+        unsigned char pixels[16 * 4] = {};
+        ZelImageCore::TableSkin::ImageProcessWithNatureSmooth(pixels, 4, 4, 12);
+        if (networksAreLoaded()) std::exit(2);
+        DefocusCore::ZelDepthDefocusRender render;
+        render.setResourcePath(ZEL_ASSETS "/depth", ZEL_ASSETS "/bokeh");
+        std::exit(render.Init(true) && networksAreLoaded() ? 0 : 3);
+    };
+    EXPECT_EXIT(steps(), testing::ExitedWithCode(0), "");
 }
 
 // The library must load where no OpenGL is installed, so it may not ask the loader for any.

@@ -96,4 +96,17 @@ TEST(FacesCommand, MissingDetectorIsOneLineThatNamesThePackage) {
                    {{"o.png", "opencv-data", 1}, {"o.png", "--faces", 1}});
 }
 
+TEST(FacesCommand, AnAbsentInferenceModuleStopsWhatNeedsItAndNothingElse) {
+    const TemporaryFolder folder;
+    zelcli::writePicture(folder / "a.png", testImage(64, 64, 1));
+    const Environment none("ZEL_NETWORKS_MODULE", "");
+    expectRefusals(folder, "", "o.png",
+                   {{"faces a.png -o f.json --quiet", "the inference module ", 1},
+                    {"apply auto-slim-face a.png -o o.png --quiet", "; or give --faces", 1},
+                    {"apply defocus a.png -o o.png --quiet", "; or give a depth map", 1},
+                    {"depth a.png -o d.png --quiet", "the inference module libzel_networks.so", 1}});
+    const ProgramRun run = expectOk(runZel(folder, "apply scenario a.png -o o.png"));
+    EXPECT_THAT(run.err, HasSubstr("; going on without faces"));
+}
+
 }  // namespace

@@ -8,6 +8,7 @@
 
 #include "depth/networkPixels.h"
 #include "depth/portraitDepth.h"
+#include "support/environment.h"
 #include "support/scratchFolder.h"
 #include "support/streamCapture.h"
 #include "support/tinyOnnx.h"
@@ -90,6 +91,21 @@ TEST_F(DepthEngineTest, EveryFailureHasItsLineAndLeavesTheBuffers) {
     EXPECT_THAT(err.text(), testing::HasSubstr(lines({"This device does not support GPU!"})));
     EXPECT_FALSE(onGpu->LoadModel(model().c_str()));
     EXPECT_FALSE(onGpu->Run({m_image.data(), 10, 8}, m_depth.data(), m_second.data()));
+}
+
+TEST_F(DepthEngineTest, WithoutTheInferenceModuleNoNetworkLoadsUntilItIsThere) {
+    const Engine engine = make(1);
+    const std::string path = model();
+    {
+        const Environment none("ZEL_NETWORKS_MODULE", "");
+        StreamCapture err(stderr);
+        EXPECT_FALSE(engine->LoadModel(path.c_str()));
+        const std::string text = err.text(), says = "the inference module libzel_networks.so is switched off";
+        EXPECT_THAT(text, testing::HasSubstr(" : " + says));
+        EXPECT_EQ(text.find(says), text.rfind(says)) << "told once";
+        EXPECT_THAT(text, testing::EndsWith(lines({"Net Load File Failed: " + path})));
+    }
+    EXPECT_TRUE(engine->LoadModel(path.c_str()));
 }
 
 TEST_F(DepthEngineTest, OtherSizesMeetTheNetworksByTheNearestSampleAndThePlanesByScaling) {

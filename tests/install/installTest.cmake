@@ -9,7 +9,7 @@ endfunction()
 
 # The client, started where no assets lie: it has to find those of its library by itself.
 function(expectGreeting what)
-  if(NOT text STREQUAL "2 x 1 pixels, 1 face\n")
+  if(NOT text STREQUAL "2 x 1 pixels, 1 face, a network\n")
     message(FATAL_ERROR "The client built through ${what} said: ${text}")
   endif()
   if(said MATCHES "PSOverlay" OR NOT said MATCHES "stb load image")
@@ -27,7 +27,7 @@ file(WRITE ${WORK}/two.pgm "P5 2 1 255\nAZ")
 run(${CMAKE_COMMAND} -S ${CLIENT} -B ${WORK}/client -G Ninja -D CMAKE_CXX_COMPILER=${CXX}
   -D CMAKE_PREFIX_PATH=${WORK}/tree)
 run(${CMAKE_COMMAND} --build ${WORK}/client)
-run(${WORK}/client/client ${WORK}/two.pgm)
+run(${WORK}/client/client ${WORK}/two.pgm ${WORK}/tree/share/zel_effects/depth)
 expectGreeting(find_package)
 
 run(${CMAKE_COMMAND} -S ${EXAMPLES} -B ${WORK}/examples -G Ninja -D CMAKE_CXX_COMPILER=${CXX}
@@ -45,14 +45,15 @@ run(pkg-config --cflags --libs zel_effects)
 separate_arguments(flags UNIX_COMMAND "${text}")
 run(${CXX} -std=c++17 -Wall -Wextra -Werror ${CLIENT}/client.cpp -o ${WORK}/plain ${flags})
 set(ENV{LD_LIBRARY_PATH} ${WORK}/tree/${LIBDIR})
-run(${WORK}/plain ${WORK}/two.pgm)
+run(${WORK}/plain ${WORK}/two.pgm ${assets}/depth)
 expectGreeting(pkg-config)
 
-# The installed command finds the library of its own tree.
+# The installed command finds the library and the inference module of its own tree.
 unset(ENV{LD_LIBRARY_PATH})
 if(EXISTS ${WORK}/tree/bin/zel)
   run(${WORK}/tree/bin/zel effects)
   if(NOT text MATCHES "nature-smooth")
     message(FATAL_ERROR "zel effects said: ${text}")
   endif()
+  run(${WORK}/tree/bin/zel depth ${WORK}/two.pgm -o ${WORK}/depth.png)
 endif()

@@ -15,6 +15,11 @@ int main(int count, char** arguments) {
     zellab::CInterFacePoint faces;
     faces.AddFace(landmarks, 0);
     faces.SetFaceCount(1);
-    std::printf("%d x %d pixels, %d face\n", width, height, faces.GetFaceCount());
+    std::printf("%d x %d pixels, %d face", width, height, faces.GetFaceCount());
+
+    // The library opens its inference module for this, wherever the two were put.
+    DefocusCore::ZelDepthDefocusRender render;
+    render.setResourcePath(count > 2 ? arguments[2] : "", "");
+    std::printf(", %s network\n", render.Init(true) ? "a" : "no");
     std::free(pixels);
 }
