@@ -1,19 +1,20 @@
 #include <algorithm>
-#include <cstdlib>
 #include <limits>
 #include <memory>
+#include <utility>
 #include <vector>
 
 #include "CrossPlateform/platform_win/stb_image_util/alphaFlatten.h"
+#include "CrossPlateform/platform_win/stb_image_util/imageBuffer.h"
 #include "CrossPlateform/platform_win/stb_image_util/imageScramble.h"
 #include "CrossPlateform/platform_win/stb_image_util/sizeLimit.h"
 #include "libzel/call.h"
-#include "libzel/pixels.h"
 #include "zel_effects/zel_effects.h"
 
-/// A picture that the library decoded.
+/// A picture that the library decoded, in the loader's own memory.
 struct zel_picture {
-    zel::Image image;
+    zellab::ImageBuffer pixels;
+    int width = 0, height = 0;
 };
 
 namespace {
@@ -21,17 +22,12 @@ namespace {
 using namespace zel;
 using ZelImageCore::StbImageUtil;
 
-struct FreeDeleter {
-    void operator()(unsigned char* p) const { std::free(p); }
-};
-using LoadedPixels = std::unique_ptr<unsigned char, FreeDeleter>;
-
 /// Runs load(width, height, channels) and makes the result a picture.
 template <typename Load>
 void decode(const zel_decode_options& options, zel_picture*& out, const Load& load) {
     if (options.longest_side < 0) throw badArgument("longest_side is below 0");
     int width = 0, height = 0, channels = 0;
-    const LoadedPixels pixels(load(width, height, channels));
+    zellab::ImageBuffer pixels(load(width, height, channels));
     if (!pixels) throw Failure("is not a picture that can be decoded", ZEL_BAD_FILE);
     // The loader tells the size before it was reduced.
     const zellab::ImageSize size = options.longest_side > 0
@@ -40,10 +36,11 @@ void decode(const zel_decode_options& options, zel_picture*& out, const Load& lo
     if (size.width < 1 || size.height < 1)
         throw Failure("has no pixels left at that longest_side", ZEL_BAD_FILE);
     auto picture = std::make_unique<zel_picture>();
-    picture->image = imageOf({pixels.get(), size.width, size.height, 0, ZEL_RGBA8, 0});
+    picture->pixels = std::move(pixels);
+    picture->width = size.width;
+    picture->height = size.height;
     if (options.on_white) {
-        Image& image = picture->image;
-        const zellab::ImageView view{image.rgba.data(), image.width, image.height};
+        const zellab::ImageView view{picture->pixels.get(), size.width, size.height};
         zellab::flattenOntoWhite(view, view);
     }
     out = picture.release();
@@ -87,7 +84,10 @@ zel_status zel_decode_memory(zel_context* context, const void* data, size_t leng
 }
 
 zel_status zel_picture_pixels(zel_picture* picture, zel_pixels* out) {
-    return guarded([&] { given(out, "out") = pixelsOver(given(picture, "picture").image); });
+    return guarded([&] {
+        const zel_picture& own = given(picture, "picture");
+        given(out, "out") = {own.pixels.get(), own.width, own.height, 0, ZEL_RGBA8, 0};
+    });
 }
 
 void zel_picture_destroy(zel_picture* picture) {

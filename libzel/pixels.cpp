@@ -103,15 +103,14 @@ void checkPlane(const zel_pixels* pixels, int width, int height, const char* wha
 Image imageOf(const zel_pixels& pixels) {
     Image image{pixels.width, pixels.height, {}};
     const std::size_t row = std::size_t{4} * static_cast<std::size_t>(pixels.width);
-    image.rgba.resize(row * static_cast<std::size_t>(pixels.height));
+    // Inserted row by row, so that no byte is written twice but those that are converted.
+    image.rgba.reserve(row * static_cast<std::size_t>(pixels.height));
     const bool swaps = pixels.format == ZEL_BGRA8, divides = pixels.flags & ZEL_PREMULTIPLIED;
     for (int y = 0; y < pixels.height; ++y) {
         const unsigned char* const from = rowOf(pixels, y);
-        unsigned char* const to = image.rgba.data() + row * static_cast<std::size_t>(y);
-        if (swaps || divides)
-            convertRow(from, to, pixels.width, swaps, divides ? &divided : nullptr);
-        else
-            std::copy_n(from, row, to);
+        image.rgba.insert(image.rgba.end(), from, from + row);
+        unsigned char* const own = image.rgba.data() + row * static_cast<std::size_t>(y);
+        if (swaps || divides) convertRow(own, own, pixels.width, swaps, divides ? &divided : nullptr);
     }
     return image;
 }
