@@ -114,7 +114,7 @@ TEST_F(DefocusPictures, HairKeepsThePhotograph) {
 /// The line that tells the band in focus.
 std::string bandLine(const std::string& log) {
     const std::size_t at = log.find("disparity: [");
-    return at == log.npos ? "none" : log.substr(at, log.find('\n', at) - at);
+    return at == std::string::npos ? "none" : log.substr(at, log.find('\n', at) - at);
 }
 
 // A thing a few samples of the depth plane wide fills the window around the focus point or not, by the size

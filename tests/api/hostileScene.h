@@ -137,7 +137,7 @@ private:
         std::size_t i = 0;
         for (int y = 0; y < height; ++y)
             for (int x = 0; x < width; ++x, i += 4) {
-                const float fx = static_cast<float>(x), fy = static_cast<float>(y);
+                const auto fx = static_cast<float>(x), fy = static_cast<float>(y);
                 const auto isNear = [&](int a, int b, float radius) {
                     const auto &p = zellab::kTemplateLandmarks[static_cast<std::size_t>(a)],
                                &q = zellab::kTemplateLandmarks[static_cast<std::size_t>(b)];

@@ -155,7 +155,7 @@ TEST(Renderers, ThoseInSoftwareAreKnownByTheirNamesInAnyCase) {
 
 // Each kernel of the small blur but the first sums to 10.
 TEST(PassTables, KernelsOfTheSmallBlurKeepTheirSum) {
-    auto value = kBokehData.begin() + 1;
+    const auto* value = kBokehData.begin() + 1;
     for (int side = 3; side <= 9; value += side * side, side += 2)
         EXPECT_NEAR(std::accumulate(value, value + side * side, 0.0f), 10.0f, 1e-3f) << side;
 }

@@ -90,7 +90,7 @@ std::size_t partner(std::size_t i) {
     };
     const auto reversed = [i](std::size_t first, std::size_t last) { return first + last - i; };
     if (i <= 5 || (i >= 10 && i <= 15)) return reversed(0, 15);
-    if (i <= 9 || i <= 19) return reversed(6, 19);
+    if (i <= 19) return reversed(6, 19);
     if ((i >= 20 && i <= 25) || (i >= 30 && i <= 35)) return reversed(20, 35);
     if (i <= 39) return reversed(26, 39);
     if (i >= 42 && i <= 47) return swapped(42, 45, 3);
@@ -187,8 +187,8 @@ std::array<Vector2f, 10> fittedOutline(const Landmarks& face, const EyeOutline& 
     EXPECT_NE(zellab::SolveLinearGauss(matrix[0], sizeof matrix[0], 6, map, sizeof map[0], 1), 0);
     std::array<Vector2f, 10> points;
     for (std::size_t i = 0; i < points.size(); ++i) {
-        const double x = static_cast<double>(zellab::kTemplateEyes[eye.first + i].x),
-                     y = static_cast<double>(zellab::kTemplateEyes[eye.first + i].y);
+        const auto x = static_cast<double>(zellab::kTemplateEyes[eye.first + i].x),
+                   y = static_cast<double>(zellab::kTemplateEyes[eye.first + i].y);
         points[i] = {static_cast<float>(map[0] * x + map[1] * y + map[2]),
                      static_cast<float>(map[3] * x + map[4] * y + map[5])};
     }
@@ -222,7 +222,7 @@ TEST(FaceInterpolation, NarrowEyesKeepTheirLidsInOrderAndOthersTheirFit) {
             const auto told = fittedOutline(face, eye, eye.upperLid),
                        low = fittedOutline(face, eye, eye.lowerLid);
             const auto same = [&](std::size_t i, const std::array<Vector2f, 10>& fit) {
-                return std::memcmp(&p[eye.first + i], &fit[i], sizeof fit[i]) == 0;
+                return p[eye.first + i].x == fit[i].x && p[eye.first + i].y == fit[i].y;
             };
             ++(hangs[k] ? hanging : open);
             if (!hangs[k]) {
@@ -233,8 +233,8 @@ TEST(FaceInterpolation, NarrowEyesKeepTheirLidsInOrderAndOthersTheirFit) {
             const float down = cross(a, b, face[0]) > 0 ? 1.0f : -1.0f;
             for (std::size_t i = 6; i < 10; ++i) {
                 ASSERT_TRUE(same(i, low)) << i;
-                ASSERT_TRUE(same(i - 5, told) ||
-                            std::memcmp(&p[eye.first + i - 5], &p[eye.first + i], sizeof(Vector2f)) == 0)
+                ASSERT_TRUE(same(i - 5, told) || (p[eye.first + i - 5].x == p[eye.first + i].x &&
+                                                  p[eye.first + i - 5].y == p[eye.first + i].y))
                     << i;
                 ASSERT_GE(cross(a, b, p[eye.first + i]) * down, cross(a, b, p[eye.first + i - 5]) * down)
                     << i;

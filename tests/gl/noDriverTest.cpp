@@ -31,11 +31,11 @@ void renderWithoutOpenGl(const char* failedCall) {
         failed = failed && !Utils::initializeGlew() && !holder.isValid() && !checkGlEnv() && !glUsable();
         log = output.text();
     }
-    failed = failed && log.find(std::string("EGL ") + failedCall + " failed !\n") != log.npos;
+    failed = failed && log.find(std::string("EGL ") + failedCall + " failed !\n") != std::string::npos;
     for (const char* line :
          {"Initialize off-screen environment failed !", "Utils::glew init error: Missing GL version",
           "Get current environment failed !"})
-        failed = failed && log.find(line) != log.npos;
+        failed = failed && log.find(line) != std::string::npos;
     {
         unsigned char pixel[4] = {};
         Texture2D texture(1, 1, kOrderRgba, kTypeByte, pixel);

@@ -73,8 +73,8 @@ inline void curveTable(const std::vector<CurvePoint>& points, Table& table) {
         const int dx = std::max(std::abs(points[i + 1].x - points[i].x), 1);
         for (int k = 0; k < dx && position < 256; ++k) {
             const float t = static_cast<float>(k) / dx, s = 1.0f - t;
-            const float s3 = static_cast<float>(std::pow(static_cast<double>(s), 3.0));
-            const float t3 = static_cast<float>(std::pow(static_cast<double>(t), 3.0));
+            const auto s3 = static_cast<float>(std::pow(static_cast<double>(s), 3.0));
+            const auto t3 = static_cast<float>(std::pow(static_cast<double>(t), 3.0));
             const float value = s3 * y0 + 3.0f * s * s * t * c1 + 3.0f * s * t * t * c2 + t3 * y1;
             table[position++] = toByte(static_cast<int>(value));
         }

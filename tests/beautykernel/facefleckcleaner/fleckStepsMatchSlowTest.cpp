@@ -27,7 +27,7 @@ int slowOtsu(const Histogram& h) {
             sum[v > cut] += long{v} * h[static_cast<std::size_t>(v)];
         }
         if (!n[0] || !n[1]) continue;
-        const float n0 = static_cast<float>(n[0]), n1 = static_cast<float>(n[1]);
+        const auto n0 = static_cast<float>(n[0]), n1 = static_cast<float>(n[1]);
         const float d = static_cast<float>(sum[0]) / n0 - static_cast<float>(sum[1]) / n1;
         if (n0 * n1 * (d * d) > bestScore) {
             bestScore = n0 * n1 * (d * d);
@@ -55,7 +55,7 @@ TEST(FleckThreshold, MatchesTheDefinition) {
 /// Labels of the regions that the limits let pass, as they are told, in the order of their first pixel.
 std::vector<int> slowFlecks(const Bytes& plane, int w, int h) {
     slow::Labels found = slow::labelRegions(plane, w, h);
-    const float s = static_cast<float>(std::min(w, h));
+    const auto s = static_cast<float>(std::min(w, h));
     const float a = std::min(std::max(s * 0.001f, 1.0f), 3.0f), b = std::max(s * 0.028f, 1.0f);
     const int least = static_cast<int>(4 * a * a), most = static_cast<int>((2 * b) * (2 * b));
     const int longest = static_cast<int>(std::sqrt(static_cast<float>(most)) * 1.15f + 0.5f);

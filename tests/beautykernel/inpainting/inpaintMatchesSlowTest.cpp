@@ -146,7 +146,7 @@ struct SlowExchange {
         const auto append = [&](int bx, int by) {
             if (fits(bx, by) && isHole(bx, by) &&
                 std::find(list.begin(), list.end(), Block{bx, by}) == list.end())
-                list.push_back({bx, by});
+                list.emplace_back(bx, by);
         };
         for (int by = 0; by < rows; ++by)
             for (int bx = 0; bx < columns; ++bx) {
@@ -155,6 +155,7 @@ struct SlowExchange {
                     for (int x = bx; x < std::min(bx + 3, columns); ++x) holes += isHole(x, y) ? 255 : 0;
                 if (holes < 2295) append(bx, by);
             }
+        // NOLINTNEXTLINE(modernize-loop-convert): the list grows on the way
         for (std::size_t i = 0; i < list.size(); ++i) {
             const auto [bx, by] = list[i];
             append(bx + 1, by), append(bx, by + 1), append(bx - 1, by), append(bx, by - 1);
@@ -172,6 +173,7 @@ struct SlowExchange {
                 for (int ny = std::max(y - 2, 0); ny < std::min(y + 4, h); ++ny)
                     for (int nx = std::max(x - 2, 0); nx < std::min(x + 4, w); ++nx, ++count)
                         total += green[pixel(nx, ny)];
+                // NOLINTNEXTLINE(clang-analyzer-core.DivideZero): the pixel itself is among them
                 rough.push_back(found[pixel(x, y)] > 128 ? 255
                                                          : std::abs(green[pixel(x, y)] - total / count));
             }
@@ -220,7 +222,7 @@ struct SlowExchange {
             for (const auto& [dx, dy] :
                  {Block{0, -1}, {-1, 0}, {1, 0}, {0, 1}, {-1, -1}, {-1, 1}, {1, -1}, {1, 1}})
                 if (fits(hole.first + dx, hole.second + dy))
-                    list.push_back({hole.first + dx, hole.second + dy});
+                    list.emplace_back(hole.first + dx, hole.second + dy);
             if (const std::size_t fitting = list.size(); fitting > 3) {
                 std::vector<Block> chosen;
                 long s[3];

@@ -84,7 +84,7 @@ Bytes slowDefog(const Bytes& image) {
         Bytes sorted;
         for (std::size_t i = 0; i < n; ++i) sorted.push_back(image[4 * i + c]);
         std::sort(sorted.begin(), sorted.end());
-        std::size_t clip = static_cast<std::size_t>(static_cast<float>(n) * 0.005f);
+        auto clip = static_cast<std::size_t>(static_cast<float>(n) * 0.005f);
         if (2 * clip >= n) clip = (n - 1) / 2;
         // The lower bound is the first value with more than `clip` pixels up to it; the upper one lies one
         // above the last value with at most n - clip pixels up to it.

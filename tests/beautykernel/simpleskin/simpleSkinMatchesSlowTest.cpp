@@ -18,9 +18,10 @@ std::vector<std::pair<Size, Bytes>> pictures() {
 }
 
 TEST(BrightAndMascaraMatchSlow, OnEveryLevel) {
-    for (const auto& [size, picture] : pictures())
+    for (const auto& [shape, picture] : pictures())
         for (const int radius : {0, 1, 3, 100})
             for (const int level : {-2, 0, 1, 3, 7, 10, 15}) {
+                const auto size = shape;
                 const auto slowForm = [&](Bytes& p) {
                     slow::highPassBrighten(p, size.width, size.height, radius, level);
                 };
@@ -50,14 +51,16 @@ TEST(NatureTable, RisesFromBlackAndLiftsTheMiddle) {
 }
 
 TEST(NatureSmoothMatchesSlow, OnNoiseAndPattern) {
-    for (const auto& [size, picture] : pictures())
-        for (const int radius : {0, 1, 4, 100})
+    for (const auto& [shape, picture] : pictures())
+        for (const int radius : {0, 1, 4, 100}) {
+            const auto size = shape;
             compareWithSlow(
                 size, picture, [&](Bytes& p) { slow::natureSmooth(p, size.width, size.height, radius); },
                 [&](Bytes& p) {
                     TableSkin::ImageProcessWithNatureSmooth(p.data(), size.width, size.height, radius);
                 },
                 radius);
+        }
 }
 
 }  // namespace

@@ -84,7 +84,7 @@ TEST(FaceSlimMesh, RingsScaleTheOutlineAndStandWhereTheyShould) {
 }
 
 TEST(FaceSlimMesh, MovesTheContourInwardsByPose) {
-    const auto expectMoved = [](const Landmarks& landmarks, std::vector<std::size_t> positions) {
+    const auto expectMoved = [](const Landmarks& landmarks, const std::vector<std::size_t>& positions) {
         FaceMeshWarp mesh = meshOf(landmarks);
         FaceSlimFactors factors;
         factors.strength = 0.8f;
