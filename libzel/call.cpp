@@ -26,6 +26,7 @@ const char* zel_message(void) {
 }
 
 const char* zel_status_name(zel_status status) {
+    if (!zel::isOneOf(status, ZEL_OK, ZEL_FAILED)) return "unknown";
     switch (status) {
         case ZEL_OK:
             return "ZEL_OK";

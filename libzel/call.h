@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <cstring>
 #include <exception>
 #include <new>
 #include <string>
@@ -61,6 +62,23 @@ T& given(T* pointer, const char* what) {
     if (reinterpret_cast<std::size_t>(pointer) % alignof(T) != 0)
         throw badArgument(std::string(what) + " is misaligned");
     return *pointer;
+}
+
+/// A caller's enumerator as the number that it holds. C lets it hold any, and C++ may not even look at one that
+/// is none.
+template <typename Enum>
+int numberOf(const Enum& enumerator) {
+    static_assert(sizeof(Enum) == sizeof(int));
+    int number = 0;
+    std::memcpy(&number, &enumerator, sizeof number);
+    return number;
+}
+
+/// Whether it holds one of the enumerators from the first to the last.
+template <typename Enum>
+bool isOneOf(const Enum& enumerator, Enum first, Enum last) {
+    const int number = numberOf(enumerator);
+    return number >= numberOf(first) && number <= numberOf(last);
 }
 
 /// A caller's struct as this version knows it: fields that an older caller lacks are zero.

@@ -35,7 +35,7 @@ zel_status zel_context_create(const zel_settings* settings, zel_context** out) {
         result = nullptr;
         const zel_settings told = zel::received(settings, "settings");
         if (told.threads < 0 || told.threads > kMostThreads) throw badArgument("threads must be 0 to 256");
-        if (told.gl < ZEL_GL_IF_THERE || told.gl > ZEL_GL_CURRENT) throw badArgument("gl is no zel_gl");
+        if (!zel::isOneOf(told.gl, ZEL_GL_IF_THERE, ZEL_GL_CURRENT)) throw badArgument("gl is no zel_gl");
         auto context = std::make_unique<zel_context>();
         context->log = told.log;
         context->logUser = told.log_user;

@@ -92,7 +92,7 @@ zel_status zel_estimate_depth(zel_context* context, const zel_pixels* pixels,
 zel_status zel_make_mask(zel_context* context, zel_mask_kind kind, const zel_pixels* pixels,
                          const zel_faces* faces, const zel_pixels* out) {
     return guardedIn(context, [&] {
-        if (kind != ZEL_MASK_SKIN && kind != ZEL_MASK_PERSON) throw badArgument("kind is no zel_mask_kind");
+        if (!isOneOf(kind, ZEL_MASK_SKIN, ZEL_MASK_PERSON)) throw badArgument("kind is no zel_mask_kind");
         checkColour(pixels, "the picture");
         checkPlane(out, pixels->width, pixels->height, "the mask to fill");
         if (faces) given(faces, "faces");

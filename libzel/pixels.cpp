@@ -36,8 +36,7 @@ void check(const zel_pixels* pointer, const char* what) {
                           std::to_string(pixels.height) + " pixels; each side must be 1 to 32767");
     if (static_cast<std::size_t>(pixels.width) * static_cast<std::size_t>(pixels.height) > kMostPixels)
         throw badArgument(name + " has more than 256 million pixels");
-    if (pixels.format < ZEL_RGBA8 || pixels.format > ZEL_GRAY16)
-        throw badArgument(name + " has no zel_format");
+    if (!isOneOf(pixels.format, ZEL_RGBA8, ZEL_GRAY16)) throw badArgument(name + " has no zel_format");
     const std::size_t row = static_cast<std::size_t>(pixels.width) * bytesPerPixel(pixels.format);
     if (pixels.stride != 0 && pixels.stride < row)
         throw badArgument(name + " has a stride of " + std::to_string(pixels.stride) +
