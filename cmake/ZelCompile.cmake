@@ -20,7 +20,8 @@ add_compile_options(-ffp-contract=off)
 # Of two that fit, g++ takes the one that it was given last.
 add_compile_options("-ffile-prefix-map=${PROJECT_SOURCE_DIR}/=" "-ffile-prefix-map=${PROJECT_SOURCE_DIR}/src/=")
 
-add_compile_options(-Wall -Wextra -Wshadow -Wnon-virtual-dtor -Woverloaded-virtual -Wcast-align)
+add_compile_options(-Wall -Wextra -Wshadow "$<$<COMPILE_LANGUAGE:CXX>:-Wnon-virtual-dtor;-Woverloaded-virtual>"
+  -Wcast-align)
 if(CMAKE_CXX_COMPILER_ID MATCHES "Clang")
   # Some classes keep fields that belong to their layout and that no step reads.
   add_compile_options(-Wno-unused-private-field)
