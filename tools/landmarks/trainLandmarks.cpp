@@ -1,5 +1,5 @@
 // Learns the landmark fit from drawn portraits and writes its table:
-//   trainLandmarks host/faces/landmarkTable.inc [KEPT-PICTURES]
+//   trainLandmarks libzel/faces/landmarkTable.inc [KEPT-PICTURES]
 // KEPT-PICTURES is a file where the drawn portraits stay for a second run. With two processors drawing takes
 // about five minutes and learning as long.
 
