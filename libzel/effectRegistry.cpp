@@ -137,8 +137,9 @@ const Parameter& findParameter(const Effect& effect, const std::string& name) {
 
 std::vector<Effect> gatherEffects() {
     std::vector<Effect> effects;
-    for (const auto& list : {scenarioEffects(), eyeEffects(), reshapeEffects(), repairEffects(),
-                             skinEffects(), simpleSkinEffects(), tableBaseEffects(), defocusEffects()})
+    for (const auto& list :
+         {scenarioEffects(), eyeEffects(), reshapeEffects(), repairEffects(), skinEffects(),
+          simpleSkinEffects(), tableBaseEffects(), defocusEffects(), finishEffects()})
         effects.insert(effects.end(), list.begin(), list.end());
     return effects;
 }

@@ -35,6 +35,14 @@ double stepOf(const Parameter& parameter) {
     return range > 0 ? std::pow(10.0, std::floor(std::log10(range)) - 2) : 0.01;
 }
 
+/// A host's number as text. Whole ones have no exponent, which whole-number parameters would not take.
+std::string textOf(double number) {
+    constexpr double kMostExact = 1e15;
+    if (std::trunc(number) == number && std::abs(number) < kMostExact)
+        return std::to_string(static_cast<long long>(number));
+    return shortNumber(number);
+}
+
 }  // namespace
 
 ParameterInfos::ParameterInfos(const std::vector<Parameter>& parameters) {
@@ -58,7 +66,7 @@ std::map<std::string, std::string> textsOf(const zel_value* values, std::size_t 
         const std::string name = &given(values[i].name, "a value's name");
         if (!values[i].text && !std::isfinite(values[i].number))
             throw Failure(name + " must be a number", ZEL_BAD_VALUE);
-        texts[name] = values[i].text ? values[i].text : shortNumber(values[i].number);
+        texts[name] = values[i].text ? values[i].text : textOf(values[i].number);
     }
     return texts;
 }

@@ -32,6 +32,7 @@ mosaic | officer | 20,10,60,60 | --set blockSize=16
 color-mixing | officer | 0,0,100,100 | --set contrast=20 --set saturation=15
 alpha-mix | tired | 0,0,100,100 | --second clean.png --mask tired/face.png --set blurRadius=6
 mix-mask | officer | 0,0,100,100 | --second grey.png --mask far.png
+vignette | officer | 0,0,100,100 | --set strength=0.6
 EOF
 }
 

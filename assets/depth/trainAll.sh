@@ -12,7 +12,7 @@ train() {
 mkdir -p "$folder"
 "$here/makeScenes.sh" "$build/tools/depthScenes/depthScenes" "$folder/scenes"
 "$here/makeScenes.sh" "$build/tools/depthScenes/depthScenes" "$folder/others" 1 1001
-"$here/drawHeldOut.sh" "$build/host/zel" "$folder/heldout"
+"$here/drawHeldOut.sh" "$build/cli/zel" "$folder/heldout"
 train --side 128 --batch 32 --steps 2600 --decay 0.01 # most is learned from small pictures
 train --side 192 --batch 20 --steps 7900 --rate 1.5e-3 --decay 0.85
 python3 "$here/export.py" "$folder/net.pt" "$folder/portrait_depth.onnx"

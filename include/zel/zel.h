@@ -143,7 +143,8 @@ typedef struct zel_face {
 typedef struct zel_faces zel_faces;
 
 /** A list of faces that the caller brings. The array has stride sizeof(zel_face); at most 1024.
- *  @param width, height  pixels of the picture that they were found on, for zel_faces_to_json */
+ *  @param width   pixels of the picture that they were found on, for zel_faces_to_json
+ *  @param height  likewise */
 ZEL_API zel_status zel_faces_create(const zel_face* faces, size_t count, int width, int height,
                                     zel_faces** out);
 

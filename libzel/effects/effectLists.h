@@ -10,6 +10,7 @@ namespace zel {
 
 std::vector<Effect> defocusEffects();  // defocus, mix-mask
 std::vector<Effect> eyeEffects();      // auto-eye-bright
+std::vector<Effect> finishEffects();   // vignette
 std::vector<Effect>
 repairEffects();  // auto-remove-black-circle, remove-black-circle, inpaint, wrinkle-cleaner
 std::vector<Effect> reshapeEffects();     // slim-face, auto-slim-face, zoom-eye, auto-zoom-eye

@@ -1,4 +1,5 @@
-# Run by ctest with ZEL, EXAMPLES, ASSETS and WORK set. Fails on the first command that fails.
+# Run by ctest with ZEL, EXAMPLES, ASSETS, LIBRARY, SCRIPTS and WORK set, and PYTHON where there is one. Fails on the
+# first command that fails.
 cmake_minimum_required(VERSION 3.25)
 
 function(run)
@@ -33,11 +34,14 @@ file(WRITE ${WORK}/landmarks.txt "${landmarks}")
 run(${EXAMPLES}/retouch ${portrait} ${WORK}/retouch.ppm)
 run(${EXAMPLES}/reshape ${portrait} ${WORK}/landmarks.txt ${WORK}/reshape.ppm)
 run(${EXAMPLES}/depthOfField ${portrait} ${ASSETS} ${WORK}/depthOfField.ppm)
+run(${EXAMPLES}/embedInC ${portrait} ${WORK}/embedInC.ppm ${WORK}/faces.json)
+run(${EXAMPLES}/embedInC ${portrait} ${WORK}/embedWithoutFaces.ppm)
+run(${EXAMPLES}/embedInCpp ${portrait} ${WORK}/embedInCpp.ppm)
 
 # The same call gives the same bytes.
 run(${EXAMPLES}/reshape ${portrait} ${WORK}/landmarks.txt ${WORK}/again.ppm)
 set(seen "")
-foreach(example retouch reshape depthOfField)
+foreach(example retouch reshape depthOfField embedInC embedWithoutFaces embedInCpp)
   file(SIZE ${WORK}/${example}.ppm size)
   if(NOT size EQUAL 230415)  # head, and 240 by 320 pixels of three bytes
     message(FATAL_ERROR "${example} wrote ${size} bytes")
@@ -54,8 +58,22 @@ if(NOT again STREQUAL reshaped)
   message(FATAL_ERROR "reshape gave two pictures for one")
 endif()
 
-execute_process(COMMAND ${EXAMPLES}/retouch ${WORK}/missing.png ${WORK}/none.ppm RESULT_VARIABLE status
-  ERROR_VARIABLE ignored)
-if(NOT status EQUAL 1 OR EXISTS ${WORK}/none.ppm)
-  message(FATAL_ERROR "a missing portrait ended with ${status}")
+if(PYTHON)
+  # A ramp of colours in blocks of 16: two pixels of a block are one colour, two blocks are not.
+  run(${PYTHON} ${SCRIPTS}/embed.py ${LIBRARY} ${WORK}/embed.ppm)
+  file(READ ${WORK}/embed.ppm blocks LIMIT 114 HEX)  # 15 bytes of head, 33 pixels
+  string(SUBSTRING ${blocks} 30 6 first)
+  string(SUBSTRING ${blocks} 120 6 sixteenth)
+  string(SUBSTRING ${blocks} 126 6 next)
+  if(NOT first STREQUAL "070780" OR NOT sixteenth STREQUAL first OR NOT next STREQUAL "170780")
+    message(FATAL_ERROR "embed.py wrote ${blocks}")
+  endif()
 endif()
+
+foreach(example retouch embedInC embedInCpp)
+  execute_process(COMMAND ${EXAMPLES}/${example} ${WORK}/missing.png ${WORK}/none.ppm RESULT_VARIABLE status
+    ERROR_VARIABLE ignored OUTPUT_QUIET)
+  if(NOT status EQUAL 1 OR EXISTS ${WORK}/none.ppm)
+    message(FATAL_ERROR "a missing portrait ended ${example} with ${status}")
+  endif()
+endforeach()

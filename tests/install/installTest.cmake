@@ -1,4 +1,4 @@
-# Run by ctest with BUILD, WORK, CLIENT, EXAMPLES, CXX and LIBDIR set. Fails on the first command that fails.
+# Run by ctest with BUILD, WORK, CLIENT, EXAMPLES, CC, CXX and LIBDIR set. Fails on the first command that fails.
 cmake_minimum_required(VERSION 3.25)
 
 function(run)
@@ -17,6 +17,13 @@ function(expectGreeting what)
   endif()
 endfunction()
 
+# The host in C, likewise.
+function(expectHostInC what)
+  if(NOT text MATCHES "^libzel [0-9.]+, darker\n${WORK}/tree/")
+    message(FATAL_ERROR "The host in C built through ${what} said: ${text}")
+  endif()
+endfunction()
+
 unset(ENV{ZEL_ASSETS})
 file(REMOVE_RECURSE ${WORK})
 run(${CMAKE_COMMAND} --install ${BUILD} --prefix ${WORK}/first)
@@ -24,31 +31,41 @@ run(${CMAKE_COMMAND} --install ${BUILD} --prefix ${WORK}/first)
 file(RENAME ${WORK}/first ${WORK}/tree)
 file(WRITE ${WORK}/two.pgm "P5 2 1 255\nAZ")
 
-run(${CMAKE_COMMAND} -S ${CLIENT} -B ${WORK}/client -G Ninja -D CMAKE_CXX_COMPILER=${CXX}
+run(${CMAKE_COMMAND} -S ${CLIENT} -B ${WORK}/client -G Ninja -D CMAKE_C_COMPILER=${CC} -D CMAKE_CXX_COMPILER=${CXX}
   -D CMAKE_PREFIX_PATH=${WORK}/tree)
 run(${CMAKE_COMMAND} --build ${WORK}/client)
 run(${WORK}/client/client ${WORK}/two.pgm ${WORK}/tree/share/zel_effects/depth)
 expectGreeting(find_package)
+run(${WORK}/client/hostInC)
+expectHostInC(find_package)
 
-run(${CMAKE_COMMAND} -S ${EXAMPLES} -B ${WORK}/examples -G Ninja -D CMAKE_CXX_COMPILER=${CXX}
+run(${CMAKE_COMMAND} -S ${EXAMPLES} -B ${WORK}/examples -G Ninja -D CMAKE_C_COMPILER=${CC}
+  -D CMAKE_CXX_COMPILER=${CXX}
   -D CMAKE_PREFIX_PATH=${WORK}/tree)
 run(${CMAKE_COMMAND} --build ${WORK}/examples)
 run(${WORK}/examples/retouch ${WORK}/two.pgm ${WORK}/two.ppm)
 
 set(ENV{PKG_CONFIG_PATH} ${WORK}/tree/${LIBDIR}/pkgconfig)
-run(pkg-config --variable=assets zel_effects)
-string(STRIP "${text}" assets)
-if(NOT EXISTS ${assets}/style/base/PSOverlay.bin)
-  message(FATAL_ERROR "pkg-config names '${assets}', where no assets lie")
-endif()
+foreach(package zel_effects zel)
+  run(pkg-config --variable=assets ${package})
+  string(STRIP "${text}" assets)
+  if(NOT EXISTS ${assets}/style/base/PSOverlay.bin)
+    message(FATAL_ERROR "pkg-config names '${assets}' for ${package}, where no assets lie")
+  endif()
+endforeach()
 run(pkg-config --cflags --libs zel_effects)
 separate_arguments(flags UNIX_COMMAND "${text}")
 run(${CXX} -std=c++17 -Wall -Wextra -Werror ${CLIENT}/client.cpp -o ${WORK}/plain ${flags})
+run(pkg-config --cflags --libs zel)
+separate_arguments(flags UNIX_COMMAND "${text}")
+run(${CC} -std=c99 -Wall -Wextra -Wpedantic -Werror ${CLIENT}/client.c -o ${WORK}/plainInC ${flags})
 set(ENV{LD_LIBRARY_PATH} ${WORK}/tree/${LIBDIR})
 run(${WORK}/plain ${WORK}/two.pgm ${assets}/depth)
 expectGreeting(pkg-config)
+run(${WORK}/plainInC)
+expectHostInC(pkg-config)
 
-# The installed command finds the library and the inference module of its own tree.
+# The installed command finds the library and the inference module of its own tree, and that its assets.
 unset(ENV{LD_LIBRARY_PATH})
 if(EXISTS ${WORK}/tree/bin/zel)
   run(${WORK}/tree/bin/zel effects)
@@ -56,4 +73,5 @@ if(EXISTS ${WORK}/tree/bin/zel)
     message(FATAL_ERROR "zel effects said: ${text}")
   endif()
   run(${WORK}/tree/bin/zel depth ${WORK}/two.pgm -o ${WORK}/depth.png)
+  run(${WORK}/tree/bin/zel apply scenario ${WORK}/two.pgm -o ${WORK}/two.png)
 endif()

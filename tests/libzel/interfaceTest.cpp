@@ -71,6 +71,49 @@ TEST_F(Interface, StridesOrdersAndAlphaChangeNothingAboutTheResult) {
     }
 }
 
+// As a careless host would: pictures that are a pixel or a line, values at both ends of their ranges.
+TEST_F(Interface, EveryEffectTakesPicturesOfAnyShapeAndValuesAtTheirEnds) {
+    constexpr unsigned char kBetween = 0xA5;
+    constexpr std::size_t kGap = 8;
+    for (const auto& [width, height] : {std::pair{1, 1}, {1, 600}, {600, 1}, {3, 2}})
+        for (const zel_effect* effect : effects())
+            for (const int end : {0, 1, 2}) {
+                SCOPED_TRACE(testing::Message()
+                             << effect->name << " on " << width << " by " << height << ", end " << end);
+                const std::size_t row = 4 * static_cast<std::size_t>(width), stride = row + kGap,
+                                  rows = static_cast<std::size_t>(height);
+                Bytes bytes(stride * rows, kBetween), other(row * rows, 90), marks(row * rows / 4, 255);
+                const zel_pixels pixels{bytes.data(), width, height, stride, ZEL_RGBA8, 0},
+                    second{other.data(), width, height, 0, ZEL_RGBA8, 0},
+                    grey{marks.data(), width, height, 0, ZEL_GRAY8, 0};
+                zel_inputs inputs = scene.inputsFor(*effect);
+                if (inputs.second) inputs.second = &second;
+                for (const zel_pixels** plane :
+                     {&inputs.mask, &inputs.depth, &inputs.mask_out, &inputs.depth_out})
+                    if (*plane) *plane = &grey;
+                const libzel::Values needed = neededValues(*effect);
+                std::vector<zel_value> values = needed.list();
+                for (std::size_t i = 0; i < effect->parameter_count && end > 0; ++i) {
+                    const zel_parameter& parameter = *effect->parameters[i];
+                    if (parameter.minimum < parameter.maximum &&
+                        std::strcmp(parameter.name, "faceIndex") != 0)
+                        values.push_back(
+                            {parameter.name, nullptr, end == 1 ? parameter.minimum : parameter.maximum});
+                }
+                inputs.values = values.data();
+                inputs.value_count = values.size();
+                const Bytes before = bytes;
+                const zel_status status = zel_apply(context.get(), effect->name, &pixels, &inputs);
+                EXPECT_TRUE(status == ZEL_OK || status == ZEL_FAILED) << zel_message();
+                if (status != ZEL_OK) {
+                    EXPECT_TRUE(bytes == before) << zel_message();
+                }
+                for (std::size_t y = 0; y < rows; ++y)
+                    for (std::size_t i = row; i < stride; ++i)
+                        ASSERT_EQ(bytes[y * stride + i], kBetween) << "beside row " << y;
+            }
+}
+
 TEST_F(Interface, PremultipliedPixelsThatNothingChangesStay) {
     Bytes pixels;
     for (int alpha = 0; alpha < 256; ++alpha)
@@ -134,6 +177,8 @@ TEST_F(Interface, HostileCallsGetAStatusAndTouchNothing) {
     EXPECT_EQ(status("gauss-blur", {"radius", nullptr, std::nan("")}), ZEL_BAD_VALUE);
     EXPECT_EQ(status("gauss-blur", {"radius", nullptr, 2.5}), ZEL_BAD_VALUE);
     EXPECT_EQ(status("gauss-blur", {nullptr, "3", 0}), ZEL_BAD_ARGUMENT);
+    const zel_value seed{"seed", nullptr, 100000};
+    EXPECT_EQ(zel_check_values("inpaint", &seed, 1, nullptr), ZEL_OK) << zel_message();
     EXPECT_EQ(status("slim-face", {"radius", "0.1", 0}), ZEL_BAD_VALUE) << "a drag must be told";
     EXPECT_EQ(status("auto-slim-face", {"strength", "1", 0}), ZEL_MISSING_INPUT);
     EXPECT_EQ(status("inpaint", {"seed", "1", 0}), ZEL_MISSING_INPUT);
