@@ -17,6 +17,22 @@ refuse() {
     exit 2
 }
 
+# Puts the networks for faces and persons where the build of a preset looks for them: provide_networks PRESET
+# Everything works without them, so that what keeps them away is told and no more.
+provide_networks() {
+    local first=$ROOT/build/release place=$ROOT/build/$1/assets/networks why
+    if [[ $1 != release ]]; then
+        leave_out_networks "$1"
+        [[ ! -d $first/assets/networks ]] || { mkdir -p -- "${place%/*}" && ln -s -- ../../release/assets/networks "$place"; }
+        return
+    fi
+    { why=$("$SCRIPTS/networks" --into "$place" --sources "$first/networkSources" 2>&1 >&3); } 3>&1 ||
+        say "Going on without the networks for faces and persons: ${why##*networks: }"
+}
+
+# Takes them away from there: leave_out_networks PRESET
+leave_out_networks() { rm -rf -- "$ROOT/build/$1/assets/networks"; }
+
 # Configures and builds a preset: build_preset NAME [TARGET...]
 build_preset() {
     local preset=$1
