@@ -24,8 +24,10 @@ TEST(VignetteMatchesSlow, OnAwkwardSizes) {
             Bytes expected = picture;
             slow::vignette(expected, size.width, size.height, params.strength, params.radius,
                            params.softness);
-            zeltest::compareEverywhere(expected, picture, size.width * 4, [&](Bytes& actual) {
+            zeltest::onEveryMachine([&] {
+                Bytes actual = picture;
                 zellab::vignette(ImageView(actual.data(), size.width, size.height), params);
+                EXPECT_TRUE(actual == expected);
             });
             ASSERT_FALSE(HasFailure());
         }
