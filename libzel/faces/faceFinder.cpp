@@ -4,6 +4,7 @@
 #include <cmath>
 #include <cstdio>
 
+#include "libzel/faces/foundFace.h"
 #include "libzel/faces/landmarkFit.h"
 
 namespace zel {
@@ -21,40 +22,9 @@ struct Candidate {
     float pupils = 0;
 };
 
-zellab::Vector2f middleOf(const Landmarks& points) {
-    return {0.5f * (points[24].x + points[70].x), 0.5f * (points[24].y + points[70].y)};
-}
-
 bool sameFace(const Candidate& a, const Candidate& b) {
-    const auto p = middleOf(a.fit.points), q = middleOf(b.fit.points);
+    const auto p = pupilMiddle(a.fit.points), q = pupilMiddle(b.fit.points);
     return std::hypot(p.x - q.x, p.y - q.y) < kSameFace * std::max(a.pupils, b.pupils);
-}
-
-/// From brow to chin and from contour to contour; above the brows as much again as from the eyes to them.
-std::array<float, 4> rectOf(const std::array<zellab::Vector2f, kLandmarks>& points) {
-    float left = points[0].x, right = left, top = points[0].y, bottom = top;
-    for (const auto& p : points) {
-        left = std::min(left, p.x);
-        right = std::max(right, p.x);
-        top = std::min(top, p.y);
-        bottom = std::max(bottom, p.y);
-    }
-    const float eyes = 0.5f * (points[20].y + points[66].y);
-    const float brows = std::min(points[35].y, points[81].y);
-    top = std::min(top, 2 * brows - eyes);
-    return {left, top, right - left, bottom - top};
-}
-
-Face asFace(const Landmarks& points, int width, int height) {
-    Face face;
-    // A face at the edge may reach beyond the picture, as far as face data may tell.
-    const auto share = [](float pixel, int side) {
-        return std::clamp(pixel / static_cast<float>(side), -1.0f, 2.0f);
-    };
-    for (std::size_t i = 0; i < kLandmarks; ++i)
-        face.points[i] = {share(points[i].x, width), share(points[i].y, height)};
-    face.rect = rectOf(face.points);
-    return face;
 }
 
 /// Of several fits of one face the most trusted stays.
@@ -97,10 +67,8 @@ FaceSet findFaces(const Image& image, FaceDetector& detector) {
         if (candidate.fit.confidence >= kLeastConfidence) candidates.push_back(candidate);
     }
     FaceSet found{image.width, image.height, {}};
-    for (const Candidate& face : distinct(candidates)) {
-        found.faces.push_back(asFace(face.fit.points, image.width, image.height));
-        found.faces.back().confidence = face.fit.confidence;
-    }
+    for (const Candidate& face : distinct(candidates))
+        found.faces.push_back(foundFace(face.fit.points, image.width, image.height, face.fit.confidence));
     return found;
 }
 
