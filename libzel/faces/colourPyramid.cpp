@@ -68,23 +68,50 @@ void halveRow(const unsigned char* upper, const unsigned char* lower, int width,
     }
 }
 
+struct Sample {
+    float red = 0, green = 0, blue = 0;
+
+    void add(const unsigned char* pixel, float weight) {
+        const Colour colour = onWhite(pixel);
+        red += weight * static_cast<float>(colour.red);
+        green += weight * static_cast<float>(colour.green);
+        blue += weight * static_cast<float>(colour.blue);
+    }
+};
+
+/// Between four pixels, the shares u and v of the way from the upper left one; those beyond the edge are black.
+Sample sampleAt(zellab::ConstImageView level, int left, int top, float u, float v) {
+    Sample sample;
+    if (left >= 0 && top >= 0 && left + 1 < level.width && top + 1 < level.height) {
+        const unsigned char* upper = level.at(left, top);
+        const unsigned char* lower = upper + level.stride;
+        sample.add(upper, (1 - u) * (1 - v));
+        sample.add(upper + 4, u * (1 - v));
+        sample.add(lower, (1 - u) * v);
+        sample.add(lower + 4, u * v);
+        return sample;
+    }
+    for (int corner = 0; corner < 4; ++corner) {
+        const int x = left + corner % 2, y = top + corner / 2;
+        if (x < 0 || y < 0 || x >= level.width || y >= level.height) continue;
+        sample.add(level.at(x, y), (corner % 2 ? u : 1 - u) * (corner / 2 ? v : 1 - v));
+    }
+    return sample;
+}
+
 }  // namespace
 
-ColourPyramid::ColourPyramid(const Image& image) {
-    m_levels.push_back({image.rgba.data(), image.width, image.height});
+ColourPyramid::ColourPyramid(zellab::ConstImageView picture) : m_levels{picture} {
     while (std::min(m_levels.back().width, m_levels.back().height) >= 2 * kSmallestSide) {
-        const Level above = m_levels.back();
+        const zellab::ConstImageView above = m_levels.back();
         const int width = above.width / 2, height = above.height / 2;
-        const auto rowBytes = static_cast<std::size_t>(width) * 4;
-        std::vector<unsigned char>& half = m_halves.emplace_back(rowBytes * static_cast<std::size_t>(height));
-        const auto aboveBytes = static_cast<std::size_t>(above.width) * 4;
+        std::vector<unsigned char>& bytes = m_halves.emplace_back(zellab::sampleCount(width, height, 4));
+        const zellab::ImageView half(bytes.data(), width, height);
         zellab::parallelRows(height, [&](int begin, int end) {
-            for (auto y = static_cast<std::size_t>(begin); y < static_cast<std::size_t>(end); ++y) {
-                const unsigned char* upper = above.rgba + 2 * y * aboveBytes;
-                halveRow(upper, upper + aboveBytes, width, half.data() + y * rowBytes);
-            }
+            for (int y = begin; y < end; ++y)
+                halveRow(above.row(2 * y), above.row(2 * y + 1), width, half.row(y));
         });
-        m_levels.push_back({half.data(), width, height});
+        m_levels.push_back(half);
     }
 }
 
@@ -96,7 +123,7 @@ std::vector<float> ColourPyramid::cut(const TurnedSquare& square, int side, floa
         ++index;
         scale *= 2;
     }
-    const Level& level = m_levels[index];
+    const zellab::ConstImageView level = m_levels[index];
     const auto plane = static_cast<std::size_t>(side) * static_cast<std::size_t>(side);
     std::vector<float> samples(3 * plane, offset);
     const float step = 1 / static_cast<float>(side);
@@ -112,27 +139,16 @@ std::vector<float> ColourPyramid::cut(const TurnedSquare& square, int side, floa
         for (int column = 0; column < side; ++column, ++out) {
             const float x = first.x + static_cast<float>(column) * along.x;
             const float y = first.y + static_cast<float>(column) * along.y;
-            const float left = std::floor(x), top = std::floor(y);
-            if (!(left >= -1 && top >= -1 && left < static_cast<float>(level.width) &&
-                  top < static_cast<float>(level.height)))
+            if (!(x > -1 && y > -1 && x < static_cast<float>(level.width) &&
+                  y < static_cast<float>(level.height)))
                 continue;
-            const int x0 = static_cast<int>(left), y0 = static_cast<int>(top);
-            const float u = x - left, v = y - top;
-            const std::array<float, 4> weights{(1 - u) * (1 - v), u * (1 - v), (1 - u) * v, u * v};
-            float red = 0, green = 0, blue = 0;
-            for (int corner = 0; corner < 4; ++corner) {
-                const int px = x0 + corner % 2, py = y0 + corner / 2;
-                if (px < 0 || py < 0 || px >= level.width || py >= level.height) continue;
-                const std::ptrdiff_t place = std::ptrdiff_t{py} * level.width + px;
-                const Colour colour = onWhite(level.rgba + 4 * place);
-                const float weight = weights[static_cast<std::size_t>(corner)];
-                red += weight * static_cast<float>(colour.red);
-                green += weight * static_cast<float>(colour.green);
-                blue += weight * static_cast<float>(colour.blue);
-            }
-            out[0] += gain * red;
-            out[plane] += gain * green;
-            out[2 * plane] += gain * blue;
+            // Counted from -1, so that cutting off goes downwards.
+            const int left = static_cast<int>(x + 1) - 1, top = static_cast<int>(y + 1) - 1;
+            const Sample sample =
+                sampleAt(level, left, top, x - static_cast<float>(left), y - static_cast<float>(top));
+            out[0] += gain * sample.red;
+            out[plane] += gain * sample.green;
+            out[2 * plane] += gain * sample.blue;
         }
     }
     return samples;

@@ -3,15 +3,15 @@
 #include <vector>
 
 #include "libzel/faces/turnedSquare.h"
-#include "portrait/image.h"
+#include "zellab/imageproc/core/imageView.h"
 
 namespace zel {
 
 /// A picture and its halves, to cut turned squares out of it at any size without aliasing. What is transparent
-/// stands on white. The picture must outlive the object.
+/// stands on white. The picture's pixels must outlive the object.
 class ColourPyramid {
 public:
-    explicit ColourPyramid(const Image& image);
+    explicit ColourPyramid(zellab::ConstImageView picture);
 
     int width() const { return m_levels.front().width; }
     int height() const { return m_levels.front().height; }
@@ -21,13 +21,8 @@ public:
     std::vector<float> cut(const TurnedSquare& square, int side, float gain, float offset) const;
 
 private:
-    struct Level {
-        const unsigned char* rgba;  // straight on the first level, opaque below
-        int width, height;
-    };
-
     std::vector<std::vector<unsigned char>> m_halves;
-    std::vector<Level> m_levels;
+    std::vector<zellab::ConstImageView> m_levels;  // straight on the first one, opaque below
 };
 
 }  // namespace zel

@@ -71,7 +71,7 @@ zel_status zel_find_faces(zel_context* context, const zel_pixels* pixels, zel_fa
         checkColour(pixels, "the picture");
         auto list = std::make_unique<zel_faces>();
         try {
-            list->set = searchFaces(imageOf(*pixels), context->settings.assets);
+            list->set = searchFaces(*pixels, context->settings.assets);
         } catch (const DetectorMissing& missing) {
             throw Failure(missing.what(), ZEL_NOT_AVAILABLE);
         }

@@ -24,14 +24,16 @@ constexpr float kLeastFace = 0.06f, kLeastTurnedFace = 0.12f;
 /// The search ends where faces of this share of the largest one's height would have been seen.
 constexpr float kBystander = 1 / 3.0f;
 
-/// Two faces are one where the tips of their noses lie closer than that share of the larger's square.
-constexpr float kSameFace = 0.25f;
+/// Two faces are one where the middles of their squares lie closer than that share of the larger's side; where one is
+/// the other upside down, the second share.
+constexpr float kSameFace = 0.25f, kSameFaceTurned = 0.5f;
 
-/// The first look sees faces that lean up to 60 degrees, and more; the next one those that hang upside down.
+/// The first look sees faces that lean up to 60 degrees, and more; the next one those that hang upside down. A face
+/// that is seen the wrong way up has less trust than this (0.8 at most on 31 photographs, 0.87 on drawn ones), and
+/// calls for the turned looks as no face does. So do a few of the true ones, which then stay as they are.
+constexpr float kSureOfTurn = 0.9f;
 constexpr float kQuarter = std::numbers::pi_v<float> / 2;
 constexpr float kTurnedLooks[] = {2 * kQuarter, kQuarter, 3 * kQuarter};
-
-constexpr std::size_t kNoseTip = 4;
 
 struct SeenFace {
     FaceMesh mesh;
@@ -41,8 +43,21 @@ struct SeenFace {
 
 bool sameFace(const SeenFace& a, const SeenFace& b) {
     using zellab::operator-;
-    const auto apart = a.mesh.points[kNoseTip] - b.mesh.points[kNoseTip];
-    return std::hypot(apart.x, apart.y) < kSameFace * std::max(a.square.side, b.square.side);
+    const auto apart = a.square.centre - b.square.centre;
+    const bool turned = std::cos(a.square.turn - b.square.turn) < 0;
+    return std::hypot(apart.x, apart.y) <
+           (turned ? kSameFaceTurned : kSameFace) * std::max(a.square.side, b.square.side);
+}
+
+/// Of those that are one face the surest; the surest first.
+std::vector<SeenFace> distinct(std::vector<SeenFace> seen) {
+    std::stable_sort(seen.begin(), seen.end(),
+                     [](const auto& a, const auto& b) { return a.trust > b.trust; });
+    std::vector<SeenFace> faces;
+    for (SeenFace& face : seen)
+        if (std::none_of(faces.begin(), faces.end(), [&](const auto& kept) { return sameFace(kept, face); }))
+            faces.push_back(std::move(face));
+    return faces;
 }
 
 /// One search through one picture.
@@ -53,8 +68,13 @@ public:
 
     std::vector<SeenFace> faces() const {
         std::vector<SeenFace> found = look(0, kLeastFace);
-        for (const float turn : kTurnedLooks)
-            if (found.empty()) found = look(turn, kLeastTurnedFace);
+        for (const float turn : kTurnedLooks) {
+            const auto sure = [](const SeenFace& face) { return face.trust >= kSureOfTurn; };
+            if (!found.empty() && std::all_of(found.begin(), found.end(), sure)) break;
+            std::vector<SeenFace> more = look(turn, kLeastTurnedFace);
+            found.insert(found.end(), more.begin(), more.end());
+            found = distinct(std::move(found));
+        }
         return found;
     }
 
@@ -89,13 +109,8 @@ private:
             const auto index = static_cast<std::size_t>(i);
             seen[index] = judge(detected[index]);
         });
-        std::vector<SeenFace> faces;
-        for (SeenFace& face : seen)
-            if (face.trust >= kLeastTrust && std::none_of(faces.begin(), faces.end(), [&](const auto& kept) {
-                    return sameFace(kept, face);
-                }))
-                faces.push_back(std::move(face));
-        return faces;
+        std::erase_if(seen, [](const SeenFace& face) { return face.trust < kLeastTrust; });
+        return distinct(std::move(seen));
     }
 
     /// Two looks of the plain mesh, the second from where the first one saw the face. No trust: it is none.
@@ -137,8 +152,8 @@ std::optional<NetworkFinder> NetworkFinder::load(const std::string& folder, std:
     return finder;
 }
 
-FaceSet NetworkFinder::find(const Image& image) const {
-    const ColourPyramid picture(image);
+FaceSet NetworkFinder::find(zellab::ConstImageView whole) const {
+    const ColourPyramid picture(whole);
     std::vector<SeenFace> seen = Search(picture, *m_detector, *m_mesh).faces();
     std::stable_sort(seen.begin(), seen.end(),
                      [](const auto& a, const auto& b) { return a.square.side > b.square.side; });
@@ -148,10 +163,10 @@ FaceSet NetworkFinder::find(const Image& image) const {
         const SeenFace& face = seen[index];
         FaceMesh mesh = m_refined ? m_refined->fit(picture, face.square) : face.mesh;
         if (!mesh.isFinite()) mesh = face.mesh;
-        faces[index] = foundFace(rounded(meshLandmarks(mesh)), image.width, image.height, face.trust);
+        faces[index] = foundFace(rounded(meshLandmarks(mesh)), whole.width, whole.height, face.trust);
     });
     std::erase_if(faces, [](const Face& face) { return !(face.rect[2] > 0 && face.rect[3] > 0); });
-    return {image.width, image.height, std::move(faces)};
+    return {whole.width, whole.height, std::move(faces)};
 }
 
 }  // namespace zel

@@ -18,7 +18,7 @@ public:
 
     /// The faces, the largest first; their confidence tells how sure the networks are that each is one.
     /// Throws NetworkFailure.
-    FaceSet find(const Image& image) const;
+    FaceSet find(zellab::ConstImageView picture) const;
 
     bool refines() const { return m_refined.has_value(); }
 

@@ -18,8 +18,8 @@ constexpr float kSmallestFacePx = 16;  // what is smaller has no features to fin
 constexpr float kMostRatio = 2;        // from one size of window to the next
 
 /// On a strip, in which windows of its height would be too many, the first are larger: this share of its length.
-constexpr float kLeastOfLength = 1 / 150.0f;
-constexpr std::size_t kMostWindows = 400;
+constexpr float kLeastOfLength = 1 / 120.0f;
+constexpr std::size_t kMostWindows = 250;
 
 /// Middles of the windows along one side of the picture.
 std::vector<float> middles(float length, float side) {
