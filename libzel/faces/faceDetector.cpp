@@ -79,7 +79,7 @@ std::vector<FaceBox> FaceDetector::find(const std::vector<unsigned char>& luma, 
     for (std::size_t i = 0; i < found.count; ++i) {
         const ZelCascadeBox& box = found.boxes[i];
         boxes.push_back({static_cast<float>(box.x) * back, static_cast<float>(box.y) * back,
-                         static_cast<float>(box.width) * back, box.votes});
+                         static_cast<float>(box.width) * back, box.votes, 0});
     }
     return boxes;
 }

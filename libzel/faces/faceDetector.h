@@ -12,10 +12,12 @@ class DetectorMissing : public std::runtime_error {
     using std::runtime_error::runtime_error;
 };
 
-/// A square where a face may be, in pixels, and how many of the detector's views agree on it.
+/// A square where a face may be, in pixels, and how many of the detector's views agree on it. It stands upright
+/// at x, y, and is then turned about its middle, in radians, clockwise as seen.
 struct FaceBox {
     float x = 0, y = 0, side = 0;
     int votes = 0;
+    float turn = 0;
 };
 
 /// Finds upright faces that look at the camera. One detector serves one thread.

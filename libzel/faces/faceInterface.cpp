@@ -3,9 +3,10 @@
 #include <memory>
 
 #include "libzel/call.h"
-#include "libzel/faces/faceFinder.h"
+#include "libzel/faces/faceDetector.h"
 #include "libzel/faces/faceList.h"
 #include "libzel/faces/faceRecords.h"
+#include "libzel/faces/faceSearch.h"
 #include "libzel/faces/facesJson.h"
 #include "libzel/pixels.h"
 
@@ -70,8 +71,7 @@ zel_status zel_find_faces(zel_context* context, const zel_pixels* pixels, zel_fa
         checkColour(pixels, "the picture");
         auto list = std::make_unique<zel_faces>();
         try {
-            FaceDetector detector(detectorFolder());
-            list->set = findFaces(imageOf(*pixels), detector);
+            list->set = searchFaces(*pixels, context->settings.assets);
         } catch (const DetectorMissing& missing) {
             throw Failure(missing.what(), ZEL_NOT_AVAILABLE);
         }

@@ -1,6 +1,7 @@
 #include "libzel/faces/landmarkFit.h"
 
 #include <algorithm>
+#include <cmath>
 #include <vector>
 
 #include "libzel/faces/chin.h"
@@ -26,9 +27,13 @@ constexpr Start kStarts[] = {
     {0, 0, 1}, {0.08f, 0, 1.1f}, {-0.08f, 0, 1.1f}, {0, 0.08f, 0.92f}, {0, -0.08f, 0.92f}};
 
 Landmarks placed(const FaceBox& box, const Start& start) {
-    const float unit = box.side * kPupils;
-    const Similarity toPicture{unit * start.growth, 0, box.x + box.side * kMiddleX + unit * start.x,
-                               box.y + box.side * kMiddleY + unit * start.y};
+    const float unit = box.side * kPupils, c = std::cos(box.turn), s = std::sin(box.turn);
+    // From the box's middle, in its own frame.
+    const float x = box.side * (kMiddleX - 0.5f) + unit * start.x,
+                y = box.side * (kMiddleY - 0.5f) + unit * start.y;
+    const float middleX = box.x + 0.5f * box.side, middleY = box.y + 0.5f * box.side;
+    const Similarity toPicture{unit * start.growth * c, unit * start.growth * s, middleX + c * x - s * y,
+                               middleY + s * x + c * y};
     return moved(landmarkModel().mean, toPicture);
 }
 

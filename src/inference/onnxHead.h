@@ -21,8 +21,9 @@ struct OnnxHead {
     std::vector<OnnxValue> inputs, outputs;
 };
 
-/// Reads the edges without touching the layers. Nothing where the bytes are no ONNX model, or are cut short,
-/// or the graph has no node, no input or no output.
+/// Reads the edges. Nothing where the bytes are no ONNX model, or are cut short, or the graph has no node, no input
+/// or no output, or where it would take down the library that runs it: a node that takes what nothing gives, a weight
+/// whose bytes do not fit its sizes, a size, step or number of groups below 1.
 std::optional<OnnxHead> readOnnxHead(std::span<const unsigned char> file);
 
 }  // namespace zellab::platform

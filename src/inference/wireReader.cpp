@@ -60,4 +60,10 @@ bool WireReader::next(WireField& field) {
     return read;
 }
 
+bool WireReader::nextNumber(std::uint64_t& value) {
+    if (m_failed || m_rest.empty()) return false;
+    m_failed = !varint(value);
+    return !m_failed;
+}
+
 }  // namespace zellab::platform

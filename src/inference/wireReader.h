@@ -24,6 +24,8 @@ public:
 
     /// The next field; false at the end, or at the first fault.
     bool next(WireField& field);
+    /// The same where the message is a row of numbers without heads.
+    bool nextNumber(std::uint64_t& value);
     bool failed() const { return m_failed; }
 
 private:
