@@ -3,15 +3,17 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <array>
+#include <cctype>
 #include <cstdio>
 #include <fstream>
 #include <iterator>
 #include <memory>
-#include <regex>
 #include <set>
 #include <sstream>
 #include <string>
+#include <string_view>
 
 namespace {
 
@@ -34,13 +36,21 @@ Names listed(const std::string& arguments) {
     return names;
 }
 
+bool isPartOfAName(char c) {
+    return std::isalnum(static_cast<unsigned char>(c)) || c == '_';
+}
+
+/// "ZEL_API zel_status zel_apply(...": the word before the first bracket of each line that begins so.
 Names functionsOfTheHeader() {
     std::ifstream file(ZEL_HEADER);
-    const std::string text(std::istreambuf_iterator<char>(file), {});
-    static const std::regex declaration(R"(\nZEL_API [^;(]*?\b(\w+)\()");
     Names names;
-    for (std::sregex_iterator found(text.begin(), text.end(), declaration), end; found != end; ++found)
-        names.insert((*found)[1]);
+    for (std::string line; std::getline(file, line);) {
+        if (line.rfind("ZEL_API ", 0) != 0) continue;
+        const std::size_t end = line.find('(');
+        std::size_t begin = end;
+        while (begin > 0 && isPartOfAName(line[begin - 1])) --begin;
+        names.insert(line.substr(begin, end - begin));
+    }
     return names;
 }
 
@@ -55,11 +65,20 @@ TEST(Symbols, TheLibraryExportsTheFunctionsOfItsHeaderAndNothingElse) {
 /// Whether a demangled name belongs to what stands behind the interface. Files, signals and the search for the
 /// nearest word, which know no pixel, are compiled into the command as well.
 bool isOfTheEngine(const std::string& name) {
-    static const std::regex shared(
-        R"(zellab::(platform::|nearestWord\(|\(anonymous namespace\)::editDistance\())");
-    static const std::regex engine(
-        R"((^|[^\w:])(ZelImageCore|DefocusCore|CFaceSlimRender|CEyeZoomRender|zelbeauty|zellab|zel|cv)::)");
-    return std::regex_search(std::regex_replace(name, shared, ""), engine);
+    constexpr std::string_view kEngine[] = {
+        "ZelImageCore::", "DefocusCore::", "CFaceSlimRender::", "CEyeZoomRender::", "zelbeauty::", "zellab::",
+        "zel::",          "cv::"};
+    constexpr std::string_view kShared[] = {"zellab::platform::", "zellab::nearestWord(",
+                                            "zellab::(anonymous namespace)::editDistance("};
+    for (const std::string_view scope : kEngine)
+        for (std::size_t at = name.find(scope); at != std::string::npos; at = name.find(scope, at + 1)) {
+            if (at > 0 && (isPartOfAName(name[at - 1]) || name[at - 1] == ':')) continue;
+            const auto begins = [&](std::string_view word) {
+                return name.compare(at, word.size(), word) == 0;
+            };
+            if (std::none_of(std::begin(kShared), std::end(kShared), begins)) return true;
+        }
+    return false;
 }
 
 TEST(Symbols, TheCommandReachesPixelsThroughTheHeaderAlone) {
