@@ -1,7 +1,8 @@
 // How far the landmarks that are found lie from the true ones: draws portraits from seeds that the fit has
 // not learnt from, in sizes from 160 to 900 pixels, finds their faces, and prints the error of each in pupil
 // distances.
-//   measureLandmarks [COUNT] [FIRST-SEED]
+//   measureLandmarks [COUNT] [FIRST-SEED] [FOLDER]
+// With a folder of networks those find the faces, else the built-in finder.
 
 #include <algorithm>
 #include <cmath>
@@ -11,6 +12,7 @@
 
 #include "libzel/faces/faceFinder.h"
 #include "libzel/faces/faceFrame.h"
+#include "libzel/faces/networkFinder.h"
 #include "variedPortrait.h"
 
 namespace {
@@ -40,7 +42,14 @@ void addErrors(std::vector<Group>& groups, const zel::Landmarks& points, const z
 int main(int argc, char** argv) {
     const int count = argc > 1 ? std::atoi(argv[1]) : 100;
     const unsigned firstSeed = argc > 2 ? static_cast<unsigned>(std::atoi(argv[2])) : 1;
+    std::string reason;
+    const auto networks = argc > 3 ? zel::NetworkFinder::load(argv[3], reason) : std::nullopt;
+    if (!reason.empty()) std::fprintf(stderr, "%s\n", reason.c_str());
     zel::FaceDetector detector(zel::detectorFolder());
+    const auto find = [&](const zel::Image& image) {
+        return networks ? networks->find({image.rgba.data(), image.width, image.height})
+                        : zel::findFaces(image, detector);
+    };
     std::vector<float> errors;
     std::vector<Group> groups = {
         {"contour", {{0, 18}}},          {"eyes", {{19, 28}, {65, 74}}}, {"pupils", {{24, 24}, {70, 70}}},
@@ -50,7 +59,7 @@ int main(int argc, char** argv) {
         const int size = kSizes[static_cast<std::size_t>(i) % std::size(kSizes)];
         const unsigned seed = firstSeed + static_cast<unsigned>(i);
         const zel::Portrait portrait = zel::drawPortrait(zeltrain::variedPortrait(seed, size));
-        const zel::FaceSet found = zel::findFaces(portrait.image, detector);
+        const zel::FaceSet found = find(portrait.image);
         const auto truth = zel::landmarksInPixels(portrait.faces.faces[0], portrait.image);
         float best = 10, confidence = 0;
         zel::Landmarks bestPoints{};

@@ -23,6 +23,9 @@ constexpr float kAlmostAsSure = 0.6f;  // of the surest's score
 /// The share of the smaller box that is common to two boxes of one face.
 constexpr float kSameFace = 0.3f;
 
+/// A picture shows fewer; a network whose weights are damaged may tell of a face at every anchor.
+constexpr std::size_t kMostDetections = 4096, kMostFaces = 1024;
+
 constexpr NetworkOutput kOutputs[] = {{"regressors_175", detector::kAnchors* detector::kPerAnchor},
                                       {"classificators_174", detector::kAnchors}};
 
@@ -111,8 +114,9 @@ std::vector<DetectedFace> decode(std::span<const float> boxes, std::span<const f
 std::vector<DetectedFace> merge(std::vector<DetectedFace> faces) {
     std::stable_sort(faces.begin(), faces.end(),
                      [](const auto& a, const auto& b) { return a.score > b.score; });
+    if (faces.size() > kMostDetections) faces.resize(kMostDetections);
     std::vector<DetectedFace> merged;
-    while (!faces.empty()) {
+    while (!faces.empty() && merged.size() < kMostFaces) {
         const DetectedFace best = faces.front();
         DetectedFace mean;
         float weight = 0;

@@ -31,16 +31,22 @@ constexpr Numbers kLeftBrowLower{46, 53, 52, 65, 55}, kLeftBrowUpper{70, 63, 105
 struct HalfMouth {
     Numbers toPeak, upperInner, lowerInner, bottom;
 };
-constexpr HalfMouth kLeftMouth{
-    {61, 185, 40, 39, 37}, {78, 191, 80, 81, 82, 13}, {78, 95, 88, 178, 87, 14}, {61, 146, 91, 181, 84, 17}},
+constexpr HalfMouth kLeftMouth{{61, 185, 40, 39, 37},
+                               {61, 78, 191, 80, 81, 82, 13},
+                               {61, 78, 95, 88, 178, 87, 14},
+                               {61, 146, 91, 181, 84, 17}},
     kRightMouth{{291, 409, 270, 269, 267},
-                {308, 415, 310, 311, 312, 13},
-                {308, 324, 318, 402, 317, 14},
+                {291, 308, 415, 310, 311, 312, 13},
+                {291, 308, 324, 318, 402, 317, 14},
                 {291, 375, 321, 405, 314, 17}};
 
 /// From above the eyes down to the chin.
 constexpr Numbers kLeftContour{162, 127, 234, 93, 132, 58, 172, 136, 150, 149, 176, 148, 152},
     kRightContour{389, 356, 454, 323, 361, 288, 397, 365, 379, 378, 400, 377, 152};
+
+/// The mesh draws brows longer at their outer ends, by this share of their length, and higher, by these shares of the
+/// distance of the eyes: judged by eye on 18 photographs.
+constexpr float kBrowTail = 0.05f, kUpperBrowDrop = 0.02f, kLowerBrowDrop = 0.025f;
 
 constexpr float kThird = 1 / 3.0f;
 constexpr std::size_t kContourSteps = 9;
@@ -55,8 +61,8 @@ public:
         placeContour(kRightContour, 10, 1);
         placeEye(kLeftLowerLid, kLeftUpperLid, 19);
         placeEye(kRightLowerLid, kRightUpperLid, 65);
-        placeBrow(kLeftBrowLower, kLeftBrowUpper, 29);
-        placeBrow(kRightBrowLower, kRightBrowUpper, 75);
+        placeBrow(kLeftBrowLower, kLeftBrowUpper, 29, kBrowTail, 1);
+        placeBrow(kRightBrowLower, kRightBrowUpper, 75, 0, 1 - kBrowTail);
         placeMouth();
         placeNose();
         const auto& irises = m_mesh.irises;
@@ -129,14 +135,18 @@ private:
         m_out[first + 1] = zellab::mix(m_out[first], m_out[first + 7], 0.5f);
     }
 
-    void placeBrow(Numbers lowerEdge, Numbers upperEdge, std::size_t first) {
+    /// @param first  the landmark at the brow's end at the picture's left
+    /// @param from, to  where the brow begins and ends, as shares of the mesh's lines
+    void placeBrow(Numbers lowerEdge, Numbers upperEdge, std::size_t first, float from, float to) {
         const Polyline lower = line(lowerEdge), upper = line(upperEdge);
-        m_out[first] = zellab::mix(lower.front(), upper.front(), 0.5f);
-        m_out[first + 4] = zellab::mix(lower.back(), upper.back(), 0.5f);
+        const Vector2f eyes = between(362, 263) - between(33, 133), down{-eyes.y, eyes.x};
+        const auto end = [&](float t) { return zellab::mix(across(lower, t), across(upper, t), 0.5f); };
+        m_out[first] = end(from);
+        m_out[first + 4] = end(to);
         for (std::size_t i = 1; i <= 3; ++i) {
-            const float quarter = 0.25f * static_cast<float>(i);
-            m_out[first + i] = across(lower, quarter);
-            m_out[first + 4 + i] = across(upper, quarter);
+            const float t = from + (to - from) * 0.25f * static_cast<float>(i);
+            m_out[first + i] = across(lower, t) + down * kLowerBrowDrop;
+            m_out[first + 4 + i] = across(upper, t) + down * kUpperBrowDrop;
         }
     }
 

@@ -90,8 +90,7 @@ private:
             const auto isLarge = [&](const DetectedFace& face) {
                 return face.score >= kLeastTrust && face.height >= enough;
             };
-            if (level.side == plan.back().side || std::none_of(detected.begin(), detected.end(), isLarge))
-                continue;
+            if (&level == &plan.back() || std::none_of(detected.begin(), detected.end(), isLarge)) continue;
             std::vector<SeenFace> faces = judged(detector::merge(detected));
             const bool ends = std::any_of(faces.begin(), faces.end(), [&](const SeenFace& face) {
                 constexpr float kSquareOverBox = 1.5f;

@@ -67,11 +67,12 @@ struct Network::Instances {
             }
             ++alive;
         }
-        ReasonText reason{};
-        Instance instance = open(reason);
-        if (instance) return instance;
-        giveBack(nullptr);
-        throw NetworkFailure(std::string(kind.file) + ": " + reason.data());
+        try {
+            return open();
+        } catch (...) {
+            giveBack(nullptr);
+            throw;
+        }
     }
 
     /// @param instance  null: it is no more
@@ -86,11 +87,15 @@ struct Network::Instances {
         freed.notify_one();
     }
 
-    Instance open(ReasonText& reason) {
+    Instance open() const {
         std::string absence;
         const ZelNetworkModule* module = zellab::platform::networkModule(absence);
         if (!module) throw NetworkFailure(absence);
-        return {module->openNetwork(file.data(), file.size(), reason.data(), reason.size()), {module}};
+        ReasonText reason{};
+        Instance instance(module->openNetwork(file.data(), file.size(), reason.data(), reason.size()),
+                          {module});
+        if (!instance) throw NetworkFailure(std::string(kind.file) + ": " + reason.data());
+        return instance;
     }
 
     const std::vector<unsigned char> file;
