@@ -1,3 +1,4 @@
+#include <filesystem>
 #include <memory>
 
 #include "libzel/assets.h"
@@ -24,7 +25,8 @@ std::string assetsOf(const zel_settings& told) {
     if (!told.assets) return zel::findAssets();
     if (!zellab::platform::isDirectory(told.assets))
         throw zel::Failure(std::string(told.assets) + ": is no folder with assets", ZEL_BAD_ASSET);
-    return told.assets;
+    // The host may go to another folder later.
+    return std::filesystem::absolute(told.assets).lexically_normal().string();
 }
 
 }  // namespace

@@ -1,4 +1,5 @@
-#include <cmath>
+#include <algorithm>
+#include <cstring>
 #include <deque>
 #include <map>
 
@@ -143,12 +144,14 @@ zel_status zel_check_values(const char* effectName, const zel_value* values, siz
         for (const Parameter& parameter : effect.parameters)
             if (parameter.name == kCube && !checked.text(kCube).empty()) readGivenCube(checked.text(kCube));
         if (!meaning) return;
-        if (given(meaning, "meaning").struct_size < sizeof(zel_meaning))
-            throw badArgument("meaning has no struct_size");
+        // As much of it as the caller's version knows.
+        zel_meaning told = received(meaning, "meaning");
+        const std::size_t known = std::min(told.struct_size, sizeof told);
         static thread_local std::string caution;
         caution = effect.caution ? effect.caution(checked) : std::string();
-        meaning->uses_faces = effect.faces != ZEL_NO && (!effect.usesFaces || effect.usesFaces(checked));
-        meaning->caution = caution.c_str();
+        told.uses_faces = effect.faces != ZEL_NO && (!effect.usesFaces || effect.usesFaces(checked));
+        told.caution = caution.c_str();
+        std::memcpy(meaning, &told, known);
     });
 }
 

@@ -44,16 +44,16 @@ ZEL_API const char* zel_version(void);
 
 typedef enum zel_status {
     ZEL_OK = 0,
-    ZEL_BAD_ARGUMENT = 1,   /**< a null or misaligned pointer, a size or stride out of range, no struct_size */
-    ZEL_UNKNOWN_NAME = 2,   /**< no such effect, parameter, face or plane; the message tells the nearest */
-    ZEL_BAD_VALUE = 3,      /**< a value of the wrong kind, out of range or NaN, or one that must be given */
-    ZEL_MISSING_INPUT = 4,  /**< the effect needs faces, a mask, a second picture; or it takes none */
-    ZEL_BAD_ASSET = 5,      /**< a file of the data folder is missing or damaged */
-    ZEL_NOT_AVAILABLE = 6,  /**< this installation, or this context's settings, cannot do it */
-    ZEL_BAD_FILE = 7,       /**< a picture, face data or a table that cannot be read */
+    ZEL_BAD_ARGUMENT = 1,  /**< a null or misaligned pointer, a size or stride out of range, no struct_size */
+    ZEL_UNKNOWN_NAME = 2,  /**< no such effect, parameter, face or plane; the message tells the nearest */
+    ZEL_BAD_VALUE = 3,     /**< a value of the wrong kind, out of range or NaN, or one that must be given */
+    ZEL_MISSING_INPUT = 4, /**< the effect needs faces, a mask, a second picture; or it takes none */
+    ZEL_BAD_ASSET = 5,     /**< a file of the data folder is missing or damaged */
+    ZEL_NOT_AVAILABLE = 6, /**< this installation, or this context's settings, cannot do it */
+    ZEL_BAD_FILE = 7,      /**< a picture, face data or a table that cannot be read */
     ZEL_NO_MEMORY = 8,
-    ZEL_CANCELLED = 9,      /**< the progress function said so */
-    ZEL_FAILED = 10         /**< the work failed; the message says why */
+    ZEL_CANCELLED = 9, /**< the progress function said so */
+    ZEL_FAILED = 10    /**< the work failed; the message says why */
 } zel_status;
 
 /** Why the last call that failed on this thread did; empty before the first. Valid until the next call of this
@@ -86,10 +86,10 @@ typedef enum zel_gl {
  *  two contexts with different ones never meet. */
 typedef struct zel_settings {
     size_t struct_size;
-    const char* assets;   /**< data folder; null: found as docs/embedding.md tells, never in the working folder */
+    const char* assets;   /**< data folder; null: found by itself, see docs/embedding.md */
     zel_log_function log; /**< null: messages are dropped */
     void* log_user;
-    int threads;          /**< 1 to 256; 0: one for each processor. No result depends on it. */
+    int threads; /**< 1 to 256; 0: one for each processor. No result depends on it. */
     zel_gl gl;
 } zel_settings;
 
@@ -125,7 +125,7 @@ typedef struct zel_pixels {
     int width, height; /**< 1 to ZEL_LONGEST_SIDE */
     size_t stride;     /**< bytes from row to row, at least a row's; 0: rows are packed */
     zel_format format;
-    unsigned flags;    /**< 0 or ZEL_PREMULTIPLIED */
+    unsigned flags; /**< 0 or ZEL_PREMULTIPLIED */
 } zel_pixels;
 
 /* ---- Faces ---- */
@@ -197,9 +197,9 @@ typedef struct zel_parameter {
     const char* help;  /**< one sentence */
     const char* unit;  /**< "pixels", "degrees"; empty: a plain number */
     zel_kind kind;
-    double minimum, maximum; /**< numbers; equal where there is no limit */
-    double step;             /**< a sensible step of a control */
-    const char* default_value; /**< as text; null: must be given */
+    double minimum, maximum;    /**< numbers; equal where there is no limit */
+    double step;                /**< a sensible step of a control */
+    const char* default_value;  /**< as text; null: must be given */
     const char* const* choices; /**< of ZEL_CHOICE, and words that a ZEL_POINT takes; null-terminated */
     int advanced;               /**< not 0: for a second page */
 } zel_parameter;
@@ -263,12 +263,12 @@ typedef struct zel_inputs {
     size_t struct_size;
     const zel_value* values;
     size_t value_count;
-    const zel_faces* faces;   /**< null: none */
-    const zel_pixels* mask;   /**< ZEL_GRAY8, 255 where it acts; null: none */
-    const zel_pixels* second; /**< four channels; null: none */
-    const zel_pixels* depth;  /**< ZEL_GRAY8, any size, nearer is larger; null: estimated */
-    const zel_pixels* mask_out;  /**< ZEL_GRAY8 of the picture's size, to be filled; null: not asked for */
-    const zel_pixels* depth_out; /**< likewise */
+    const zel_faces* faces;         /**< null: none */
+    const zel_pixels* mask;         /**< ZEL_GRAY8, 255 where it acts; null: none */
+    const zel_pixels* second;       /**< four channels; null: none */
+    const zel_pixels* depth;        /**< ZEL_GRAY8, any size, nearer is larger; null: estimated */
+    const zel_pixels* mask_out;     /**< ZEL_GRAY8 of the picture's size, to be filled; null: not asked for */
+    const zel_pixels* depth_out;    /**< likewise */
     zel_progress_function progress; /**< null: none */
     void* progress_user;
 } zel_inputs;
@@ -286,9 +286,9 @@ ZEL_API zel_status zel_apply(zel_context* context, const char* effect, const zel
 
 typedef struct zel_depth_options {
     size_t struct_size;
-    const char* network;     /**< an ONNX file or a folder that holds one; null: the installed network */
+    const char* network;      /**< an ONNX file or a folder that holds one; null: the installed network */
     const zel_pixels* person; /**< ZEL_GRAY8 mask of the person, any size; null: none */
-    int raw;                 /**< not 0: as the network gives it, unrefined; takes no person mask */
+    int raw;                  /**< not 0: as the network gives it, unrefined; takes no person mask */
     zel_progress_function progress;
     void* progress_user;
 } zel_depth_options;
