@@ -90,7 +90,7 @@ TEST(FacesCommand, WrongUsageIsStatusTwo) {
 TEST(FacesCommand, MissingDetectorIsOneLineThatNamesThePackage) {
     const TemporaryFolder folder;
     zelcli::writePicture(folder / "a.png", testImage(64, 64, 1));
-    const Environment none("ZEL_CASCADES", folder.path().c_str());
+    const Environment none("ZEL_CASCADES", folder.path().c_str()), noNetworks("ZEL_NETWORKS", "");
     expectRefusals(folder, "", "f.json", {{"faces a.png -o f.json", "opencv-data", 1}});
     expectRefusals(folder, "apply auto-slim-face a.png --quiet -o ", "o.png",
                    {{"o.png", "opencv-data", 1}, {"o.png", "--faces", 1}});
