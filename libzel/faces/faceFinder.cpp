@@ -22,6 +22,9 @@ constexpr float kLeastConfidence = 0.3f;
 constexpr float kSure = 0.5f, kLeastRed = 0.17f;
 constexpr float kColourless = 0.02f;
 
+/// Nor are they faces beside a sure one that is larger by this: false faces are small.
+constexpr float kMuchLarger = 3;
+
 /// Two fits whose middles lie closer than this share of the larger's pupil distance are one face.
 constexpr float kSameFace = 1.2f;
 
@@ -115,6 +118,11 @@ FaceSet findFaces(const Image& image, FaceDetector& detector) {
         candidate.pupils = pupilDistance(candidate.fit.points);
         if (isFace(image, candidate.fit)) candidates.push_back(candidate);
     }
+    std::erase_if(candidates, [&, all = candidates](const Candidate& weak) {
+        return weak.fit.confidence < kSure && std::any_of(all.begin(), all.end(), [&](const Candidate& face) {
+                   return face.fit.confidence >= kSure && face.pupils > kMuchLarger * weak.pupils;
+               });
+    });
     FaceSet found{image.width, image.height, {}};
     for (const Candidate& face : distinct(candidates))
         found.faces.push_back(foundFace(face.fit.points, image.width, image.height, face.fit.confidence));
