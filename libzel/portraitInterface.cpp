@@ -58,6 +58,7 @@ std::vector<std::uint16_t> depthSamples(const std::vector<float>& depth) {
 template <typename Spots>
 std::vector<zel_spot> hostSpots(const Spots& spots) {
     std::vector<zel_spot> own;
+    own.reserve(spots.size());
     for (const Spot& spot : spots) own.push_back({spot.x, spot.y, spot.radius});
     return own;
 }
