@@ -11,8 +11,8 @@
 #include "beautykernel/skinmaskstatisdetector/skinMaskManager.h"
 #include "beautykernel/skinmaskstatisdetector/skinMaskStatisDetector.h"
 #include "beautykernel/skinmaskstatisdetector/skinModel.h"
-#include "libzel/faces/faceRecords.h"
 #include "fleckMeasures.h"
+#include "libzel/faces/faceRecords.h"
 #include "zellab/imageproc/colour/yCbCr.h"
 #include "zellab/imageproc/core/ownedImage.h"
 

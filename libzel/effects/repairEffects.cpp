@@ -94,9 +94,10 @@ Effect autoFaceInpaint() {
     effect.operation = "ZelImageCore::TableSkin::ImageProcessWithAutoFaceInpaint";
     effect.summary = "Finds moles, spots and blemishes on faces and repairs them";
     effect.parameters = {
-        choiceParameter("method", {"flecks", "fine"}, "fine",
-                        "fine works at 640 pixels and follows the distance of the eyes; flecks finds more on a copy "
-                        "of 280 pixels, and takes stubble and glasses' rims for spots"),
+        choiceParameter(
+            "method", {"flecks", "fine"}, "fine",
+            "fine works at 640 pixels and follows the distance of the eyes; flecks finds more on a copy "
+            "of 280 pixels, and takes stubble and glasses' rims for spots"),
         faceIndexParameter()};
     effect.faces = ZEL_REQUIRED;
     effect.mask = ZEL_OPTIONAL;

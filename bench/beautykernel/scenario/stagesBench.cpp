@@ -5,9 +5,9 @@
 #include <functional>
 
 #include "beautykernel/lazybeauty/lazybeauty.h"
-#include "libzel/faces/faceRecords.h"
 #include "facepoints/faceData.h"
 #include "frame/processorCount.h"
+#include "libzel/faces/faceRecords.h"
 #include "portrait/portrait.h"
 #include "zel_effects/zel_effects.h"
 #include "zellab/imageproc/colour/colorCube.h"
