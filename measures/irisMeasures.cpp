@@ -1,6 +1,7 @@
 // How near the iris finder comes to the true irises, on synthetic eyes of every colour and skin tone, half
 // closed, looking aside, in hard light and noise. Prints the tables of docs/measures.md.
 // Usage: zel_iris_measures [PORTRAITS [FIRST-SEED]]
+#include <algorithm>
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
