@@ -177,7 +177,7 @@ void ApplyRun::applyEffect(std::size_t index, const ApplyItem& item, Image& imag
         std::size_t index;
     } told{m_messages, index};
     auto inputs = libzel::sized<zel_inputs>();
-    const auto values = m_values.list();  // a copy: inputs are worked on at once
+    const auto& values = m_values.list();
     inputs.values = values.data();
     inputs.value_count = values.size();
     inputs.faces = faces;

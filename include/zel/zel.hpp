@@ -7,6 +7,7 @@
 #include <zel/zel.h>
 
 #include <cstddef>
+#include <deque>
 #include <initializer_list>
 #include <memory>
 #include <stdexcept>
@@ -90,23 +91,26 @@ inline zel_pixels pixelsOf(zel_picture* picture) {
     return pixels;
 }
 
-/// Parameters by name, as text.
+/// Parameters by name, as text. May be moved, and read by any number of threads at once.
 class Values {
 public:
     Values() = default;
-    Values(std::initializer_list<std::pair<std::string, std::string>> values) : m_texts(values) {}
-
-    void set(std::string name, std::string text) { m_texts.emplace_back(std::move(name), std::move(text)); }
-    /// Valid until the next change.
-    const std::vector<zel_value>& list() const {
-        m_list.clear();
-        for (const auto& value : m_texts) m_list.push_back({value.first.c_str(), value.second.c_str(), 0});
-        return m_list;
+    Values(std::initializer_list<std::pair<const char*, const char*>> values) {
+        for (const auto& value : values) set(value.first, value.second);
     }
+    Values(Values&&) = default;
+    Values& operator=(Values&&) = default;
+
+    void set(std::string name, std::string text) {
+        m_texts.emplace_back(std::move(name), std::move(text));
+        m_list.push_back({m_texts.back().first.c_str(), m_texts.back().second.c_str(), 0});
+    }
+    /// Valid until the next change.
+    const std::vector<zel_value>& list() const { return m_list; }
 
 private:
-    std::vector<std::pair<std::string, std::string>> m_texts;
-    mutable std::vector<zel_value> m_list;
+    std::deque<std::pair<std::string, std::string>> m_texts;  // they stay where they are
+    std::vector<zel_value> m_list;
 };
 
 /// Changes the pixels by one effect.

@@ -1,6 +1,7 @@
 #include "inference/module/network.h"
 
 #include <memory>
+#include <mutex>
 #include <opencv2/dnn.hpp>
 #include <stdexcept>
 #include <string>
@@ -47,12 +48,20 @@ ZelNetworkArray arrayOf(const cv::Mat& blob, const char* name) {
     return array;
 }
 
+/// The library makes the lock of its list of layers on first use, without a lock. Here that use is one thread's,
+/// before any other's.
+void makeLayerList() {
+    static std::once_flag made;
+    std::call_once(made, [] { cv::dnn::LayerFactory::isLayerRegistered("Convolution"); });
+}
+
 }  // namespace
 
 ZelNetwork* openNetwork(const unsigned char* file, size_t size, char* text, size_t textSize) noexcept {
     ReasonText reason(text, textSize);
     return guarded<ZelNetwork*>(reason, nullptr, [&] {
         const QuietLibrary quiet;
+        makeLayerList();
         auto head = zellab::platform::readOnnxHead({file, file ? size : 0});
         if (!head) throw std::invalid_argument("is no ONNX network");
         auto network = std::make_unique<ZelNetwork>();
