@@ -1,8 +1,9 @@
 #include "cli/library.h"
 
-#include <charconv>
 #include <cstdio>
 #include <cstring>
+
+#include "frame/shortNumber.h"
 
 namespace zelcli {
 
@@ -14,13 +15,6 @@ constexpr const char* kLoaderSource = "stb_image_util";
 constexpr const char* kCubeParameter = "cube";
 
 zel_context* g_voiced = nullptr;
-
-/// "7", "0.5": the shortest text that reads back as the number.
-std::string shortNumber(double value) {
-    char text[32];
-    char* const end = std::to_chars(text, text + sizeof text, value).ptr;
-    return std::string(text, end);
-}
 
 bool isCube(const zel_parameter& parameter) {
     return parameter.kind == ZEL_FILE && std::strcmp(parameter.name, kCubeParameter) == 0;
@@ -88,6 +82,13 @@ void refuseUsage(zel_status status, const std::string& place) {
     throw UsageError(hinted ? why : why + "; see " + place);
 }
 
+Image imageOf(const zel_pixels& pixels) {
+    const auto* const bytes = static_cast<const unsigned char*>(pixels.data);
+    const std::size_t count =
+        4 * static_cast<std::size_t>(pixels.width) * static_cast<std::size_t>(pixels.height);
+    return {pixels.width, pixels.height, {bytes, bytes + count}, {}, {}};
+}
+
 zel_pixels pixelsOf(Image& image) {
     return {image.rgba.data(), image.width, image.height, 0, ZEL_RGBA8, 0};
 }
@@ -148,7 +149,8 @@ libzel::Values parseValues(const zel_effect& effect, const std::vector<std::stri
 std::string describeRange(const zel_parameter& parameter) {
     std::string text;
     const bool hasRange = parameter.minimum < parameter.maximum;
-    const std::string range = shortNumber(parameter.minimum) + ".." + shortNumber(parameter.maximum);
+    const std::string range =
+        zellab::shortNumber(parameter.minimum) + ".." + zellab::shortNumber(parameter.maximum);
     switch (parameter.kind) {
         case ZEL_NUMBER:
             text = hasRange ? range : "number";

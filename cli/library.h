@@ -49,6 +49,9 @@ void require(zel_status status);
 /// Throws what a failed call says as a UsageError: the library's word, and where none is near the place to look.
 [[noreturn]] void refuseUsage(zel_status status, const std::string& place);
 
+/// A copy of packed RGBA pixels.
+Image imageOf(const zel_pixels& pixels);
+
 zel_pixels pixelsOf(Image& image);
 zel_pixels pixelsOf(Mask& mask);
 

@@ -5,6 +5,7 @@
 #include <cmath>
 
 #include "frame/nearestWord.h"
+#include "frame/shortNumber.h"
 #include "libzel/effects/effectLists.h"
 
 namespace zel {
@@ -32,7 +33,7 @@ bool hasRange(const Parameter& parameter) {
 }
 
 std::string rangeText(const Parameter& parameter) {
-    return shortNumber(parameter.minimum) + ".." + shortNumber(parameter.maximum);
+    return zellab::shortNumber(parameter.minimum) + ".." + zellab::shortNumber(parameter.maximum);
 }
 
 std::string numberWanted(const Parameter& parameter, const std::string& kind) {
@@ -180,12 +181,6 @@ ParameterValues checkedValues(const Effect& effect, const std::map<std::string, 
 
 std::optional<std::pair<float, float>> ParameterValues::point(const std::string& name) const {
     return parsePoint(m_values.at(name));
-}
-
-std::string shortNumber(double value) {
-    char text[32];
-    char* const end = std::to_chars(text, text + sizeof text, value).ptr;
-    return std::string(text, end);
 }
 
 }  // namespace zel

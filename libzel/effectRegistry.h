@@ -18,7 +18,4 @@ const Effect& findEffect(const std::string& name);
 /// canonical spelling (switches as "true" or "false"). Throws ZEL_UNKNOWN_NAME or ZEL_BAD_VALUE.
 ParameterValues checkedValues(const Effect& effect, const std::map<std::string, std::string>& given);
 
-/// The shortest text that reads back as the number.
-std::string shortNumber(double value);
-
 }  // namespace zel

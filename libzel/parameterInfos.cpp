@@ -3,8 +3,8 @@
 #include <cctype>
 #include <cmath>
 
+#include "frame/shortNumber.h"
 #include "libzel/call.h"
-#include "libzel/effectRegistry.h"
 
 namespace zel {
 
@@ -40,7 +40,7 @@ std::string textOf(double number) {
     constexpr double kMostExact = 1e15;
     if (std::trunc(number) == number && std::abs(number) < kMostExact)
         return std::to_string(static_cast<long long>(number));
-    return shortNumber(number);
+    return zellab::shortNumber(number);
 }
 
 }  // namespace

@@ -3,18 +3,14 @@
 #include <charconv>
 #include <stdexcept>
 
+#include "frame/shortNumber.h"
+
 namespace zel {
 
 namespace {
 
 [[noreturn]] void refuse(const std::string& name, const std::string& value, const std::string& wanted) {
     throw std::invalid_argument(name + ": \"" + value + "\" is not " + wanted);
-}
-
-std::string tidy(double number) {
-    char text[32];
-    const auto end = std::to_chars(text, text + sizeof text, number);
-    return {text, end.ptr};
 }
 
 double parseNumber(const PortraitOption& option, const std::string& value) {
@@ -25,8 +21,8 @@ double parseNumber(const PortraitOption& option, const std::string& value) {
         result.ec == std::errc() && result.ptr == end && number >= option.minimum && number <= option.maximum;
     if (!fits || (option.whole && number != static_cast<double>(static_cast<int>(number))))
         refuse(option.name, value,
-               (option.whole ? "a whole number from " : "a number from ") + tidy(option.minimum) + " to " +
-                   tidy(option.maximum));
+               (option.whole ? "a whole number from " : "a number from ") +
+                   zellab::shortNumber(option.minimum) + " to " + zellab::shortNumber(option.maximum));
     return number;
 }
 

@@ -57,14 +57,6 @@ zel_pixels planeOf(zel_portrait* portrait, const char* name) {
     return pixels;
 }
 
-Image pictureOf(zel_portrait* portrait, const char* name) {
-    const zel_pixels pixels = planeOf(portrait, name);
-    const auto* const bytes = static_cast<const unsigned char*>(pixels.data);
-    const std::size_t count =
-        4 * static_cast<std::size_t>(pixels.width) * static_cast<std::size_t>(pixels.height);
-    return {pixels.width, pixels.height, {bytes, bytes + count}, {}, {}};
-}
-
 libzel::Faces facesOf(const zel_portrait* portrait) {
     return libzel::made<libzel::Faces>([&](zel_faces** out) { return zel_portrait_faces(portrait, out); });
 }
@@ -81,7 +73,7 @@ void writePlane(const std::filesystem::path& file, zel_portrait* portrait, const
         const auto* const samples = static_cast<const unsigned char*>(pixels.data);
         writeFileSafely(file, encodeGrayPng({pixels.width, pixels.height, {samples, samples + count}}));
     } else {
-        writePicture(file, pictureOf(portrait, name));
+        writePicture(file, imageOf(pixels));
     }
 }
 
@@ -130,7 +122,7 @@ int runPortrait(const PortraitOptions& options) {
     bool done = attempt(messages, options.output, [&] {
         require(status);
         messages.progress(0, "writing", 0.8);
-        writePicture(UserPath(options.output).real, pictureOf(drawn, "picture"));
+        writePicture(UserPath(options.output).real, imageOf(planeOf(drawn, "picture")));
     });
     if (done && !options.faces.empty())
         done = attempt(messages, options.faces,

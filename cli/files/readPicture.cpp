@@ -16,7 +16,7 @@ namespace zelcli {
 namespace {
 
 /// Sides and size that the library's operations are made for; 2^28 pixels are one gigabyte of RGBA.
-constexpr std::uint64_t kLongestSide = 32767, kMostPixels = std::uint64_t{1} << 28;
+constexpr std::uint64_t kLongestSide = ZEL_LONGEST_SIDE, kMostPixels = std::uint64_t{1} << 28;
 
 void checkSize(std::uint64_t width, std::uint64_t height) {
     if (width < 1 || height < 1) throw Failure("has no pixels");
@@ -40,13 +40,7 @@ bool isRgbProfile(const std::vector<unsigned char>& profile) {
 Image copyOf(zel_picture* picture) {
     const zel_pixels pixels = libzel::pixelsOf(picture);
     checkSize(static_cast<std::uint64_t>(pixels.width), static_cast<std::uint64_t>(pixels.height));
-    const auto* const bytes = static_cast<const unsigned char*>(pixels.data);
-    Image image;
-    image.width = pixels.width;
-    image.height = pixels.height;
-    image.rgba.assign(bytes, bytes + std::size_t{4} * static_cast<std::size_t>(pixels.width) *
-                                         static_cast<std::size_t>(pixels.height));
-    return image;
+    return imageOf(pixels);
 }
 
 Image decode(const std::vector<unsigned char>& file, bool scrambled) {
