@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <memory>
 #include <mutex>
 #include <string>
@@ -19,19 +20,16 @@ public:
     /// One that is loaded from the file already; null where none waits.
     Network take(const std::string& file) {
         const std::lock_guard<std::mutex> lock(m_mutex);
-        for (auto& [name, network] : m_waiting)
-            if (network && name == file) return std::move(network);
-        return nullptr;
+        const auto found = std::find_if(m_waiting.begin(), m_waiting.end(),
+                                        [&](const auto& waiting) { return waiting.first == file; });
+        if (found == m_waiting.end()) return nullptr;
+        Network network = std::move(found->second);
+        m_waiting.erase(found);
+        return network;
     }
 
     void giveBack(const std::string& file, Network network) {
         const std::lock_guard<std::mutex> lock(m_mutex);
-        for (auto& [name, place] : m_waiting)
-            if (!place) {
-                name = file;
-                place = std::move(network);
-                return;
-            }
         if (m_waiting.size() < kMost) m_waiting.emplace_back(file, std::move(network));
     }
 
@@ -39,7 +37,7 @@ private:
     static constexpr std::size_t kMost = 8;
 
     std::mutex m_mutex;
-    std::vector<std::pair<std::string, Network>> m_waiting;  // null: a free place
+    std::vector<std::pair<std::string, Network>> m_waiting;
 };
 
 }  // namespace zel

@@ -1,9 +1,8 @@
 #include <algorithm>
 #include <array>
-#include <cstdlib>
-#include <memory>
 #include <optional>
 
+#include "CrossPlateform/platform_win/stb_image_util/imageBuffer.h"
 #include "depth/portraitDepth.h"
 #include "inference/moduleLoader.h"
 #include "libzel/effects/effectLists.h"
@@ -51,15 +50,11 @@ std::vector<float> faceRectangles(const FaceSet& faces) {
     return rectangles;
 }
 
-struct FreeDeleter {
-    void operator()(unsigned char* p) const { std::free(p); }
-};
-
 void setShape(Render& render, const EffectRun& run) {
     const std::string name = "defocus_" + run.values.text("shape");
     const std::string file = std::string(kResourceFolder) + "/" + name + ".png";
     int width = 0, height = 0, channels = 0;
-    const std::unique_ptr<unsigned char, FreeDeleter> shape(ZelImageCore::StbImageUtil::loadImageFromFile(
+    const zellab::ImageBuffer shape(ZelImageCore::StbImageUtil::loadImageFromFile(
         run.surroundings.assets + "/" + file, width, height, channels, false, true, 0, false, nullptr));
     if (!shape) throw assetFailure(file, "is missing or is no picture");
     render.SetBokehImage(name.c_str(), shape.get(), width, height);

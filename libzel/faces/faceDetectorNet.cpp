@@ -29,10 +29,6 @@ constexpr std::size_t kMostDetections = 4096, kMostFaces = 1024;
 constexpr NetworkOutput kOutputs[] = {{"regressors_175", detector::kAnchors* detector::kPerAnchor},
                                       {"classificators_174", detector::kAnchors}};
 
-float sigmoid(float x) {
-    return 1 / (1 + std::exp(-x));
-}
-
 float areaOf(const DetectedFace& face) {
     return face.width * face.height;
 }

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <cstdio>
 #include <numbers>
 #include <optional>
 
@@ -93,21 +92,6 @@ std::vector<FaceBox> boxesOf(const std::vector<unsigned char>& luma, const LumaP
 }
 
 }  // namespace
-
-std::string describeFaces(const FaceSet& found) {
-    const std::size_t count = found.faces.size();
-    if (count == 0) return "no face found";
-    std::string text =
-        std::to_string(count) + (count == 1 ? " face found (confidence" : " faces found (confidence");
-    const char* separator = " ";
-    for (const Face& face : found.faces) {
-        char number[16];
-        std::snprintf(number, sizeof number, "%.2f", static_cast<double>(face.confidence.value_or(0)));
-        text.append(separator).append(number);
-        separator = ", ";
-    }
-    return text + ")";
-}
 
 FaceSet findFaces(const Image& image, FaceDetector& detector) {
     const auto luma = lumaOf(image);

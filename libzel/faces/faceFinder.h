@@ -1,7 +1,5 @@
 #pragma once
 
-#include <string>
-
 #include "libzel/faces/faceDetector.h"
 #include "portrait/faces.h"
 #include "portrait/image.h"
@@ -11,8 +9,5 @@ namespace zel {
 /// Finds faces and fits their landmarks; the largest face comes first. Each thread needs a detector of its
 /// own.
 FaceSet findFaces(const Image& image, FaceDetector& detector);
-
-/// "2 faces found (confidence 0.91, 0.78)".
-std::string describeFaces(const FaceSet& found);
 
 }  // namespace zel

@@ -122,7 +122,7 @@ FaceMesh fitMesh(Network& network, const ColourPyramid& picture, const TurnedSqu
     FaceMesh mesh;
     readPoints(outputs[0], mesh.points);
     place(mesh, square);
-    mesh.presence = 1 / (1 + std::exp(-outputs[1][0]));
+    mesh.presence = sigmoid(outputs[1][0]);
     return mesh;
 }
 

@@ -6,6 +6,7 @@
 
 #include "libzel/faces/meshParts.h"
 #include "libzel/faces/polyline.h"
+#include "zellab/imageproc/shapes/convexHull.h"
 
 namespace zel {
 
@@ -86,7 +87,7 @@ private:
         Polyline points;
         for (const auto part : {kMeshOutline, kMeshLips, kMeshLeftEye, kMeshRightEye})
             for (const short number : part) points.push_back(mesh.points[static_cast<std::size_t>(number)]);
-        return convexHull(std::move(points));
+        return zellab::convexHull(points);
     }
 
     /// Even steps from the level of the eyes to the chin.

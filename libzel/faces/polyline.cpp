@@ -14,10 +14,6 @@ float dot(Vector2f a, Vector2f b) {
     return a.x * b.x + a.y * b.y;
 }
 
-float cross(Vector2f a, Vector2f b) {
-    return a.x * b.y - a.y * b.x;
-}
-
 }  // namespace
 
 Vector2f across(const Polyline& line, float t) {
@@ -47,27 +43,6 @@ Vector2f along(const Polyline& line, float t) {
         left -= length;
     }
     return line.back();
-}
-
-Polyline convexHull(Polyline points) {
-    std::sort(points.begin(), points.end(),
-              [](Vector2f a, Vector2f b) { return a.x < b.x || (a.x == b.x && a.y < b.y); });
-    Polyline hull;
-    // The lower chain from left to right, then the upper one back.
-    const auto addChain = [&hull](auto first, auto last) {
-        const std::size_t start = hull.size();
-        for (; first != last; ++first) {
-            while (hull.size() >= start + 2 &&
-                   cross(hull.back() - hull[hull.size() - 2], *first - hull.back()) <= 0)
-                hull.pop_back();
-            hull.push_back(*first);
-        }
-        hull.pop_back();  // begins the other chain
-    };
-    if (points.size() < 3) return points;
-    addChain(points.begin(), points.end());
-    addChain(points.rbegin(), points.rend());
-    return hull;
 }
 
 }  // namespace zel

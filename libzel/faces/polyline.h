@@ -15,7 +15,4 @@ zellab::Vector2f across(const Polyline& line, float t);
 /// The point at the share `t` of the line's length.
 zellab::Vector2f along(const Polyline& line, float t);
 
-/// The convex hull of points, in order; the last point joins the first.
-Polyline convexHull(Polyline points);
-
 }  // namespace zel

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <array>
+#include <cmath>
 #include <cstddef>
 #include <memory>
 #include <span>
@@ -24,6 +25,11 @@ struct NetworkKind {
 
     std::size_t inputCount() const;  // floats
 };
+
+/// A score as networks tell it, as a share of 1.
+inline float sigmoid(float x) {
+    return 1 / (1 + std::exp(-x));
+}
 
 /// A network that was loaded could not run.
 class NetworkFailure : public std::runtime_error {
