@@ -54,10 +54,11 @@ const std::vector<CommandText>& commandTexts() {
          "--overlay draws what the effects make of the landmarks: every point with its number. With several "
          "inputs FACES.json and PNG are folders, made where they are missing, for NAME.json and "
          "NAME-faces.png.\n\n"
-         "Faces are found that look at the camera and lean by no more than about 15 degrees. The search "
-         "needs "
-         "the package opencv-data; the environment variable ZEL_CASCADES may name another folder with its "
-         "files.",
+         "Networks find faces wherever they look, where scripts/networks has set them up; the environment "
+         "variable ZEL_NETWORKS may name another folder with them. Without them a built-in finder sees faces "
+         "that look at the camera and lean by no more than about 40 degrees. It needs the package "
+         "opencv-data; "
+         "ZEL_CASCADES may name another folder with its files.",
          {{"Find the faces, look at them, retouch them",
            "zel faces portrait.jpg -o faces.json --overlay faces.png"},
           {"Use the data", "zel apply auto-slim-face portrait.jpg -o slim.jpg --faces faces.json"},
