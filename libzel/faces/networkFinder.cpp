@@ -42,7 +42,6 @@ struct SeenFace {
 };
 
 bool sameFace(const SeenFace& a, const SeenFace& b) {
-    using zellab::operator-;
     const auto apart = a.square.centre - b.square.centre;
     const bool turned = std::cos(a.square.turn - b.square.turn) < 0;
     return std::hypot(apart.x, apart.y) <
