@@ -53,9 +53,9 @@ std::vector<SeenFace> distinct(std::vector<SeenFace> seen) {
     std::stable_sort(seen.begin(), seen.end(),
                      [](const auto& a, const auto& b) { return a.trust > b.trust; });
     std::vector<SeenFace> faces;
-    for (SeenFace& face : seen)
+    for (const SeenFace& face : seen)
         if (std::none_of(faces.begin(), faces.end(), [&](const auto& kept) { return sameFace(kept, face); }))
-            faces.push_back(std::move(face));
+            faces.push_back(face);
     return faces;
 }
 
