@@ -49,7 +49,7 @@ std::vector<std::string> ways() {
     const zel_effect* effect = nullptr;
     libzel::require(zel_effect_find(kEffect, &effect));
     for (std::size_t i = 0; i < effect->parameter_count; ++i)
-        if (effect->parameters[i].name == std::string(kSubject)) return {"none", "person"};
+        if (effect->parameters[i]->name == std::string(kSubject)) return {"none", "person"};
     return {""};
 }
 
