@@ -68,6 +68,12 @@ std::vector<TurnedSquare> closerLooks(const FaceSet& faces, int width, int heigh
     return squares;
 }
 
+/// The network's shares are soft over a wide rim: who is a person rather than not is one here.
+float decided(float share) {
+    constexpr float kNobody = 0.15f, kSomebody = 0.7f;
+    return std::clamp((share - kNobody) / (kSomebody - kNobody), 0.0f, 1.0f);
+}
+
 /// The mask with the picture's edges.
 Mask refined(PlaneView<const float> shares, ConstImageView picture) {
     Mask mask{shares.width, shares.height, {}};
@@ -76,7 +82,7 @@ Mask refined(PlaneView<const float> shares, ConstImageView picture) {
     zellab::parallelRows(shares.height, [&](int begin, int end) {
         for (int y = begin; y < end; ++y)
             for (int x = 0; x < shares.width; ++x)
-                bytes.row(y)[x] = zellab::truncateToByte(shares.row(y)[x] * 255 + 0.5f);
+                bytes.row(y)[x] = zellab::truncateToByte(decided(shares.row(y)[x]) * 255 + 0.5f);
     });
     const auto side = static_cast<float>(std::max(shares.width, shares.height));
     const float scale = std::max(1.0f, std::round(side / kGuideSide));
@@ -107,6 +113,13 @@ auto withShares(ConstImageView picture, const FaceSet& faces, const std::string&
 
 }  // namespace
 
+FaceSet facesOf(const Subject& subject, const FaceSet& faces) {
+    FaceSet own{faces.width, faces.height, {}};
+    for (std::size_t i = 0; i < faces.faces.size(); ++i)
+        if (subject.ofFaces[i]) own.faces.push_back(faces.faces[i]);
+    return own;
+}
+
 std::optional<Mask> personMask(ConstImageView picture, const FaceSet* faces, const std::string& assets,
                                std::string& reason) {
     return withShares(picture, faces ? *faces : FaceSet(), assets, reason,
@@ -125,6 +138,7 @@ std::optional<Subject> findSubject(ConstImageView picture, const FaceSet& faces,
             Subject subject;
             subject.ofFaces = subjectFaces(faces, depth, focus);
             keepSubject(shares.view(), faces, subject.ofFaces, depth, focus);
+            if (!faces.faces.empty()) settleByDepth(shares.view(), facesOf(subject, faces), depth);
             const float* const end = shares.data() + shares.size();
             if (std::none_of(std::as_const(shares).data(), end, [](float s) { return s >= 0.5f; })) {
                 reason = "nobody is in the focus";

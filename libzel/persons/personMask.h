@@ -16,6 +16,9 @@ struct Subject {
     std::vector<bool> ofFaces;  // for each face that was given, whether it is the subject's
 };
 
+/// The faces that are the subject's.
+FaceSet facesOf(const Subject& subject, const FaceSet& faces);
+
 inline zellab::PlaneView<const zellab::Byte> viewOf(const Mask& mask) {
     return {mask.samples.data(), mask.width, mask.height};
 }

@@ -27,6 +27,11 @@ constexpr float kDepthApart = 400, kHalvingsApart = 1;
 /// People without a face join where they lie at most so many levels of depth behind the subject.
 constexpr int kDepthBehind = 40;
 
+/// Levels of depth behind the subject from which on depth speaks against whom the network is unsure of, and the most
+/// by which that moves a share.
+constexpr int kFarBehind = 80;
+constexpr float kDepthSays = 0.3f;
+
 /// Longest side of the grid on which people are told from one another.
 constexpr int kGridSide = 192;
 
@@ -255,6 +260,26 @@ void keepSubject(PlaneView<float> shares, const FaceSet& faces, const std::vecto
     cells.dropOthers(faces, ofSubject);
     const bool anybody = cells.dropParts(faces, ofSubject, focus, true);
     multiply(shares, anybody ? cells.kept() : PlaneView<const Byte>());
+}
+
+void settleByDepth(PlaneView<float> shares, const FaceSet& faces, PlaneView<const Byte> depth) {
+    int level = 255;
+    for (const Face& face : faces.faces) level = std::min(level, depthOf(face, depth));
+    Plane<Byte> scaled(shares.width, shares.height);
+    if (!scalePlane(depth, scaled.view(), zellab::YuvFilter::bilinear)) return;
+    // From far behind, -1, to the subject's own depth, 1.
+    std::array<float, 256> votes{};
+    for (int i = 0; i < 256; ++i)
+        votes[static_cast<std::size_t>(i)] =
+            std::clamp(1 - 2 * static_cast<float>(level - i) / static_cast<float>(kFarBehind), -1.0f, 1.0f);
+    zellab::parallelRows(shares.height, [&](int begin, int end) {
+        for (int y = begin; y < end; ++y)
+            for (int x = 0; x < shares.width; ++x) {
+                float& share = shares.row(y)[x];
+                const float unsure = 1 - std::abs(2 * share - 1);
+                share += kDepthSays * unsure * votes[scaled.row(y)[x]];
+            }
+    });
 }
 
 }  // namespace zel

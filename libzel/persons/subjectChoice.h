@@ -46,4 +46,10 @@ void keepPeopleOf(const FaceSet& faces, zellab::PlaneView<float> shares);
 void keepSubject(zellab::PlaneView<float> shares, const FaceSet& faces, const std::vector<bool>& ofSubject,
                  zellab::PlaneView<const zellab::Byte> depth, std::optional<zellab::Vector2f> focus);
 
+/// Lets depth decide where the network is unsure: what is as near as the subject joins it, what lies far behind does
+/// not. What the network is sure of stays, whatever its depth.
+/// @param faces  the subject's, one at least
+void settleByDepth(zellab::PlaneView<float> shares, const FaceSet& faces,
+                   zellab::PlaneView<const zellab::Byte> depth);
+
 }  // namespace zel

@@ -60,11 +60,4 @@ void levelSubject(PlaneView<Byte> depth, const Mask& mask, const FaceSet& faces)
         }
 }
 
-FaceSet facesOf(const Subject& subject, const FaceSet& faces) {
-    FaceSet own{faces.width, faces.height, {}};
-    for (std::size_t i = 0; i < faces.faces.size(); ++i)
-        if (subject.ofFaces[i]) own.faces.push_back(faces.faces[i]);
-    return own;
-}
-
 }  // namespace zel

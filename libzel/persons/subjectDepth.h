@@ -33,7 +33,4 @@ std::optional<Subject> subjectFor(zellab::ConstImageView picture, zellab::PlaneV
 /// @param faces  the subject's
 void levelSubject(zellab::PlaneView<zellab::Byte> depth, const Mask& mask, const FaceSet& faces);
 
-/// The faces that are the subject's.
-FaceSet facesOf(const Subject& subject, const FaceSet& faces);
-
 }  // namespace zel
