@@ -1,6 +1,7 @@
 #include "cli/commands/depthCommand.h"
 
 #include <cmath>
+#include <map>
 #include <optional>
 
 #include "cli/commands/applyCommand.h"
@@ -21,16 +22,31 @@ namespace fs = std::filesystem;
 /// A mask of other proportions does not fit; a rounded reduction does.
 constexpr double kProportionTolerance = 0.02;
 
-/// The file that `--set model=FILE` names; empty where it is not given.
-std::string modelOf(const std::vector<std::string>& assignments) {
-    const std::string name = "model=";
-    std::string model;
+/// What `--set` tells.
+struct DepthValues {
+    std::string model;  // empty: not given
+    zel_subject subject = ZEL_SUBJECT_AUTO;
+};
+
+DepthValues valuesOf(const std::vector<std::string>& assignments) {
+    const std::map<std::string, zel_subject> subjects{
+        {"auto", ZEL_SUBJECT_AUTO}, {"person", ZEL_SUBJECT_PERSON}, {"none", ZEL_SUBJECT_NONE}};
+    DepthValues values;
     for (const std::string& word : assignments) {
-        if (word.rfind(name, 0) != 0 || word.size() == name.size())
-            throw UsageError("zel depth has one parameter, model=FILE; not '" + word + "'");
-        model = word.substr(name.size());
+        const auto valueAfter = [&](const std::string& name) {
+            return word.rfind(name, 0) == 0 ? word.substr(name.size()) : std::string();
+        };
+        const auto subject = subjects.find(valueAfter("subject="));
+        if (const std::string model = valueAfter("model="); !model.empty())
+            values.model = model;
+        else if (subject != subjects.end())
+            values.subject = subject->second;
+        else
+            throw UsageError(
+                "zel depth has the parameters model=FILE and subject=auto, person or none; not '" + word +
+                "'");
     }
-    return model;
+    return values;
 }
 
 /// Outputs go where `zel apply` would put them.
@@ -39,6 +55,7 @@ ApplyPlan planDepth(const DepthOptions& options) {
     apply.inputs = options.inputs;
     apply.output = options.output;
     apply.compare = options.compare;
+    apply.maskOut = options.personMask;
     return planApply(apply);
 }
 
@@ -59,8 +76,8 @@ void writeMap(const fs::path& path, const Mask& map) {
 /// One run of the command: the network and the mask that all inputs share.
 class DepthRun {
 public:
-    DepthRun(const DepthOptions& options, std::string model)
-        : m_options(options), m_model(std::move(model)), m_messages(options.quiet) {}
+    DepthRun(const DepthOptions& options, DepthValues values)
+        : m_options(options), m_values(std::move(values)), m_messages(options.quiet) {}
 
     int run(const ApplyPlan& plan) {
         bool failed = !attempt([&] { prepare(plan); });
@@ -116,10 +133,15 @@ private:
         for (const auto& note : picture.notes) m_messages.note(item.input.shown, note);
         noteMask(picture.image);
         m_messages.progress(index, "estimating depth", 0.1);
-        const Mask map = mapOf(picture.image);
+        Mask person;
+        const Mask map = mapOf(item, picture.image, person);
         m_messages.progress(index, "writing", 0.9);
         m_file = item.output.shown;
         writeMap(item.output.real, map);
+        if (!item.maskOut.shown.empty()) {
+            m_file = item.maskOut.shown;
+            writeMap(item.maskOut.real, person);
+        }
         if (item.sheet.shown.empty()) return;
         m_file = item.sheet.shown;
         const Image grey = greyPicture(map), colours = colourDepth(map);
@@ -129,20 +151,44 @@ private:
     }
 
     /// The file that was told; null for the library's own.
-    const char* network() const { return m_model.empty() ? nullptr : m_model.c_str(); }
+    const char* network() const { return m_values.model.empty() ? nullptr : m_values.model.c_str(); }
 
-    Mask mapOf(Image& image) {
+    /// Those of the subject are kept whole; without any finder of faces there is none.
+    libzel::Faces facesIn(Image& image) {
+        if (m_mask || m_options.raw || m_values.subject == ZEL_SUBJECT_NONE) return nullptr;
+        zel_faces* faces = nullptr;
+        const zel_pixels picture = pixelsOf(image);
+        const zel_status status = zel_find_faces(library(), &picture, &faces);
+        if (status == ZEL_NOT_AVAILABLE)
+            m_messages.note(m_file, std::string(zel_message()) + "; going on without faces");
+        else
+            require(status);
+        return libzel::Faces(faces);
+    }
+
+    Mask mapOf(const ApplyItem& item, Image& image, Mask& personOut) {
+        const auto plane = [&] {
+            return Mask{image.width, image.height, std::vector<unsigned char>(image.rgba.size() / 4)};
+        };
         auto options = libzel::sized<zel_depth_options>();
-        zel_pixels person;
+        zel_pixels person, personPlane;
         if (m_mask) {
             person = pixelsOf(*m_mask);
             options.person = &person;
         }
+        const libzel::Faces faces = facesIn(image);
+        options.faces = faces.get();
+        options.subject = m_values.subject;
+        if (!item.maskOut.shown.empty()) {
+            personOut = plane();
+            personPlane = pixelsOf(personOut);
+            options.person_out = &personPlane;
+        }
         options.network = network();
         options.raw = m_options.raw;
-        Mask map{image.width, image.height, std::vector<unsigned char>(image.rgba.size() / 4)};
-        const zel_pixels picture = pixelsOf(image), plane = pixelsOf(map);
-        require(zel_estimate_depth(library(), &picture, &options, &plane));
+        Mask map = plane();
+        const zel_pixels picture = pixelsOf(image), out = pixelsOf(map);
+        require(zel_estimate_depth(library(), &picture, &options, &out));
         return map;
     }
 
@@ -154,7 +200,7 @@ private:
     }
 
     const DepthOptions& m_options;
-    const std::string m_model;
+    const DepthValues m_values;
     Messages m_messages;
     std::optional<LibraryVoice> m_voice;
     std::optional<Mask> m_mask;
@@ -165,11 +211,13 @@ private:
 }  // namespace
 
 int runDepth(const DepthOptions& options) {
-    std::string model = modelOf(options.assignments);
+    DepthValues values = valuesOf(options.assignments);
     if (options.raw && !options.mask.empty())
         throw UsageError("--raw takes no --mask: the mask is a part of the refinement");
+    if (options.raw && !options.personMask.empty())
+        throw UsageError("--raw makes no --person-mask: the mask is a part of the refinement");
     const ApplyPlan plan = planDepth(options);
-    return DepthRun(options, std::move(model)).run(plan);
+    return DepthRun(options, std::move(values)).run(plan);
 }
 
 }  // namespace zelcli

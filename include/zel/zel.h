@@ -284,6 +284,13 @@ ZEL_API zel_status zel_apply(zel_context* context, const char* effect, const zel
 
 /* ---- Depth and masks ---- */
 
+/** Whose person mask is made where none is given. */
+typedef enum zel_subject {
+    ZEL_SUBJECT_AUTO = 0,   /**< the subject's people, where a network is installed and there is a face */
+    ZEL_SUBJECT_PERSON = 1, /**< also without a face; a line in the log where that cannot be */
+    ZEL_SUBJECT_NONE = 2    /**< nobody's */
+} zel_subject;
+
 typedef struct zel_depth_options {
     size_t struct_size;
     const char* network;      /**< an ONNX file or a folder that holds one; null: the installed network */
@@ -291,6 +298,12 @@ typedef struct zel_depth_options {
     int raw;                  /**< not 0: as the network gives it, unrefined; takes no person mask */
     zel_progress_function progress;
     void* progress_user;
+    /** Whether a person mask is made by a network where none is given: the subject's people then lie in one plane,
+     *  the one of their nearest face. */
+    zel_subject subject;
+    const zel_faces* faces;       /**< for such a mask; null: none */
+    const zel_pixels* person_out; /**< ZEL_GRAY8 of the picture's size, to be filled with the mask that was used,
+                                       with zeros where there was none; null: not asked for */
 } zel_depth_options;
 
 /** Estimates the depth of a picture.
@@ -305,10 +318,11 @@ ZEL_API zel_status zel_check_depth(zel_context* context, const char* network);
 
 typedef enum zel_mask_kind { ZEL_MASK_SKIN = 0, ZEL_MASK_PERSON = 1 } zel_mask_kind;
 
-/** Makes a mask of skin or of persons by a network. This version has none: ZEL_NOT_AVAILABLE, whatever else the
- *  arguments are, if the pixels can be worked on.
- *  @param faces  those whose skin or person is meant; null: all
- *  @param out    ZEL_GRAY8 of the picture's size, to be filled */
+/** Makes a mask of persons by a network: 255 where they are. There is none for skin: ZEL_NOT_AVAILABLE.
+ *  @param faces  those whose people are meant; people who touch count as one. Null: all people, who are seen less
+ *                well where they are small. Such faces without any face: nobody.
+ *  @param out    ZEL_GRAY8 of the picture's size, to be filled
+ *  ZEL_NOT_AVAILABLE where the network or the inference module is not installed. */
 ZEL_API zel_status zel_make_mask(zel_context* context, zel_mask_kind kind, const zel_pixels* pixels,
                                  const zel_faces* faces, const zel_pixels* out);
 

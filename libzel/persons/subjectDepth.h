@@ -1,0 +1,36 @@
+#pragma once
+
+#include <functional>
+#include <optional>
+#include <string>
+
+#include "depth/portraitDepth.h"
+#include "libzel/persons/personMask.h"
+
+namespace zel {
+
+/// Whether a mask of the subject's people is made.
+enum class SubjectWish {
+    automatic,  // where networks are installed and there is a face
+    person,     // also without a face
+    none,
+};
+
+/// What the search for a subject is told.
+struct SubjectQuestion {
+    SubjectWish wish = SubjectWish::automatic;
+    const FaceSet& faces;
+    std::optional<zellab::Vector2f> focus;  // fractions of the picture, where one was told
+    const std::string& assets;
+};
+
+/// The subject of a picture with that depth, as it was wished for; says in the log why there is none.
+std::optional<Subject> subjectFor(zellab::ConstImageView picture, zellab::PlaneView<const zellab::Byte> depth,
+                                  const SubjectQuestion& question);
+
+/// Raises the subject in a depth plane to where its nearest face is, or its own middle depth where it has none: no part
+/// of it then lies in the background, and a group lies in one plane.
+/// @param faces  the subject's
+void levelSubject(zellab::PlaneView<zellab::Byte> depth, const Mask& mask, const FaceSet& faces);
+
+}  // namespace zel
