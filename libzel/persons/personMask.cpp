@@ -34,7 +34,7 @@ constexpr std::size_t kMostSquares = 16;
 
 /// Of the guided filter that draws the mask's edges to the picture's: windows of a hundredth of the longer side, and
 /// the deviation of colours that passes for noise.
-constexpr float kGuideReach = 0.01f, kGuideEpsilon = 0.032f;
+constexpr float kGuideReach = 0.015f, kGuideEpsilon = 0.02f;
 /// Pixels a side above which the filter's statistics are taken on a smaller copy.
 constexpr float kGuideSide = 512;
 
