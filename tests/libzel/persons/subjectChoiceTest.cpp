@@ -112,7 +112,7 @@ TEST(SubjectChoice, DepthDecidesWhereTheNetworkIsUnsureAlone) {
     EXPECT_LT(shares.row(60)[5], 0.3f);
 }
 
-TEST(SubjectDepth, RaisesTheSubjectToItsNearestFaceAndNothingElse) {
+TEST(SubjectDepth, RaisesTheSubjectToItsNearestFaceAndLowersWhatTheMaskDrewForward) {
     People people;
     people.add({20, 20, 20, 20}, 90);
     people.add({75, 20, 20, 20}, 220);
@@ -120,10 +120,22 @@ TEST(SubjectDepth, RaisesTheSubjectToItsNearestFaceAndNothingElse) {
     for (std::size_t i = 0; i < people.shares.size(); ++i)
         mask.samples.push_back(people.shares.data()[i] > 0 ? 255 : 0);
     fill(people.depth, {80, 60, 10, 10}, static_cast<unsigned char>(240));  // a hand before them
-    zel::levelSubject(people.depth.view(), mask, people.faces);
-    EXPECT_EQ(people.depth.row(60)[25], 220);
-    EXPECT_EQ(people.depth.row(65)[85], 240);
-    EXPECT_EQ(people.depth.row(5)[60], 0);
+    zellab::PortraitDepthPlanes planes;
+    planes.unmasked = Depth(zellab::kDepthPlaneSide, zellab::kDepthPlaneSide);
+    for (Depth* plane : {&planes.refined, &planes.unmasked})
+        for (int y = 0; y < zellab::kDepthPlaneSide; ++y)
+            for (int x = 0; x < zellab::kDepthPlaneSide; ++x)
+                plane->row(y)[x] = people.depth.row(
+                    y * kHeight / zellab::kDepthPlaneSide)[x * kWidth / zellab::kDepthPlaneSide];
+    const auto at = [&](int x, int y) -> unsigned char& {
+        return planes.refined.row(y * zellab::kDepthPlaneSide /
+                                  kHeight)[x * zellab::kDepthPlaneSide / kWidth];
+    };
+    at(60, 5) = 180;  // a lamp
+    zel::levelSubject(planes, mask, people.faces);
+    EXPECT_EQ(at(25, 60), 220);
+    EXPECT_EQ(at(85, 65), 240);
+    EXPECT_EQ(at(60, 5), 0);
 }
 
 }  // namespace
