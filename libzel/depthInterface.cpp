@@ -41,8 +41,8 @@ public:
         return m_subject ? viewOf(m_subject->mask) : viewOf(m_mask);
     }
 
-    void level(PlaneView<Byte> depth) const {
-        if (m_subject) levelSubject(depth, m_subject->mask, facesOf(*m_subject, *m_faces));
+    void level(zellab::PortraitDepthPlanes& planes) const {
+        if (m_subject) levelSubject(planes, m_subject->mask, facesOf(*m_subject, *m_faces));
     }
 
     const Mask& used() const { return m_subject ? m_subject->mask : m_mask; }
@@ -90,7 +90,7 @@ zel_status zel_estimate_depth(zel_context* context, const zel_pixels* pixels,
             depth->estimate({image.rgba.data(), image.width, image.height},
                             [&](PlaneView<const Byte> raw) { return person.forDepth(raw); });
         if (!planes.estimated) throw Failure("the depth network could not run on it");
-        person.level(planes.refined.view());
+        person.level(planes);
         Mask map{image.width, image.height, {}};
         map.samples = zellab::scaleDepthPlane((told.raw ? planes.raw : planes.refined).view(), image.width,
                                               image.height);

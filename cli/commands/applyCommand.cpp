@@ -8,6 +8,7 @@
 #include <new>
 #include <optional>
 
+#include "cli/commands/maskRemark.h"
 #include "cli/drawing/sheet.h"
 #include "cli/files/facesFile.h"
 #include "cli/files/jpegFile.h"
@@ -203,6 +204,9 @@ void ApplyRun::applyEffect(std::size_t index, const ApplyItem& item, Image& imag
     if (!item.depthOut.shown.empty()) inputs.depth_out = giveEmpty(depthOut, depthPlane);
     const zel_pixels picture = pixelsOf(image);
     require(zel_apply(library(), m_effect.name, &picture, &inputs));
+    if (!m_mask) return;
+    if (const std::string remark = maskRemark(*m_mask, image); !remark.empty())
+        m_messages.note(m_options.mask, remark);
 }
 
 /// An optional need of faces is content without them.

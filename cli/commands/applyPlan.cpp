@@ -76,7 +76,7 @@ ApplyPlan planApply(const ApplyOptions& options) {
     if (!toFolder) requireFormat(options.output, "OUT");
     if (hasSheet && !sheetsToFolder) requireFormat(options.compare, "--compare");
 
-    const GivenBack masks(options.maskOut, count, "--mask-out", "-mask.png");
+    const GivenBack masks(options.maskOut, count, options.maskOutName, "-mask.png");
     const GivenBack depths(options.depthOut, count, "--depth-out", "-depth.png");
 
     ApplyPlan plan;

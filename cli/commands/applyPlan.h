@@ -15,6 +15,7 @@ struct ApplyOptions {
     std::vector<std::string> assignments;          // --set
     std::string faces, mask, second, cube, depth;  // empty: not given
     std::string compare, maskOut, depthOut;        // likewise
+    const char* maskOutName = "--mask-out";        // the option that tells maskOut
     std::string assets;
     unsigned jobs = 1;
     bool quiet = false, verbose = false, scrambled = false;

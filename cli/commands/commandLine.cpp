@@ -186,8 +186,8 @@ void CommandLine::addDepth() {
     add("-o,--output", depth.output, "Depth map to write, or a folder for several inputs", "DEPTH.png")
         ->required();
     add("--mask", depth.mask, "Person mask: white where the person is", "MASK.png");
-    add("--person-mask", depth.personMask, "Write the person mask that was used (a folder for several inputs)",
-        "MASK.png");
+    add("--person-mask", depth.personMask,
+        "Write the person mask that was used (a folder for several inputs)", "MASK.png");
     add("--set", depth.assignments,
         "model=FILE, the depth network: a file, or a folder with portrait_depth.onnx; or "
         "subject=auto|person|none: whether people are kept whole by a network",

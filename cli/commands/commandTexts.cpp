@@ -68,12 +68,16 @@ const std::vector<CommandText>& commandTexts() {
          "Writes a grey picture of the input's size: the brighter, the nearer. A network estimates a coarse "
          "map, "
          "which is then fitted to the picture's edges; --raw leaves that out. A person mask, of any size, "
-         "brings "
-         "the person forward as a whole.\n\n"
+         "brings the person forward as a whole. Where none is given, networks that scripts/networks has set "
+         "up "
+         "make one of the people whose face is about as large as the largest; --person-mask shows it, and "
+         "--set subject=none leaves it out.\n\n"
          "Another network may take the place of the built-in one: an ONNX file with one float input of "
          "1 x 3 x H x W (blue, green, red; 0 to 1) and the outputs confidence and depth, or depth alone.",
          {{"The depth of a portrait, and a sheet to look at",
            "zel depth portrait.jpg -o depth.png --compare sheet.png"},
+          {"The people of a folder of pictures, as masks",
+           "zel depth photos/*.jpg -o depth/ --person-mask masks/ --set subject=person"},
           {"With a person mask, by a network of your own",
            "zel depth portrait.jpg -o depth.png --mask person.png --set model=mine.onnx"}}},
         {"portrait",

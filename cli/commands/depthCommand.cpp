@@ -1,11 +1,11 @@
 #include "cli/commands/depthCommand.h"
 
-#include <cmath>
 #include <map>
 #include <optional>
 
 #include "cli/commands/applyCommand.h"
 #include "cli/commands/applyPlan.h"
+#include "cli/commands/maskRemark.h"
 #include "cli/drawing/depthColours.h"
 #include "cli/drawing/sheet.h"
 #include "cli/files/pngFile.h"
@@ -18,9 +18,6 @@ namespace zelcli {
 namespace {
 
 namespace fs = std::filesystem;
-
-/// A mask of other proportions does not fit; a rounded reduction does.
-constexpr double kProportionTolerance = 0.02;
 
 /// What `--set` tells.
 struct DepthValues {
@@ -56,6 +53,7 @@ ApplyPlan planDepth(const DepthOptions& options) {
     apply.output = options.output;
     apply.compare = options.compare;
     apply.maskOut = options.personMask;
+    apply.maskOutName = "--person-mask";
     return planApply(apply);
 }
 
@@ -194,9 +192,8 @@ private:
 
     void noteMask(const Image& image) {
         if (!m_mask) return;
-        const double proportion = static_cast<double>(image.width) / image.height;
-        if (std::abs(proportion * m_mask->height / m_mask->width - 1.0) > kProportionTolerance)
-            m_messages.note(m_options.mask, "it has other proportions than " + m_file + " and is stretched");
+        if (const std::string remark = maskRemark(*m_mask, image); !remark.empty())
+            m_messages.note(m_options.mask, remark);
     }
 
     const DepthOptions& m_options;

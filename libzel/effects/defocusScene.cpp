@@ -53,7 +53,7 @@ void estimateDepth(EffectRun& run, DefocusScene& scene) {
         return scene.mask && wanted ? viewOf(*scene.mask) : DepthView();
     });
     if (!planes.estimated) throw Failure("its depth cannot be estimated");
-    if (scene.mask && wanted) levelSubject(planes.refined.view(), *scene.mask, scene.faces);
+    if (scene.mask && wanted) levelSubject(planes, *scene.mask, scene.faces);
     scene.depth = std::move(planes.refined);
 }
 

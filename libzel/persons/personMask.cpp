@@ -34,7 +34,7 @@ constexpr std::size_t kMostSquares = 16;
 
 /// Of the guided filter that draws the mask's edges to the picture's: windows of a hundredth of the longer side, and
 /// the deviation of colours that passes for noise.
-constexpr float kGuideReach = 0.01f, kGuideEpsilon = 0.032f;
+constexpr float kGuideReach = 0.015f, kGuideEpsilon = 0.02f;
 /// Pixels a side above which the filter's statistics are taken on a smaller copy.
 constexpr float kGuideSide = 512;
 
@@ -74,6 +74,12 @@ float decided(float share) {
     return std::clamp((share - kNobody) / (kSomebody - kNobody), 0.0f, 1.0f);
 }
 
+/// The most that the mask may be, whatever the colour: a lamp beside a face may have the face's.
+float possible(float share) {
+    constexpr float kNobody = 0.03f, kPerhaps = 0.18f;
+    return std::clamp((share - kNobody) / (kPerhaps - kNobody), 0.0f, 1.0f);
+}
+
 /// The mask with the picture's edges.
 Mask refined(PlaneView<const float> shares, ConstImageView picture) {
     Mask mask{shares.width, shares.height, {}};
@@ -88,6 +94,13 @@ Mask refined(PlaneView<const float> shares, ConstImageView picture) {
     const float scale = std::max(1.0f, std::round(side / kGuideSide));
     const int radius = std::max(1, static_cast<int>(std::lround(kGuideReach * side / scale)));
     GuidedFilterPlane(bytes, picture, radius, kGuideEpsilon, scale);
+    zellab::parallelRows(shares.height, [&](int begin, int end) {
+        for (int y = begin; y < end; ++y)
+            for (int x = 0; x < shares.width; ++x) {
+                Byte& own = bytes.row(y)[x];
+                own = std::min(own, zellab::truncateToByte(possible(shares.row(y)[x]) * 255 + 0.5f));
+            }
+    });
     return mask;
 }
 

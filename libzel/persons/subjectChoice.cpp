@@ -22,7 +22,7 @@ using zellab::Vector2f;
 
 /// A face joins the subject's where these two together stay below 1: levels of depth between them, and halvings of
 /// one's size to the other's.
-constexpr float kDepthApart = 400, kHalvingsApart = 1;
+constexpr float kDepthApart = 350, kHalvingsApart = 1;
 
 /// People without a face join where they lie at most so many levels of depth behind the subject.
 constexpr int kDepthBehind = 40;

@@ -48,16 +48,16 @@ std::optional<Subject> subjectFor(zellab::ConstImageView picture, PlaneView<cons
     return std::nullopt;
 }
 
-void levelSubject(PlaneView<Byte> depth, const Mask& mask, const FaceSet& faces) {
+void levelSubject(zellab::PortraitDepthPlanes& planes, const Mask& mask, const FaceSet& faces) {
+    const PlaneView<Byte> depth = planes.refined.view();
     Plane<Byte> scaled(depth.width, depth.height);
     if (!scalePlane(viewOf(mask), scaled.view(), zellab::YuvFilter::box)) return;
     const int level = levelOf(depth, std::as_const(scaled).view(), faces);
-    for (int y = 0; y < depth.height; ++y)
-        for (int x = 0; x < depth.width; ++x) {
-            Byte& own = depth.row(y)[x];
-            const int share = scaled.row(y)[x];
-            if (own < level) own = static_cast<Byte>(own + ((level - own) * share + 127) / 255);
-        }
+    for (std::size_t i = 0; i < scaled.size(); ++i) {
+        Byte& own = planes.refined.data()[i];
+        const int ground = std::min(own, planes.unmasked.data()[i]), subject = std::max<int>(own, level);
+        own = static_cast<Byte>((ground * (255 - scaled.data()[i]) + subject * scaled.data()[i] + 127) / 255);
+    }
 }
 
 }  // namespace zel

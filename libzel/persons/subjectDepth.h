@@ -28,9 +28,10 @@ struct SubjectQuestion {
 std::optional<Subject> subjectFor(zellab::ConstImageView picture, zellab::PlaneView<const zellab::Byte> depth,
                                   const SubjectQuestion& question);
 
-/// Raises the subject in a depth plane to where its nearest face is, or its own middle depth where it has none: no part
-/// of it then lies in the background, and a group lies in one plane.
+/// Raises the subject in a refined depth to where its nearest face is, or its own middle depth where it has none: no
+/// part of it then lies in the background, and a group lies in one plane. What is not the subject is no nearer than the
+/// depth that was refined without its mask has it: the mask draws lamps beside a face forward that have its colour.
 /// @param faces  the subject's
-void levelSubject(zellab::PlaneView<zellab::Byte> depth, const Mask& mask, const FaceSet& faces);
+void levelSubject(zellab::PortraitDepthPlanes& planes, const Mask& mask, const FaceSet& faces);
 
 }  // namespace zel

@@ -19,9 +19,16 @@ PortraitDepthPlanes estimatePortraitDepth(DepthEngine& engine, ConstImageView im
     RgbaImage small(kDepthSide, kDepthSide);
     if (!scaleArgb(image, small.view(), YuvFilter::box)) return planes;
     planes.estimated = engine.runToPlanes(small.view(), planes.raw.view(), planes.confidence.view());
-    if (planes.estimated)
-        refine_depth(small.view(), mask ? mask(planes.raw.view()) : PlaneView<const Byte>(),
-                     planes.raw.view(), planes.confidence.view(), planes.refined.view());
+    if (!planes.estimated) return planes;
+    const PlaneView<const Byte> person = mask ? mask(planes.raw.view()) : PlaneView<const Byte>();
+    const auto refine = [&](PlaneView<const Byte> by, Plane<Byte>& refined) {
+        refine_depth(small.view(), by, planes.raw.view(), planes.confidence.view(), refined.view());
+    };
+    refine(person, planes.refined);
+    if (person.valid()) {
+        planes.unmasked = Plane<Byte>(kDepthSide, kDepthSide);
+        refine({}, planes.unmasked);
+    }
     return planes;
 }
 

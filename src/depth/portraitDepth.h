@@ -24,6 +24,7 @@ struct PortraitDepthPlanes {
     Plane<Byte> raw;         // as the network gives it
     Plane<Byte> confidence;
     Plane<Byte> refined;
+    Plane<Byte> unmasked;  // refined without the person mask; empty where there was none
 };
 
 /// The person mask for the depth that the network gives, or none: who is meant may depend on it.

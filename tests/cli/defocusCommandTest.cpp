@@ -8,6 +8,7 @@
 #include "cli/files/readPicture.h"
 #include "cli/files/writePicture.h"
 #include "hostSupport.h"
+#include "libzel/faces/networksForTests.h"
 #include "support/environment.h"
 
 namespace {
@@ -83,6 +84,43 @@ TEST_F(DefocusCommand, EstimatesDepthWhereNoneIsGiven) {
     expectOk(runZel(folder, "depth a.png -o other.png --quiet"));
     EXPECT_EQ(zelcli::readPicture(folder / "d.png", false).image.rgba,
               zelcli::readPicture(folder / "other.png", false).image.rgba);
+}
+
+TEST_F(DefocusCommand, PeopleAreKeptByTheNetworkUnlessItIsAbsentOrUnwanted) {
+    expectOk(runZel(folder, "portrait -o p.png --faces p.json --size 300x400 --seed 4 --quiet"));
+    const auto result = [&](const std::string& more) {
+        const ProgramRun run =
+            expectOk(runZel(folder, "apply defocus p.png -o o.png --faces p.json --verbose " + more));
+        return std::pair{zelcli::readPicture(folder / "o.png", false).image.rgba, run.err};
+    };
+    const Bytes plain = result("--set subject=none").first;
+    {
+        const Environment none("ZEL_NETWORKS", "");
+        const auto [without, log] = result("");
+        EXPECT_EQ(without, plain);
+        EXPECT_THAT(log, HasSubstr("no mask of persons: networks are switched off"));
+        EXPECT_THAT(runZel(folder, "apply defocus p.png -o o.png --set subject=person").err,
+                    HasSubstr("no mask of persons: networks are switched off"));
+        const std::string mask = "--quiet --depth near-right.png --mask near-right.png";
+        EXPECT_EQ(runZel(folder, "apply defocus p.png -o o.png " + mask).err, "");
+        EXPECT_THAT(
+            result("--depth near-right.png --mask near-right.png").second,
+            HasSubstr("the mask is 64 by 48 pixels and is stretched to other proportions, 300 by 400"));
+    }
+    if (networksForTests().empty()) GTEST_SKIP() << "the networks are not installed";
+    EXPECT_NE(result("").first, plain);
+    // A mask that is given wins: all of the picture stays.
+    expectOk(runZel(folder, "portrait -o p.png --size 300x400 --seed 4 --quiet --truth truth"));
+    zelcli::writePicture(folder / "all.png", {30, 40, Bytes(4 * 30 * 40, 255), {}, {}});
+    const Bytes before = zelcli::readPicture(folder / "p.png", false).image.rgba;
+    const auto [kept, log] = result("--mask all.png");
+    EXPECT_LT(differenceOf(kept, before).mean, 0.01);
+    EXPECT_THAT(log, HasSubstr("the mask is all white"));
+
+    expectOk(runZel(folder, "depth p.png -o d.png --person-mask m.png"));
+    const zelcli::Image mask = zelcli::readPicture(folder / "m.png", false).image;
+    const zelcli::Image truth = zelcli::readPicture(folder / "truth/person.png", false).image;
+    EXPECT_LT(differenceOf(mask.rgba, truth.rgba).mean, 25);
 }
 
 TEST_F(DefocusCommand, EveryShapeIsThereAndDrawsAnotherPicture) {

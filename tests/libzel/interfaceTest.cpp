@@ -13,6 +13,7 @@
 #include <thread>
 
 #include "hostScene.h"
+#include "support/environment.h"
 #include "support/scratchFolder.h"
 #include "support/workingFolder.h"
 
@@ -193,7 +194,20 @@ TEST_F(Interface, HostileCallsGetAStatusAndTouchNothing) {
     EXPECT_EQ(zel_apply(context.get(), "inpaint", &good, &inputs), ZEL_BAD_ARGUMENT);
     zel_pixels colour = good;
     EXPECT_EQ(zel_estimate_depth(context.get(), &good, nullptr, &colour), ZEL_BAD_ARGUMENT);
-    EXPECT_EQ(zel_make_mask(context.get(), ZEL_MASK_PERSON, &good, nullptr, &scene.mask), ZEL_NOT_AVAILABLE);
+    EXPECT_EQ(zel_make_mask(context.get(), ZEL_MASK_SKIN, &good, nullptr, &scene.mask), ZEL_NOT_AVAILABLE);
+    {
+        const Environment none("ZEL_NETWORKS", "");
+        EXPECT_EQ(zel_make_mask(context.get(), ZEL_MASK_PERSON, &good, nullptr, &scene.mask),
+                  ZEL_NOT_AVAILABLE);
+        EXPECT_THAT(zel_message(), HasSubstr("ZEL_NETWORKS is empty"));
+    }
+    auto depthOptions = libzel::sized<zel_depth_options>();
+    depthOptions.person_out = &otherSize;
+    EXPECT_EQ(zel_estimate_depth(context.get(), &good, &depthOptions, &scene.mask), ZEL_BAD_ARGUMENT);
+    depthOptions.person_out = nullptr;
+    const int noSubject = 7;
+    std::memcpy(&depthOptions.subject, &noSubject, sizeof noSubject);
+    EXPECT_EQ(zel_estimate_depth(context.get(), &good, &depthOptions, &scene.mask), ZEL_BAD_ARGUMENT);
     EXPECT_TRUE(bytes == before);
 
     zel_face face{};
