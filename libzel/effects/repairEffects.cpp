@@ -2,6 +2,7 @@
 
 #include "libzel/effects/effectLists.h"
 #include "libzel/effects/effectParts.h"
+#include "libzel/effects/guessedEyes.h"
 #include "libzel/effects/randomTurn.h"
 #include "zel_effects/zel_effects.h"
 
@@ -51,10 +52,16 @@ void runRemoveBlackCircle(EffectRun& run) {
 void runAutoRemoveBlackCircle(EffectRun& run) {
     Image& image = run.image;
     forFaces(run, [&](zellab::CInterFacePoint* points, int face) {
+        const EyeReasons stay = hiddenEyes(faceAt(run, face));
+        tellEyesThatStay(face, stay);
+        const bool left = stay[0].empty(), right = stay[1].empty();
+        if (!left && !right) return true;
+        const Image before = left && right ? Image{} : image;
         CGRect rect = faceRectInPixels(faceAt(run, face), image.width, image.height);
         TableSkin::ImageProcessWithAutoRemoveBlackCircle(image.rgba.data(), image.width, image.height, rect,
                                                          points, face, run.values.number("strength"),
                                                          run.values.integer("method"));
+        if (!left || !right) putBackEyes(image, before, faceAt(run, face), stay);
         return true;
     });
 }
