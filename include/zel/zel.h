@@ -132,12 +132,28 @@ typedef struct zel_pixels {
 
 #define ZEL_LANDMARKS 83
 
+/** Landmarks that are seen or hidden together. Left and right are the picture's, as in the landmarks' table. */
+typedef enum zel_face_group {
+    ZEL_GROUP_CONTOUR = 0, /**< with the chin */
+    ZEL_GROUP_LEFT_BROW = 1,
+    ZEL_GROUP_RIGHT_BROW = 2,
+    ZEL_GROUP_LEFT_EYE = 3, /**< lids and pupil */
+    ZEL_GROUP_RIGHT_EYE = 4,
+    ZEL_GROUP_NOSE = 5,
+    ZEL_GROUP_MOUTH = 6
+} zel_face_group;
+
+#define ZEL_FACE_GROUPS 7
+
 /** One face, in fractions of the picture: 0,0 is the top left corner, 1,1 the bottom right one. Numbers lie in
  *  -1 to 2, since a face may reach over the edge. The landmarks' order is drawn in docs/landmarks.md. */
 typedef struct zel_face {
     float rect[4]; /**< left, top, width, height */
     float points[ZEL_LANDMARKS][2];
     float confidence; /**< 0 to 1 where the face was found; below 0: not told */
+    /** By zel_face_group, how surely its landmarks are a guess, because dark glasses or hair hide what they stand
+     *  for: 0 (seen, or not told) to 1. Above a half, effects on eyes leave an eye alone. */
+    float guessed[ZEL_FACE_GROUPS];
 } zel_face;
 
 typedef struct zel_faces zel_faces;
@@ -153,7 +169,7 @@ ZEL_API zel_status zel_faces_create(const zel_face* faces, size_t count, int wid
 ZEL_API zel_status zel_find_faces(zel_context* context, const zel_pixels* pixels, zel_faces** out);
 
 /** Face data as JSON: {"image": {"width", "height"}, "faces": [{"rect": [4], "points": [[x, y] x 83],
- *  "confidence"}]}, all as in zel_face. */
+ *  "confidence", "guessed": {"leftEye": 0.9}}]}, all as in zel_face; of the groups only those above 0 are told. */
 ZEL_API zel_status zel_faces_from_json(const char* text, size_t length, zel_faces** out);
 
 /** The text lives as long as the list, or until the next such call on it. */

@@ -215,6 +215,9 @@ TEST_F(Interface, HostileCallsGetAStatusAndTouchNothing) {
     face.rect[2] = face.rect[3] = 0.5f;
     face.points[82][1] = std::numeric_limits<float>::quiet_NaN();
     EXPECT_EQ(zel_faces_create(&face, 1, 10, 10, &faces), ZEL_BAD_VALUE);
+    face.points[82][1] = 0;
+    face.guessed[ZEL_GROUP_MOUTH] = 1.5f;
+    EXPECT_EQ(zel_faces_create(&face, 1, 10, 10, &faces), ZEL_BAD_VALUE);
     EXPECT_EQ(zel_faces_create(&face, std::numeric_limits<std::size_t>::max(), 10, 10, &faces),
               ZEL_BAD_ARGUMENT);
     EXPECT_EQ(faces, nullptr);
