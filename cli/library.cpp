@@ -86,7 +86,7 @@ Image imageOf(const zel_pixels& pixels) {
     const auto* const bytes = static_cast<const unsigned char*>(pixels.data);
     const std::size_t count =
         4 * static_cast<std::size_t>(pixels.width) * static_cast<std::size_t>(pixels.height);
-    return {pixels.width, pixels.height, {bytes, bytes + count}, {}, {}};
+    return {pixels.width, pixels.height, {bytes, bytes + count}};
 }
 
 zel_pixels pixelsOf(Image& image) {

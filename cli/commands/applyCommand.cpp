@@ -10,8 +10,7 @@
 
 #include "cli/drawing/sheet.h"
 #include "cli/files/facesFile.h"
-#include "cli/files/jpegFile.h"
-#include "cli/files/pngFile.h"
+#include "cli/files/pngWriter.h"
 #include "cli/files/writePicture.h"
 #include "cli/library.h"
 #include "cli/run/jobs.h"
@@ -114,8 +113,8 @@ void ApplyRun::prepare(const ApplyPlan& plan) {
     if (!m_options.depth.empty())
         m_depth = namingFile(m_options.depth, [&] { return readMask(UserPath(m_options.depth).real); });
     if (!m_options.second.empty())
-        m_second = namingFile(m_options.second,
-                              [&] { return readPicture(UserPath(m_options.second).real, false).image; });
+        m_second =
+            namingFile(m_options.second, [&] { return readPicture(UserPath(m_options.second)).image; });
     if (!m_options.cube.empty()) m_values.set("cube", m_options.cube);
     const auto& values = m_values.list();
     require(zel_check_values(m_effect.name, values.data(), values.size(), &m_meaning));
@@ -150,7 +149,7 @@ void ApplyRun::process(std::size_t index, const ApplyItem& item) {
 
 void ApplyRun::transform(std::size_t index, const ApplyItem& item) {
     m_messages.progress(index, "reading", 0);
-    LoadedPicture picture = readPicture(item.input.real, m_options.scrambled);
+    LoadedPicture picture = readPicture(item.input, {.scrambled = m_options.scrambled});
     for (const auto& note : picture.notes) m_messages.note(item.input.shown, note);
     Image& image = picture.image;
     const libzel::Faces faces = facesFor(index, item, image);
@@ -159,9 +158,11 @@ void ApplyRun::transform(std::size_t index, const ApplyItem& item) {
     applyEffect(index, item, image, faces.get(), maskOut, depthOut);
 
     m_messages.progress(index, "writing", kEffectShare);
-    if (formatOfSuffix(item.output.real) == PictureFormat::jpeg && !jpegHoldsExif(image.exif.size()))
-        m_messages.note(item.output.shown, "its EXIF data is too large for JPEG and is left out");
-    namingFile(item.output.shown, [&] { writePicture(item.output.real, image); });
+    const auto notes = namingFile(item.output.shown, [&] {
+        return writePicture(item.output, image, formatOfSuffix(item.output.real).value_or(PictureFormat::png),
+                            {});
+    });
+    for (const auto& note : notes) m_messages.note(item.output.shown, note);
     writePlane(item.maskOut, maskOut);
     writePlane(item.depthOut, depthOut);
     if (!item.sheet.shown.empty())

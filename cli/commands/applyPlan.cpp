@@ -26,11 +26,6 @@ bool meansFolder(const std::string& path, std::size_t inputs, const char* option
     return true;
 }
 
-void requireFormat(const std::string& path, const char* option) {
-    if (!formatOfSuffix(path))
-        throw UsageError(std::string(option) + " must end in .png, .jpg or .jpeg, not '" + path + "'");
-}
-
 /// The name of an input's output in a folder.
 std::string outputName(const fs::path& input) {
     return formatOfSuffix(input) ? input.filename().string() : input.stem().string() + ".png";
