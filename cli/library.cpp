@@ -27,10 +27,11 @@ zel_context* library() {
     return g_voiced ? g_voiced : plain.get();
 }
 
-LibraryVoice::LibraryVoice(Messages& messages, bool verbose, const std::string& assets)
+LibraryVoice::LibraryVoice(Messages& messages, bool verbose, const std::string& assets, int threads)
     : m_messages(messages), m_verbose(verbose) {
     auto settings = libzel::sized<zel_settings>();
     settings.assets = assets.empty() ? nullptr : assets.c_str();
+    settings.threads = threads;
     settings.log = take;
     settings.log_user = this;
     zel_context* context = nullptr;
