@@ -39,10 +39,11 @@ zel_context* library() {
     return g_voiced ? g_voiced : plain.get();
 }
 
-LibraryVoice::LibraryVoice(Messages& messages, bool verbose, const std::string& assets)
+LibraryVoice::LibraryVoice(Messages& messages, bool verbose, const std::string& assets, int threads)
     : m_messages(messages), m_verbose(verbose) {
     auto settings = libzel::sized<zel_settings>();
     settings.assets = assets.empty() ? nullptr : assets.c_str();
+    settings.threads = threads;
     settings.log = take;
     settings.log_user = this;
     zel_context* context = nullptr;
@@ -98,7 +99,7 @@ Image imageOf(const zel_pixels& pixels) {
     const auto* const bytes = static_cast<const unsigned char*>(pixels.data);
     const std::size_t count =
         4 * static_cast<std::size_t>(pixels.width) * static_cast<std::size_t>(pixels.height);
-    return {pixels.width, pixels.height, {bytes, bytes + count}, {}, {}};
+    return {pixels.width, pixels.height, {bytes, bytes + count}};
 }
 
 zel_pixels pixelsOf(Image& image) {

@@ -22,8 +22,9 @@ zel_context* library();
 /// line, remarks appear in verbose mode only. Makes the library's context; one object at a time.
 class LibraryVoice {
 public:
-    /// @param assets  folder of --assets; empty: found. Throws FileFailure where it is none.
-    LibraryVoice(Messages& messages, bool verbose, const std::string& assets);
+    /// @param assets   folder of --assets; empty: found. Throws FileFailure where it is none.
+    /// @param threads  of the library for each call; 0: one for each processor
+    LibraryVoice(Messages& messages, bool verbose, const std::string& assets, int threads = 0);
     ~LibraryVoice();
     LibraryVoice(const LibraryVoice&) = delete;
     LibraryVoice& operator=(const LibraryVoice&) = delete;

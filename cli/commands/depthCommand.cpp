@@ -8,7 +8,7 @@
 #include "cli/commands/maskRemark.h"
 #include "cli/drawing/depthColours.h"
 #include "cli/drawing/sheet.h"
-#include "cli/files/pngFile.h"
+#include "cli/files/pngWriter.h"
 #include "cli/files/writePicture.h"
 #include "cli/library.h"
 #include "cli/run/messages.h"
@@ -52,13 +52,13 @@ ApplyPlan planDepth(const DepthOptions& options) {
     apply.inputs = options.inputs;
     apply.output = options.output;
     apply.compare = options.compare;
-    apply.maskOut = options.personMask;
+    apply.steps.emplace_back().maskOut = options.personMask;
     apply.maskOutName = "--person-mask";
     return planApply(apply);
 }
 
 Image greyPicture(const Mask& mask) {
-    Image image{mask.width, mask.height, {}, {}, {}};
+    Image image{mask.width, mask.height, {}};
     image.rgba.reserve(4 * mask.samples.size());
     for (const unsigned char v : mask.samples) image.rgba.insert(image.rgba.end(), {v, v, v, 255});
     return image;
@@ -127,7 +127,7 @@ private:
     void process(std::size_t index, const ApplyItem& item) {
         m_file = item.input.shown;
         m_messages.progress(index, "reading", 0);
-        LoadedPicture picture = readPicture(item.input.real, false);
+        LoadedPicture picture = readPicture(item.input);
         for (const auto& note : picture.notes) m_messages.note(item.input.shown, note);
         noteMask(picture.image);
         m_messages.progress(index, "estimating depth", 0.1);

@@ -147,9 +147,7 @@ void drawFaceOverlay(Image& image, const zel_faces* faces) {
 
 Image enlargedForOverlay(const Image& image, int longSide) {
     const int factor = std::max(1, longSide / std::max({image.width, image.height, 1}));
-    Image large = image;
-    large.width *= factor;
-    large.height *= factor;
+    Image large{image.width * factor, image.height * factor, {}};
     large.rgba.resize(image.rgba.size() * static_cast<std::size_t>(factor) *
                       static_cast<std::size_t>(factor));
     std::size_t out = 0;

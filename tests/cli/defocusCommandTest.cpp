@@ -22,14 +22,14 @@ protected:
     static constexpr int kWidth = 160, kHeight = 120;
     DefocusCommand() {
         zelcli::writePicture(folder / "a.png", picture);
-        zelcli::Image map{64, 48, Bytes(4 * 64 * 48, 255), {}, {}};
+        zelcli::Image map{64, 48, Bytes(4 * 64 * 48, 255)};
         for (std::size_t i = 0; i < map.rgba.size(); ++i)
             if (i % 4 != 3) map.rgba[i] = i / 4 % 64 < 32 ? 15 : 230;
         zelcli::writePicture(folder / "near-right.png", map);
     }
     /// Mean change of the columns from `left` on.
     double change(const std::string& file, int left, int across) const {
-        const Bytes after = zelcli::readPicture(folder / file, false).image.rgba;
+        const Bytes after = zelcli::readPicture(folder / file).image.rgba;
         return differenceOf(cut(after, kWidth, left, 0, across, kHeight),
                             cut(picture.rgba, kWidth, left, 0, across, kHeight))
             .mean;
@@ -43,7 +43,7 @@ TEST_F(DefocusCommand, AGivenDepthMapDecidesWhatIsBlurred) {
     expectOk(runZel(folder, words + " --set focus=0.9,0.5"));
     EXPECT_LT(change("o.png", 100, 60), 0.5);
     EXPECT_GT(change("o.png", 0, 60), 8);
-    const zelcli::Image depth = zelcli::readPicture(folder / "d.png", false).image;
+    const zelcli::Image depth = zelcli::readPicture(folder / "d.png").image;
     EXPECT_EQ(depth.width, kWidth);
     EXPECT_EQ(depth.rgba[4 * 80 * kWidth], 15);
     EXPECT_EQ(depth.rgba[4 * 80 * kWidth + 4 * 150], 230);
@@ -57,7 +57,7 @@ TEST_F(DefocusCommand, LivelinessStrengthensTheGroundAndLeavesTheSubject) {
         "apply defocus a.png -o o.png --depth near-right.png --quiet --set focus=0.9,0.5 --set liveliness=";
     const auto result = [&](const char* amount) {
         expectOk(runZel(folder, words + amount));
-        return zelcli::readPicture(folder / "o.png", false).image.rgba;
+        return zelcli::readPicture(folder / "o.png").image.rgba;
     };
     const Bytes plain = result("0"), lively = result("1");
     // Mean distance of the strongest channel to the weakest, and the mean of the strongest.
@@ -82,8 +82,8 @@ TEST_F(DefocusCommand, LivelinessStrengthensTheGroundAndLeavesTheSubject) {
 TEST_F(DefocusCommand, EstimatesDepthWhereNoneIsGiven) {
     expectOk(runZel(folder, "apply defocus a.png -o o.png --depth-out d.png"));
     expectOk(runZel(folder, "depth a.png -o other.png --quiet"));
-    EXPECT_EQ(zelcli::readPicture(folder / "d.png", false).image.rgba,
-              zelcli::readPicture(folder / "other.png", false).image.rgba);
+    EXPECT_EQ(zelcli::readPicture(folder / "d.png").image.rgba,
+              zelcli::readPicture(folder / "other.png").image.rgba);
 }
 
 TEST_F(DefocusCommand, PeopleAreKeptByTheNetworkUnlessItIsAbsentOrUnwanted) {
@@ -132,7 +132,7 @@ TEST_F(DefocusCommand, EveryShapeIsThereAndDrawsAnotherPicture) {
     std::vector<Bytes> seen;
     for (const char* shape : {"classic", "hexagon", "heart", "star", "ring", "oval", "spin"}) {
         expectOk(runZel(folder, words + shape));
-        const Bytes rgba = zelcli::readPicture(folder / "o.png", false).image.rgba;
+        const Bytes rgba = zelcli::readPicture(folder / "o.png").image.rgba;
         EXPECT_EQ(std::count(seen.begin(), seen.end(), rgba), 0) << shape;
         seen.push_back(rgba);
     }
@@ -160,7 +160,7 @@ TEST_F(DefocusCommand, WithoutOpenGlOneClearLineSaysSo) {
 // As long as the command takes them, twice the textures of the software driver. The library reports such a
 // render as done; the command must not.
 TEST_F(DefocusCommand, APictureThatIsTooLongForOpenGlIsAnErrorAndLeavesTheOldOne) {
-    zelcli::Image strip{32767, 3, Bytes(std::size_t{4} * 32767 * 3, 77), {}, {}};
+    zelcli::Image strip{32767, 3, Bytes(std::size_t{4} * 32767 * 3, 77)};
     zelcli::writePicture(folder / "long.png", strip);
     zelcli::writePicture(folder / "o.png", picture);
     const std::string words =
