@@ -177,11 +177,11 @@ void runDefocus(EffectRun& run) {
         scene = defocusScene(run);
         setDepth(render, run, scene);
     }
-    RenderInputs inputs{faceRectangles(usesDepth ? scene.faces : run.faces), focus, scene.mask != nullptr};
+    RenderInputs inputs{faceRectangles(usesDepth ? scene.faces : run.faces), focus, scene.rim != nullptr};
     std::vector<unsigned char> mask;
-    if (scene.mask) {
-        mask = scene.mask->samples;
-        render.SetHairMaskData(mask.data(), scene.mask->width, scene.mask->height);
+    if (scene.rim) {
+        mask = scene.rim->samples;
+        render.SetHairMaskData(mask.data(), scene.rim->width, scene.rim->height);
     }
     const Canvas canvas(run.surroundings.gl);
     const RandomTurn grain(kGrainSeed);

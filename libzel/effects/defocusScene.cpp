@@ -28,7 +28,7 @@ zellab::ConstImageView viewOf(const Image& image) {
 /// Looks for the subject, unless its mask was given.
 void chooseSubject(EffectRun& run, DepthView depth, DefocusScene& scene) {
     scene.faces = run.faces;
-    scene.mask = run.mask;
+    scene.mask = scene.rim = run.mask;
     if (run.mask) return;
     run.progress("finding persons", kPersonsAt);
     std::optional<zellab::Vector2f> focus;
@@ -39,6 +39,7 @@ void chooseSubject(EffectRun& run, DepthView depth, DefocusScene& scene) {
     scene.faces = facesOf(*subject, run.faces);
     scene.found = std::make_unique<Subject>(std::move(*subject));
     scene.mask = &scene.found->mask;
+    scene.rim = &scene.found->rim;
 }
 
 void estimateDepth(EffectRun& run, DefocusScene& scene) {

@@ -13,6 +13,7 @@ struct DefocusScene {
     zellab::Plane<unsigned char> depth;  // of any size, larger is nearer
     FaceSet faces;                       // the subject's
     const Mask* mask = nullptr;          // of the subject: the one that was given, or `found`; null: none
+    const Mask* rim = nullptr;           // what the render's hair stage is told of it
     std::unique_ptr<Subject> found;
 };
 
