@@ -3,6 +3,7 @@
 #include <optional>
 
 #include "CrossPlateform/platform_win/stb_image_util/imageBuffer.h"
+#include "bokeh/backEnd.h"
 #include "depth/portraitDepth.h"
 #include "inference/moduleLoader.h"
 #include "libzel/effects/effectLists.h"
@@ -128,35 +129,27 @@ bool renderPreview(Render& render, EffectRun& run, std::vector<float>& faces, co
 void requireDrawn(const Render& render, bool ran) {
     const std::string shaderFile = std::string(kResourceFolder) + "/shader.3.bin";
     if (!ran) throw assetFailure(shaderFile, "is missing or damaged");
-    switch (render.LastOutcome()) {
-        case Render::Outcome::drawn:
-            return;
-        case Render::Outcome::noContext:
-            throw Failure("depth of field needs OpenGL 3.3, and the context that can be had here is older");
-        case Render::Outcome::faultyShaders:
-            throw assetFailure(shaderFile, "lacks a shader or holds one that the OpenGL driver refuses");
-        case Render::Outcome::tooLarge:
-            throw Failure("is too large for the OpenGL driver; depth of field needs it smaller");
-        case Render::Outcome::none:
-            break;
-    }
-    throw Failure("the library refused the picture");
+    if (render.LastOutcome() == Render::Outcome::faultyShaders)
+        throw assetFailure(shaderFile, "lacks a shader or holds one that the OpenGL driver refuses");
+    if (render.LastOutcome() != Render::Outcome::drawn) throw Failure("the library refused the picture");
 }
 
-/// The OpenGL context that the host allows, current while the object lives.
+/// The OpenGL context that the host allows, current while the object lives, or none where the processor is the
+/// better one to draw.
 class Canvas {
 public:
     explicit Canvas(zel_gl gl) {
-        if (gl == ZEL_GL_CURRENT) return;
-        m_own.emplace();
-        if (!m_own->isCurrent())
-            throw Failure(std::string("depth of field needs OpenGL, and no context can be had here (") +
-                              m_own->failedCall() + ")",
-                          ZEL_NOT_AVAILABLE);
+        if (gl == ZEL_GL_NEVER) return;
+        if (gl == ZEL_GL_IF_THERE) m_own.emplace();
+        m_drawsOnProcessor = (m_own && !m_own->isCurrent()) ||
+                             zellab::Bokeh::bestBackEnd() == zellab::Bokeh::BackEnd::processor;
+        if (m_drawsOnProcessor) m_own.reset();
     }
+    bool drawsOnProcessor() const { return m_drawsOnProcessor; }
 
 private:
     std::optional<zellab::OffscreenContext> m_own;
+    bool m_drawsOnProcessor = true;
 };
 
 void runDefocus(EffectRun& run) {
@@ -177,8 +170,17 @@ void runDefocus(EffectRun& run) {
     run.progress("rendering", 0.5);
     std::vector<float> faces = faceRectangles(run.faces);
     const bool full = usesDepth && run.values.text("resolution") == "full";
-    requireDrawn(render,
-                 full ? renderFull(render, run, faces, focus) : renderPreview(render, run, faces, focus));
+    const auto draw = [&] {
+        return full ? renderFull(render, run, faces, focus) : renderPreview(render, run, faces, focus);
+    };
+    render.DrawOnProcessor(canvas.drawsOnProcessor());
+    bool ran = draw();
+    if (render.LastOutcome() == Render::Outcome::tooLarge) {
+        render.DrawOnProcessor(true);
+        setShape(render, run);  // a spin lasts for one run
+        ran = draw();
+    }
+    requireDrawn(render, ran);
     enlivenGround(render, run, focus, usesDepth);
 }
 
@@ -205,7 +207,7 @@ Effect defocus() {
         choiceParameter("resolution", {"full", "preview"}, "full",
                         "preview works on a smaller copy, with amount 1 and highlights 3"),
         toggleParameter("useDepth", "true", "false blurs everything by one radius, as preview does")};
-    effect.gl = ZEL_REQUIRED;
+    effect.gl = ZEL_OPTIONAL;
     effect.faces = ZEL_OPTIONAL;
     effect.mask = effect.depth = effect.depthOut = ZEL_OPTIONAL;
     effect.example =
