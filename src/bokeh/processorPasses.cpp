@@ -1,5 +1,7 @@
 #include "bokeh/processorPasses.h"
 
+#include <memory>
+#include <optional>
 #include <utility>
 
 #include "bokeh/boxScale.h"
@@ -7,8 +9,27 @@
 #include "bokeh/grainMap.h"
 #include "bokeh/passTables.h"
 #include "bokeh/smoothRows.h"
+#include "zellab/imageproc/core/parallelRows.h"
 
 namespace zellab::Bokeh {
+
+namespace {
+
+/// A copy made by all workers, pixels that nothing has touched before.
+struct Photograph {
+    explicit Photograph(const ConstImageView& source)
+        : pixels(std::make_unique_for_overwrite<Byte[]>(sampleCount(source.width, source.height, 4))),
+          view(pixels.get(), source.width, source.height) {
+        parallelRows(source.height, [&](int begin, int end) {
+            const int rows = end - begin;
+            copyPixels(source.crop(0, begin, source.width, rows), view.crop(0, begin, source.width, rows));
+        });
+    }
+    std::unique_ptr<Byte[]> pixels;
+    ImageView view;
+};
+
+}  // namespace
 
 ProcessorPasses::ProcessorPasses() : m_noise(noisePixels()) {}
 
@@ -47,9 +68,9 @@ bool ProcessorPasses::blur(const BlurPass& pass) {
 
 RenderOutcome ProcessorPasses::compose(const ComposePass& pass, const ImageView& target) {
     const GrainMap grain = grainMap(m_photograph);
-    const bool inPlace = m_photograph.data == target.data;
-    const RgbaImage copy = inPlace ? copyOf(m_photograph) : RgbaImage();
-    composePicture({.photograph = inPlace ? copy.view() : m_photograph,
+    std::optional<Photograph> copy;
+    if (m_photograph.data == target.data) copy.emplace(m_photograph);
+    composePicture({.photograph = copy ? copy->view : m_photograph,
                     .soft = m_soft,
                     .radius = pass.radius,
                     .scaleRatio = pass.scaleRatio,
