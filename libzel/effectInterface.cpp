@@ -164,8 +164,6 @@ zel_status zel_apply(zel_context* context, const char* effectName, const zel_pix
         checkColour(pixels, "the picture");
         if (inputs.faces) zel::given(inputs.faces, "faces");
         checkInputs(effect, inputs);
-        if (effect.gl == ZEL_REQUIRED && context->gl == ZEL_GL_NEVER)
-            throw Failure(effect.name + " needs OpenGL, and this context never uses it", ZEL_NOT_AVAILABLE);
         Application(*context, effect, *pixels, inputs).run(values);
     });
 }

@@ -76,10 +76,12 @@ typedef void (*zel_log_function)(void* user, zel_log_level level, const char* me
 
 /** Where depth of field may draw. */
 typedef enum zel_gl {
-    ZEL_GL_IF_THERE = 0, /**< a context of its own without a window, made and left within each call */
-    ZEL_GL_NEVER = 1,    /**< effects that need OpenGL return ZEL_NOT_AVAILABLE */
-    ZEL_GL_CURRENT = 2   /**< the caller's own context (3.3 or later), current on the calling thread; all its
-                              state is as it was after the call */
+    ZEL_GL_IF_THERE = 0, /**< a context of its own without a window, made and left within each call; where there
+                              is none or a driver in software, the processor draws */
+    ZEL_GL_NEVER = 1,    /**< the processor draws */
+    ZEL_GL_CURRENT = 2   /**< the caller's own context, current on the calling thread; all its state is as it was
+                              after the call. One that is older than 3.3 or in software is left alone: the
+                              processor draws. */
 } zel_gl;
 
 /** What a context is told at its beginning. Settings travel with each call to all threads that work for it;
@@ -234,7 +236,7 @@ typedef struct zel_effect {
     /* What it takes beside the picture, and what it can give back. */
     zel_need faces, mask, second, depth;
     zel_need mask_out, depth_out;
-    zel_need gl; /**< ZEL_REQUIRED: needs OpenGL 3.3 */
+    zel_need gl; /**< ZEL_OPTIONAL: uses OpenGL 3.3 where a graphics card has it, else the processor */
 } zel_effect;
 
 ZEL_API size_t zel_effect_count(void);

@@ -3,8 +3,8 @@
 #include <optional>
 
 #include "CrossPlateform/platform_win/stb_image_util/imageBuffer.h"
+#include "bokeh/backEnd.h"
 #include "depth/portraitDepth.h"
-#include "gl/glApi.h"
 #include "libzel/effects/defocusScene.h"
 #include "libzel/effects/effectLists.h"
 #include "libzel/effects/effectParts.h"
@@ -129,40 +129,27 @@ bool renderPreview(Render& render, EffectRun& run, RenderInputs& inputs) {
 void requireDrawn(const Render& render, bool ran) {
     const std::string shaderFile = std::string(kResourceFolder) + "/shader.3.bin";
     if (!ran) throw assetFailure(shaderFile, "is missing or damaged");
-    switch (render.LastOutcome()) {
-        case Render::Outcome::drawn:
-            return;
-        case Render::Outcome::noContext:
-            throw Failure("depth of field needs OpenGL 3.3, and the context that can be had here is older");
-        case Render::Outcome::faultyShaders:
-            throw assetFailure(shaderFile, "lacks a shader or holds one that the OpenGL driver refuses");
-        case Render::Outcome::tooLarge:
-            throw Failure("is too large for the OpenGL driver; depth of field needs it smaller");
-        case Render::Outcome::none:
-            break;
-    }
-    throw Failure("the library refused the picture");
+    if (render.LastOutcome() == Render::Outcome::faultyShaders)
+        throw assetFailure(shaderFile, "lacks a shader or holds one that the OpenGL driver refuses");
+    if (render.LastOutcome() != Render::Outcome::drawn) throw Failure("the library refused the picture");
 }
 
-/// The OpenGL context that the host allows, current while the object lives.
+/// The OpenGL context that the host allows, current while the object lives, or none where the processor is the
+/// better one to draw.
 class Canvas {
 public:
     explicit Canvas(zel_gl gl) {
-        if (gl == ZEL_GL_CURRENT) {
-            if (zellab::gl::glUsable()) return;
-            throw Failure(
-                "depth of field needs OpenGL 3.3, and no such context is current on the calling thread",
-                ZEL_NOT_AVAILABLE);
-        }
-        m_own.emplace();
-        if (!m_own->isCurrent())
-            throw Failure(std::string("depth of field needs OpenGL, and no context can be had here (") +
-                              m_own->failedCall() + ")",
-                          ZEL_NOT_AVAILABLE);
+        if (gl == ZEL_GL_NEVER) return;
+        if (gl == ZEL_GL_IF_THERE) m_own.emplace();
+        m_drawsOnProcessor = (m_own && !m_own->isCurrent()) ||
+                             zellab::Bokeh::bestBackEnd() == zellab::Bokeh::BackEnd::processor;
+        if (m_drawsOnProcessor) m_own.reset();
     }
+    bool drawsOnProcessor() const { return m_drawsOnProcessor; }
 
 private:
     std::optional<zellab::OffscreenContext> m_own;
+    bool m_drawsOnProcessor = true;
 };
 
 void runDefocus(EffectRun& run) {
@@ -187,7 +174,17 @@ void runDefocus(EffectRun& run) {
     const RandomTurn grain(kGrainSeed);
     run.progress("rendering", kRenderingAt);
     const bool full = usesDepth && run.values.text("resolution") == "full";
-    requireDrawn(render, full ? renderFull(render, run, inputs) : renderPreview(render, run, inputs));
+    const auto draw = [&] {
+        return full ? renderFull(render, run, inputs) : renderPreview(render, run, inputs);
+    };
+    render.DrawOnProcessor(canvas.drawsOnProcessor());
+    bool ran = draw();
+    if (render.LastOutcome() == Render::Outcome::tooLarge) {
+        render.DrawOnProcessor(true);
+        setShape(render, run);  // a spin lasts for one run
+        ran = draw();
+    }
+    requireDrawn(render, ran);
     enlivenGround(render, run, focus, usesDepth);
 }
 
@@ -218,7 +215,7 @@ Effect defocus() {
             "keeps people whole, by a network where one is installed: auto where there is a face, person "
             "also without one; a mask that is given takes its place"),
         toggleParameter("useDepth", "true", "false blurs everything by one radius, as preview does")};
-    effect.gl = ZEL_REQUIRED;
+    effect.gl = ZEL_OPTIONAL;
     effect.faces = ZEL_OPTIONAL;
     effect.mask = effect.depth = effect.depthOut = ZEL_OPTIONAL;
     effect.example =

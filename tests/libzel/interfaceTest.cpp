@@ -369,12 +369,9 @@ TEST(Contexts, WithoutOpenGlAndInAnyFolderAndOnAnyNumberOfThreads) {
     const libzel::Context five = libzel::createContext(&settings);
     HostScene scene(one.get());
     for (const zel_effect* effect : effects()) {
-        if (effect->gl == ZEL_REQUIRED) {
-            EXPECT_EQ(zel_apply(one.get(), effect->name, &scene.picture, nullptr), ZEL_NOT_AVAILABLE);
-        } else {
-            EXPECT_TRUE(retouched(one.get(), scene, *effect) == retouched(five.get(), scene, *effect))
-                << effect->name;
-        }
+        EXPECT_NE(effect->gl, ZEL_REQUIRED);
+        EXPECT_TRUE(retouched(one.get(), scene, *effect) == retouched(five.get(), scene, *effect))
+            << effect->name;
     }
 }
 
