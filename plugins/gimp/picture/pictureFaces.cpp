@@ -1,5 +1,6 @@
 #include "gimp/picture/pictureFaces.h"
 
+#include <algorithm>
 #include <cstddef>
 #include <vector>
 
@@ -22,30 +23,41 @@ struct ParasiteFree {
 };
 using Parasite = std::unique_ptr<GimpParasite, ParasiteFree>;
 
-std::vector<zel_face> listOf(const zel_faces* faces) {
-    std::vector<zel_face> list;
-    for (std::size_t i = 0; i < zel_faces_count(faces); ++i) list.push_back(libzel::faceAt(faces, i));
-    return list;
-}
+/// Where one axis of a layer lies on the picture's.
+struct Axis {
+    float picture, start, length;  // pixels
 
-/// Fractions of the picture as fractions of a layer in it.
-struct ToLayer {
-    float width, height, x, y, layerWidth, layerHeight;
+    float toLayer(float fraction) const { return (fraction * picture - start) / length; }
+    float toPicture(float fraction) const { return (fraction * length + start) / picture; }
+    bool isWhole() const { return start == 0 && picture == length; }
+};
 
-    float across(float fraction) const { return (fraction * width - x) / layerWidth; }
-    float down(float fraction) const { return (fraction * height - y) / layerHeight; }
-    zel_face of(zel_face face) const {
-        face.rect[0] = across(face.rect[0]);
-        face.rect[1] = down(face.rect[1]);
-        face.rect[2] *= width / layerWidth;
-        face.rect[3] *= height / layerHeight;
+/// Every place of the faces through one function an axis.
+template <typename Across, typename Down>
+void mapFaces(std::vector<zel_face>& faces, const Across& across, const Down& down) {
+    for (zel_face& face : faces) {
+        auto& [left, top, width, height] = face.rect;
+        const float right = across(left + width), bottom = down(top + height);
+        left = across(left);
+        top = down(top);
+        width = right - left;
+        height = bottom - top;
         for (auto& point : face.points) {
             point[0] = across(point[0]);
             point[1] = down(point[1]);
         }
-        return face;
     }
-};
+}
+
+Axis acrossOf(const TargetLayer& layer) {
+    return {static_cast<float>(gimp_image_width(layer.image())), static_cast<float>(layer.area().x),
+            static_cast<float>(layer.width())};
+}
+
+Axis downOf(const TargetLayer& layer) {
+    return {static_cast<float>(gimp_image_height(layer.image())), static_cast<float>(layer.area().y),
+            static_cast<float>(layer.height())};
+}
 
 bool isNear(const zel_face& face) {
     const auto fits = [](float value) { return value >= kLeast && value <= kMost; };
@@ -111,26 +123,40 @@ libzel::Faces facesFromFile(const std::string& path) {
     }
 }
 
-std::shared_ptr<const zel_faces> facesOnLayer(const zel_faces* faces, const TargetLayer& layer) {
-    int width = 0, height = 0;
+std::vector<zel_face> listOf(const zel_faces* faces) {
     std::vector<zel_face> list;
-    if (faces) {
-        width = gimp_image_width(layer.image());
-        height = gimp_image_height(layer.image());
-        const ToLayer map{static_cast<float>(width),          static_cast<float>(height),
-                          static_cast<float>(layer.area().x), static_cast<float>(layer.area().y),
-                          static_cast<float>(layer.width()),  static_cast<float>(layer.height())};
-        const bool isWhole =
-            layer.area().x == 0 && layer.area().y == 0 && layer.width() == width && layer.height() == height;
-        for (const zel_face& face : listOf(faces)) {
-            const zel_face moved = isWhole ? face : map.of(face);
-            if (isNear(moved)) list.push_back(moved);
-        }
-    }
+    for (std::size_t i = 0; i < zel_faces_count(faces); ++i) list.push_back(libzel::faceAt(faces, i));
+    return list;
+}
+
+libzel::Faces facesOf(const std::vector<zel_face>& list, int width, int height) {
+    return libzel::made<libzel::Faces>(
+        [&](zel_faces** out) { return zel_faces_create(list.data(), list.size(), width, height, out); });
+}
+
+std::vector<zel_face> onLayer(std::vector<zel_face> faces, const TargetLayer& layer) {
+    const Axis across = acrossOf(layer), down = downOf(layer);
+    // To the bit where both are one.
+    if (!across.isWhole() || !down.isWhole())
+        mapFaces(
+            faces, [&](float x) { return across.toLayer(x); }, [&](float y) { return down.toLayer(y); });
+    return faces;
+}
+
+std::vector<zel_face> onPicture(std::vector<zel_face> faces, const TargetLayer& layer) {
+    const Axis across = acrossOf(layer), down = downOf(layer);
+    if (!across.isWhole() || !down.isWhole())
+        mapFaces(
+            faces, [&](float x) { return across.toPicture(x); }, [&](float y) { return down.toPicture(y); });
+    return faces;
+}
+
+std::shared_ptr<const zel_faces> facesForEffect(const zel_faces* faces, const TargetLayer& layer) {
+    std::vector<zel_face> list = onLayer(listOf(faces), layer);
+    list.erase(std::remove_if(list.begin(), list.end(), [](const zel_face& face) { return !isNear(face); }),
+               list.end());
     if (list.empty()) return nullptr;
-    return libzel::made<libzel::Faces>([&](zel_faces** out) {
-        return zel_faces_create(list.data(), list.size(), layer.width(), layer.height(), out);
-    });
+    return facesOf(list, layer.width(), layer.height());
 }
 
 }  // namespace zelgimp

@@ -4,6 +4,7 @@
 
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "gimp/run/pixels.h"
 #include "zel/zel.hpp"
@@ -27,7 +28,15 @@ Rgba visiblePixels(gint32 image);
 /// Those of the file of a script. Throws Refusal or libzel::Error.
 libzel::Faces facesFromFile(const std::string& path);
 
-/// The same faces in fractions of the layer; those that lie far outside of it are left out.
-std::shared_ptr<const zel_faces> facesOnLayer(const zel_faces* faces, const TargetLayer& layer);
+std::vector<zel_face> listOf(const zel_faces* faces);
+/// @param width   the size that they are told to be found at
+libzel::Faces facesOf(const std::vector<zel_face>& list, int width, int height);
+
+/// Fractions of the picture as fractions of the layer, and back.
+std::vector<zel_face> onLayer(std::vector<zel_face> faces, const TargetLayer& layer);
+std::vector<zel_face> onPicture(std::vector<zel_face> faces, const TargetLayer& layer);
+
+/// The picture's faces for an effect on the layer; those that lie far outside of it are left out. Null: none.
+std::shared_ptr<const zel_faces> facesForEffect(const zel_faces* faces, const TargetLayer& layer);
 
 }  // namespace zelgimp

@@ -21,7 +21,7 @@ libzel::Faces foundFaces(const zel_effect& effect, gint32 image) {
     }
 }
 
-libzel::Faces facesOf(const Request& request, const std::string& facesFile, gint32 image) {
+libzel::Faces facesFor(const Request& request, const std::string& facesFile, gint32 image) {
     if (!facesFile.empty()) return facesFromFile(facesFile);
     if (!meaningOf(request).usesFaces) return nullptr;
     libzel::Faces kept = keptFaces(image);
@@ -33,9 +33,9 @@ libzel::Faces facesOf(const Request& request, const std::string& facesFile, gint
 void runDirectly(const Request& request, const std::string& facesFile, const TargetLayer& layer) {
     gimp_progress_init(request.effect->title);
     const Meaning meaning = meaningOf(request);
-    const libzel::Faces faces = facesOf(request, facesFile, layer.image());
+    const libzel::Faces faces = facesFor(request, facesFile, layer.image());
     EffectCall call = callOf(request, layer, std::make_shared<Rgba>(layer.read()));
-    call.faces = facesOnLayer(faces.get(), layer);
+    call.faces = facesForEffect(faces.get(), layer);
     if (meaning.usesFaces) requireFaces(*request.effect, call.faces.get());
     const Rgba after = call.run([](double fraction, const char* stage) {
         gimp_progress_set_text(stage);
