@@ -4,30 +4,33 @@
 #include "inference/moduleLoader.h"
 #include "libzel/call.h"
 #include "libzel/faces/faceList.h"
+#include "libzel/networks/knownNetworks.h"
+#include "libzel/networks/networkFile.h"
 #include "libzel/pixels.h"
 #include "libzel/progress.h"
 #include "platform/fileProbe.h"
+#include "zellab/utils/assetFolders.h"
 
 namespace {
 
 using namespace zel;
-
-/// The network of the project's own, below the folder with the assets.
-constexpr const char* kOwnNetwork = "depth/portrait_depth.onnx";
 
 /// A loaded network, the one that was told or the own one, on loan from the context.
 class LentNetwork {
 public:
     LentNetwork(zel_context& context, const char* told)
         : m_pool(context.depthNetworks),
-          m_file(told ? std::string(told) : context.settings.assets + "/" + kOwnNetwork),
+          m_file(told ? std::string(told) : zellab::assetPath(context.settings.assets, depthNetwork().file)),
           m_network(m_pool.take(m_file)) {
         if (m_network) return;
-        const auto refusal = [&](const char* why) {
-            return told ? Failure(m_file + ": " + why, ZEL_BAD_FILE) : assetFailure(kOwnNetwork, why);
+        const auto refusal = [&](const std::string& why) {
+            return told ? Failure(m_file + ": " + why, ZEL_BAD_FILE) : assetFailure(depthNetwork().file, why);
         };
         if (!zellab::platform::pathExists(m_file.c_str()))
             throw refusal(told ? "there is no such file" : "the depth network is missing");
+        if (const std::string problem = told ? "" : networkProblem(m_file, depthNetwork().sum);
+            !problem.empty())
+            throw refusal(problem);
         if (const std::string absence = zellab::platform::networkModuleAbsence(); !absence.empty())
             throw Failure(absence, ZEL_NOT_AVAILABLE);
         m_network = std::make_unique<zellab::PortraitDepth>();

@@ -87,6 +87,10 @@ int dispatch(const CommandLine& line) {
     if (name == "faces") return runFaces(line.faces);
     if (name == "depth") return runDepth(line.depth);
     if (name == "portrait") return runPortrait(line.portrait);
+    if (name == "networks") {
+        std::cout << networksText(line.networks);
+        return kDone;
+    }
     std::cerr << line.app.help();
     return kWrongUsage;
 }
@@ -112,6 +116,7 @@ CommandLine::CommandLine() : app(std::string("zel: ") + kProgramSummary, "zel") 
     addFaces();
     addDepth();
     addPortrait();
+    addNetworks();
 }
 
 CLI::App& CommandLine::addCommand(const std::string& name) {
@@ -205,6 +210,12 @@ void CommandLine::addPortrait() {
     add("--set", portrait.assignments, "Set a parameter (repeatable)", "NAME=VALUE")->allow_extra_args(false);
     add("--truth", portrait.truth, "Write the clean picture, masks, depth (16 bits) and spots", "DIR");
     command.add_flag("--quiet", portrait.quiet, "Only errors on standard error");
+}
+
+void CommandLine::addNetworks() {
+    CLI::App& command = addCommand("networks");
+    command.add_flag("--json", networks.json, "Print JSON for scripts");
+    command.add_option("--assets", networks.assets, "Folder with the library's assets")->option_text("DIR");
 }
 
 int runCommand(const std::vector<std::string>& words) {

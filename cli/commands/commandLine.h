@@ -7,6 +7,7 @@
 #include "cli/commands/applyPlan.h"
 #include "cli/commands/depthCommand.h"
 #include "cli/commands/facesCommand.h"
+#include "cli/commands/networksCommand.h"
 #include "cli/commands/portraitCommand.h"
 
 namespace zelcli {
@@ -23,6 +24,7 @@ public:
     FacesOptions faces;
     DepthOptions depth;
     PortraitOptions portrait;
+    NetworksOptions networks;
     bool effectsAsJson = false;
     bool manPage = false;
 
@@ -33,6 +35,7 @@ private:
     void addFaces();
     void addDepth();
     void addPortrait();
+    void addNetworks();
 };
 
 /// Runs the command with the words behind the program's name; returns the exit status.

@@ -85,6 +85,16 @@ const std::vector<CommandText>& commandTexts() {
            "zel portrait -o portrait.png --faces portrait.json --size 900x1200 --seed 7"},
           {"The truth beside it: clean picture, masks, depth",
            "zel portrait -o portrait.png --seed 7 --set moles=12 --truth truth/"}}},
+        {"networks",
+         "Tell which networks are there, where, and what each is for",
+         "The list goes to standard output, with the state of each: ready; missing; or unusable, where its "
+         "file is "
+         "damaged or another one, or nothing is installed that could run it. A line below it says what is "
+         "wrong and "
+         "what brings the missing ones. Without networks the built-in finder looks for faces.",
+         {{"Look", "zel networks"},
+          {"Those that are not ready, in a script",
+           "zel networks --json | jq -r '.networks[] | select(.state != \"ready\").name'"}}},
     };
     return texts;
 }

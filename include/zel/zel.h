@@ -312,6 +312,24 @@ typedef enum zel_mask_kind { ZEL_MASK_SKIN = 0, ZEL_MASK_PERSON = 1 } zel_mask_k
 ZEL_API zel_status zel_make_mask(zel_context* context, zel_mask_kind kind, const zel_pixels* pixels,
                                  const zel_faces* faces, const zel_pixels* out);
 
+/* ---- Networks ---- */
+
+/** One network file that the library makes use of where it is there. Handed out only, so that fields may be added at
+ *  the end. */
+typedef struct zel_network {
+    const char* name;    /**< of the file, "faceDetector.onnx" */
+    const char* purpose; /**< "finds faces" */
+    const char* path;    /**< where it lies; empty: nowhere */
+    const char* problem; /**< why it cannot be used, and what brings it; empty: it can */
+} zel_network;
+
+ZEL_API size_t zel_network_count(void);
+
+/** What is there now, as the context would find it. Without a network for faces or persons other finders, or none,
+ *  do its work: see docs/networks.md.
+ *  @param out  valid until the next such call on the thread */
+ZEL_API zel_status zel_network_at(zel_context* context, size_t index, const zel_network** out);
+
 /* ---- Pictures that the library makes ---- */
 
 typedef struct zel_picture zel_picture;

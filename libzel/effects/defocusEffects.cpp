@@ -4,6 +4,7 @@
 
 #include "CrossPlateform/platform_win/stb_image_util/imageBuffer.h"
 #include "depth/portraitDepth.h"
+#include "gl/glApi.h"
 #include "inference/moduleLoader.h"
 #include "libzel/effects/effectLists.h"
 #include "libzel/effects/effectParts.h"
@@ -11,6 +12,7 @@
 #include "libzel/effects/randomTurn.h"
 #include "zel_effects/offscreenContext.h"
 #include "zel_effects/zel_effects.h"
+#include "zellab/utils/assetFolders.h"
 
 namespace zel {
 
@@ -54,8 +56,9 @@ void setShape(Render& render, const EffectRun& run) {
     const std::string name = "defocus_" + run.values.text("shape");
     const std::string file = std::string(kResourceFolder) + "/" + name + ".png";
     int width = 0, height = 0, channels = 0;
-    const zellab::ImageBuffer shape(ZelImageCore::StbImageUtil::loadImageFromFile(
-        run.surroundings.assets + "/" + file, width, height, channels, false, true, 0, false, nullptr));
+    const zellab::ImageBuffer shape(
+        ZelImageCore::StbImageUtil::loadImageFromFile(zellab::assetPath(run.surroundings.assets, file), width,
+                                                      height, channels, false, true, 0, false, nullptr));
     if (!shape) throw assetFailure(file, "is missing or is no picture");
     render.SetBokehImage(name.c_str(), shape.get(), width, height);
 }
@@ -147,7 +150,12 @@ void requireDrawn(const Render& render, bool ran) {
 class Canvas {
 public:
     explicit Canvas(zel_gl gl) {
-        if (gl == ZEL_GL_CURRENT) return;
+        if (gl == ZEL_GL_CURRENT) {
+            if (zellab::gl::glUsable()) return;
+            throw Failure(
+                "depth of field needs OpenGL 3.3, and no such context is current on the calling thread",
+                ZEL_NOT_AVAILABLE);
+        }
         m_own.emplace();
         if (!m_own->isCurrent())
             throw Failure(std::string("depth of field needs OpenGL, and no context can be had here (") +
@@ -164,7 +172,8 @@ void runDefocus(EffectRun& run) {
     const bool usesDepth = run.values.toggle("useDepth");
     Render render;
     const std::string& assets = run.surroundings.assets;
-    render.setResourcePath((assets + "/" + kNetworkFolder).c_str(), (assets + "/" + kResourceFolder).c_str());
+    render.setResourcePath(zellab::assetPath(assets, kNetworkFolder).c_str(),
+                           zellab::assetPath(assets, kResourceFolder).c_str());
     setShape(render, run);
     if (usesDepth) setDepth(render, run);
     std::vector<unsigned char> hair;

@@ -42,7 +42,6 @@ struct SeenFace {
 };
 
 bool sameFace(const SeenFace& a, const SeenFace& b) {
-    using zellab::operator-;
     const auto apart = a.square.centre - b.square.centre;
     const bool turned = std::cos(a.square.turn - b.square.turn) < 0;
     return std::hypot(apart.x, apart.y) <
@@ -54,9 +53,9 @@ std::vector<SeenFace> distinct(std::vector<SeenFace> seen) {
     std::stable_sort(seen.begin(), seen.end(),
                      [](const auto& a, const auto& b) { return a.trust > b.trust; });
     std::vector<SeenFace> faces;
-    for (SeenFace& face : seen)
+    for (const SeenFace& face : seen)
         if (std::none_of(faces.begin(), faces.end(), [&](const auto& kept) { return sameFace(kept, face); }))
-            faces.push_back(std::move(face));
+            faces.push_back(face);
     return faces;
 }
 

@@ -307,6 +307,40 @@ TEST(Contexts, TwoWithDifferentSettingsAtOnceNeverMeet) {
     EXPECT_EQ(none, nullptr);
 }
 
+TEST(Contexts, TellWhichNetworksTheyFindAndRefuseADamagedOneOfTheirOwn) {
+    const ScratchFolder assets;
+    std::filesystem::create_directory(assets / "depth");
+    const auto contextAt = [](const std::string& folder) {
+        auto settings = libzel::sized<zel_settings>();
+        settings.assets = folder.c_str();
+        return libzel::createContext(&settings);
+    };
+    const libzel::Context whole = libzel::createContext(), bare = contextAt(assets.path().string());
+    const auto depthIn = [](const libzel::Context& context) {
+        const zel_network* network = nullptr;
+        libzel::require(zel_network_at(context.get(), zel_network_count() - 1, &network));
+        EXPECT_STREQ(network->name, "portrait_depth.onnx");
+        return *network;
+    };
+    EXPECT_STREQ(depthIn(whole).problem, "");
+    EXPECT_THAT(depthIn(whole).path, HasSubstr("/depth/portrait_depth.onnx"));
+    EXPECT_THAT(depthIn(bare).problem, HasSubstr("no such file"));
+    EXPECT_STREQ(depthIn(bare).path, "");
+    Bytes file = readBytes(depthIn(whole).path);
+    file[file.size() / 2] ^= 1;  // in a weight: it would run
+    assets.write("depth/portrait_depth.onnx", file);
+    EXPECT_THAT(depthIn(bare).problem, HasSubstr("is damaged"));
+    EXPECT_EQ(zel_check_depth(bare.get(), nullptr), ZEL_BAD_ASSET);
+    EXPECT_THAT(zel_message(), HasSubstr("portrait_depth.onnx: is damaged"));
+    EXPECT_EQ(zel_check_depth(bare.get(), (assets / "depth/portrait_depth.onnx").c_str()), ZEL_OK)
+        << "one that is told may be any";
+
+    const zel_network* none = nullptr;
+    EXPECT_EQ(zel_network_at(whole.get(), zel_network_count(), &none), ZEL_BAD_ARGUMENT);
+    EXPECT_EQ(zel_network_at(nullptr, 0, &none), ZEL_BAD_ARGUMENT);
+    EXPECT_EQ(zel_network_at(whole.get(), 0, nullptr), ZEL_BAD_ARGUMENT);
+}
+
 TEST(Contexts, WithoutOpenGlAndInAnyFolderAndOnAnyNumberOfThreads) {
     const ScratchFolder elsewhere;
     const WorkingFolder working(elsewhere.path().string());
