@@ -25,7 +25,7 @@ namespace zelgimp {
 
 namespace {
 
-constexpr const char *kRole = "zel-portrait", *kHelp = "plug-in-zel-portrait-dialog";
+constexpr const char* kRole = "zel-portrait";
 /// The file that remembers which effect was chosen, and its one entry.
 constexpr const char *kDialogValues = "portrait-dialog", *kChosenEffect = "effect";
 /// The dialog's answer beside those of the toolkit.
@@ -33,8 +33,8 @@ constexpr int kResetResponse = 1;
 constexpr int kGap = 12, kSmallGap = 6;
 /// Milliseconds without a change before the preview is made, and between two looks at the progress.
 constexpr guint kPreviewDelay = 200, kProgressDelay = 100;
-/// Width of the controls, in lines of text; the room of their list, likewise.
-constexpr int kControlsWidth = 22, kListWidth = 13;
+/// Width of the controls, in lines of text.
+constexpr int kControlsWidth = 22;
 
 /// What a failure says to a user.
 std::string sentenceOf(const std::exception_ptr& thrown) {
@@ -137,7 +137,7 @@ PortraitDialog::PortraitDialog(const TargetLayer& layer)
     : m_layer(layer),
       m_before(std::make_shared<Rgba>(layer.read())),
       m_faces(keptFaces(layer.image())),
-      m_window(gimp_dialog_new("Portrait", kRole, nullptr, GtkDialogFlags(0), gimp_standard_help_func, kHelp,
+      m_window(gimp_dialog_new("Portrait", kRole, nullptr, GtkDialogFlags(0), nullptr, nullptr,
                                "_Reset", kResetResponse, "_Cancel", GTK_RESPONSE_CANCEL, "_OK",
                                GTK_RESPONSE_OK, nullptr)),
       m_list([this](const zel_effect& effect) { choose(effect); }),
@@ -175,7 +175,6 @@ PortraitDialog::PortraitDialog(const TargetLayer& layer)
 GtkWidget* PortraitDialog::content() {
     GtkWidget* const row = gtk_hbox_new(FALSE, kGap);
     gtk_container_set_border_width(GTK_CONTAINER(row), kGap);
-    gtk_widget_set_size_request(m_list.widget(), kListWidth * static_cast<int>(lineHeight(m_window)), -1);
     gtk_box_pack_start(GTK_BOX(row), m_list.widget(), FALSE, FALSE, 0);
     gtk_box_pack_start(GTK_BOX(row), m_preview.widget(), TRUE, TRUE, 0);
     gtk_box_pack_start(GTK_BOX(row), effectPanel(), FALSE, FALSE, 0);

@@ -18,24 +18,25 @@ class Desktop:
         self.session, self.scale = session, scale
         read, write = os.pipe()
         self.server = subprocess.Popen(
-            ["Xvfb", "-displayfd", str(write), "-screen", "0", f"{width * scale}x{height * scale}x24", "-nolisten", "tcp"],
+            ["Xvfb", "-displayfd", str(write), "-screen", "0", f"{width * scale}x{height * scale}x24", "-nolisten", "tcp",
+             "-noreset"],
             pass_fds=[write], stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
         os.close(write)
         with os.fdopen(read) as told:  # to the end of the line: the server does not outlive a closed pipe
             display = told.readline().strip()
-        settings = session.work / f"gtkrc-{scale}"
-        settings.write_text(f"gtk-xft-dpi = {96 * 1024 * scale}\ngtk-cursor-blink = 0\n")
-        self.environment = {**session.environment, "DISPLAY": ":" + display, "GTK2_RC_FILES": str(settings)}
+        self.environment = {**session.environment, "DISPLAY": ":" + display}
+        subprocess.run(["xprop", "-root", "-format", "RESOURCE_MANAGER", "8s", "-set", "RESOURCE_MANAGER",
+                        f"Xft.dpi: {96 * scale}\n"], env=self.environment, check=True)
         self.gimp = None
 
     def start(self, script):
         """GIMP with a window, and Script-Fu that it runs; not waited for."""
         path = self.session.work / "dialog.scm"
         path.write_text(CALL + script)
-        log = open(self.session.work / "gimp.log", "w")  # as long as GIMP lives
-        self.gimp = subprocess.Popen(
-            ["gimp-2.10", "-d", "-f", "-s", "--new-instance", "-b", f"(load {quoted(path)})"], env=self.environment,
-            stdout=log, stderr=subprocess.STDOUT)
+        with open(self.session.work / "gimp.log", "w") as log:
+            self.gimp = subprocess.Popen(
+                ["gimp-2.10", "-d", "-f", "-s", "--new-instance", "-b", f"(load {quoted(path)})"],
+                env=self.environment, stdout=log, stderr=subprocess.STDOUT)
 
     def close(self):
         # It would ask about unsaved pictures, and its plug-ins go with it.

@@ -49,11 +49,13 @@ class Session:
                             "LC_ALL": "C.UTF-8", "NO_AT_BRIDGE": "1"}
         self.environment.pop("DBUS_SESSION_BUS_ADDRESS", None)
 
-    def batch(self, script, timeout=600):
-        """Runs Script-Fu without a window and gives back what was said."""
-        path = self.work / "batch.scm"
-        path.write_text(CALL + script)
-        command = ["gimp-console-2.10", "-i", "-d", "-f", "-c", "-b", f"(load {quoted(path)})", "-b", "(gimp-quit 0)"]
-        run = subprocess.run(command, env=self.environment, text=True, timeout=timeout, stdout=subprocess.PIPE,
-                             stderr=subprocess.STDOUT)
+    def batch(self, *scripts, timeout=1200):
+        """Runs Script-Fu without a window and gives back what was said. A script that fails ends itself alone."""
+        command = ["gimp-console-2.10", "-i", "-d", "-f", "-c"]
+        for number, script in enumerate(scripts):
+            path = self.work / f"batch{number}.scm"
+            path.write_text(CALL + script)  # each has an environment of its own
+            command += ["-b", f"(load {quoted(path)})"]
+        run = subprocess.run([*command, "-b", "(gimp-quit 0)"], env=self.environment, text=True, timeout=timeout,
+                             stdout=subprocess.PIPE, stderr=subprocess.STDOUT)
         return run.stdout
