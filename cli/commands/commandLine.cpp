@@ -87,6 +87,7 @@ int dispatch(const CommandLine& line) {
     if (name == "faces") return runFaces(line.faces);
     if (name == "depth") return runDepth(line.depth);
     if (name == "portrait") return runPortrait(line.portrait);
+    if (name == "studio") return runStudio(line.studio);
     std::cerr << line.app.help();
     return kWrongUsage;
 }
@@ -112,6 +113,7 @@ CommandLine::CommandLine() : app(std::string("zel: ") + kProgramSummary, "zel") 
     addFaces();
     addDepth();
     addPortrait();
+    addStudio();
 }
 
 CLI::App& CommandLine::addCommand(const std::string& name) {
@@ -205,6 +207,15 @@ void CommandLine::addPortrait() {
     add("--set", portrait.assignments, "Set a parameter (repeatable)", "NAME=VALUE")->allow_extra_args(false);
     add("--truth", portrait.truth, "Write the clean picture, masks, depth (16 bits) and spots", "DIR");
     command.add_flag("--quiet", portrait.quiet, "Only errors on standard error");
+}
+
+void CommandLine::addStudio() {
+    CLI::App& command = addCommand("studio");
+    command.add_option("FOLDER", studio.folder, "Folder with pictures; this one where it is not given")
+        ->option_text(" ");
+    command.add_option("--assets", studio.assets, "Folder with the library's assets")->option_text("DIR");
+    command.add_flag("--no-browser", studio.noBrowser, "Only print the address");
+    command.add_flag("--verbose", studio.verbose, "Show the library's log");
 }
 
 int runCommand(const std::vector<std::string>& words) {

@@ -8,6 +8,7 @@
 #include "cli/commands/depthCommand.h"
 #include "cli/commands/facesCommand.h"
 #include "cli/commands/portraitCommand.h"
+#include "cli/studio/studioCommand.h"
 
 namespace zelcli {
 
@@ -23,6 +24,7 @@ public:
     FacesOptions faces;
     DepthOptions depth;
     PortraitOptions portrait;
+    StudioOptions studio;
     bool effectsAsJson = false;
     bool manPage = false;
 
@@ -33,6 +35,7 @@ private:
     void addFaces();
     void addDepth();
     void addPortrait();
+    void addStudio();
 };
 
 /// Runs the command with the words behind the program's name; returns the exit status.
