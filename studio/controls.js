@@ -146,7 +146,8 @@ function switchControl(parameter, context, set) {
 
 function pointControl(parameter, {pick}, set) {
   const automatic = parameter.choices[0];
-  const chosen = make('button', {type: 'button', className: 'small grow', onclick: () => pick(parameter)});
+  const chosen = make('button', {type: 'button', className: 'small grow', title: say('pickLong'),
+    onclick: () => pick(parameter)});
   const reset = make('button', {type: 'button', className: 'small', textContent: say('automatic'),
     onclick: () => set(automatic)});
   const row = make('div', {className: 'row field', role: 'group', 'aria-label': parameter.title},

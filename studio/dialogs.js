@@ -15,6 +15,7 @@ function open(title, contents, ...buttons) {
   dialog.addEventListener('close', () => dialog.remove());
   document.body.append(dialog);
   dialog.showModal();
+  if (!form.querySelector('input[type=text]')) close.focus();
   return {dialog, form, close};
 }
 

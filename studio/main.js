@@ -36,9 +36,10 @@ function showTools(anew) {
   if (!tool) return;
   if (anew) {
     bar.setAttribute('aria-label', tool.hint);
-    bar.replaceChildren(make('span', {className: 'hint', textContent: tool.hint}), ...(tool.bar?.(showTools) ?? []),
-      make('button', {type: 'button', className: 'main small', textContent: say('done'), title: 'Esc',
-        onclick: () => setTool(null)}));
+    const done = make('button', {type: 'button', className: 'main small', textContent: say('done'), title: 'Esc',
+      onclick: () => setTool(null)});
+    bar.replaceChildren(make('div', {className: 'told'}, make('span', {className: 'hint', textContent: tool.hint}), done),
+      ...(tool.bar?.(showTools) ?? []));
   }
 }
 

@@ -27,7 +27,8 @@ export class Panel {
     this.list = make('ol', {className: 'chain'});
     this.empty = make('p', {className: 'hint', textContent: say('emptyChain')});
     this.addButton = button('plus', say('add'), () => this.showPicker(), {labelled: true, kind: 'wide', key: 'A'});
-    this.clearButton = button('remove', say('clearAll'), () => store.edit((state) => { state.steps = []; }));
+    this.clearButton = make('button', {type: 'button', className: 'quiet', textContent: say('clearAll'),
+      onclick: () => store.edit((state) => { state.steps = []; })});
     this.element.append(
       make('div', {className: 'head'}, make('h2', {textContent: say('effects')}), this.clearButton),
       make('div', {className: 'scroll'}, this.empty, this.list, this.addButton));
@@ -138,7 +139,7 @@ export class Panel {
     const grip = make('span', {className: 'grip', title: say('move', {title: effect.title}), 'aria-hidden': 'true'},
       icon('grip'));
     const note = make('p', {className: 'note', hidden: true});
-    const strength = slider({label: say('strength'), unit: '%', minimum: 0, maximum: 100, step: 1, whole: true,
+    const strength = slider({label: say('blend'), unit: '%', minimum: 0, maximum: 100, step: 1, whole: true,
       fallback: 100, onvalue: (value) => store.editStep(id, (step) => { step.strength = value / 100; }, 'strength')});
     const rows = [];
     const context = {session: this.session, lookups: () => this.folder.lookups,

@@ -2,7 +2,7 @@
 export const text = {
   product: 'zel studio',
   // The bar
-  undo: 'Undo', redo: 'Redo', split: 'Before and after', before: 'Before', zoomIn: 'Larger', zoomOut: 'Smaller',
+  undo: 'Undo', redo: 'Redo', split: 'Before and after', before: 'Before', after: 'After', zoomIn: 'Larger', zoomOut: 'Smaller',
   fit: 'Fit', actual: '100 %', loupe: 'Loupe', faces: 'Faces', theme: 'Light or dark', help: 'Help',
   batch: 'Apply to folder', save: 'Save', recipes: 'Recipes',
   // Pictures
@@ -17,7 +17,7 @@ export const text = {
   emptyChain: 'Effects run from top to bottom. Add the first one.',
   remove: 'Remove {title}', switchOff: 'Switch {title} off', switchOn: 'Switch {title} on',
   move: 'Move {title}', details: 'Settings of {title}', reset: 'Defaults', duplicate: 'Duplicate',
-  strength: 'Strength', advanced: 'More settings', explain: 'Explain settings', clearAll: 'Remove all',
+  blend: 'Blend', advanced: 'More settings', explain: 'Explain settings', clearAll: 'Remove all',
   movedTo: '{title} is now step {position} of {count}', stepOff: '{title} is off', stepOn: '{title} is on',
   added: '{title} was added', removed: '{title} was removed',
   waitMask: 'Paint a mask to begin.', waitSecond: 'Choose a second picture.', waitDrag: 'Drag in the picture to begin.',
@@ -28,7 +28,7 @@ export const text = {
   size: 'Size', softness: 'Softness', erase: 'Erase', showMask: 'Show mask', brush: 'Brush',
   depth: 'Depth', showDepth: 'Show', pushDepth: 'Push', nearer: 'Nearer', farther: 'Farther', amount: 'Amount',
   resetDepth: 'As estimated', estimating: 'Estimating depth',
-  second: 'Second picture', pick: 'Pick in the picture', automatic: 'Automatic',
+  second: 'Second picture', pick: 'Pick', pickLong: 'Pick in the picture', automatic: 'Automatic',
   drag: 'Drag in the picture', dragAgain: 'Drag to push. Every new drag is a step of its own.',
   spot: 'Click in the picture', spotHint: 'Click on the middle. Every new click is a step of its own.',
   focusHint: 'Click on what should be sharp.', numbers: 'Numbers',

@@ -1,9 +1,11 @@
 // The picture on the screen: where it lies, before beside after, full-size parts, the loupe, and the pointer.
-import {clamp, make} from './dom.js';
+import {clamp} from './dom.js';
+import {say} from './strings.js';
 
 const kLargestScale = 16;   // screen pixels of one picture pixel
 const kRegionDelay = 180;   // milliseconds of rest before a full-size part is asked for
 const kHandle = 14;         // how near to the divider a pointer takes it
+const kHandleHeight = 0.82;  // below the face, of the picture's height
 const kLoupe = 280, kLoupeDelay = 70;
 const kCursorStep = 12;
 
@@ -218,9 +220,24 @@ export class View extends EventTarget {
     context.drawImage(part, at.x, at.y, rect.width * this.scale, rect.height * this.scale);
   }
 
+  #tag(context, words, x, alignment) {
+    context.font = '600 11px system-ui, "DejaVu Sans", sans-serif';
+    const width = context.measureText(words).width + 14, top = Math.max(this.top, 0) + 10;
+    const left = alignment === 'right' ? x - width : x;
+    context.fillStyle = 'rgba(0,0,0,.55)';
+    context.beginPath();
+    context.roundRect(left, top, width, 20, 5);
+    context.fill();
+    context.fillStyle = '#fff';
+    context.textBaseline = 'middle';
+    context.fillText(words, left + 7, top + 10.5);
+  }
+
   #drawDivider(context, h, w) {
     const x = this.left + w * this.divider;
-    const middle = clamp(this.top + h / 2, 40, this.height - 40);
+    this.#tag(context, say('before'), x - 10, 'right');
+    this.#tag(context, say('after'), x + 10, 'left');
+    const middle = clamp(this.top + h * kHandleHeight, 40, this.height - 40);
     context.lineWidth = 3;
     context.strokeStyle = 'rgba(0,0,0,.45)';
     context.beginPath();
