@@ -126,6 +126,7 @@ int dispatch(const CommandLine& line) {
         std::cout << networksText(line.networks);
         return kDone;
     }
+    if (name == "studio") return runStudio(line.studio);
     std::cerr << line.app.help();
     return kWrongUsage;
 }
@@ -152,6 +153,7 @@ CommandLine::CommandLine() : app(std::string("zel: ") + kProgramSummary, "zel") 
     addDepth();
     addPortrait();
     addNetworks();
+    addStudio();
 }
 
 CLI::App& CommandLine::addCommand(const std::string& name) {
@@ -344,6 +346,15 @@ std::vector<std::string> takeSteps(const std::vector<std::string>& words, std::v
 }
 
 }  // namespace
+
+void CommandLine::addStudio() {
+    CLI::App& command = addCommand("studio");
+    command.add_option("FOLDER", studio.folder, "Folder with pictures; this one where it is not given")
+        ->option_text(" ");
+    command.add_option("--assets", studio.assets, "Folder with the library's assets")->option_text("DIR");
+    command.add_flag("--no-browser", studio.noBrowser, "Only print the address");
+    command.add_flag("--verbose", studio.verbose, "Show the library's log");
+}
 
 int runCommand(const std::vector<std::string>& words) {
     CommandLine line;

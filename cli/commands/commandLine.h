@@ -9,6 +9,7 @@
 #include "cli/commands/facesCommand.h"
 #include "cli/commands/networksCommand.h"
 #include "cli/commands/portraitCommand.h"
+#include "cli/studio/studioCommand.h"
 
 namespace zelcli {
 
@@ -33,6 +34,7 @@ public:
     DepthOptions depth;
     PortraitOptions portrait;
     NetworksOptions networks;
+    StudioOptions studio;
     bool effectsAsJson = false;
     bool manPage = false;
 
@@ -46,6 +48,7 @@ private:
     void addDepth();
     void addPortrait();
     void addNetworks();
+    void addStudio();
 };
 
 /// Runs the command with the words behind the program's name; returns the exit status.

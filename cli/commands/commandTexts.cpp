@@ -99,6 +99,14 @@ const std::vector<CommandText>& commandTexts() {
          {{"Look", "zel networks"},
           {"Those that are not ready, in a script",
            "zel networks --json | jq -r '.networks[] | select(.state != \"ready\").name'"}}},
+        {"studio",
+         "Retouch the pictures of a folder in the browser",
+         "Serves a page to the browser of this machine alone, and prints its address, which holds a secret: "
+         "whoever knows it can see and write pictures in the folder, so keep it to yourself. Nothing else on "
+         "the "
+         "machine is read or written, and nothing leaves the machine. It ends with Ctrl-C.",
+         {{"The pictures of a folder", "zel studio photos/"},
+          {"On a machine without a desktop: the address alone", "zel studio photos/ --no-browser"}}},
     };
     return texts;
 }

@@ -244,8 +244,9 @@ Effect mixMask() {
     effect.title = "Mix by a mask";
     effect.operation = "DefocusCore::ZelDepthDefocusRender::MixWidthMask";
     effect.summary = "Mixes a second picture into this one where a mask says so";
-    effect.parameters = {numberParameter("strength", 0, 1, "1", "1: the mask alone decides"),
-                         integerParameter("blurRadius", 0, 500, "0", "pixels; softens the mask's edge")};
+    effect.parameters = {
+        numberParameter("strength", 0, 1, "1", "1: the mask alone decides"),
+        in("pixels", integerParameter("blurRadius", 0, 500, "0", "pixels; softens the mask's edge"))};
     effect.mask = effect.second = ZEL_REQUIRED;
     effect.example = "zel apply mix-mask photo.png -o mixed.png --second retouched.png --mask skin.png";
     effect.run = runMixMask;
