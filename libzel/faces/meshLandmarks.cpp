@@ -51,7 +51,6 @@ constexpr float kUpperBrowDrop = 0.02f, kLowerBrowDrop = 0.037f;
 /// The mesh draws brows longer at their outer ends, by this share of their length.
 constexpr float kBrowTail = 0.03f;
 constexpr float kCornerDrop = 0.016f, kOuterCornerOutwards = 0.045f;  // of the eyes; less along the lids
-constexpr float kChinDrop = 0.06f;                                    // half as much beside the chin
 constexpr float kWingRise = 0.03f, kTipDrop = 0.02f;
 
 constexpr float kThird = 1 / 3.0f;
@@ -66,7 +65,7 @@ public:
           m_down{-m_eyes.y, m_eyes.x} {}
 
     Landmarks landmarks() {
-        m_out[0] = at(152) + m_down * kChinDrop;
+        m_out[0] = at(152);
         placeContour(kLeftContour, 1, -1);
         placeContour(kRightContour, 10, 1);
         placeEye(kLeftLowerLid, kLeftUpperLid, 19, -1);
@@ -109,8 +108,6 @@ private:
         const float above = below(points[0]), under = below(points[1]);
         if (above < 0 && under > 0) points[0] = zellab::mix(points[0], points[1], above / (above - under));
         for (Vector2f& p : points) p = pushedOut(p, outwards);
-        points.back() = m_out[0];
-        points[points.size() - 2] = points[points.size() - 2] + m_down * (kChinDrop / 2);
         for (std::size_t i = 0; i < kContourSteps; ++i)
             m_out[first + i] = along(points, static_cast<float>(i) / kContourSteps);
     }
