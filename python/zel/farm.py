@@ -218,7 +218,7 @@ def parsed(words=None):
                                      formatter_class=argparse.RawDescriptionHelpFormatter)
     parser.add_argument("source", metavar="IN", help="a folder with pictures, or a text file with a path a line")
     parser.add_argument("out", metavar="OUT", help="the folder of the results, called like their pictures")
-    parser.add_argument("--recipe", required=True, metavar="R", help="the effects, as JSON: see docs/many-machines.md")
+    parser.add_argument("--recipe", required=True, metavar="R", help="the effects, as JSON: as zel apply --recipe takes them")
     parser.add_argument("--scheduler", metavar="ADDRESS", help="a scheduler that runs already")
     parser.add_argument("--workers", type=int, default=os.cpu_count(), metavar="N",
                         help="processes of this machine, where no scheduler is named; one for each processor")
