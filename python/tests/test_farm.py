@@ -95,7 +95,7 @@ def test_a_folder_is_done_once_and_wrong_pictures_are_told(tmp_path):
     (tmp_path / "in/broken.png").write_bytes(b"no picture")
     (tmp_path / "in/notes.txt").write_text("not asked for")
     (tmp_path / "r.json").write_text(RECIPE)
-    words = (tmp_path / "in", tmp_path / "out", "--recipe", tmp_path / "r.json", "--workers", 1)
+    words = (tmp_path / "in", tmp_path / "out", "--recipe", tmp_path / "r.json", "--workers", 1, "--bundle", 3)
     run = run_farm(*words, cwd=tmp_path)
     assert run.returncode == 1, run.stderr
     assert "broken.png: " in run.stderr and "5 a second" not in run.stderr
