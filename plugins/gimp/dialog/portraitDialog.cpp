@@ -137,9 +137,9 @@ PortraitDialog::PortraitDialog(const TargetLayer& layer)
     : m_layer(layer),
       m_before(std::make_shared<Rgba>(layer.read())),
       m_faces(keptFaces(layer.image())),
-      m_window(gimp_dialog_new("Portrait", kRole, nullptr, GtkDialogFlags(0), nullptr, nullptr,
-                               "_Reset", kResetResponse, "_Cancel", GTK_RESPONSE_CANCEL, "_OK",
-                               GTK_RESPONSE_OK, nullptr)),
+      m_window(gimp_dialog_new("Portrait", kRole, nullptr, GtkDialogFlags(0), nullptr, nullptr, "_Reset",
+                               kResetResponse, "_Cancel", GTK_RESPONSE_CANCEL, "_OK", GTK_RESPONSE_OK,
+                               nullptr)),
       m_list([this](const zel_effect& effect) { choose(effect); }),
       m_presets({[this](const ValueTexts& values) { takePreset(values); },
                  [this] { return textsOf(request()); },
@@ -405,7 +405,7 @@ void PortraitDialog::accept() {
 
 void PortraitDialog::write() {
     try {
-        m_layer.write(*m_before, *m_after);
+        m_layer.write(*m_before, *m_after, request().blend());
         m_isChanged = true;
         SavedValues(m_effect->name).setLast(textsOf(request()));
         SavedValues(kDialogValues).setLast({{kChosenEffect, m_effect->name}});

@@ -207,10 +207,10 @@ class Batch(unittest.TestCase):
         deep.putdata([20000 + 37 * x + 11 * y for y in range(height) for x in range(width)])
         deep.save(self.file("deep"))
         said = self.session.batch(*(
-            self.script("deep-" + kind, f"(gimp-image-convert-precision image {kind})"
+            self.script("deep-" + kind, f"(zel-precision image {kind})"
                         "(gimp-image-select-rectangle image CHANNEL-OP-REPLACE 0 0 180 480)"
                         + self.call("mosaic", {"blockSize": 32})
-                        + "(gimp-image-convert-precision image PRECISION-U16-GAMMA)", "deep")
+                        + "(zel-precision image PRECISION-U16-GAMMA)", "deep")
             for kind in ("PRECISION-U16-GAMMA", "PRECISION-FLOAT-LINEAR")))
         for kind in ("PRECISION-U16-GAMMA", "PRECISION-FLOAT-LINEAR"):
             with self.subTest(kind):
@@ -235,7 +235,7 @@ class Batch(unittest.TestCase):
             "are locked": "(gimp-item-set-lock-content layer TRUE)" + self.call("vignette", {}),
             "Nothing is selected": self.call("inpaint", {}),
             "needs a second layer": self.call("mix-mask", {"mask": "skin"}),
-            "must be from 0 to 1": self.call("vignette", {"strength": 3}),
+            "must be a number in 0..1": self.call("vignette", {"strength": 3}),
         }
         said = self.session.batch(*(self.script(f"refused-{number}", body)
                                     for number, body in enumerate(bodies.values())))
