@@ -3,6 +3,7 @@
 
 Usage: batchTest.py ZEL PLUG_IN WORK
 """
+import collections
 import json
 import subprocess
 import sys
@@ -219,10 +220,13 @@ class Batch(unittest.TestCase):
                 rest = max(abs(got.getpixel((x, y)) - deep.getpixel((x, y))) for x in range(181, width, 7)
                            for y in range(0, height, 7))
                 self.assertLessEqual(rest, 0 if "U16" in kind else 1)
-                # A block of the mosaic has one colour, of those that 8 bits have.
-                block = {got.getpixel((x, y)) for x in range(65, 95) for y in range(65, 95)}
-                self.assertEqual(len(block), 1)
-                self.assertLessEqual(abs(block.pop() / 257 - (20000 + 37 * 80 + 11 * 80) / 257), 1)
+                # A block of the mosaic has one colour, of those that 8 bits have; pixels that had it before, as far
+                # as 8 bits tell, are left as they were.
+                block = [got.getpixel((x, y)) for x in range(65, 95) for y in range(65, 95)]
+                colour, count = collections.Counter(block).most_common(1)[0]
+                self.assertGreater(count, len(block) // 2)
+                self.assertLessEqual(abs(colour - round(colour / 257) * 257), 1)
+                self.assertLessEqual(max(block) - min(block), 257)
 
     def test_what_cannot_be_done_is_refused_with_a_sentence(self):
         bodies = {

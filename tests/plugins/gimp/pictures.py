@@ -13,7 +13,7 @@ from gimpSession import Session, quoted
 ZEL, PLUG_IN, WORK, OUT = sys.argv[1:5]
 SCALE = int(sys.argv[5]) if len(sys.argv) > 5 else 1
 # Places at scale 1, in the window.
-FACE_POINTS, CHOOSE = (542, -117), (-180, 338)
+FACE_POINTS, CHOOSE = (542, -117), (-160, 277)
 
 # The effect, what is clicked, and the picture's name.
 PICTURES = [("auto-slim-face", FACE_POINTS, "gimp-dialog"), ("defocus", CHOOSE, "gimp-depth-of-field")]
