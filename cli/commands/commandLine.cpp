@@ -407,7 +407,10 @@ std::vector<std::string> takeSteps(const std::vector<std::string>& words, std::v
     std::vector<std::string> last = {"apply"};
     if (!steps.empty()) last.push_back(*at++);
     last.insert(last.end(), rest.begin(), rest.end());
-    last.insert(last.end(), at, words.end());
+    last.insert(last.end(), at, end);
+    // The parser would take the word "--" for the end of the command: names with a path need none.
+    for (auto name = end; name != words.end(); ++name)
+        if (name != end) last.push_back(name->starts_with("-") ? "./" + *name : *name);
     return last;
 }
 
