@@ -120,6 +120,7 @@ void prepareChain(std::vector<ChainStep>& chain, const ApplyOptions& options) {
         const auto& values = step.values.list();
         require(zel_check_values(step.effect->name, values.data(), values.size(), &step.meaning));
         step.caution = step.meaning.caution;
+        step.maskFile = given.mask;
         if (!given.mask.empty())
             step.mask = namingFile(given.mask, [&] { return readMask(UserPath(given.mask).real); });
         if (!given.depth.empty())

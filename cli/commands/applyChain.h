@@ -15,7 +15,8 @@ struct ChainStep {
     const zel_effect* effect = nullptr;
     libzel::Values values;
     zel_meaning meaning = libzel::sized<zel_meaning>();
-    std::string caution;  // what the user may not expect; empty: nothing
+    std::string caution;   // what the user may not expect; empty: nothing
+    std::string maskFile;  // of the mask
     std::optional<Mask> mask, depth;
     std::optional<Image> second;
     bool givesMask = false, givesDepth = false;

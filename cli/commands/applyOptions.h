@@ -26,6 +26,7 @@ struct ApplyOptions {
     std::string output;                           // empty: not given
     std::string suffix, format, compare, report;  // likewise
     std::string faces;                            // likewise
+    const char* maskOutName = "--mask-out";       // the option that tells the steps' maskOut
     std::string face = "all";                     // "largest", or a number from 1 on
     NoFace noFace = NoFace::fail;
     SaveOptions save;

@@ -9,6 +9,7 @@
 #include <cstring>
 #include <type_traits>
 
+#include "cli/commands/maskRemark.h"
 #include "cli/drawing/sheet.h"
 #include "cli/files/facesFile.h"
 #include "cli/files/pngWriter.h"
@@ -114,7 +115,7 @@ void PictureWork::run(std::size_t index, const ApplyItem& item, Outcome& outcome
     bool applied = false;
     for (std::size_t step = 0; step < m_chain.size(); ++step)
         if (!m_chain[step].needsFaces() || zel_faces_count(faces.get()) > 0) {
-            applyStep(index, step, image, faces.get(), planes);
+            applyStep(index, step, image, faces.get(), planes, outcome);
             applied = true;
         }
     if (applied && sumOf(image.rgba) == sum)
@@ -158,7 +159,7 @@ void PictureWork::write(const ApplyItem& item, const Image& image, Outcome& outc
 
 /// Runs one effect on the picture, and fills the planes that were asked for.
 void PictureWork::applyStep(std::size_t index, std::size_t step, Image& image, const zel_faces* faces,
-                            Planes& planes) const {
+                            Planes& planes, Outcome& outcome) const {
     const ChainStep& at = m_chain[step];
     struct Told {
         Messages& messages;
@@ -196,6 +197,9 @@ void PictureWork::applyStep(std::size_t index, std::size_t step, Image& image, c
     const zel_status status = zel_apply(library(), at.effect->name, &picture, &inputs);
     if (status == ZEL_CANCELLED) throw Interrupted();
     require(status);
+    if (!at.mask) return;
+    if (const std::string remark = maskRemark(*at.mask, image); !remark.empty())
+        note(outcome, at.maskFile, remark);
 }
 
 /// An optional need of faces is content without them.

@@ -31,8 +31,8 @@ private:
     libzel::Faces facesFor(std::size_t index, const ApplyItem& item, Image& image, Outcome& outcome) const;
     libzel::Faces foundFaces(std::size_t index, Image& image, Outcome& outcome) const;
     libzel::Faces chosen(const zel_faces* all) const;
-    void applyStep(std::size_t index, std::size_t step, Image& image, const zel_faces* faces,
-                   Planes& planes) const;
+    void applyStep(std::size_t index, std::size_t step, Image& image, const zel_faces* faces, Planes& planes,
+                   Outcome& outcome) const;
     bool copyFile(const ApplyItem& item, const Image& image) const;
     void write(const ApplyItem& item, const Image& image, Outcome& outcome) const;
     void note(Outcome& outcome, const std::string& file, const std::string& text) const;

@@ -170,7 +170,8 @@ ApplyPlan planApply(const ApplyOptions& options) {
     const bool sheetsToFolder = hasSheet && meansFolder(options.compare, several, "--compare");
     if (!beside && !toFolder && options.output != kStandardStream) requireFormat(options.output, "OUT");
     if (hasSheet && !sheetsToFolder) requireFormat(options.compare, "--compare");
-    const GivenBack masks(givenBack(options, &StepOptions::maskOut), several, "--mask-out", "-mask.png");
+    const GivenBack masks(givenBack(options, &StepOptions::maskOut), several, options.maskOutName,
+                          "-mask.png");
     const GivenBack depths(givenBack(options, &StepOptions::depthOut), several, "--depth-out", "-depth.png");
 
     std::set<std::string> folders;

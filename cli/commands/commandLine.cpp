@@ -193,6 +193,11 @@ int dispatch(const CommandLine& line) {
     if (name == "faces") return runFaces(line.faces);
     if (name == "depth") return runDepth(line.depth);
     if (name == "portrait") return runPortrait(line.portrait);
+    if (name == "networks") {
+        std::cout << networksText(line.networks);
+        return kDone;
+    }
+    if (name == "studio") return runStudio(line.studio);
     std::cerr << line.app.help();
     return kWrongUsage;
 }
@@ -228,6 +233,8 @@ CommandLine::CommandLine() : app(std::string("zel: ") + kProgramSummary, "zel") 
         ->option_text(" ")
         ->required()
         ->check(CLI::IsMember({"bash", "zsh", "fish"}));
+    addNetworks();
+    addStudio();
 }
 
 CLI::App& CommandLine::addCommand(const std::string& name) {
@@ -353,15 +360,22 @@ void CommandLine::addDepth() {
     const auto add = [&](const char* names, auto& target, const char* help, const char* value) {
         return command.add_option(names, target, help)->option_text(value);
     };
-    add("IN", depth.inputs, "Pictures to read", "...")->required();
+    add("IN", depth.inputs, "Pictures to read, or folders of them", "...")->required();
     add("-o,--output", depth.output, "Depth map to write, or a folder for several inputs", "DEPTH.png")
         ->required();
     add("--mask", depth.mask, "Person mask: white where the person is", "MASK.png");
-    add("--set", depth.assignments, "The depth network: a file, or a folder with portrait_depth.onnx",
-        "model=FILE")
+    add("--person-mask", depth.personMask,
+        "Write the person mask that was used (a folder for several inputs)", "MASK.png");
+    add("--set", depth.assignments,
+        "model=FILE, the depth network: a file, or a folder with portrait_depth.onnx; or "
+        "subject=auto|person|none: whether people are kept whole by a network",
+        "NAME=VALUE")
         ->allow_extra_args(false);
     add("--compare", depth.compare, "Write picture, map and the map in colours side by side", "SHEET.png");
     add("--assets", depth.assets, "Folder with the library's assets", "DIR");
+    add("--jobs", depth.jobs, "Inputs to work on at once; by itself as many as do well", "N")
+        ->check(CLI::Range(1u, kMostJobs));
+    command.add_flag("--recursive", depth.recursive, "Look into the folders of input folders as well");
     command.add_flag("--raw", depth.raw, "The network's map, unrefined");
     command.add_flag("--quiet", depth.quiet, "Only errors on standard error");
     command.add_flag("--verbose", depth.verbose, "Show the library's log");
@@ -381,6 +395,12 @@ void CommandLine::addPortrait() {
     add("--set", portrait.assignments, "Set a parameter (repeatable)", "NAME=VALUE")->allow_extra_args(false);
     add("--truth", portrait.truth, "Write the clean picture, masks, depth (16 bits) and spots", "DIR");
     command.add_flag("--quiet", portrait.quiet, "Only errors on standard error");
+}
+
+void CommandLine::addNetworks() {
+    CLI::App& command = addCommand("networks");
+    command.add_flag("--json", networks.json, "Print JSON for scripts");
+    command.add_option("--assets", networks.assets, "Folder with the library's assets")->option_text("DIR");
 }
 
 namespace {
@@ -415,6 +435,15 @@ std::vector<std::string> takeSteps(const std::vector<std::string>& words, std::v
 }
 
 }  // namespace
+
+void CommandLine::addStudio() {
+    CLI::App& command = addCommand("studio");
+    command.add_option("FOLDER", studio.folder, "Folder with pictures; this one where it is not given")
+        ->option_text(" ");
+    command.add_option("--assets", studio.assets, "Folder with the library's assets")->option_text("DIR");
+    command.add_flag("--no-browser", studio.noBrowser, "Only print the address");
+    command.add_flag("--verbose", studio.verbose, "Show the library's log");
+}
 
 int runCommand(const std::vector<std::string>& words) {
     CommandLine line;

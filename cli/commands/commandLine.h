@@ -7,7 +7,9 @@
 #include "cli/commands/applyOptions.h"
 #include "cli/commands/depthCommand.h"
 #include "cli/commands/facesCommand.h"
+#include "cli/commands/networksCommand.h"
 #include "cli/commands/portraitCommand.h"
+#include "cli/studio/studioCommand.h"
 
 namespace zelcli {
 
@@ -31,6 +33,8 @@ public:
     FacesOptions faces;
     DepthOptions depth;
     PortraitOptions portrait;
+    NetworksOptions networks;
+    StudioOptions studio;
     bool effectsAsJson = false;
     bool manPage = false;
     std::vector<std::string> described;  // names behind zel effects and zel help
@@ -46,6 +50,8 @@ private:
     void addFaces();
     void addDepth();
     void addPortrait();
+    void addNetworks();
+    void addStudio();
 };
 
 /// Runs the command with the words behind the program's name; returns the exit status.
