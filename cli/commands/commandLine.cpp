@@ -223,8 +223,6 @@ CommandLine::CommandLine() : app(std::string("zel: ") + kProgramSummary, "zel") 
     addFaces();
     addDepth();
     addPortrait();
-    addNetworks();
-    addStudio();
     addCommand("recipe")
         .add_option("FILE", recipes, "Recipes, or folders of them")
         ->option_text("...")
@@ -235,6 +233,8 @@ CommandLine::CommandLine() : app(std::string("zel: ") + kProgramSummary, "zel") 
         ->option_text(" ")
         ->required()
         ->check(CLI::IsMember({"bash", "zsh", "fish"}));
+    addNetworks();
+    addStudio();
 }
 
 CLI::App& CommandLine::addCommand(const std::string& name) {
@@ -360,7 +360,7 @@ void CommandLine::addDepth() {
     const auto add = [&](const char* names, auto& target, const char* help, const char* value) {
         return command.add_option(names, target, help)->option_text(value);
     };
-    add("IN", depth.inputs, "Pictures to read", "...")->required();
+    add("IN", depth.inputs, "Pictures to read, or folders of them", "...")->required();
     add("-o,--output", depth.output, "Depth map to write, or a folder for several inputs", "DEPTH.png")
         ->required();
     add("--mask", depth.mask, "Person mask: white where the person is", "MASK.png");
@@ -373,6 +373,9 @@ void CommandLine::addDepth() {
         ->allow_extra_args(false);
     add("--compare", depth.compare, "Write picture, map and the map in colours side by side", "SHEET.png");
     add("--assets", depth.assets, "Folder with the library's assets", "DIR");
+    add("--jobs", depth.jobs, "Inputs to work on at once; by itself as many as do well", "N")
+        ->check(CLI::Range(1u, kMostJobs));
+    command.add_flag("--recursive", depth.recursive, "Look into the folders of input folders as well");
     command.add_flag("--raw", depth.raw, "The network's map, unrefined");
     command.add_flag("--quiet", depth.quiet, "Only errors on standard error");
     command.add_flag("--verbose", depth.verbose, "Show the library's log");
@@ -424,7 +427,10 @@ std::vector<std::string> takeSteps(const std::vector<std::string>& words, std::v
     std::vector<std::string> last = {"apply"};
     if (!steps.empty()) last.push_back(*at++);
     last.insert(last.end(), rest.begin(), rest.end());
-    last.insert(last.end(), at, words.end());
+    last.insert(last.end(), at, end);
+    // The parser would take the word "--" for the end of the command: names with a path need none.
+    for (auto name = end; name != words.end(); ++name)
+        if (name != end) last.push_back(name->starts_with("-") ? "./" + *name : *name);
     return last;
 }
 

@@ -118,6 +118,21 @@ const std::vector<CommandText>& commandTexts() {
            "zel portrait -o portrait.png --faces portrait.json --size 900x1200 --seed 7"},
           {"The truth beside it: clean picture, masks, depth",
            "zel portrait -o portrait.png --seed 7 --set moles=12 --truth truth/"}}},
+        {"recipe",
+         "Show what recipes do",
+         "Prints the effects and values of recipes, as zel apply --save-recipe writes them: small files of "
+         "JSON that "
+         "may be edited and shared. A folder stands for the .json files in it. Files that a recipe names lie "
+         "beside it.",
+         {{"Read a recipe", "zel recipe mine.json"}}},
+        {"help",
+         "Tell about a command or an effect",
+         "Without a word it tells about the program.",
+         {{"A command", "zel help apply"}, {"An effect", "zel help auto-slim-face"}}},
+        {"completion",
+         "Print what a shell completes",
+         "cmake --install puts these where bash, zsh and fish look for them.",
+         {{"For this session of bash", "eval \"$(zel completion bash)\""}}},
         {"networks",
          "Tell which networks are there, where, and what each is for",
          "The list goes to standard output, with the state of each: ready; missing; or unusable, where its "
@@ -136,21 +151,6 @@ const std::vector<CommandText>& commandTexts() {
          "machine is read or written, and nothing leaves the machine. It ends with Ctrl-C.",
          {{"The pictures of a folder", "zel studio photos/"},
           {"On a machine without a desktop: the address alone", "zel studio photos/ --no-browser"}}},
-        {"recipe",
-         "Show what recipes do",
-         "Prints the effects and values of recipes, as zel apply --save-recipe writes them: small files of "
-         "JSON that "
-         "may be edited and shared. A folder stands for the .json files in it. Files that a recipe names lie "
-         "beside it.",
-         {{"Read a recipe", "zel recipe mine.json"}}},
-        {"help",
-         "Tell about a command or an effect",
-         "Without a word it tells about the program.",
-         {{"A command", "zel help apply"}, {"An effect", "zel help auto-slim-face"}}},
-        {"completion",
-         "Print what a shell completes",
-         "cmake --install puts these where bash, zsh and fish look for them.",
-         {{"For this session of bash", "eval \"$(zel completion bash)\""}}},
     };
     return texts;
 }

@@ -111,7 +111,7 @@ TEST_F(DefocusCommand, PeopleAreKeptByTheNetworkUnlessItIsAbsentOrUnwanted) {
     EXPECT_NE(result("").first, plain);
     // A mask that is given wins: all of the picture stays.
     expectOk(runZel(folder, "portrait -o p.png --size 300x400 --seed 4 --quiet --truth truth"));
-    zelcli::writePicture(folder / "all.png", zelcli::Image{30, 40, Bytes(4 * 30 * 40, 255)});
+    zelcli::writePicture(folder / "all.png", {30, 40, Bytes(4 * 30 * 40, 255)});
     const Bytes before = zelcli::readPicture(folder / "p.png").image.rgba;
     const auto [kept, log] = result("--mask all.png");
     EXPECT_LT(differenceOf(kept, before).mean, 0.01);
