@@ -34,14 +34,24 @@ private:
 
 }  // namespace
 
+const char* const kSavedSuffixes = ".png, .jpg or .jpeg";
+
+LoadedPicture pictureFromFile(const fs::path& path) {
+    return readPicture(path, false);
+}
+
 LoadedPicture pictureFromBytes(const std::string& bytes) {
     const PassingFile file(bytes);
-    return readPicture(file.path(), false);
+    return pictureFromFile(file.path());
 }
 
 std::string thumbnailOf(const Image& image, int longestSide) {
     const auto bytes = encodeJpeg(reducedTo(image, longestSide));
     return {bytes.begin(), bytes.end()};
+}
+
+bool canSave(const std::string& name) {
+    return formatOfSuffix(name).has_value();
 }
 
 std::vector<std::string> savePicture(const std::filesystem::path& path, const Image& image) {

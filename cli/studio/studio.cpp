@@ -7,7 +7,6 @@
 #include <vector>
 
 #include "cli/failure.h"
-#include "cli/files/writePicture.h"
 #include "cli/library.h"
 #include "cli/studio/pixels.h"
 #include "cli/studio/registry.h"
@@ -143,7 +142,7 @@ LoadedPicture Studio::read(const std::string& name) {
         const auto found = m_dropped.find(name);
         if (found != m_dropped.end()) dropped = found->second;
     }
-    return dropped.empty() ? readPicture(m_folder.toRead(name), false) : pictureFromBytes(dropped);
+    return dropped.empty() ? pictureFromFile(m_folder.toRead(name)) : pictureFromBytes(dropped);
 }
 
 OpenPicture& Studio::opened(int id) {
@@ -313,7 +312,7 @@ Answer Studio::save(const Request& request) {
     const int id = numberMember(json, "id", 0, 1 << 30);
     const Chain chain = parseChain(member(json, "chain"));
     const std::string name = textMember(json, "name");
-    if (!formatOfSuffix(name)) throw Refused(400, "'" + name + "' must end in .png, .jpg or .jpeg");
+    if (!canSave(name)) throw Refused(400, "'" + name + "' must end in " + kSavedSuffixes);
     const fs::path target = m_folder.toWrite(name);
     std::error_code error;
     if (fs::exists(target, error) && !flag(json, "replace"))
