@@ -262,7 +262,8 @@ def write_reshape_seeds(folder):
 
 def main():
     write_reshape_seeds(pathlib.Path(sys.argv[1]) / "fuzz_reshape")
-    write_model_seeds(pathlib.Path(sys.argv[1]) / "fuzz_model_head")
+    for target in ("fuzz_model_head", "fuzz_network"):
+        write_model_seeds(pathlib.Path(sys.argv[1]) / target)
     write_style_seeds(pathlib.Path(sys.argv[1]) / "fuzz_style_asset")
     write_shader_seeds(pathlib.Path(sys.argv[1]) / "fuzz_shader_store")
     write_face_seeds(pathlib.Path(sys.argv[1]) / "fuzz_face_data")

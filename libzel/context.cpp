@@ -14,7 +14,6 @@ constexpr int kMostThreads = 256;
 /// The engine's messages on their way to the host's function.
 void passOn(void* user, zellab::LogLevel level, const char* message, const char* source) {
     const auto* const context = static_cast<const zel_context*>(user);
-    if (!context->log) return;
     static_assert(static_cast<int>(zellab::LogLevel::error) == ZEL_LOG_ERROR &&
                   static_cast<int>(zellab::LogLevel::debug) == ZEL_LOG_DEBUG &&
                   static_cast<int>(zellab::LogLevel::info) == ZEL_LOG_INFO);
@@ -42,7 +41,12 @@ zel_status zel_context_create(const zel_settings* settings, zel_context** out) {
         context->log = told.log;
         context->logUser = told.log_user;
         context->gl = told.gl;
-        context->settings = {passOn, context.get(), told.threads, true, assetsOf(told)};
+        context->settings = {.log = told.log ? passOn : nullptr,
+                             .logUser = context.get(),
+                             .silent = true,
+                             .workers = told.threads,
+                             .findsAssetsAlone = true,
+                             .assets = assetsOf(told)};
         result = context.release();
     });
 }

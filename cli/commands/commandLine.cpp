@@ -18,6 +18,7 @@ namespace {
 
 constexpr int kHelpColumn = 30;
 constexpr unsigned kMostJobs = 64;
+constexpr double kMostMegapixels = 1073.0;  // 32,767 by 32,767
 
 std::string effectNames() {
     std::string names;
@@ -72,6 +73,40 @@ std::string describeProblem(const CommandLine& line, const CLI::ParseError& prob
     return text;
 }
 
+/// One of a few words, as what it stands for.
+template <typename Value>
+Value wordValue(const char* option, const std::string& word,
+                std::initializer_list<std::pair<const char*, Value>> words) {
+    std::string list;
+    for (const auto& [name, value] : words) {
+        if (word == name) return value;
+        list.append(list.empty() ? "" : ", ").append(name);
+    }
+    throw UsageError(std::string(option) + " is one of " + list + ", not '" + word + "'");
+}
+
+/// What the grammar holds as words and numbers.
+ApplyOptions applyOptions(const CommandLine& line) {
+    ApplyOptions options = line.apply;
+    // With a recipe the first word is a picture.
+    if (!options.recipe.empty() && options.steps.empty() && !line.lastStep.effect.empty())
+        options.inputs.insert(options.inputs.begin(), line.lastStep.effect);
+    else if (!line.lastStep.effect.empty())
+        options.steps.push_back(line.lastStep);
+    if (options.inputs.empty())
+        throw UsageError(options.steps.empty() && options.recipe.empty()
+                             ? "EFFECT is required; see zel apply --help"
+                             : "IN is required: no picture is named");
+    const SaveWords& words = line.saveWords;
+    if (!words.subsampling.empty())
+        options.save.subsampling = wordValue<Subsampling>(
+            "--subsampling", words.subsampling, {{"444", Subsampling::none}, {"420", Subsampling::quarter}});
+    options.noFace = wordValue<NoFace>(
+        "--no-face", words.noFace, {{"fail", NoFace::fail}, {"skip", NoFace::skip}, {"copy", NoFace::copy}});
+    if (words.megapixels > 0) options.read.mostPixels = static_cast<std::uint64_t>(words.megapixels * 1e6);
+    return options;
+}
+
 int dispatch(const CommandLine& line) {
     if (line.manPage) {
         std::cout << manPage(line.app);
@@ -83,10 +118,14 @@ int dispatch(const CommandLine& line) {
         std::cout << (line.effectsAsJson ? effectsJson() : effectsTable());
         return kDone;
     }
-    if (name == "apply") return runApply(line.apply);
+    if (name == "apply") return runApply(applyOptions(line));
     if (name == "faces") return runFaces(line.faces);
     if (name == "depth") return runDepth(line.depth);
     if (name == "portrait") return runPortrait(line.portrait);
+    if (name == "networks") {
+        std::cout << networksText(line.networks);
+        return kDone;
+    }
     if (name == "studio") return runStudio(line.studio);
     std::cerr << line.app.help();
     return kWrongUsage;
@@ -113,6 +152,7 @@ CommandLine::CommandLine() : app(std::string("zel: ") + kProgramSummary, "zel") 
     addFaces();
     addDepth();
     addPortrait();
+    addNetworks();
     addStudio();
 }
 
@@ -128,36 +168,94 @@ void CommandLine::addEffects() {
     addCommand("effects").add_flag("--json", effectsAsJson, "Print JSON for scripts");
 }
 
+namespace {
+
+/// Adds an option that takes one value a time, so that "--set a=1 in.png" leaves the picture alone.
+template <typename Target>
+CLI::Option* addOption(CLI::App& command, const char* names, Target& target, const char* help,
+                       const char* value) {
+    return command.add_option(names, target, help)->option_text(value);
+}
+
+/// What belongs to one effect of a chain.
+void addStepOptions(CLI::App& command, StepOptions& step) {
+    const auto add = [&](const char* names, auto& target, const char* help, const char* value) {
+        return addOption(command, names, target, help, value);
+    };
+    add("EFFECT", step.effect, "The effect, as in zel effects; several are joined by +", " ");
+    add("--set", step.assignments, "Set a parameter of the effect (repeatable)", "NAME=VALUE")
+        ->allow_extra_args(false);
+    add("--mask", step.mask, "Mask for the effects that take one", "MASK.png");
+    add("--second", step.second, "Second picture for the effects that take one", "IMAGE");
+    add("--cube", step.cube, "Colour look for the effects that take one", "FILE.cube");
+    add("--depth", step.depth, "Depth map, nearer is brighter, for the effects that take one", "MAP.png");
+    add("--depth-out", step.depthOut,
+        "Write the depth map that the effect used, where it does (a folder for several inputs)", "MAP.png");
+    add("--mask-out", step.maskOut,
+        "Write the mask that the effect gives back, where it does (a folder for several inputs)", "MASK.png");
+}
+
+}  // namespace
+
 void CommandLine::addApply() {
     CLI::App& command = addCommand("apply");
     command.footer(helpFooter(commandText("apply")) + "\n\n" + wrapText("Effects: " + effectNames()));
-    // Every option takes one value a time, so that "--set a=1 in.png" leaves the picture alone.
     const auto add = [&](const char* names, auto& target, const char* help, const char* value) {
-        return command.add_option(names, target, help)->option_text(value);
+        return addOption(command, names, target, help, value);
     };
-    add("EFFECT", apply.effect, "The effect, as in zel effects", " ")->required();
-    add("IN", apply.inputs, "Pictures to read", "...")->required();
-    add("-o,--output", apply.output, "Picture to write, or a folder for several inputs", "OUT")->required();
-    add("--set", apply.assignments, "Set a parameter of the effect (repeatable)", "NAME=VALUE")
-        ->allow_extra_args(false);
+    addStepOptions(command, lastStep);
+    add("IN", apply.inputs, "Pictures to read, or folders of them; - is standard input", "...");
+    add("-o,--output", apply.output, "Picture to write, or a folder for several inputs; - is standard output",
+        "OUT");
+    add("--recipe", apply.recipe, "Take effects and values from a file, in the place of EFFECT", "FILE.json");
+    add("--save-recipe", apply.saveRecipe, "Write effects and values to a file that --recipe takes",
+        "FILE.json");
     add("--faces", apply.faces,
         "Face data, or a folder with NAME.json for each input; faces are found where it is not given",
         "FACES.json");
-    add("--mask", apply.mask, "Mask for the effects that take one", "MASK.png");
-    add("--second", apply.second, "Second picture for the effects that take one", "IMAGE");
-    add("--cube", apply.cube, "Colour look for the effects that take one", "FILE.cube");
-    add("--depth", apply.depth, "Depth map, nearer is brighter, for the effects that take one", "MAP.png");
-    add("--depth-out", apply.depthOut,
-        "Write the depth map that the effect used, where it does (a folder for several inputs)", "MAP.png");
-    add("--mask-out", apply.maskOut,
-        "Write the mask that the effect gives back, where it does (a folder for several inputs)", "MASK.png");
+    add("--face", apply.face, "Which faces: all, largest, or a number, where 1 is the largest", "WHICH");
+    add("--no-face", saveWords.noFace,
+        "A picture without a face, where one is needed, fails, is skipped or copied", "fail|skip|copy");
     add("--compare", apply.compare, "Write before and after side by side (a folder for several inputs)",
         "SHEET.png");
-    add("--jobs", apply.jobs, "Inputs to work on at once", "N")->check(CLI::Range(1u, kMostJobs));
+    addBatchOptions(command);
+    addSaveOptions(command);
     add("--assets", apply.assets, "Folder with the library's assets", "DIR");
-    command.add_flag("--scrambled", apply.scrambled, "The inputs are scrambled picture files");
+    command.add_flag("--scrambled", apply.read.scrambled, "The inputs are scrambled picture files");
     command.add_flag("--quiet", apply.quiet, "Only errors on standard error");
     command.add_flag("--verbose", apply.verbose, "Show the library's log");
+}
+
+void CommandLine::addBatchOptions(CLI::App& command) {
+    command.add_flag("--recursive", apply.recursive, "Look into the folders of input folders as well");
+    addOption(command, "--suffix", apply.suffix,
+              "Put TEXT behind the names of outputs, beside the inputs without OUT", "TEXT");
+    addOption(command, "--format", apply.format, "Write png, jpg, tif, webp or avif, whatever the inputs are",
+              "FORMAT");
+    command.add_flag("--in-place", apply.inPlace,
+                     "Write over the inputs, which keep their time and permissions");
+    command.add_flag("--no-clobber", apply.noClobber, "Leave outputs alone that are there");
+    command.add_flag("--resume", apply.resume, "Skip inputs whose output is there and not older");
+    addOption(command, "--report", apply.report, "Write what became of each input", "REPORT.json");
+    addOption(command, "--jobs", apply.jobs, "Inputs to work on at once; by itself as many as do well", "N")
+        ->check(CLI::Range(1u, kMostJobs));
+    addOption(command, "--max-megapixels", saveWords.megapixels,
+              "Refuse larger pictures; 268 where not given", "N")
+        ->check(CLI::Range(0.001, kMostMegapixels));
+}
+
+void CommandLine::addSaveOptions(CLI::App& command) {
+    SaveOptions& save = apply.save;
+    addOption(command, "--quality", save.quality,
+              "Of JPEG (where not given that of the input, or 95), WebP and AVIF", "1..100")
+        ->check(CLI::Range(1, 100));
+    addOption(command, "--subsampling", saveWords.subsampling, "Of colour in JPEG and AVIF: 444 or 420",
+              "444|420");
+    command.add_flag("--lossless", save.lossless, "WebP and AVIF without loss");
+    addOption(command, "--compression", save.compression, "Effort of PNG; 0 leaves TIFF uncompressed", "0..9")
+        ->check(CLI::Range(0, 9));
+    command.add_flag("--strip", save.strip, "Leave out EXIF, XMP, captions and comments");
+    command.add_flag("--no-gps", save.noGps, "Leave out where the picture was made");
 }
 
 void CommandLine::addFaces() {
@@ -183,8 +281,12 @@ void CommandLine::addDepth() {
     add("-o,--output", depth.output, "Depth map to write, or a folder for several inputs", "DEPTH.png")
         ->required();
     add("--mask", depth.mask, "Person mask: white where the person is", "MASK.png");
-    add("--set", depth.assignments, "The depth network: a file, or a folder with portrait_depth.onnx",
-        "model=FILE")
+    add("--person-mask", depth.personMask,
+        "Write the person mask that was used (a folder for several inputs)", "MASK.png");
+    add("--set", depth.assignments,
+        "model=FILE, the depth network: a file, or a folder with portrait_depth.onnx; or "
+        "subject=auto|person|none: whether people are kept whole by a network",
+        "NAME=VALUE")
         ->allow_extra_args(false);
     add("--compare", depth.compare, "Write picture, map and the map in colours side by side", "SHEET.png");
     add("--assets", depth.assets, "Folder with the library's assets", "DIR");
@@ -209,6 +311,42 @@ void CommandLine::addPortrait() {
     command.add_flag("--quiet", portrait.quiet, "Only errors on standard error");
 }
 
+void CommandLine::addNetworks() {
+    CLI::App& command = addCommand("networks");
+    command.add_flag("--json", networks.json, "Print JSON for scripts");
+    command.add_option("--assets", networks.assets, "Folder with the library's assets")->option_text("DIR");
+}
+
+namespace {
+
+/// Takes the effects before the last "+" of a chain out of the words. Each is parsed with what belongs to it; other
+/// words among them are for all of the chain.
+std::vector<std::string> takeSteps(const std::vector<std::string>& words, std::vector<StepOptions>& steps) {
+    const auto end = std::find(words.begin(), words.end(), "--");
+    if (words.empty() || words[0] != "apply") return words;
+    std::vector<std::string> rest;
+    auto at = words.begin() + 1;
+    for (auto plus = std::find(at, end, "+"); plus != end; at = plus + 1, plus = std::find(at, end, "+")) {
+        CLI::App step;
+        StepOptions& options = steps.emplace_back();
+        addStepOptions(step, options);
+        step.allow_extras();
+        std::vector<std::string> reversed(std::make_reverse_iterator(plus), std::make_reverse_iterator(at));
+        step.parse(reversed);
+        if (options.effect.empty()) throw UsageError("an effect is missing before '+'");
+        for (const auto& word : step.remaining()) rest.push_back(word);
+    }
+    if (!steps.empty() && (at == words.end() || at->starts_with("-")))
+        throw UsageError("an effect is missing behind '+'");
+    std::vector<std::string> last = {"apply"};
+    if (!steps.empty()) last.push_back(*at++);
+    last.insert(last.end(), rest.begin(), rest.end());
+    last.insert(last.end(), at, words.end());
+    return last;
+}
+
+}  // namespace
+
 void CommandLine::addStudio() {
     CLI::App& command = addCommand("studio");
     command.add_option("FOLDER", studio.folder, "Folder with pictures; this one where it is not given")
@@ -226,7 +364,8 @@ int runCommand(const std::vector<std::string>& words) {
             std::cout << effectHelp(findEffect(words[1]));
             return flushResults(kDone);
         }
-        std::vector<std::string> reversed(words.rbegin(), words.rend());  // as the parser wants them
+        const std::vector<std::string> last = takeSteps(words, line.apply.steps);
+        std::vector<std::string> reversed(last.rbegin(), last.rend());  // as the parser wants them
         line.app.parse(reversed);
         return flushResults(dispatch(line));
     } catch (const CLI::ParseError& problem) {

@@ -68,12 +68,16 @@ const std::vector<CommandText>& commandTexts() {
          "Writes a grey picture of the input's size: the brighter, the nearer. A network estimates a coarse "
          "map, "
          "which is then fitted to the picture's edges; --raw leaves that out. A person mask, of any size, "
-         "brings "
-         "the person forward as a whole.\n\n"
+         "brings the person forward as a whole. Where none is given, networks that scripts/networks has set "
+         "up "
+         "make one of the people whose face is about as large as the largest; --person-mask shows it, and "
+         "--set subject=none leaves it out.\n\n"
          "Another network may take the place of the built-in one: an ONNX file with one float input of "
          "1 x 3 x H x W (blue, green, red; 0 to 1) and the outputs confidence and depth, or depth alone.",
          {{"The depth of a portrait, and a sheet to look at",
            "zel depth portrait.jpg -o depth.png --compare sheet.png"},
+          {"The people of a folder of pictures, as masks",
+           "zel depth photos/*.jpg -o depth/ --person-mask masks/ --set subject=person"},
           {"With a person mask, by a network of your own",
            "zel depth portrait.jpg -o depth.png --mask person.png --set model=mine.onnx"}}},
         {"portrait",
@@ -85,6 +89,16 @@ const std::vector<CommandText>& commandTexts() {
            "zel portrait -o portrait.png --faces portrait.json --size 900x1200 --seed 7"},
           {"The truth beside it: clean picture, masks, depth",
            "zel portrait -o portrait.png --seed 7 --set moles=12 --truth truth/"}}},
+        {"networks",
+         "Tell which networks are there, where, and what each is for",
+         "The list goes to standard output, with the state of each: ready; missing; or unusable, where its "
+         "file is "
+         "damaged or another one, or nothing is installed that could run it. A line below it says what is "
+         "wrong and "
+         "what brings the missing ones. Without networks the built-in finder looks for faces.",
+         {{"Look", "zel networks"},
+          {"Those that are not ready, in a script",
+           "zel networks --json | jq -r '.networks[] | select(.state != \"ready\").name'"}}},
         {"studio",
          "Retouch the pictures of a folder in the browser",
          "Serves a page to the browser of this machine alone, and prints its address, which holds a secret: "

@@ -20,7 +20,6 @@ std::string thumbnailOf(const Image& image, int longestSide);
 
 /// Whether a file of this name can be written, by its suffix.
 bool canSave(const std::string& name);
-extern const char* const kSavedSuffixes;
 
 /// Writes by the suffix, whole or not at all. Returns what deserves a word.
 std::vector<std::string> savePicture(const std::filesystem::path& path, const Image& image);

@@ -125,6 +125,21 @@ inline void apply(zel_context* context, const std::string& effect, const zel_pix
     require(zel_apply(context, effect.c_str(), &pixels, &inputs));
 }
 
+/// One of the networks that the library makes use of, as zel_network tells it.
+struct Network {
+    std::string name, purpose, path, problem;
+};
+
+inline std::vector<Network> networks(zel_context* context) {
+    std::vector<Network> all;
+    for (std::size_t i = 0; i < zel_network_count(); ++i) {
+        const zel_network* network = nullptr;
+        require(zel_network_at(context, i, &network));
+        all.push_back({network->name, network->purpose, network->path, network->problem});
+    }
+    return all;
+}
+
 }  // namespace libzel
 
 #endif

@@ -7,6 +7,7 @@
 #include "libzel/effect.h"
 #include "libzel/effectChecks.h"
 #include "libzel/faces/faceRecords.h"
+#include "zellab/utils/assetFolders.h"
 
 /// What the families of effects share: ways to declare parameters, and the walk over the faces of a picture.
 
@@ -46,7 +47,7 @@ inline Parameter fileParameter(const char* name, const char* help) {
 }
 
 inline Parameter in(const char* unit, Parameter parameter) {
-    parameter.unit = unit;
+    parameter.unit = std::string(unit);
     return parameter;
 }
 
@@ -71,7 +72,7 @@ inline std::vector<unsigned char> lookupOf(const EffectRun& run, const std::stri
     const std::string& given = run.values.text(kCube);
     if (!given.empty()) return cubePicture(readGivenCube(given));
     try {
-        return cubePicture(readCubeFile(run.surroundings.assets + "/" + asset));
+        return cubePicture(readCubeFile(zellab::assetPath(run.surroundings.assets, asset)));
     } catch (const Failure& failure) {
         throw assetFailure(asset, failure.what());
     }

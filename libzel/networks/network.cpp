@@ -5,19 +5,18 @@
 #include <filesystem>
 #include <map>
 #include <mutex>
-#include <optional>
 
 #include "inference/moduleLoader.h"
-#include "platform/fileProbe.h"
+#include "libzel/networks/knownNetworks.h"
+#include "libzel/networks/networkFile.h"
 
 namespace zel {
 
 namespace {
 
-constexpr std::size_t kLargestFile = std::size_t{256} << 20;  // bytes
-constexpr std::size_t kMostInstances = 4;                     // of one network
-constexpr std::size_t kMostNetworks = 64;                     // that the process keeps
-constexpr int kThreads = 1;                                   // of one run
+constexpr std::size_t kMostInstances = 4;  // of one network
+constexpr std::size_t kMostNetworks = 64;  // that the process keeps
+constexpr int kThreads = 1;                // of one run
 
 using ReasonText = std::array<char, 256>;
 
@@ -26,22 +25,6 @@ struct Closer {
     void operator()(ZelNetwork* network) const { module->closeNetwork(network); }
 };
 using Instance = std::unique_ptr<ZelNetwork, Closer>;
-
-/// By what a file that was replaced is told from the one before.
-struct FileStamp {
-    std::uintmax_t size = 0;
-    std::filesystem::file_time_type time{};
-    bool operator==(const FileStamp&) const = default;
-};
-
-std::optional<FileStamp> stampOf(const std::string& path) {
-    std::error_code error;
-    FileStamp stamp;
-    stamp.size = std::filesystem::file_size(path, error);
-    if (error) return std::nullopt;
-    stamp.time = std::filesystem::last_write_time(path, error);
-    return error ? std::nullopt : std::optional(stamp);
-}
 
 }  // namespace
 
@@ -171,32 +154,25 @@ std::shared_ptr<Network> Network::load(const std::string& folder, const NetworkK
 
     const std::string path = (std::filesystem::path(folder) / kind.file).string();
     const auto stamp = stampOf(path);
-    if (!stamp) {
-        reason = path + ": there is no such file";
-        return nullptr;
-    }
     const std::lock_guard<std::mutex> lock(mutex);
-    const auto found = known.find(path);
-    if (found != known.end() && found->second.stamp == *stamp) {
+    if (const auto found = known.find(path); stamp && found != known.end() && found->second.stamp == *stamp) {
         reason = found->second.reason;
         return found->second.network;
     }
-    std::string absence;
-    if (!zellab::platform::networkModule(absence)) {  // may be there the next time
-        reason = absence;
+    // What is wrong here may be mended by the next time without a sign on the file.
+    auto bytes = readNetwork(path, sumOf(kind.file), reason);
+    if (!bytes || !stamp) {
+        reason = path + ": " + reason;
         return nullptr;
     }
+    if (!zellab::platform::networkModule(reason)) return nullptr;
     Known entry{*stamp, nullptr, {}};
-    if (auto bytes = zellab::platform::readRegularFile(path.c_str(), kLargestFile)) {
-        try {
-            std::shared_ptr<Network> network(new Network(std::move(*bytes), kind));
-            network->run(std::vector<float>(kind.inputCount(), 0.0f));
-            entry.network = std::move(network);
-        } catch (const NetworkFailure& failure) {
-            entry.reason = folder + "/" + failure.what();
-        }
-    } else {
-        entry.reason = path + ": cannot be read";
+    try {
+        std::shared_ptr<Network> network(new Network(std::move(*bytes), kind));
+        network->run(std::vector<float>(kind.inputCount(), 0.0f));
+        entry.network = std::move(network);
+    } catch (const NetworkFailure& failure) {
+        entry.reason = folder + "/" + failure.what();
     }
     if (known.size() >= kMostNetworks) known.clear();
     reason = entry.reason;

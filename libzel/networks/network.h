@@ -41,7 +41,8 @@ class NetworkFailure : public std::runtime_error {
 /// how many processors there are or have time.
 class Network {
 public:
-    /// Loads the file, tries it once, and keeps it for the next who asks, until the file changes.
+    /// Loads the file, tries it once, and keeps it for the next who asks, until the file changes. Under a name that
+    /// this library knows (knownNetworks.h) no other network is loaded.
     /// @param reason  one line that names the file and what is wrong, where null is returned
     static std::shared_ptr<Network> load(const std::string& folder, const NetworkKind& kind,
                                          std::string& reason);

@@ -13,8 +13,9 @@ struct CallSettings {
     /// `source` is "file(line)" of an error, else null.
     using Log = void (*)(void* user, LogLevel level, const char* message, const char* source);
 
-    Log log = nullptr;  // null: the standard streams
+    Log log = nullptr;  // null: the standard streams, or nothing
     void* logUser = nullptr;
+    bool silent = false;            // nobody listens: without a log messages are not even put together
     int workers = 0;                // 0: the machine's processors
     bool findsAssetsAlone = false;  // assets lie in `assets` and nowhere else
     std::string assets = {};        // folder; empty: there is none

@@ -38,7 +38,7 @@ platform::ConsoleColour colourOf(LogLevel level) {
 
 bool logToHost(LogLevel level, const char* source, const char* format, std::va_list arguments) {
     const CallSettings* const settings = callSettings();
-    if (!settings || !settings->log) return false;
+    if (!settings || !settings->log) return settings && settings->silent;
     settings->log(settings->logUser, level, formatted(format, arguments).c_str(), source);
     return true;
 }
@@ -48,7 +48,8 @@ void logMessage(LogLevel level, const char* file, int line, const char* format, 
     va_start(arguments, format);
     const bool isError = level == LogLevel::error;
     std::string source;
-    if (callSettings() && isError) source.append(file).append("(").append(std::to_string(line)).append(")");
+    if (const CallSettings* settings = callSettings(); settings && settings->log && isError)
+        source.append(file).append("(").append(std::to_string(line)).append(")");
     if (!logToHost(level, isError ? source.c_str() : nullptr, format, arguments)) {
         // The colour goes to standard output although the text goes to standard error, and it is not restored
         // afterwards: hosts that share their console with this library rely on the pairing.

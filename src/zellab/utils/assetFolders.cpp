@@ -24,4 +24,8 @@ std::vector<std::string> assetFolders(const std::string& libraryFolder) {
     return folders;
 }
 
+std::string assetPath(const std::string& folder, const std::string& name) {
+    return folder.empty() ? std::string() : folder + "/" + name;
+}
+
 }  // namespace zellab

@@ -11,4 +11,7 @@ namespace zellab {
 /// @param libraryFolder  of the loaded library, or empty where it is not known
 std::vector<std::string> assetFolders(const std::string& libraryFolder);
 
+/// A file or folder below the folder with the assets. Empty where the folder is: nothing is there then.
+std::string assetPath(const std::string& folder, const std::string& name);
+
 }  // namespace zellab

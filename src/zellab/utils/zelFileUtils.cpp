@@ -77,8 +77,8 @@ unsigned char* ZelFileUtils::LoadPPM(const char* path, int* width, int* height, 
 
 std::string ZelFileUtils::FindAsset(const char* path) {
     if (const CallSettings* settings = callSettings(); settings && settings->findsAssetsAlone) {
-        if (*path == '\0' || (*path != '/' && settings->assets.empty())) return {};
-        std::string file = *path == '/' ? path : settings->assets + "/" + path;
+        if (*path == '\0') return {};
+        std::string file = *path == '/' ? path : assetPath(settings->assets, path);
         return exists(file) ? file : std::string();
     }
     if (exists(path)) return path;

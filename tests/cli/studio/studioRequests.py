@@ -68,6 +68,21 @@ class StudioRequests(unittest.TestCase):
             time.sleep(0.05)
         self.assertEqual((state["done"], state["skipped"]), (0, 1))
 
+    def test_keeps_chains_as_the_commands_recipes(self):
+        order = {"name": "soft", "chain": {"steps": CHAIN["steps"] + [{"effect": "sharp", "off": True}]}}
+        self.assertEqual(self.studio.tell("api/recipe", order)["name"], "soft.json")
+        self.assertEqual(self.studio.ask("api/folder")["recipes"], ["soft.json"])
+        kept = self.studio.ask("api/recipe?name=soft.json")["steps"]
+        self.assertEqual([step["effect"] for step in kept], ["nature-smooth", "auto-zoom-eye"])
+        self.studio.zel("apply", "--recipe", self.studio.path("soft.json"), self.studio.path("a.png"), "-o",
+                        self.studio.path("by-recipe.png"))
+        picture = self.open("a.png")
+        self.studio.tell("api/save", {"id": picture["id"], "chain": {"steps": kept}, "name": "by-studio.png"})
+        self.assertEqual(self.studio.bytes("by-recipe.png"), self.studio.bytes("by-studio.png"))
+        with open(self.studio.path("other.json"), "w", encoding="utf-8") as file:
+            file.write("{}")
+        self.refused("POST", f"/{self.studio.secret}/api/recipe", {**order, "name": "other"}, 422)
+
     def test_takes_a_dropped_file_for_the_page_alone(self):
         path = f"/{self.studio.secret}/api/upload?name=dropped.png"
         status, _ = self.studio.request("POST", path, self.studio.bytes("b.png"))

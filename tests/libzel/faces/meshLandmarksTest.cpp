@@ -14,9 +14,6 @@ namespace {
 using zel::FaceMesh;
 using zel::Landmarks;
 using zellab::Vector2f;
-using zellab::operator+;
-using zellab::operator-;
-using zellab::operator*;
 
 constexpr float kFar = 1e4f;  // where the points lie that no landmark may come from
 

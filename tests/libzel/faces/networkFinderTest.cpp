@@ -115,31 +115,28 @@ TEST_F(NetworkFinderTest, SeesNoFaceWhereThereIsNone) {
     EXPECT_TRUE(find(hidden).faces.empty()) << "a face that is transparent";
 }
 
-TEST_F(NetworkFinderTest, DamagedFilesAreDoneWithout) {
+TEST_F(NetworkFinderTest, ABitThatFlippedAnywhereIsDoneWithout) {
     const std::string folder = zeltest::networksForTests();
     const zeltest::ScratchFolder damaged;
     const zeltest::Environment told("ZEL_NETWORKS", damaged.path().c_str());
-    zel::Image picture = flat(90, 70);
+    auto portrait = zel::drawPortrait(zeltrain::variedPortrait(900, 200));
     for (const std::string name : {"faceDetector.onnx", "faceMesh.onnx", "refinedLips.onnx"}) {
+        SCOPED_TRACE(name);
         for (const auto& file : std::filesystem::directory_iterator(folder))
             if (file.path().extension() == ".onnx") {
                 std::filesystem::remove(damaged.path(file.path().filename()));
                 std::filesystem::create_symlink(file.path(), damaged.path(file.path().filename()));
             }
-        const zeltest::Bytes whole = zeltest::readBytes(folder + "/" + name);
-        const zeltest::Bytes noise = zeltest::randomBytes(64, 11);
-        for (unsigned kind = 0; kind < 16; ++kind) {
-            zeltest::Bytes file = whole;
-            // Cut off, or some bytes of its head, tail and middle changed.
-            if (kind < 4) file.resize(whole.size() * kind / 4);
-            for (unsigned i = 0; kind >= 4 && i < 8; ++i) {
-                const std::size_t offset = noise[i] + std::size_t{kind} * 97;
-                file[i % 2 ? offset : file.size() - 1 - offset * (i % 4 ? 1 : 9)] ^= noise[8 + i] | 1;
-            }
-            std::filesystem::remove(damaged / name);
-            damaged.write(name, file);
-            EXPECT_NO_THROW(zel::searchFaces(zel::pixelsOver(picture), "")) << name << " " << kind;
-        }
+        zeltest::Bytes file = zeltest::readBytes(folder + "/" + name);
+        file[file.size() / 2] ^= 1;  // in a weight: it would run
+        std::filesystem::remove(damaged / name);
+        damaged.write(name, file);
+        std::string reason;
+        const auto finder = zel::NetworkFinder::load(damaged.path().string(), reason);
+        EXPECT_EQ(finder.has_value(), name == "refinedLips.onnx");
+        EXPECT_FALSE(finder && finder->refines());
+        EXPECT_THAT(reason, HasSubstr(name + ": is damaged"));
+        EXPECT_EQ(zel::searchFaces(zel::pixelsOver(portrait.image), "").faces.size(), 1u);
     }
 }
 
@@ -150,9 +147,6 @@ TEST(FaceSearch, FallsBackWhereNetworkFilesAreAbsentOrNone) {
     const zel_pixels pixels = zel::pixelsOver(portrait.image);
     EXPECT_EQ(zel::searchFaces(pixels, "").faces.size(), 1u);
     folder.write("faceDetector.onnx", zeltest::randomBytes(900, 3));
-    std::string reason;
-    EXPECT_FALSE(zel::NetworkFinder::load(folder.path().string(), reason));
-    EXPECT_THAT(reason, HasSubstr("faceDetector.onnx"));
     EXPECT_EQ(zel::searchFaces(pixels, "").faces.size(), 1u);
 }
 

@@ -2,11 +2,17 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <openssl/sha.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <thread>
 
+#include "libzel/networks/knownNetworks.h"
+#include "libzel/networks/networkFile.h"
 #include "libzel/networks/networkFolder.h"
+#include "libzel/networks/sha256.h"
 #include "support/environment.h"
 #include "support/scratchFolder.h"
 #include "support/tinyOnnx.h"
@@ -89,6 +95,54 @@ TEST(Networks, SayWhatIsWrongWithAFileAndTakeABetterOne) {
 
     folder.write("tiny.onnx", whole);
     EXPECT_TRUE(Network::load(folder.path().string(), kTiny, reason)) << reason;
+}
+
+TEST(Networks, AreHeldToTheirSumsWhateverLiesUnderTheirNames) {
+    const zeltest::ScratchFolder folder;
+    const NetworkKind kind{"faceMesh.onnx", kTiny.input, kTiny.outputs};
+    const auto refusal = [&] {
+        std::string reason;
+        EXPECT_FALSE(Network::load(folder.path().string(), kind, reason));
+        EXPECT_THAT(reason, testing::StartsWith(folder / "faceMesh.onnx: "));
+        return reason;
+    };
+    folder.write(kind.file, zeltest::tinyOnnx());  // it would run
+    EXPECT_THAT(refusal(), HasSubstr("is damaged, or another network"));
+    EXPECT_THAT(zel::networkProblem(folder / kind.file, zel::sumOf(kind.file)), HasSubstr("is damaged"));
+    folder.write(kind.file, {});
+    EXPECT_THAT(refusal(), HasSubstr("is damaged"));
+    chmod((folder / kind.file).c_str(), 0);
+    if (geteuid() == 0) {  // who may read everything
+        chmod(folder.path().c_str(), 0755);
+        ASSERT_EQ(seteuid(65534), 0);
+        EXPECT_THAT(refusal(), HasSubstr("cannot be read"));
+        ASSERT_EQ(seteuid(0), 0);
+    } else {
+        EXPECT_THAT(refusal(), HasSubstr("cannot be read"));
+    }
+    std::filesystem::remove(folder / kind.file);
+    std::filesystem::create_directory(folder / kind.file);
+    EXPECT_THAT(refusal(), HasSubstr("cannot be read"));
+
+    // One that is right is read once, and again when it has changed.
+    const zeltest::Bytes bytes = zeltest::randomBytes(900, 1);
+    const std::string path = folder.write("own.onnx", bytes), sum = zel::sha256(bytes);
+    EXPECT_EQ(zel::networkProblem(path, sum), "");
+    EXPECT_THAT(zel::networkProblem(path, zel::sha256({})), HasSubstr("is damaged"));
+    folder.write("own.onnx", zeltest::randomBytes(901, 2));
+    EXPECT_THAT(zel::networkProblem(path, sum), HasSubstr("is damaged"));
+}
+
+TEST(Networks, SumsAreThoseOfOpenSslAtEveryLengthAroundABlock) {
+    for (unsigned size = 0; size < 200; ++size) {
+        const zeltest::Bytes bytes = zeltest::randomBytes(size, size);
+        unsigned char sum[SHA256_DIGEST_LENGTH];
+        SHA256(bytes.data(), bytes.size(), sum);
+        std::string text;
+        for (const unsigned char byte : sum)
+            for (const int digit : {byte >> 4, byte & 15}) text += "0123456789abcdef"[digit];
+        ASSERT_EQ(zel::sha256(bytes), text) << size;
+    }
 }
 
 TEST(Networks, LieInTheFirstFolderThatIsThere) {
