@@ -176,6 +176,7 @@ session.addEventListener('faces', () => { if (tool?.name === 'faces') showTools(
 store.addEventListener('change', () => {
   if (tool?.step !== undefined && !store.step(tool.step)) setTool(null);
   else view.draw();
+  if (tool?.name === 'faces') showTools(true);
 });
 session.addEventListener('failure', ({detail: {name, error}}) => {
   const why = error.message || say('lost');

@@ -5,7 +5,6 @@
 #include <utility>
 
 #include "cli/failure.h"
-#include "cli/files/writePicture.h"
 #include "cli/studio/openPicture.h"
 #include "cli/studio/pictureFiles.h"
 
@@ -16,7 +15,7 @@ namespace {
 namespace fs = std::filesystem;
 
 std::string outputName(const std::string& name) {
-    return formatOfSuffix(name) ? name : fs::path(name).stem().string() + ".png";
+    return canSave(name) ? name : fs::path(name).stem().string() + ".png";
 }
 
 }  // namespace
@@ -91,11 +90,13 @@ void Batch::process(const std::string& name, bool replacing) {
     }
     m_queue.run(Lane::batch, [&](const WorkQueue::Job& job) {
         job.tell("reading", 0);
-        OpenPicture picture(0, name, readPicture(m_folder.toRead(name)), ZEL_LONGEST_SIDE);
+        OpenPicture picture(0, name, pictureFromFile(m_folder.toRead(name)), ZEL_LONGEST_SIDE);
         Sources sources;
         sources.planes = &m_planes;
         sources.foundFaces = [&] { return picture.faces(); };
-        sources.second = [&](const std::string& other) { return readPicture(m_folder.toRead(other)).image; };
+        sources.second = [&](const std::string& other) {
+            return pictureFromFile(m_folder.toRead(other)).image;
+        };
         sources.file = [&](const std::string& file) { return m_folder.toRead(file).string(); };
         std::vector<StepReport> reports;
         const Image& result = picture.result(m_chain, sources, job, reports);

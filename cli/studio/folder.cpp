@@ -2,10 +2,9 @@
 
 #include <algorithm>
 #include <cctype>
-#include <iterator>
-#include <string_view>
 
 #include "cli/failure.h"
+#include "cli/files/pictureFormat.h"
 #include "cli/studio/message.h"
 
 namespace zelcli::studio {
@@ -23,20 +22,12 @@ std::string lowerSuffix(const fs::path& path) {
     return suffix;
 }
 
-bool isPicture(const fs::path& path) {
-    constexpr std::string_view kSuffixes[] = {".jpg",  ".jpeg", ".png",  ".tif", ".tiff", ".webp",
-                                              ".heic", ".heif", ".avif", ".jp2", ".bmp",  ".gif",
-                                              ".tga",  ".psd",  ".hdr",  ".ppm", ".pgm"};
-    const std::string suffix = lowerSuffix(path);
-    return std::find(std::begin(kSuffixes), std::end(kSuffixes), suffix) != std::end(kSuffixes);
-}
-
 bool isLookup(const fs::path& path) {
     return lowerSuffix(path) == ".cube";
 }
 
-bool isRecipe(const fs::path& path) {
-    return lowerSuffix(path) == kRecipeSuffix;
+bool isJson(const fs::path& path) {
+    return lowerSuffix(path) == ".json";
 }
 
 /// One component of a path that means nothing but itself, and is not hidden.
@@ -73,15 +64,15 @@ std::vector<std::string> Folder::namesWith(bool (*wanted)(const fs::path&)) cons
 }
 
 std::vector<std::string> Folder::pictures() const {
-    return namesWith(isPicture);
+    return namesWith(looksLikePicture);
 }
 
 std::vector<std::string> Folder::lookups() const {
     return namesWith(isLookup);
 }
 
-std::vector<std::string> Folder::recipes() const {
-    return namesWith(isRecipe);
+std::vector<std::string> Folder::jsonFiles() const {
+    return namesWith(isJson);
 }
 
 fs::path Folder::toRead(const std::string& name) const {

@@ -15,10 +15,10 @@ public:
     /// The folder's own name, for the page's title.
     std::string name() const;
 
-    /// Names of pictures, of colour lookups and of recipes, in order.
+    /// Names of pictures, of colour lookups and of files of JSON, in order.
     std::vector<std::string> pictures() const;
     std::vector<std::string> lookups() const;
-    std::vector<std::string> recipes() const;
+    std::vector<std::string> jsonFiles() const;
 
     /// An existing file. Links may lead within the folder only. Throws Refused.
     std::filesystem::path toRead(const std::string& name) const;
@@ -32,8 +32,5 @@ private:
 
     std::filesystem::path m_root;  // without links
 };
-
-/// The last part of a recipe's name.
-constexpr const char* kRecipeSuffix = ".recipe";
 
 }  // namespace zelcli::studio

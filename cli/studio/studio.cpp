@@ -7,9 +7,9 @@
 #include <vector>
 
 #include "cli/failure.h"
-#include "cli/files/writePicture.h"
 #include "cli/library.h"
 #include "cli/studio/pixels.h"
+#include "cli/studio/recipes.h"
 #include "cli/studio/registry.h"
 
 namespace zelcli::studio {
@@ -99,6 +99,8 @@ const std::map<std::string, Studio::Handler>& Studio::handlers() {
                                                          {"POST api/region", &Studio::region},
                                                          {"POST api/save", &Studio::save},
                                                          {"GET api/progress", &Studio::progress},
+                                                         {"GET api/recipe", &Studio::recipe},
+                                                         {"POST api/recipe", &Studio::recipeKeep},
                                                          {"POST api/batch", &Studio::batchStart},
                                                          {"GET api/batch", &Studio::batchState},
                                                          {"POST api/batch/cancel", &Studio::batchCancel}};
@@ -143,7 +145,7 @@ LoadedPicture Studio::read(const std::string& name) {
         const auto found = m_dropped.find(name);
         if (found != m_dropped.end()) dropped = found->second;
     }
-    return dropped.empty() ? readPicture(m_folder.toRead(name)) : pictureFromBytes(dropped);
+    return dropped.empty() ? pictureFromFile(m_folder.toRead(name)) : pictureFromBytes(dropped);
 }
 
 OpenPicture& Studio::opened(int id) {
@@ -173,7 +175,8 @@ Answer Studio::folder(const Request&) {
     return jsonAnswer({{"name", m_folder.name()},
                        {"pictures", m_folder.pictures()},
                        {"dropped", dropped},
-                       {"lookups", m_folder.lookups()}});
+                       {"lookups", m_folder.lookups()},
+                       {"recipes", recipesIn(m_folder)}});
 }
 
 Answer Studio::thumbnail(const Request& request) {
@@ -313,7 +316,7 @@ Answer Studio::save(const Request& request) {
     const int id = numberMember(json, "id", 0, 1 << 30);
     const Chain chain = parseChain(member(json, "chain"));
     const std::string name = textMember(json, "name");
-    if (!formatOfSuffix(name)) throw Refused(400, "'" + name + "' must end in .png, .jpg or .jpeg");
+    if (!canSave(name)) throw Refused(400, "'" + name + "' must end in " + kOutputSuffixes);
     const fs::path target = m_folder.toWrite(name);
     std::error_code error;
     if (fs::exists(target, error) && !flag(json, "replace"))
@@ -339,6 +342,18 @@ Answer Studio::save(const Request& request) {
 Answer Studio::progress(const Request&) {
     const Progress progress = m_queue.progress();
     return jsonAnswer({{"busy", progress.busy}, {"stage", progress.stage}, {"fraction", progress.fraction}});
+}
+
+Answer Studio::recipe(const Request& request) {
+    return jsonAnswer(recipeForPage(m_folder, queryText(request, "name")));
+}
+
+Answer Studio::recipeKeep(const Request& request) {
+    const Json json = objectOf(request.body);
+    std::vector<std::string> notes;
+    const std::string name =
+        keepRecipe(m_folder, textMember(json, "name"), parseChain(member(json, "chain")), notes);
+    return jsonAnswer({{"name", name}, {"notes", notes}});
 }
 
 Answer Studio::batchStart(const Request& request) {

@@ -47,6 +47,8 @@ private:
     Answer region(const Request&);
     Answer save(const Request&);
     Answer progress(const Request&);
+    Answer recipe(const Request&);
+    Answer recipeKeep(const Request&);
     Answer batchStart(const Request&);
     Answer batchState(const Request&);
     Answer batchCancel(const Request&);

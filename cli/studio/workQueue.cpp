@@ -26,10 +26,15 @@ bool WorkQueue::givesWayTo(Lane older, Lane newer) {
     return newer <= Lane::region && older <= Lane::region && older >= newer;
 }
 
-void WorkQueue::makeRoomFor(Lane lane) {
-    for (Job* job : m_waiting)
-        if (givesWayTo(job->m_lane, lane)) job->m_cancelled = true;
-    if (m_running && givesWayTo(m_running->m_lane, lane)) m_running->m_cancelled = true;
+/// What waits is let go at once; what runs ends when it next looks.
+void WorkQueue::cancelWhere(const std::function<bool(Lane)>& meant) {
+    std::erase_if(m_waiting, [&](Job* job) {
+        if (!meant(job->m_lane)) return false;
+        job->m_failure = std::make_exception_ptr(Superseded());
+        return job->m_done = true;
+    });
+    if (m_running && meant(m_running->m_lane)) m_running->m_cancelled = true;
+    m_changed.notify_all();
 }
 
 void WorkQueue::run(Lane lane, const Work& work) {
@@ -37,7 +42,7 @@ void WorkQueue::run(Lane lane, const Work& work) {
     job.m_work = &work;
     std::unique_lock lock(m_mutex);
     if (m_ended) throw Superseded();
-    makeRoomFor(lane);
+    cancelWhere([&](Lane older) { return givesWayTo(older, lane); });
     const auto later = std::find_if(m_waiting.begin(), m_waiting.end(),
                                     [&](const Job* other) { return other->m_lane > lane; });
     m_waiting.insert(later, &job);
@@ -51,12 +56,15 @@ Progress WorkQueue::progress() const {
     return m_progress;
 }
 
+std::size_t WorkQueue::waiting() const {
+    const std::lock_guard lock(m_mutex);
+    return m_waiting.size();
+}
+
 void WorkQueue::end() {
     const std::lock_guard lock(m_mutex);
     m_ended = true;
-    for (Job* job : m_waiting) job->m_cancelled = true;
-    if (m_running) m_running->m_cancelled = true;
-    m_changed.notify_all();
+    cancelWhere([](Lane) { return true; });
 }
 
 void WorkQueue::serve() {

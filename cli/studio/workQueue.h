@@ -60,13 +60,15 @@ public:
     void run(Lane lane, const Work& work);
 
     Progress progress() const;
+    /// How many pieces of work have not begun.
+    std::size_t waiting() const;
 
     /// Cancels what waits and what runs; later work is not begun.
     void end();
 
 private:
     void serve();
-    void makeRoomFor(Lane lane);
+    void cancelWhere(const std::function<bool(Lane)>& meant);
     static bool givesWayTo(Lane older, Lane newer);
 
     mutable std::mutex m_mutex;
