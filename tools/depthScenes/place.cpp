@@ -1,5 +1,7 @@
 #include "place.h"
 
+#include <algorithm>
+
 #include "portrait/noiseField.h"
 #include "solidMath.h"
 
