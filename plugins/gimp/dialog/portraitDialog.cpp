@@ -239,7 +239,7 @@ void PortraitDialog::answered(int response) {
 void PortraitDialog::choose(const zel_effect& effect) {
     if (&effect == m_effect) return;
     m_effect = &effect;
-    if (!m_requests.count(&effect)) {
+    if (!m_requests.contains(&effect)) {
         Request& made = m_requests.emplace(&effect, Request::of(effect)).first->second;
         takeTexts(made, m_layer.image(), SavedValues(effect.name).last());
     }

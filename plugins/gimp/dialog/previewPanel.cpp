@@ -12,7 +12,7 @@ namespace {
 
 constexpr double kZoomStep = 1.5;
 /// The preview is at least so large, in lines of text.
-constexpr int kLeastWidth = 28, kLeastHeight = 29;
+constexpr int kLeastWidth = 28, kLeastHeight = 30;
 
 }  // namespace
 

@@ -111,7 +111,7 @@ class DialogTest(unittest.TestCase):
             try:
                 with Image.open(path) as picture:
                     return picture.convert("RGBA")
-            except OSError:
+            except (OSError, SyntaxError):
                 return None  # not there, or not whole
         return desktop.until(path.name, whole)
 
@@ -214,7 +214,7 @@ class DialogTest(unittest.TestCase):
                 desktop.screenshot("alive", dialog.window).crop((0, 0, 240, 40)), shown.crop((0, 0, 240, 40))).getbbox())
             lags.append(time.monotonic() - start)
         print("seconds until a letter stood there:", *(f"{lag:.2f}" for lag in lags))
-        self.assertLess(max(lags), 5)
+        self.assertLess(max(lags), 10)  # the preview takes longer, and machines may be busy
         dialog.answer("o")
         time.sleep(0.3)
         dialog.answer("c")  # no more of it, but the dialog stays
