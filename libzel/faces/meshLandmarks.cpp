@@ -11,9 +11,6 @@
 namespace zel {
 
 using zellab::Vector2f;
-using zellab::operator+;
-using zellab::operator-;
-using zellab::operator*;
 
 namespace {
 
