@@ -33,6 +33,14 @@ provide_networks() {
 # Takes them away from there: leave_out_networks PRESET
 leave_out_networks() { rm -rf -- "$ROOT/build/$1/assets/networks"; }
 
+# Unpacks an npm package into a new folder: unpack_npm PACKAGE VERSION FOLDER
+unpack_npm() {
+    mkdir -- "$3"
+    (cd -- "$3" && npm pack --silent --prefer-offline --fetch-retries 1 --fetch-retry-mintimeout 1000 \
+        --fetch-timeout 60000 "$1@$2" && tar -xzf ./*.tgz --strip-components=1) </dev/null >/dev/null 2>&1 ||
+        fail "the npm package $1 $2 cannot be fetched; is the network within reach?"
+}
+
 # Configures and builds a preset: build_preset NAME [TARGET...]
 build_preset() {
     local preset=$1

@@ -9,9 +9,6 @@
 namespace zel {
 
 using zellab::Vector2f;
-using zellab::operator+;
-using zellab::operator-;
-using zellab::operator*;
 
 namespace {
 

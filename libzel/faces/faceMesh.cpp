@@ -8,9 +8,6 @@
 namespace zel {
 
 using zellab::Vector2f;
-using zellab::operator+;
-using zellab::operator-;
-using zellab::operator*;
 
 namespace {
 
@@ -133,9 +130,10 @@ std::vector<float> partOfFeatures(const std::vector<float>& features, Vector2f o
     constexpr float kLimit = kFeatureSide;
     std::vector<float> part(kFeatureChannels * kOutPlane, 0.0f);
     for (int i = 0; i < kPartSide * kPartSide; ++i) {
+        const int column = i % kPartSide, row = i / kPartSide;
         // Of the sample's middle, counted from the middle of the first feature.
-        const Vector2f share{(static_cast<float>(i % kPartSide) + 0.5f) / kPartSide,
-                             (static_cast<float>(i / kPartSide) + 0.5f) / kPartSide};
+        const Vector2f share{(static_cast<float>(column) + 0.5f) / kPartSide,
+                             (static_cast<float>(row) + 0.5f) / kPartSide};
         const Vector2f p = origin + right * share.x + down * share.y - Vector2f{0.5f, 0.5f};
         if (!(p.x > -1 && p.y > -1 && p.x < kLimit && p.y < kLimit)) continue;
         const int left = static_cast<int>(std::floor(p.x)), top = static_cast<int>(std::floor(p.y));

@@ -7,6 +7,7 @@
 #include "frame/processorCount.h"
 #include "libzel/faces/faceDetectorNet.h"
 #include "libzel/faces/foundFace.h"
+#include "libzel/faces/guessedGroups.h"
 #include "libzel/faces/meshLandmarks.h"
 #include "zellab/imageproc/core/parallelRows.h"
 
@@ -42,7 +43,6 @@ struct SeenFace {
 };
 
 bool sameFace(const SeenFace& a, const SeenFace& b) {
-    using zellab::operator-;
     const auto apart = a.square.centre - b.square.centre;
     const bool turned = std::cos(a.square.turn - b.square.turn) < 0;
     return std::hypot(apart.x, apart.y) <
@@ -54,9 +54,9 @@ std::vector<SeenFace> distinct(std::vector<SeenFace> seen) {
     std::stable_sort(seen.begin(), seen.end(),
                      [](const auto& a, const auto& b) { return a.trust > b.trust; });
     std::vector<SeenFace> faces;
-    for (SeenFace& face : seen)
+    for (const SeenFace& face : seen)
         if (std::none_of(faces.begin(), faces.end(), [&](const auto& kept) { return sameFace(kept, face); }))
-            faces.push_back(std::move(face));
+            faces.push_back(face);
     return faces;
 }
 
@@ -162,7 +162,9 @@ FaceSet NetworkFinder::find(zellab::ConstImageView whole) const {
         const SeenFace& face = seen[index];
         FaceMesh mesh = m_refined ? m_refined->fit(picture, face.square) : face.mesh;
         if (!mesh.isFinite()) mesh = face.mesh;
-        faces[index] = foundFace(rounded(meshLandmarks(mesh)), whole.width, whole.height, face.trust);
+        const Landmarks points = rounded(meshLandmarks(mesh));
+        faces[index] = foundFace(points, whole.width, whole.height, face.trust);
+        faces[index].guessed = guessedGroups(picture, points);
     });
     std::erase_if(faces, [](const Face& face) { return !(face.rect[2] > 0 && face.rect[3] > 0); });
     return {whole.width, whole.height, std::move(faces)};

@@ -6,7 +6,6 @@
 namespace zel {
 
 using zellab::Vector2f;
-using zellab::operator-;
 
 namespace {
 

@@ -8,7 +8,6 @@
 namespace zel {
 
 using zellab::Vector2f;
-using zellab::operator+;
 
 namespace {
 

@@ -20,7 +20,6 @@ struct TurnedSquare {
 
     /// The place in the picture of one in the square: 0,0 is its top left corner, 1,1 the opposite one.
     zellab::Vector2f at(zellab::Vector2f share) const {
-        using zellab::operator+;
         return centre + direction({share.x - 0.5f, share.y - 0.5f});
     }
 

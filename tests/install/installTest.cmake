@@ -75,3 +75,12 @@ if(EXISTS ${WORK}/tree/bin/zel)
   run(${WORK}/tree/bin/zel depth ${WORK}/two.pgm -o ${WORK}/depth.png)
   run(${WORK}/tree/bin/zel apply scenario ${WORK}/two.pgm -o ${WORK}/two.png)
 endif()
+
+# The plug-in finds its library, and says what it is to whoever is not GIMP.
+file(GLOB_RECURSE plugin ${WORK}/tree/*/zel-portrait)
+if(plugin)
+  execute_process(COMMAND ${plugin} OUTPUT_VARIABLE text ERROR_VARIABLE text)
+  if(NOT text MATCHES "must be run by GIMP")
+    message(FATAL_ERROR "The installed plug-in said: ${text}")
+  endif()
+endif()

@@ -81,28 +81,30 @@ TEST(FaceBeauty, EachMissingTableHasItsLineAndItsOutcome) {
     const std::string source = "\r\nbeautykernel/facebeauty/facebeauty.cpp";
     struct Case {
         const char* table;
-        Size size;
-        FaceBeautyParams params;
         std::string line;  // empty: nothing is said
+        FaceBeautyParams params;
+        Size size;
         bool works;
     };
     const FaceBeautyParams portrait{0, 0, 0, 0, 0.5f, 0.5f}, faint{0, 0, 0, 0, 0.0f, 0.5f},
         airy{0, 0, 1, 0, 0.5f, 0.5f};
     const Case cases[] = {
-        {"PSOverlay", kLarge, airy,
-         "ERROR:CFaceBeauty Run8kelyy ,failed to load PSOverlay.png from style" + source + "(133)", false},
-        {"PSOverlay", kSmall, airy,
-         "ERROR:CFaceBeauty Run8kelxx ,failed to load PSOverlay.png from style" + source + "(533)", false},
-        {"tone3", kLarge, portrait,
+        {"PSOverlay",
+         "ERROR:CFaceBeauty Run8kelyy ,failed to load PSOverlay.png from style" + source + "(133)", airy,
+         kLarge, false},
+        {"PSOverlay",
+         "ERROR:CFaceBeauty Run8kelxx ,failed to load PSOverlay.png from style" + source + "(533)", airy,
+         kSmall, false},
+        {"tone3",
          "ERROR: CFaceBeauty::Run8kelyy, Could not find lut table: style/base/tone3.bin \n" + source +
              "(434)",
-         true},
-        {"tone3_1", kLarge, faint, "", true},
-        {"tone4", kLarge, airy, "", true}};
+         portrait, kLarge, true},
+        {"tone3_1", "", faint, kLarge, true},
+        {"tone4", "", airy, kLarge, true}};
     const ScratchFolder folder;
     std::filesystem::copy(ZEL_ASSETS, folder.path(""), std::filesystem::copy_options::recursive);
     const WorkingFolder inside(folder.path(""));
-    for (const auto& [table, size, params, line, works] : cases) {
+    for (const auto& [table, line, params, size, works] : cases) {
         SCOPED_TRACE(table);
         const Bytes picture = faceLike(size, 4);
         Bytes complete = picture;

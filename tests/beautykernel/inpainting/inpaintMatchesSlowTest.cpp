@@ -181,15 +181,15 @@ struct SlowExchange {
     void lend(Block hole, Block donor, const GradientField& before, GradientField& after) const {
         const int dx = (donor.first - hole.first) * size, dy = (donor.second - hole.second) * size;
         for (std::size_t c = 0; c < 3; ++c) {
-            int sumX = 0, sumY = 0, count = 0;
+            int sumX = 0, sumY = 0, count = 0;  // of the first round; the second meets the same pixels
             for (const bool writes : {false, true})
                 visit(hole, [&](int x, int y) {
                     if (!mask[pixel(x, y)]) return;
                     const auto& d = before.at(x + dx, y + dy);
-                    if (writes) {
+                    if (writes && count > 0) {
                         after.at(x, y).right[c] = static_cast<std::int16_t>(d.right[c] - sumX / count);
                         after.at(x, y).down[c] = static_cast<std::int16_t>(d.down[c] - sumY / count);
-                    } else {
+                    } else if (!writes) {
                         sumX += d.right[c], sumY += d.down[c], ++count;
                     }
                 });

@@ -39,6 +39,7 @@ TEST(EyeZoomMesh, TrianglesTileEyesAndRingsWithoutOverlap) {
 TEST(EyeZoomMesh, ScalesTheOutlinesByTheEyesShareOfTheFace) {
     const OneFace face;
     const Vector2f* p = face.list();
+    ASSERT_NE(p, nullptr);
     const EyeMeshWarp mesh(p, {0.8f, 0.9f, 0.2f, 1.5f});
     const auto distance = [p](std::size_t a, std::size_t b) {
         return std::hypot(p[a].x - p[b].x, p[a].y - p[b].y);
