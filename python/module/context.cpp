@@ -20,6 +20,13 @@ zel_gl glNamed(const std::string& name) {
     throw py::value_error("gl is 'own', 'current' or 'never', not '" + name + "'");
 }
 
+zel_subject subjectNamed(const std::string& name) {
+    if (name == "auto") return ZEL_SUBJECT_AUTO;
+    if (name == "person") return ZEL_SUBJECT_PERSON;
+    if (name == "none") return ZEL_SUBJECT_NONE;
+    throw py::value_error("subject is 'auto', 'person' or 'none', not '" + name + "'");
+}
+
 /// A fresh grey array of the picture's size.
 py::array_t<unsigned char> planeFor(const Samples& picture) {
     return py::array_t<unsigned char>({py::ssize_t{picture.height}, py::ssize_t{picture.width}});
@@ -131,10 +138,12 @@ Faces Context::findFaces(const py::array& image) const {
 }
 
 py::array Context::estimateDepth(const py::array& image, const std::optional<py::array>& person,
+                                 const std::string& subject, const Faces* faces,
                                  const std::optional<std::string>& network, bool raw,
                                  py::object progress) const {
     const Samples samples = pictureSamples(image, "image");
     const auto mask = person ? std::optional(planeSamples(*person, "person")) : std::nullopt;
+    const zel_subject whose = subjectNamed(subject);
     auto depth = planeFor(samples);
     const zel_pixels out = planeSamples(depth, "depth", true).pixels();
     Listener listener(std::move(progress));
@@ -144,6 +153,8 @@ py::array Context::estimateDepth(const py::array& image, const std::optional<py:
         const auto maskPixels = mask ? std::optional<ReadPixels>(*mask) : std::nullopt;
         if (maskPixels) options.person = &maskPixels->get();
         options.raw = raw ? 1 : 0;
+        options.subject = whose;
+        options.faces = faces ? faces->get() : nullptr;
         options.progress = Listener::ask;
         options.progress_user = &listener;
         const ReadPixels pixels(samples);

@@ -35,7 +35,9 @@ public:
                const py::dict& values, const Inputs& inputs) const;
 
     Faces findFaces(const py::array& image) const;
+    /// @param subject  whose mask is made where no person is given: "auto", "person" or "none"
     py::array estimateDepth(const py::array& image, const std::optional<py::array>& person,
+                            const std::string& subject, const Faces* faces,
                             const std::optional<std::string>& network, bool raw, py::object progress) const;
     py::array mask(const std::string& kind, const py::array& image, const Faces* faces) const;
     py::array decode(const py::object& source, bool onWhite, int longestSide, bool scrambled) const;

@@ -55,7 +55,7 @@ py::array rowsOf(const Faces& faces, std::vector<py::ssize_t> shape, const Get& 
 }  // namespace
 
 Faces Faces::ofArrays(const py::array& points, const py::object& rects, const py::object& confidence,
-                      std::pair<int, int> size) {
+                      const py::object& guessed, std::pair<int, int> size) {
     const py::ssize_t count = points.ndim() > 0 ? points.shape(0) : 0;
     const Floats places = numbersOf(points, {count, ZEL_LANDMARKS, 2}, "points");
     std::vector<zel_face> all(static_cast<std::size_t>(count));
@@ -73,6 +73,11 @@ Faces Faces::ofArrays(const py::array& points, const py::object& rects, const py
     if (!confidence.is_none()) {
         const Floats told = numbersOf(confidence, {count}, "confidence");
         for (std::size_t i = 0; i < all.size(); ++i) all[i].confidence = told.data()[i];
+    }
+    if (!guessed.is_none()) {
+        const Floats told = numbersOf(guessed, {count, ZEL_FACE_GROUPS}, "guessed");
+        for (std::size_t i = 0; i < all.size(); ++i)
+            std::copy_n(told.data() + ZEL_FACE_GROUPS * i, ZEL_FACE_GROUPS, all[i].guessed);
     }
     zel_faces* made = nullptr;
     require(zel_faces_create(all.data(), all.size(), size.first, size.second, &made));
@@ -108,6 +113,12 @@ py::array Faces::confidence() const {
     });
 }
 
+py::array Faces::guessed() const {
+    return rowsOf(*this, {ZEL_FACE_GROUPS}, [](const zel_face& face, float* to) {
+        return std::copy_n(face.guessed, ZEL_FACE_GROUPS, to);
+    });
+}
+
 py::array Faces::dense(std::ptrdiff_t index, int width, int height) const {
     if (index < 0 || static_cast<std::size_t>(index) >= count())
         throw py::index_error("there is no such face");
@@ -120,7 +131,7 @@ py::array Faces::dense(std::ptrdiff_t index, int width, int height) const {
 void defineFaces(py::module_& module) {
     py::class_<Faces>(module, "Faces", "Faces of a picture: 83 landmarks each, as fractions of its size.")
         .def(py::init(&Faces::ofArrays), py::arg("points"), py::kw_only(), py::arg("rects") = py::none(),
-             py::arg("confidence") = py::none(), py::arg("size"),
+             py::arg("confidence") = py::none(), py::arg("guessed") = py::none(), py::arg("size"),
              "Of landmarks, (n, 83, 2); size is the (width, height) that they belong to.")
         .def_static("from_json", &Faces::ofJson, py::arg("text"), "Face data as zel faces writes them.")
         .def("to_json", &Faces::json, "Face data as zel apply --faces takes them.")
@@ -135,6 +146,10 @@ void defineFaces(py::module_& module) {
         .def_property_readonly("points", &Faces::points, "Landmarks, (n, 83, 2), x before y.")
         .def_property_readonly("rects", &Faces::rects, "Left, top, width, height, (n, 4).")
         .def_property_readonly("confidence", &Faces::confidence, "0 to 1, (n,); NaN: not told.")
+        .def_property_readonly(
+            "guessed", &Faces::guessed,
+            "How surely landmarks are a guess, (n, 7), 0 to 1: of contour, left brow, right brow, "
+            "left eye, right eye, nose, mouth.")
         .def("dense_points", &Faces::dense, py::arg("index"), py::arg("width"), py::arg("height"),
              "The 310 points that effects make of one face, (310, 2), in pixels of a picture of that size.");
 }

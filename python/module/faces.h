@@ -17,10 +17,11 @@ public:
     explicit Faces(libzel::Faces faces) : m_faces(std::move(faces)) {}
 
     /// @param points  (n, 83, 2) fractions of the picture
-    /// @param rects   (n, 4), or None: what the landmarks span
-    /// @param size    width and height of the picture
+    /// @param rects    (n, 4), or None: what the landmarks span
+    /// @param guessed  (n, ZEL_FACE_GROUPS), or None: all are seen
+    /// @param size     width and height of the picture
     static Faces ofArrays(const py::array& points, const py::object& rects, const py::object& confidence,
-                          std::pair<int, int> size);
+                          const py::object& guessed, std::pair<int, int> size);
     static Faces ofJson(const std::string& text);
 
     std::size_t count() const { return zel_faces_count(m_faces.get()); }
@@ -28,6 +29,7 @@ public:
     py::array points() const;
     py::array rects() const;
     py::array confidence() const;
+    py::array guessed() const;
     std::string json() const { return libzel::toJson(m_faces.get()); }
     /// The 310 points of one face in pixels.
     py::array dense(std::ptrdiff_t index, int width, int height) const;

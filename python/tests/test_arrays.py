@@ -106,7 +106,7 @@ def test_settings_and_the_log(portrait, tmp_path):
     zel.find_faces(portrait.picture, context=context)
     assert any(level == "info" and "faces are searched for" in text for level, text in lines)
     with pytest.raises(zel.UnavailableError):
-        zel.defocus(portrait.picture, depth=portrait.plane("person"), context=context)
+        zel.skin_mask(portrait.picture, context=context)
     with pytest.raises(zel.FileError, match="nowhere"):
         zel.Context(assets="/nowhere")
     with pytest.raises(ValueError):

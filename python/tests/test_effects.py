@@ -82,15 +82,18 @@ def test_faces_masks_depth_and_files(portrait, command, tmp_path):
     command("faces", tmp_path / "in.png", "-o", tmp_path / "f.json", "--quiet")
     found = zel.find_faces(Image.open(tmp_path / "in.png"))
     assert found.to_json() == zel.Faces.from_json((tmp_path / "f.json").read_text()).to_json()
-    again = zel.Faces(found.points, rects=found.rects, confidence=found.confidence, size=found.size)
+    again = zel.Faces(found.points, rects=found.rects, confidence=found.confidence, guessed=found.guessed,
+                      size=found.size)
     assert again.to_json() == found.to_json() and len(again) == 1
+    hidden = zel.Faces(found.points, guessed=[[0, 0, 0, 0.75, 0, 0, 0]], size=found.size)
+    assert '"leftEye":0.75' in hidden.to_json() and hidden.guessed[0, 3] == 0.75
     assert abs(found.points - portrait.faces.points).max() < 0.03
     assert portrait.faces.dense_points(0, 300, 400).shape == (310, 2)
     for shape in ((1, 82, 2), (83, 2), (0,)):
         with pytest.raises(ValueError):
             zel.Faces(numpy.zeros(shape), size=(10, 10))
     command("depth", tmp_path / "in.png", "-o", tmp_path / "d.png", "--quiet")
-    assert numpy.array_equal(zel.estimate_depth(portrait.picture), numpy.array(Image.open(tmp_path / "d.png")))
+    assert numpy.array_equal(zel.estimate_depth(portrait.picture, faces=found), numpy.array(Image.open(tmp_path / "d.png")))
     assert numpy.array_equal(zel.decode(tmp_path / "in.png"), portrait.picture)
     assert numpy.array_equal(zel.decode((tmp_path / "in.png").read_bytes()), portrait.picture)
     with pytest.raises(zel.FileError, match="none.png: "):

@@ -72,14 +72,15 @@ def test_recipes_are_checked_before_anything_is_done(portrait, tmp_path):
 def test_files_come_out_as_the_command_writes_them(portrait, command, tmp_path):
     from zel import _picture
 
-    recipe_one = recipe.Recipe.of_text('{"recipe": 1, "steps": [{"effect": "nature-smooth"}]}')
+    recipe_one = recipe.Recipe.of_text('{"recipe": 1, "steps": [{"effect": "nature-smooth"}, {"effect": "auto-slim-face", "set": {"strength": 0.6}}]}')
+    (tmp_path / "r.json").write_text(recipe_one.text())
     for turn in range(1, 9):
         exif = Image.Exif()
         exif[0x0112], exif[0x010E] = turn, "a portrait"
         Image.fromarray(portrait.picture[::2, ::2, :3]).save(tmp_path / "in.png", exif=exif)
         pixels, meta = _picture.read(tmp_path / "in.png")
         _picture.write(str(tmp_path / "own.png"), recipe_one.apply(pixels), meta)
-        command("apply", "nature-smooth", tmp_path / "in.png", "-o", tmp_path / "out.png", "--quiet")
+        command("apply", "--recipe", tmp_path / "r.json", tmp_path / "in.png", "-o", tmp_path / "out.png", "--quiet")
         own = Image.open(tmp_path / "own.png")
         assert numpy.array_equal(numpy.array(own)[..., :3], numpy.array(Image.open(tmp_path / "out.png"))[..., :3])
         assert (own.getexif()[0x0112], own.getexif()[0x010E]) == (1, "a portrait")

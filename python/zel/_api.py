@@ -72,15 +72,18 @@ def find_faces(image, *, context=None):
     return (context or default_context())._find_faces(_array(image, "image"))
 
 
-def estimate_depth(image, *, person=None, network=None, raw=False, progress=None, context=None):
+def estimate_depth(image, *, person=None, subject="auto", faces=None, network=None, raw=False, progress=None, context=None):
     """The depth of a picture, (height, width) of uint8; nearer is larger.
 
     person   a mask of the person, of any size, who then comes forward as a whole
+    subject  whose mask a network makes where none is given: "auto", the subject's people where there is a face; "person",
+             also without one; "none"
+    faces    for such a mask
     network  an ONNX file, or a folder with one, in place of the installed network
     raw      as the network gives it, unrefined
     """
     return (context or default_context())._estimate_depth(
-        _array(image, "image"), _plane(person, "person"), None if network is None else os.fspath(network), raw, progress)
+        _array(image, "image"), _plane(person, "person"), subject, faces, None if network is None else os.fspath(network), raw, progress)
 
 
 def person_mask(image, *, faces=None, context=None):

@@ -96,13 +96,15 @@ class Recipe:
                            "steps": [{"effect": step.effect, "set": step.values} for step in self.steps]})
 
     def apply(self, image, *, faces=None, context=None):
-        """The picture after all steps. Faces are searched for once, where a step follows them and none are given."""
+        """The picture after all steps. Faces are searched for once, on the picture as it came, where a step follows them
+        and none are given.
+        """
         picture = _api._array(image, "image").copy()
+        if faces is None and any(step.uses_faces() for step in self.steps):
+            faces = _api.find_faces(picture, context=context)
         for step in self.steps:
             given = {}
             if step.uses_faces():
-                if faces is None:
-                    faces = _api.find_faces(picture, context=context)
                 if len(faces) == 0 and any(e.name == step.effect and e.faces == "required" for e in _zel.effects()):
                     raise ArgumentError(f"no face was found, and {step.effect} needs one", "ZEL_MISSING_INPUT")
                 given["faces"] = faces
