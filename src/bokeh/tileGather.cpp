@@ -114,14 +114,14 @@ KernelPairs::KernelPairs(const KernelSet& kernels, const Byte* radii, std::size_
     m_widest.assign(kRows, -1);
     for (int dy = -kMaxRadius; dy <= kMaxRadius; ++dy)
         for (int radius = 0; radius <= kMaxRadius; ++radius) {
-            signed char& support = m_support[index(radius, dy)];
+            std::int16_t& support = m_support[index(radius, dy)];
             if (wanted[static_cast<std::size_t>(radius)] && std::abs(dy) <= radius) {
                 const Byte* const middle = kernels.rowTowards(0, radius, dy);
                 m_rows[index(radius, dy)] = static_cast<std::uint32_t>(m_weights.size());
                 for (int i = -kReach; i <= kReach; ++i) {
                     m_weights.push_back(middle[i]);
                     m_weights.push_back(i > -kReach ? middle[i - 1] : Byte{0});
-                    if (middle[i] != 0) support = std::max(support, static_cast<signed char>(std::abs(i)));
+                    if (middle[i] != 0) support = std::max(support, static_cast<std::int16_t>(std::abs(i)));
                 }
             }
             m_widest[index(radius, dy)] =

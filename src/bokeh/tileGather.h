@@ -52,8 +52,8 @@ struct NeighbourPairs {
     int largestLow = 0;                    // the largest size of a value in `low`
     std::vector<NeighbourPair> low, high;  // high: none where no pair is wide
     std::vector<Byte> kind;
-    std::vector<std::uint16_t>
-        runEnd;                        // behind the last pair in this one's row that follows it with its kind
+    /// Behind the last pair of this one's row that follows it with its kind.
+    std::vector<std::uint16_t> runEnd;
     Plane<Byte> largestRadius;         // around each block of pixels, as far as any kernel reaches
     static constexpr int kBlock = 16;  // pixels
 };
@@ -72,7 +72,7 @@ public:
         return m_weights.data() + m_rows[index(radius, dy)] + 2 * kReach;
     }
     /// The farthest distance with a weight, -1 for none; of one radius, and of all up to it.
-    const signed char* support(int dy) const { return &m_support[index(0, dy)]; }
+    const std::int16_t* support(int dy) const { return &m_support[index(0, dy)]; }
     int supportUpTo(int radius, int dy) const { return m_widest[index(radius, dy)]; }
 
 private:
@@ -81,7 +81,7 @@ private:
     }
     std::vector<std::int16_t> m_weights;
     std::vector<std::uint32_t> m_rows;
-    std::vector<signed char> m_support, m_widest;
+    std::vector<std::int16_t> m_support, m_widest;
 };
 
 /// The convolution with a radius a pixel. Each pixel averages the neighbours within its own radius (a square)
