@@ -1,5 +1,6 @@
 #include "cli/library.h"
 
+#include <array>
 #include <cstdio>
 #include <cstring>
 
@@ -16,6 +17,17 @@ constexpr const char* kCubeParameter = "cube";
 
 zel_context* g_voiced = nullptr;
 
+/// " with the left eye guessed", or nothing.
+std::string guessedGroups(const zel_face& face) {
+    constexpr std::array<const char*, ZEL_FACE_GROUPS> kWords{
+        "contour", "left brow", "right brow", "left eye", "right eye", "nose", "mouth"};
+    std::string text;
+    for (int i = 0; i < ZEL_FACE_GROUPS; ++i)
+        if (mostlyGuessed(face, i))
+            text.append(text.empty() ? " with the " : " and ").append(kWords[static_cast<std::size_t>(i)]);
+    return text.empty() ? text : text + " guessed";
+}
+
 bool isCube(const zel_parameter& parameter) {
     return parameter.kind == ZEL_FILE && std::strcmp(parameter.name, kCubeParameter) == 0;
 }
@@ -27,10 +39,11 @@ zel_context* library() {
     return g_voiced ? g_voiced : plain.get();
 }
 
-LibraryVoice::LibraryVoice(Messages& messages, bool verbose, const std::string& assets)
+LibraryVoice::LibraryVoice(Messages& messages, bool verbose, const std::string& assets, int threads)
     : m_messages(messages), m_verbose(verbose) {
     auto settings = libzel::sized<zel_settings>();
     settings.assets = assets.empty() ? nullptr : assets.c_str();
+    settings.threads = threads;
     settings.log = take;
     settings.log_user = this;
     zel_context* context = nullptr;
@@ -86,7 +99,7 @@ Image imageOf(const zel_pixels& pixels) {
     const auto* const bytes = static_cast<const unsigned char*>(pixels.data);
     const std::size_t count =
         4 * static_cast<std::size_t>(pixels.width) * static_cast<std::size_t>(pixels.height);
-    return {pixels.width, pixels.height, {bytes, bytes + count}, {}, {}};
+    return {pixels.width, pixels.height, {bytes, bytes + count}};
 }
 
 zel_pixels pixelsOf(Image& image) {
@@ -178,6 +191,11 @@ std::string describeRange(const zel_parameter& parameter) {
     return value && *value ? text + ", default " + value : text;
 }
 
+bool mostlyGuessed(const zel_face& face, int group) {
+    constexpr float kMostly = 0.5f;
+    return face.guessed[group] > kMostly;
+}
+
 std::string describeFaces(const zel_faces* found) {
     const std::size_t count = zel_faces_count(found);
     if (count == 0) return "no face found";
@@ -186,9 +204,10 @@ std::string describeFaces(const zel_faces* found) {
     const char* separator = " ";
     for (std::size_t i = 0; i < count; ++i) {
         char number[16];
-        const float confidence = libzel::faceAt(found, i).confidence;
+        const zel_face face = libzel::faceAt(found, i);
+        const float confidence = face.confidence;
         std::snprintf(number, sizeof number, "%.2f", static_cast<double>(confidence < 0 ? 0 : confidence));
-        text.append(separator).append(number);
+        text.append(separator).append(number).append(guessedGroups(face));
         separator = ", ";
     }
     return text + ")";

@@ -22,8 +22,9 @@ zel_context* library();
 /// line, remarks appear in verbose mode only. Makes the library's context; one object at a time.
 class LibraryVoice {
 public:
-    /// @param assets  folder of --assets; empty: found. Throws FileFailure where it is none.
-    LibraryVoice(Messages& messages, bool verbose, const std::string& assets);
+    /// @param assets   folder of --assets; empty: found. Throws FileFailure where it is none.
+    /// @param threads  of the library for each call; 0: one for each processor
+    LibraryVoice(Messages& messages, bool verbose, const std::string& assets, int threads = 0);
     ~LibraryVoice();
     LibraryVoice(const LibraryVoice&) = delete;
     LibraryVoice& operator=(const LibraryVoice&) = delete;
@@ -75,7 +76,10 @@ std::pair<std::string, std::string> parseAssignment(const std::string& word);
 /// The range and default of a parameter in words: "0..10, default 5".
 std::string describeRange(const zel_parameter& parameter);
 
-/// "2 faces found (confidence 0.91, 0.78)".
+/// Whether the landmarks of a zel_face_group stand on nothing that is seen, as effects take it.
+bool mostlyGuessed(const zel_face& face, int group);
+
+/// "2 faces found (confidence 0.91, 0.78 with the left eye guessed)".
 std::string describeFaces(const zel_faces* found);
 
 }  // namespace zelcli

@@ -80,6 +80,7 @@ zel_faces* makeFaces(Choices& choices) {
         for (auto& point : face.points)
             for (float& axis : point) axis = number();
         face.confidence = number();
+        for (float& group : face.guessed) group = number();
     }
     zel_faces* faces = nullptr;
     if (zel_faces_create(list.data(), list.size(), sideOf(choices), sideOf(choices), &faces) != ZEL_OK &&

@@ -16,6 +16,8 @@
 
 namespace zel {
 
+class DepthPool;
+
 /// Names are those of the engine's operation.
 struct Parameter {
     std::string name;
@@ -49,6 +51,7 @@ private:
 struct Surroundings {
     std::string assets;  // folder; empty where there is none
     zel_gl gl = ZEL_GL_IF_THERE;
+    DepthPool* depthNetworks = nullptr;  // never null where an effect runs
 };
 
 /// One picture on its way through an effect. The run function changes `image` in place.

@@ -58,7 +58,7 @@ void checkInputs(const Effect& effect, const zel_inputs& inputs) {
 /// One call of zel_apply: the caller's inputs as the engine takes them.
 class Application {
 public:
-    Application(const zel_context& context, const Effect& effect, const zel_pixels& pixels,
+    Application(zel_context& context, const Effect& effect, const zel_pixels& pixels,
                 const zel_inputs& inputs)
         : m_context(context), m_effect(effect), m_pixels(pixels), m_inputs(inputs) {
         if (inputs.mask) {
@@ -92,7 +92,7 @@ public:
                       m_inputs.mask_out ? &maskOut : nullptr,
                       m_inputs.depth ? &m_depth : nullptr,
                       m_inputs.depth_out ? &depthOut : nullptr,
-                      {m_context.settings.assets, m_context.gl}};
+                      {m_context.settings.assets, m_context.gl, &m_context.depthNetworks}};
         m_effect.run(run);
         progress.tell("done", 1);
         // Nothing can fail any more.
@@ -104,7 +104,7 @@ public:
 private:
     static inline const FaceSet kNoFaces{};
 
-    const zel_context& m_context;
+    zel_context& m_context;
     const Effect& m_effect;
     const zel_pixels& m_pixels;
     const zel_inputs& m_inputs;
@@ -164,8 +164,6 @@ zel_status zel_apply(zel_context* context, const char* effectName, const zel_pix
         checkColour(pixels, "the picture");
         if (inputs.faces) zel::given(inputs.faces, "faces");
         checkInputs(effect, inputs);
-        if (effect.gl == ZEL_REQUIRED && context->gl == ZEL_GL_NEVER)
-            throw Failure(effect.name + " needs OpenGL, and this context never uses it", ZEL_NOT_AVAILABLE);
         Application(*context, effect, *pixels, inputs).run(values);
     });
 }

@@ -73,7 +73,7 @@ using Errors = std::map<std::size_t, double>;
 
 Errors errorsOf(const zel::Landmarks& found, const MarkedFace& truth) {
     Errors errors;
-    const double unit = static_cast<double>(truth.pupilDistance);
+    const auto unit = static_cast<double>(truth.pupilDistance);
     for (const auto& [number, point] : truth.points) errors[number] = distance(found[number], point) / unit;
     for (std::size_t i = kFirstContour; i <= kLastContour; ++i)
         if (const auto off = distanceFromEdges(found[i], truth.edges)) errors[i] = *off / unit;
@@ -157,7 +157,7 @@ Spread spreadOf(const std::vector<Errors>& faces, const Group* group) {
     std::vector<double> all;
     for (const Errors& errors : faces)
         for (const auto& [number, error] : errors)
-            if (!group || group->landmarks.count(number)) all.push_back(100 * error);
+            if (!group || group->landmarks.contains(number)) all.push_back(100 * error);
     if (all.empty()) return {};
     std::sort(all.begin(), all.end());
     return {all[all.size() / 2], all[all.size() * 9 / 10], all.size()};

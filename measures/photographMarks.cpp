@@ -115,26 +115,26 @@ std::vector<PhotographPlaces> readPlaces(const std::string& json) {
 
 std::string readText(const std::string& path) {
     std::ifstream file(path, std::ios::binary);
-    const std::string text{std::istreambuf_iterator<char>(file), {}};
+    std::string text{std::istreambuf_iterator<char>(file), {}};
     if (!file || text.empty()) fail(path, "cannot be read");
     return text;
 }
 
 zel::Image loadPhotograph(const std::string& folder, const std::string& name) {
+    const std::string stem = folder + "/" + name;
     for (const char* ending : {".jpg", ".png"}) {
         zel::Image image;
         int channels = 0;
         const std::unique_ptr<unsigned char, decltype(&std::free)> pixels(
-            ZelImageCore::StbImageUtil::loadImageFromFile(folder + "/" + name + ending, image.width,
-                                                          image.height, channels, false, false, 0, false,
-                                                          nullptr),
+            ZelImageCore::StbImageUtil::loadImageFromFile(stem + ending, image.width, image.height, channels,
+                                                          false, false, 0, false, nullptr),
             std::free);
         if (!pixels) continue;
         const auto size = 4 * static_cast<std::size_t>(image.width) * static_cast<std::size_t>(image.height);
         image.rgba.assign(pixels.get(), pixels.get() + size);
         return image;
     }
-    fail(folder + "/" + name, "is not there, or no picture; scripts/photographs brings them");
+    fail(stem, "is not there, or no picture; scripts/photographs brings them");
 }
 
 }  // namespace zelmeasures

@@ -12,7 +12,7 @@ TRUSTED_GAIN = 1.6
 YARDSTICK = ("stack_blur", "opencv_gaussian")
 # Whose row it is: these beginnings name peers, everything else is this library's. A row that is only called
 # one of OURS goes by its prefix alone.
-PEERS = ("opencv", "libyuv", "yuv", "fftw", "memcpy", "plain", "eigen")
+PEERS = ("opencv", "libyuv", "yuv", "fftw", "memcpy", "plain", "eigen", "gegl")
 OURS = ("ours", "own", "zel")
 
 

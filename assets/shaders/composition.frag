@@ -20,6 +20,9 @@ uniform sampler2D tex_src;     // the blurred working picture, linear, mirrored
 uniform sampler2D tex_noise;   // 256 by 256 uniform noise, mirrored
 uniform sampler2D tex_origin;  // the photograph
 uniform sampler2D tex_radius;  // blur radii in steps of 1 / 255, at the working picture's size
+uniform sampler2D tex_grain;   // strength of the photograph's grain: of each colour about its brightness, and of
+                               // the brightness; linear
+uniform vec2 grain_reso;       // size of a pixel in its texture coordinates
 uniform vec2 reso;             // size of a pixel in texture coordinates
 uniform vec2 radius_reso;      // the same of a working pixel
 uniform vec2 noise_scale;      // repetitions of the noise over the picture
@@ -127,49 +130,12 @@ vec4 smallBlur(float reach, bool wanted) {
     return wanted ? vec4(sum.rgb / sum.a, squares / (sum.a * sum.a)) : vec4(0.0);
 }
 
-float luma(vec3 color) {
-    return dot(color, vec3(0.299, 0.587, 0.114));
-}
-
-// Four groups of four places: one around the pixel, three farther out in three directions, where what passes
-// for grain here (stray hair, leaves) is likely to have ended. Directions in units of the distance between the
-// groups, then places in pixels.
-const vec2 kGrainGroups[4] = vec2[4](vec2(0.0, 0.0), vec2(1.0, 0.0), vec2(-0.5, 0.866), vec2(-0.5, -0.866));
-const vec2 kGrainPlaces[4] = vec2[4](vec2(2.0, 0.0), vec2(-3.0, 2.0), vec2(0.0, -4.0), vec2(3.0, 5.0));
-
-// Strength (standard deviation) of the photograph's grain around this pixel: of its brightness, and of each
-// colour about it. Differences across 2 by 2 pixels see neither slopes nor straight outlines; of the groups
-// the flattest counts, so that texture does not pass for grain.
-vec4 grainStrength(bool wanted) {
-    // Mean of the smallest of four means of four absolute normal deviates, and the differences' gain of 2.
-    const float kScale = 1.0 / (0.5035 * 2.0);
-    // More than this is texture after all.
-    const float kMost = 0.04;
-    float apart = max(72.0 * ratio, 12.0);
-    vec2 last = 1.0 / reso - 1.5;
-    vec4 least = vec4(1.0);
-    int groups = wanted ? 4 : 0;
-    for (int group = 0; group < groups; ++group) {
-        vec4 sum = vec4(0.0);
-        for (int i = 0; i < 4; ++i) {
-            vec2 place = floor(apart * kGrainGroups[group]) + kGrainPlaces[i];
-            vec2 corner = clamp(gl_FragCoord.xy + place, vec2(0.5), last);
-            vec2 a = corner * reso, b = a + reso;
-            vec3 d = texture(tex_origin, a).rgb - texture(tex_origin, vec2(b.x, a.y)).rgb -
-                     texture(tex_origin, vec2(a.x, b.y)).rgb + texture(tex_origin, b).rgb;
-            float brightness = luma(d);
-            sum += abs(vec4(d - brightness, brightness));
-        }
-        least = min(least, sum / 4.0);
-    }
-    return min(least * kScale, kMost);
-}
-
 // Grain of unit strength: colours about the brightness, and the brightness. Each is the sum of two uniform
 // deviates, which is bell-shaped enough.
 vec4 grain() {
     const float kUnit = 2.4494897;  // square root of 6: the sum's deviation is its inverse
-    vec2 place = textureCoordinate * noise_scale;
+    // A place that lies between two texels but for rounding belongs to the second.
+    vec2 place = textureCoordinate * noise_scale + vec2(1.0 / 50.0, 1.0 / 250.0) / 256.0;
     vec3 first = texture(tex_noise, place).rgb, second = texture(tex_noise, place.yx + 0.37).rgb;
     vec3 third = texture(tex_noise, place + 0.61).rgb;
     return vec4(first + second.gbr, third.r + third.g) * kUnit - kUnit;
@@ -183,7 +149,7 @@ void main() {
     float reach = min(radius * kKernelRadii / threshold, kKernelRadii);
     vec4 color = (1.0 - share) * smallBlur(reach, blurred && share < 1.0);
     color.rgb += share * dispersedSoftColor(radius, share > 0.0);
-    vec4 strength = grainStrength(blurred) * sqrt(max(1.0 - color.a * (1.0 - share), 0.0));
-    vec4 noise = grain() * strength;
+    vec4 strength = texture(tex_grain, gl_FragCoord.xy * grain_reso);
+    vec4 noise = grain() * strength * sqrt(max(1.0 - color.a * (1.0 - share), 0.0));
     fragColor = blurred ? vec4(color.rgb + noise.rgb + noise.a, origin.a) : origin;
 }

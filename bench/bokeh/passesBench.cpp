@@ -35,6 +35,7 @@ struct Render {
         radius = {small.width, small.height, kOrderRed, kTypeByte, radii.data()};
         kernel = {kStripWidth, kStripHeight, kOrderRed, kTypeByte, strip.data()};
         noise = makeNoiseTexture();
+        grain = makeGrainTexture(grainMap({photograph.data(), full.width, full.height}));
         ready = ready && ratio(cache, working, lookValues(kLook), weights);
     }
 
@@ -52,7 +53,7 @@ struct Render {
     std::vector<unsigned char> smallPixels, radii, strip;
     bool ready = false;
     ShaderCache cache;
-    Texture2D source, out, working, blur, weights, radius, kernel, noise;
+    Texture2D source, out, working, blur, weights, radius, kernel, noise, grain;
 };
 
 /// Times pass(render), which returns the texture that it drew into, empty when it failed.
@@ -81,7 +82,7 @@ const auto kSmoothCopyPass = [](Render& r) {
     return smoothCopy(r.cache, r.working, r.blur) ? r.blur : Texture2D();
 };
 const auto kComposePass = [](Render& r) {
-    const CompositionTextures textures{r.blur, r.noise, r.source, r.radius, r.kernel};
+    const CompositionTextures textures{r.blur, r.noise, r.source, r.radius, r.kernel, r.grain};
     const auto scale = static_cast<float>(r.full.width) / static_cast<float>(r.small.width);
     return compose(r.cache, textures, 0.0f, scale, r.out) ? r.out : Texture2D();
 };

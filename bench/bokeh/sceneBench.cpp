@@ -1,5 +1,5 @@
-// One render of depth of field from end to end, and those of its stages that are no pass, on whatever draws
-// OpenGL here. passesBench.cpp times the passes.
+// One render of depth of field from end to end, by each back end, and those of its stages that are no pass, on
+// whatever draws OpenGL here. passesBench.cpp times the passes.
 #include <sys/resource.h>
 
 #include "bokeh/disparityMap.h"
@@ -7,6 +7,7 @@
 #include "gl/environment.h"
 #include "gl/texture2D.h"
 #include "gl/utils.h"
+#include "peerThreads.h"
 #include "zel_effects/zel_effects.h"
 #include "zellab/imageproc/edgeaware/guidedFilterPlane.h"
 #include "zellab/imageproc/sfdsp/yuvScale.h"
@@ -30,9 +31,7 @@ void sizes(benchmark::internal::Benchmark* row) {
 
 /// The whole operation as a host calls it, with the depth given. The counter is the process's largest memory
 /// so far.
-void renderWhole(benchmark::State& state) {
-    const EnvironmentHolder environment(0, nullptr, true);
-    environment.makeCurrent();
+void renderWhole(benchmark::State& state, bool onProcessor) {
     const zelbench::Size size = zelbench::sizeOf(state.range(0));
     Bytes pixels = zelbench::benchRgba(size), depth = benchDepth(size), strip;
     for (const unsigned char level : zelbench::benchStrip())
@@ -41,6 +40,7 @@ void renderWhole(benchmark::State& state) {
     render.setResourcePath("", ZEL_ASSETS "/bokeh");
     render.SetBokehImage("disc", strip.data(), kStripWidth, kStripHeight);
     render.SetDepthPlane(depth.data(), size.width, size.height);
+    render.DrawOnProcessor(onProcessor);
     float face[4] = {0.4f, 0.4f, 0.2f, 0.2f};
     for (auto _ : state) {
         render.Run(pixels.data(), size.width, size.height, 1, face, 0.5f, 0.5f, 60, 1.0f, false, true, 1.0f,
@@ -53,7 +53,17 @@ void renderWhole(benchmark::State& state) {
     getrusage(RUSAGE_SELF, &usage);
     state.counters["peak MiB"] = static_cast<double>(usage.ru_maxrss) / 1024;
 }
-BENCHMARK(renderWhole)->Name("bokeh_render/whole")->Apply(sizes);
+void renderOnProcessor(benchmark::State& state) {
+    const zelbench::SameThreads threads(state);
+    renderWhole(state, true);
+}
+void renderByOpenGl(benchmark::State& state) {
+    const EnvironmentHolder environment(0, nullptr, true);
+    environment.makeCurrent();
+    renderWhole(state, false);
+}
+BENCHMARK(renderOnProcessor)->Name("bokeh_render/own")->Apply(zelbench::sizesAndThreads);
+BENCHMARK(renderByOpenGl)->Name("bokeh_render/opengl")->Apply(sizes);
 
 /// The photograph becomes a texture; reading one pixel makes the driver finish.
 void upload(benchmark::State& state) {

@@ -5,8 +5,10 @@
 
 #include "cli/commands/applyCommand.h"
 #include "cli/commands/commandTexts.h"
+#include "cli/commands/completion.h"
 #include "cli/commands/effectsCommand.h"
 #include "cli/commands/manPage.h"
+#include "cli/commands/recipeCommand.h"
 #include "cli/commands/wrapText.h"
 #include "cli/library.h"
 #include "cli/run/messages.h"
@@ -18,6 +20,7 @@ namespace {
 
 constexpr int kHelpColumn = 30;
 constexpr unsigned kMostJobs = 64;
+constexpr double kMostMegapixels = 1073.0;  // 32,767 by 32,767
 
 std::string effectNames() {
     std::string names;
@@ -54,22 +57,118 @@ void checkCommandWord(const std::vector<std::string>& words) {
 }
 
 bool asksForHelp(const std::vector<std::string>& words) {
-    return std::any_of(words.begin(), words.end(),
+    return std::any_of(words.begin(), std::find(words.begin(), words.end(), "--"),
                        [](const auto& word) { return word == "--help" || word == "-h"; });
 }
 
+/// What other programs call what this one calls otherwise.
+constexpr std::pair<const char*, const char*> kOtherNames[] = {
+    {"--out", "-o"},
+    {"--outdir", "-o FOLDER/"},
+    {"--output-dir", "-o FOLDER/"},
+    {"--input", "just the file's name"},
+    {"--overwrite", "--in-place"},
+    {"--force", "--in-place"},
+    {"--skip-existing", "--no-clobber"},
+    {"--threads", "--jobs"},
+    {"--parallel", "--jobs"},
+    {"--effect", "the effect's name behind apply"},
+    {"--preset", "--recipe"},
+    {"--style", "--recipe"},
+    {"--lut", "--cube"},
+    {"--strip-metadata", "--strip"},
+    {"--chroma", "--subsampling"},
+    {"--silent", "--quiet"},
+    {"--type", "--format"},
+    {"--width", "a matter for another program: this one keeps the size"},
+    {"--resize", "a matter for another program: this one keeps the size"}};
+
+/// A word that belongs to an effect's parameter, or to another program.
+std::string hintForForeign(const std::string& option, const std::vector<std::string>& words) {
+    const std::string name = option.substr(2, option.find('=') - 2);
+    for (const std::string& word : words) {
+        const zel_effect* effect = nullptr;
+        if (zel_effect_find(word.c_str(), &effect) != ZEL_OK) continue;
+        for (const zel_parameter* parameter : setParameters(*effect))
+            if (name == parameter->name)
+                return "; " + word + " takes it as --set " + name + "=VALUE (" + describeRange(*parameter) +
+                       ")";
+    }
+    for (const auto& [foreign, own] : kOtherNames)
+        if (option.substr(0, option.find('=')) == foreign) return std::string("; here it is ") + own;
+    return {};
+}
+
 /// What the parser found wrong, in one line.
-std::string describeProblem(const CommandLine& line, const CLI::ParseError& problem) {
+std::string describeProblem(const CommandLine& line, const std::vector<std::string>& words,
+                            const CLI::ParseError& problem) {
     const auto commands = line.app.get_subcommands();
     const CLI::App& at = commands.empty() ? line.app : *commands.front();
     std::string text = problem.what();
     const auto unknown = at.remaining();
-    if (!unknown.empty() && unknown.front().rfind("--", 0) == 0)
-        text = "there is no option " + unknown.front() + hintFor(unknown.front(), optionNames(at));
-    const bool hinted = text.find("did you mean") != std::string::npos;
+    if (!unknown.empty() && unknown.front().rfind("--", 0) == 0) {
+        const std::string foreign = hintForForeign(unknown.front(), words);
+        text = "there is no option " + unknown.front() +
+               (foreign.empty() ? hintFor(unknown.front(), optionNames(at)) : foreign);
+    }
+    const bool hinted = text.find("; ") != std::string::npos;
     if (!hinted) text += (commands.empty() ? "; see zel" : "; see zel " + at.get_name()) + " --help";
     std::replace(text.begin(), text.end(), '\n', ' ');
     return text;
+}
+
+/// One of a few words, as what it stands for.
+template <typename Value>
+Value wordValue(const char* option, const std::string& word,
+                std::initializer_list<std::pair<const char*, Value>> words) {
+    std::string list;
+    for (const auto& [name, value] : words) {
+        if (word == name) return value;
+        list.append(list.empty() ? "" : ", ").append(name);
+    }
+    throw UsageError(std::string(option) + " is one of " + list + ", not '" + word + "'");
+}
+
+/// What the grammar holds as words and numbers.
+ApplyOptions applyOptions(const CommandLine& line) {
+    ApplyOptions options = line.apply;
+    // With a recipe the first word is a picture.
+    if (!options.recipe.empty() && options.steps.empty() && !line.lastStep.effect.empty())
+        options.inputs.insert(options.inputs.begin(), line.lastStep.effect);
+    else if (!line.lastStep.effect.empty())
+        options.steps.push_back(line.lastStep);
+    for (const StepOptions& step : options.steps) findEffect(step.effect);
+    if (options.inputs.empty())
+        throw UsageError(options.steps.empty() && options.recipe.empty()
+                             ? "EFFECT is required; see zel apply --help"
+                             : "IN is required: no picture is named");
+    const SaveWords& words = line.saveWords;
+    if (!words.subsampling.empty())
+        options.save.subsampling = wordValue<Subsampling>(
+            "--subsampling", words.subsampling, {{"444", Subsampling::none}, {"420", Subsampling::quarter}});
+    options.noFace = wordValue<NoFace>(
+        "--no-face", words.noFace, {{"fail", NoFace::fail}, {"skip", NoFace::skip}, {"copy", NoFace::copy}});
+    if (words.megapixels > 0) options.read.mostPixels = static_cast<std::uint64_t>(words.megapixels * 1e6);
+    return options;
+}
+
+/// Help on commands and effects; on all of the program without a word.
+int printHelp(const CommandLine& line) {
+    if (line.described.empty()) std::cout << line.app.help();
+    const auto commands = commandNames();
+    for (const std::string& word : line.described) {
+        const zel_effect* effect = nullptr;
+        if (std::find(commands.begin(), commands.end(), word) != commands.end()) {
+            std::cout << line.app.get_subcommand(word)->help();
+        } else if (zel_effect_find(word.c_str(), &effect) == ZEL_OK) {
+            std::cout << effectHelp(*effect);
+        } else {
+            auto names = commands;
+            for (const zel_effect* known : allEffects()) names.emplace_back(known->name);
+            throw UsageError("there is no command and no effect '" + word + "'" + hintFor(word, names));
+        }
+    }
+    return kDone;
 }
 
 int dispatch(const CommandLine& line) {
@@ -80,10 +179,17 @@ int dispatch(const CommandLine& line) {
     const auto chosen = line.app.get_subcommands();
     const std::string name = chosen.empty() ? "" : chosen.front()->get_name();
     if (name == "effects") {
-        std::cout << (line.effectsAsJson ? effectsJson() : effectsTable());
+        if (line.described.empty()) std::cout << (line.effectsAsJson ? effectsJson() : effectsTable());
+        for (const auto& effect : line.described) std::cout << effectHelp(findEffect(effect));
         return kDone;
     }
-    if (name == "apply") return runApply(line.apply);
+    if (name == "help") return printHelp(line);
+    if (name == "recipe") return runRecipe(line.recipes);
+    if (name == "completion") {
+        std::cout << completion(line.app, line.shell);
+        return kDone;
+    }
+    if (name == "apply") return runApply(applyOptions(line));
     if (name == "faces") return runFaces(line.faces);
     if (name == "depth") return runDepth(line.depth);
     if (name == "portrait") return runPortrait(line.portrait);
@@ -91,6 +197,7 @@ int dispatch(const CommandLine& line) {
         std::cout << networksText(line.networks);
         return kDone;
     }
+    if (name == "studio") return runStudio(line.studio);
     std::cerr << line.app.help();
     return kWrongUsage;
 }
@@ -116,7 +223,18 @@ CommandLine::CommandLine() : app(std::string("zel: ") + kProgramSummary, "zel") 
     addFaces();
     addDepth();
     addPortrait();
+    addCommand("recipe")
+        .add_option("FILE", recipes, "Recipes, or folders of them")
+        ->option_text("...")
+        ->required();
+    addCommand("help").add_option("WORD", described, "A command or an effect")->option_text("...");
+    addCommand("completion")
+        .add_option("SHELL", shell, "bash, zsh or fish")
+        ->option_text(" ")
+        ->required()
+        ->check(CLI::IsMember({"bash", "zsh", "fish"}));
     addNetworks();
+    addStudio();
 }
 
 CLI::App& CommandLine::addCommand(const std::string& name) {
@@ -128,39 +246,99 @@ CLI::App& CommandLine::addCommand(const std::string& name) {
 }
 
 void CommandLine::addEffects() {
-    addCommand("effects").add_flag("--json", effectsAsJson, "Print JSON for scripts");
+    CLI::App& command = addCommand("effects");
+    command.add_option("NAME", described, "Effects to tell more about")->option_text("...");
+    command.add_flag("--json", effectsAsJson, "Print JSON for scripts");
 }
+
+namespace {
+
+/// Adds an option that takes one value a time, so that "--set a=1 in.png" leaves the picture alone.
+template <typename Target>
+CLI::Option* addOption(CLI::App& command, const char* names, Target& target, const char* help,
+                       const char* value) {
+    return command.add_option(names, target, help)->option_text(value);
+}
+
+/// What belongs to one effect of a chain.
+void addStepOptions(CLI::App& command, StepOptions& step) {
+    const auto add = [&](const char* names, auto& target, const char* help, const char* value) {
+        return addOption(command, names, target, help, value);
+    };
+    add("EFFECT", step.effect, "The effect, as in zel effects; several are joined by +", " ");
+    add("--set", step.assignments, "Set a parameter of the effect (repeatable)", "NAME=VALUE")
+        ->allow_extra_args(false);
+    add("--mask", step.mask, "Mask for the effects that take one", "MASK.png");
+    add("--second", step.second, "Second picture for the effects that take one", "IMAGE");
+    add("--cube", step.cube, "Colour look for the effects that take one", "FILE.cube");
+    add("--depth", step.depth, "Depth map, nearer is brighter, for the effects that take one", "MAP.png");
+    add("--depth-out", step.depthOut,
+        "Write the depth map that the effect used, where it does (a folder for several inputs)", "MAP.png");
+    add("--mask-out", step.maskOut,
+        "Write the mask that the effect gives back, where it does (a folder for several inputs)", "MASK.png");
+}
+
+}  // namespace
 
 void CommandLine::addApply() {
     CLI::App& command = addCommand("apply");
     command.footer(helpFooter(commandText("apply")) + "\n\n" + wrapText("Effects: " + effectNames()));
-    // Every option takes one value a time, so that "--set a=1 in.png" leaves the picture alone.
     const auto add = [&](const char* names, auto& target, const char* help, const char* value) {
-        return command.add_option(names, target, help)->option_text(value);
+        return addOption(command, names, target, help, value);
     };
-    add("EFFECT", apply.effect, "The effect, as in zel effects", " ")->required();
-    add("IN", apply.inputs, "Pictures to read", "...")->required();
-    add("-o,--output", apply.output, "Picture to write, or a folder for several inputs", "OUT")->required();
-    add("--set", apply.assignments, "Set a parameter of the effect (repeatable)", "NAME=VALUE")
-        ->allow_extra_args(false);
+    addStepOptions(command, lastStep);
+    add("IN", apply.inputs, "Pictures to read, or folders of them; - is standard input", "...");
+    add("-o,--output", apply.output, "Picture to write, or a folder for several inputs; - is standard output",
+        "OUT");
+    add("--recipe", apply.recipe, "Take effects and values from a file, in the place of EFFECT", "FILE.json");
+    add("--save-recipe", apply.saveRecipe, "Write effects and values to a file that --recipe takes",
+        "FILE.json");
     add("--faces", apply.faces,
         "Face data, or a folder with NAME.json for each input; faces are found where it is not given",
         "FACES.json");
-    add("--mask", apply.mask, "Mask for the effects that take one", "MASK.png");
-    add("--second", apply.second, "Second picture for the effects that take one", "IMAGE");
-    add("--cube", apply.cube, "Colour look for the effects that take one", "FILE.cube");
-    add("--depth", apply.depth, "Depth map, nearer is brighter, for the effects that take one", "MAP.png");
-    add("--depth-out", apply.depthOut,
-        "Write the depth map that the effect used, where it does (a folder for several inputs)", "MAP.png");
-    add("--mask-out", apply.maskOut,
-        "Write the mask that the effect gives back, where it does (a folder for several inputs)", "MASK.png");
+    add("--face", apply.face, "Which faces: all, largest, or a number, where 1 is the largest", "WHICH");
+    add("--no-face", saveWords.noFace,
+        "A picture without a face, where one is needed, fails, is skipped or copied", "fail|skip|copy");
     add("--compare", apply.compare, "Write before and after side by side (a folder for several inputs)",
         "SHEET.png");
-    add("--jobs", apply.jobs, "Inputs to work on at once", "N")->check(CLI::Range(1u, kMostJobs));
+    addBatchOptions(command);
+    addSaveOptions(command);
     add("--assets", apply.assets, "Folder with the library's assets", "DIR");
-    command.add_flag("--scrambled", apply.scrambled, "The inputs are scrambled picture files");
+    command.add_flag("--scrambled", apply.read.scrambled, "The inputs are scrambled picture files");
     command.add_flag("--quiet", apply.quiet, "Only errors on standard error");
     command.add_flag("--verbose", apply.verbose, "Show the library's log");
+}
+
+void CommandLine::addBatchOptions(CLI::App& command) {
+    command.add_flag("--recursive", apply.recursive, "Look into the folders of input folders as well");
+    addOption(command, "--suffix", apply.suffix,
+              "Put TEXT behind the names of outputs, beside the inputs without OUT", "TEXT");
+    addOption(command, "--format", apply.format, "Write png, jpg, tif, webp or avif, whatever the inputs are",
+              "FORMAT");
+    command.add_flag("--in-place", apply.inPlace,
+                     "Write over the inputs, which keep their time and permissions");
+    command.add_flag("--no-clobber", apply.noClobber, "Leave outputs alone that are there");
+    command.add_flag("--resume", apply.resume, "Skip inputs whose output is there and not older");
+    addOption(command, "--report", apply.report, "Write what became of each input", "REPORT.json");
+    addOption(command, "--jobs", apply.jobs, "Inputs to work on at once; by itself as many as do well", "N")
+        ->check(CLI::Range(1u, kMostJobs));
+    addOption(command, "--max-megapixels", saveWords.megapixels,
+              "Refuse larger pictures; 268 where not given", "N")
+        ->check(CLI::Range(0.001, kMostMegapixels));
+}
+
+void CommandLine::addSaveOptions(CLI::App& command) {
+    SaveOptions& save = apply.save;
+    addOption(command, "--quality", save.quality,
+              "Of JPEG (where not given that of the input, or 95), WebP and AVIF", "1..100")
+        ->check(CLI::Range(1, 100));
+    addOption(command, "--subsampling", saveWords.subsampling, "Of colour in JPEG and AVIF: 444 or 420",
+              "444|420");
+    command.add_flag("--lossless", save.lossless, "WebP and AVIF without loss");
+    addOption(command, "--compression", save.compression, "Effort of PNG; 0 leaves TIFF uncompressed", "0..9")
+        ->check(CLI::Range(0, 9));
+    command.add_flag("--strip", save.strip, "Leave out EXIF, XMP, captions and comments");
+    command.add_flag("--no-gps", save.noGps, "Leave out where the picture was made");
 }
 
 void CommandLine::addFaces() {
@@ -182,15 +360,22 @@ void CommandLine::addDepth() {
     const auto add = [&](const char* names, auto& target, const char* help, const char* value) {
         return command.add_option(names, target, help)->option_text(value);
     };
-    add("IN", depth.inputs, "Pictures to read", "...")->required();
+    add("IN", depth.inputs, "Pictures to read, or folders of them", "...")->required();
     add("-o,--output", depth.output, "Depth map to write, or a folder for several inputs", "DEPTH.png")
         ->required();
     add("--mask", depth.mask, "Person mask: white where the person is", "MASK.png");
-    add("--set", depth.assignments, "The depth network: a file, or a folder with portrait_depth.onnx",
-        "model=FILE")
+    add("--person-mask", depth.personMask,
+        "Write the person mask that was used (a folder for several inputs)", "MASK.png");
+    add("--set", depth.assignments,
+        "model=FILE, the depth network: a file, or a folder with portrait_depth.onnx; or "
+        "subject=auto|person|none: whether people are kept whole by a network",
+        "NAME=VALUE")
         ->allow_extra_args(false);
     add("--compare", depth.compare, "Write picture, map and the map in colours side by side", "SHEET.png");
     add("--assets", depth.assets, "Folder with the library's assets", "DIR");
+    add("--jobs", depth.jobs, "Inputs to work on at once; by itself as many as do well", "N")
+        ->check(CLI::Range(1u, kMostJobs));
+    command.add_flag("--recursive", depth.recursive, "Look into the folders of input folders as well");
     command.add_flag("--raw", depth.raw, "The network's map, unrefined");
     command.add_flag("--quiet", depth.quiet, "Only errors on standard error");
     command.add_flag("--verbose", depth.verbose, "Show the library's log");
@@ -218,6 +403,48 @@ void CommandLine::addNetworks() {
     command.add_option("--assets", networks.assets, "Folder with the library's assets")->option_text("DIR");
 }
 
+namespace {
+
+/// Takes the effects before the last "+" of a chain out of the words. Each is parsed with what belongs to it; other
+/// words among them are for all of the chain.
+std::vector<std::string> takeSteps(const std::vector<std::string>& words, std::vector<StepOptions>& steps) {
+    const auto end = std::find(words.begin(), words.end(), "--");
+    if (words.empty() || words[0] != "apply") return words;
+    std::vector<std::string> rest;
+    auto at = words.begin() + 1;
+    for (auto plus = std::find(at, end, "+"); plus != end; at = plus + 1, plus = std::find(at, end, "+")) {
+        CLI::App step;
+        StepOptions& options = steps.emplace_back();
+        addStepOptions(step, options);
+        step.allow_extras();
+        std::vector<std::string> reversed(std::make_reverse_iterator(plus), std::make_reverse_iterator(at));
+        step.parse(reversed);
+        if (options.effect.empty()) throw UsageError("an effect is missing before '+'");
+        for (const auto& word : step.remaining()) rest.push_back(word);
+    }
+    if (!steps.empty() && (at == words.end() || at->starts_with("-")))
+        throw UsageError("an effect is missing behind '+'");
+    std::vector<std::string> last = {"apply"};
+    if (!steps.empty()) last.push_back(*at++);
+    last.insert(last.end(), rest.begin(), rest.end());
+    last.insert(last.end(), at, end);
+    // The parser would take the word "--" for the end of the command: names with a path need none.
+    for (auto name = end; name != words.end(); ++name)
+        if (name != end) last.push_back(name->starts_with("-") ? "./" + *name : *name);
+    return last;
+}
+
+}  // namespace
+
+void CommandLine::addStudio() {
+    CLI::App& command = addCommand("studio");
+    command.add_option("FOLDER", studio.folder, "Folder with pictures; this one where it is not given")
+        ->option_text(" ");
+    command.add_option("--assets", studio.assets, "Folder with the library's assets")->option_text("DIR");
+    command.add_flag("--no-browser", studio.noBrowser, "Only print the address");
+    command.add_flag("--verbose", studio.verbose, "Show the library's log");
+}
+
 int runCommand(const std::vector<std::string>& words) {
     CommandLine line;
     try {
@@ -226,7 +453,8 @@ int runCommand(const std::vector<std::string>& words) {
             std::cout << effectHelp(findEffect(words[1]));
             return flushResults(kDone);
         }
-        std::vector<std::string> reversed(words.rbegin(), words.rend());  // as the parser wants them
+        const std::vector<std::string> last = takeSteps(words, line.apply.steps);
+        std::vector<std::string> reversed(last.rbegin(), last.rend());  // as the parser wants them
         line.app.parse(reversed);
         return flushResults(dispatch(line));
     } catch (const CLI::ParseError& problem) {
@@ -234,7 +462,7 @@ int runCommand(const std::vector<std::string>& words) {
             line.app.exit(problem);  // help or version
             return flushResults(kDone);
         }
-        Messages(false).error("", describeProblem(line, problem));
+        Messages(false).error("", describeProblem(line, words, problem));
         return kWrongUsage;
     } catch (const UsageError& problem) {
         Messages(false).error("", problem.what());

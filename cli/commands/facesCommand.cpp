@@ -45,8 +45,7 @@ FacesPlan planFaces(const FacesOptions& options) {
     const bool draws = !options.overlay.empty();
     const bool dataFolder = isFolder(options.output, count, "FACES.json");
     const bool overlayFolder = draws && isFolder(options.overlay, count, "--overlay");
-    if (draws && !overlayFolder && !formatOfSuffix(options.overlay))
-        throw UsageError("--overlay must end in .png, .jpg or .jpeg, not '" + options.overlay + "'");
+    if (draws && !overlayFolder) requireFormat(options.overlay, "--overlay");
     FacesPlan plan;
     if (dataFolder) plan.folders.emplace_back(options.output);
     if (overlayFolder) plan.folders.emplace_back(options.overlay);
@@ -105,7 +104,7 @@ private:
     /// Does one input; `file` is kept at what a failure is about. Returns what was found, in words.
     std::string search(std::size_t index, const FacesItem& item, std::string& file) {
         m_messages.progress(index, "reading", 0);
-        LoadedPicture picture = readPicture(item.input.real, false);
+        LoadedPicture picture = readPicture(item.input);
         for (const auto& note : picture.notes) m_messages.note(item.input.shown, note);
         m_messages.progress(index, "finding faces", 0.1);
         zel_faces* faces = nullptr;
@@ -116,7 +115,7 @@ private:
             m_messages.note(item.input.shown, "no face was found; the list of faces is empty");
         m_messages.progress(index, "writing", 0.8);
         file = item.data.shown;
-        writeFaces(item.data.real, faces);
+        writeFaces(item.data, faces);
         if (!item.overlay.shown.empty()) {
             file = item.overlay.shown;
             Image drawn = enlargedForOverlay(picture.image, kOverlaySide);

@@ -7,7 +7,7 @@
 
 #include "cli/commands/applyCommand.h"
 #include "cli/files/facesFile.h"
-#include "cli/files/pngFile.h"
+#include "cli/files/pngWriter.h"
 #include "cli/files/readPicture.h"
 #include "cli/files/writePicture.h"
 #include "cli/library.h"
@@ -108,8 +108,7 @@ int runPortrait(const PortraitOptions& options) {
         auto [name, value] = parseAssignment(word);
         values.set(std::move(name), std::move(value));
     }
-    if (!formatOfSuffix(options.output))
-        throw UsageError("OUT must end in .png, .jpg or .jpeg, not '" + options.output + "'");
+    requireFormat(options.output, "OUT");
     Messages messages(options.quiet);
     messages.startProgress(1);
     messages.progress(0, "drawing", 0);

@@ -31,7 +31,7 @@ constexpr Colours kColours = buildColours();
 }  // namespace
 
 Image colourDepth(const Mask& depth) {
-    Image image{depth.width, depth.height, {}, {}, {}};
+    Image image{depth.width, depth.height, {}};
     image.rgba.reserve(4 * depth.samples.size());
     for (const unsigned char v : depth.samples) {
         const auto& colour = kColours[v];

@@ -6,7 +6,8 @@
 namespace zelcli {
 
 /// Draws what the library makes of a picture's faces: every point of the dense list, numbered, in a colour
-/// by feature, with the outlines that effects close around eyes, brows, mouth and face.
+/// by feature, with the outlines that effects close around eyes, brows, mouth and face. Points that are guessed are
+/// hollow, their outlines dashed, and a legend says so.
 void drawFaceOverlay(Image& image, const zel_faces* faces);
 
 /// The same for a face whose lists reach beyond what the picture shows well: enlarges the picture first, so

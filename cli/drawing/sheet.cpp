@@ -87,8 +87,6 @@ Image reduceToFit(const Image& image, int maxWidth, int maxHeight) {
     Image reduced;
     reduced.width = std::max(1, static_cast<int>(image.width * factor));
     reduced.height = std::max(1, static_cast<int>(image.height * factor));
-    reduced.exif = image.exif;
-    reduced.iccProfile = image.iccProfile;
     reduced.rgba.reserve(4 * static_cast<std::size_t>(reduced.width) *
                          static_cast<std::size_t>(reduced.height));
     for (int y = 0; y < reduced.height; ++y)
@@ -113,7 +111,6 @@ Image makeSheet(const std::vector<SheetCell>& cells) {
     sheet.width = count * cellWidth + (count + 1) * kMargin;
     sheet.height = cellHeight + kLabelHeight + 2 * kMargin;
     sheet.rgba.resize(4 * static_cast<std::size_t>(sheet.width) * static_cast<std::size_t>(sheet.height));
-    if (!cells.empty()) sheet.iccProfile = cells.back().picture.iccProfile;
     fillRect(sheet, 0, 0, sheet.width, sheet.height, kPaper);
     for (int i = 0; i < count; ++i) {
         const auto at = static_cast<std::size_t>(i);

@@ -8,7 +8,7 @@
 namespace zelcli {
 
 /// The picture reduced so that it fits the given size, by the mean of the area behind every pixel; never
-/// enlarged. EXIF and profile stay.
+/// enlarged.
 Image reduceToFit(const Image& image, int maxWidth, int maxHeight);
 
 /// One picture of a sheet.
@@ -18,11 +18,11 @@ struct SheetCell {
 };
 
 /// Pictures side by side, each in a frame with its label above. Large pictures are reduced to about 1,000
-/// pixels across. The colour profile is that of the last one.
+/// pixels across.
 Image makeSheet(const std::vector<SheetCell>& cells);
 
 /// Before and after side by side, each in a frame with a label above. Large pictures are reduced so that
-/// the sheet is about 2,000 pixels wide; both by the same factor. The colour profile is that of `after`.
+/// the sheet is about 2,000 pixels wide; both by the same factor.
 Image makeSheet(const Image& before, const Image& after, const std::string& effectLabel);
 
 }  // namespace zelcli

@@ -1,13 +1,10 @@
 #include "cli/files/readPicture.h"
 
-#include <cstring>
-#include <optional>
+#include <unistd.h>
 
-#include "cli/files/exifBlock.h"
-#include "cli/files/jpegFile.h"
-#include "cli/files/orientation.h"
-#include "cli/files/pngFile.h"
-#include "cli/library.h"
+#include <cerrno>
+#include <cstring>
+
 #include "platform/fileBytes.h"
 #include "zellab/imageproc/core/luma.h"
 
@@ -15,58 +12,24 @@ namespace zelcli {
 
 namespace {
 
-/// Sides and size that the library's operations are made for; 2^28 pixels are one gigabyte of RGBA.
-constexpr std::uint64_t kLongestSide = ZEL_LONGEST_SIDE, kMostPixels = std::uint64_t{1} << 28;
-
-void checkSize(std::uint64_t width, std::uint64_t height) {
-    if (width < 1 || height < 1) throw Failure("has no pixels");
-    if (width > kLongestSide || height > kLongestSide || width * height > kMostPixels)
-        throw Failure("claims " + std::to_string(width) + " by " + std::to_string(height) +
-                      " pixels, more than this program takes (" + std::to_string(kLongestSide) + " a side, " +
-                      std::to_string(kMostPixels >> 20) + " million in all)");
-}
-
-std::optional<FileMeta> readMeta(const std::vector<unsigned char>& file) {
-    if (isPng(file)) return readPngMeta(file);
-    if (isJpeg(file)) return readJpegMeta(file);
-    return std::nullopt;
-}
-
-/// An ICC profile names the colour space of its pixels at byte 16.
-bool isRgbProfile(const std::vector<unsigned char>& profile) {
-    return profile.size() >= 20 && std::memcmp(profile.data() + 16, "RGB ", 4) == 0;
-}
-
-Image copyOf(zel_picture* picture) {
-    const zel_pixels pixels = libzel::pixelsOf(picture);
-    checkSize(static_cast<std::uint64_t>(pixels.width), static_cast<std::uint64_t>(pixels.height));
-    return imageOf(pixels);
-}
-
-Image decode(const std::vector<unsigned char>& file, bool scrambled) {
-    auto options = libzel::sized<zel_decode_options>();
-    options.scrambled = scrambled;
-    zel_picture* picture = nullptr;
-    const zel_status status = zel_decode_memory(library(), file.data(), file.size(), &options, &picture);
-    const libzel::Picture decoded(picture);
-    if (status != ZEL_OK) throw Failure(zel_message());
-    return copyOf(picture);
-}
-
-/// Moves what the file carried to the picture and turns it upright.
-void applyMeta(FileMeta& meta, LoadedPicture& picture) {
-    if (meta.deepSamples) picture.notes.emplace_back("16 bits a channel are reduced to 8");
-    if (meta.cmyk) picture.notes.emplace_back("CMYK inks are converted to RGB without a profile");
-    Image& image = picture.image;
-    if (!meta.iccProfile.empty()) {
-        if (isRgbProfile(meta.iccProfile))
-            image.iccProfile = std::move(meta.iccProfile);
-        else
-            picture.notes.emplace_back("its colour profile is not for RGB and is left out");
+std::vector<unsigned char> readStandardInput() {
+    constexpr std::size_t kPiece = std::size_t{1} << 20, kMost = std::size_t{1} << 31;
+    std::vector<unsigned char> bytes;
+    for (std::size_t filled = 0;;) {
+        bytes.resize(filled + kPiece);
+        const ssize_t count = read(STDIN_FILENO, bytes.data() + filled, kPiece);
+        if (count < 0 && errno == EINTR) continue;
+        if (count < 0) throw Failure(std::strerror(errno));
+        filled += static_cast<std::size_t>(count);
+        bytes.resize(filled);
+        if (count == 0) return bytes;
+        if (filled >= kMost) throw Failure("is larger than two gigabytes");
     }
-    turnUpright(image, exifOrientation(meta.exif));
-    image.exif = std::move(meta.exif);
-    adaptExif(image.exif, image.width, image.height);
+}
+
+LoadedPicture decode(const std::vector<unsigned char>& file, const ReadOptions& options) {
+    if (file.empty()) throw Failure("is empty");
+    return decodePicture(file, options);
 }
 
 }  // namespace
@@ -84,23 +47,20 @@ std::vector<unsigned char> readFileBytes(const std::filesystem::path& path) {
     return std::move(*file.bytes);
 }
 
-LoadedPicture readPicture(const std::filesystem::path& path, bool scrambled) {
-    auto file = readFileBytes(path);
-    if (file.empty()) throw Failure("is empty");
-    LoadedPicture picture;
-    if (scrambled) {
-        picture.image = decode(file, true);
-        return picture;
-    }
-    auto meta = readMeta(file);
-    if (meta) checkSize(meta->width, meta->height);
-    picture.image = decode(file, false);
-    if (meta) applyMeta(*meta, picture);
-    return picture;
+std::vector<unsigned char> readBytesOf(const UserPath& path) {
+    return path.isStream() ? readStandardInput() : readFileBytes(path.real);
+}
+
+LoadedPicture readPicture(const UserPath& path, const ReadOptions& options) {
+    return decode(readBytesOf(path), options);
+}
+
+LoadedPicture readPicture(const std::filesystem::path& path, const ReadOptions& options) {
+    return decode(readFileBytes(path), options);
 }
 
 Mask readMask(const std::filesystem::path& path) {
-    const Image image = readPicture(path, false).image;
+    const Image image = readPicture(path).image;
     Mask mask{image.width, image.height, {}};
     mask.samples.reserve(image.rgba.size() / 4);
     for (std::size_t i = 0; i < image.rgba.size(); i += 4) {

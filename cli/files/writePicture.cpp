@@ -4,8 +4,6 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <algorithm>
-#include <cctype>
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
@@ -14,8 +12,6 @@
 #include <vector>
 
 #include "cli/failure.h"
-#include "cli/files/jpegFile.h"
-#include "cli/files/pngFile.h"
 #include "platform/outputSignals.h"
 
 namespace zelcli {
@@ -106,15 +102,6 @@ private:
 
 }  // namespace
 
-std::optional<PictureFormat> formatOfSuffix(const fs::path& path) {
-    std::string suffix = path.extension().string();
-    std::transform(suffix.begin(), suffix.end(), suffix.begin(),
-                   [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
-    if (suffix == ".png") return PictureFormat::png;
-    if (suffix == ".jpg" || suffix == ".jpeg") return PictureFormat::jpeg;
-    return std::nullopt;
-}
-
 void writeFileSafely(const fs::path& path, std::span<const unsigned char> bytes) {
     std::error_code error;
     const fs::path resolved = fs::is_symlink(path, error) ? fs::weakly_canonical(path, error) : path;
@@ -133,10 +120,35 @@ void writeText(const fs::path& path, const std::string& text) {
     writeFileSafely(path, {reinterpret_cast<const unsigned char*>(text.data()), text.size()});
 }
 
+void writeStandardOutput(std::span<const unsigned char> bytes) {
+    while (!bytes.empty()) {
+        const ssize_t count = ::write(STDOUT_FILENO, bytes.data(), bytes.size());
+        if (count < 0 && errno == EINTR) continue;
+        if (count < 0)
+            throw Failure(std::string("standard output cannot be written (") + std::strerror(errno) + ")");
+        bytes = bytes.subspan(static_cast<std::size_t>(count));
+    }
+}
+
+void writeBytes(const UserPath& path, std::span<const unsigned char> bytes) {
+    if (path.isStream())
+        writeStandardOutput(bytes);
+    else
+        writeFileSafely(path.real, bytes);
+}
+
+std::vector<std::string> writePicture(const UserPath& path, const Image& image, PictureFormat format,
+                                      const SaveOptions& options) {
+    std::vector<std::string> notes;
+    writeBytes(path, encodePicture(image, format, options, notes));
+    return notes;
+}
+
 void writePicture(const fs::path& path, const Image& image) {
     const auto format = formatOfSuffix(path);
-    if (!format) throw Failure("has no suffix that names a format (.png, .jpg, .jpeg)");
-    writeFileSafely(path, *format == PictureFormat::png ? encodePng(image) : encodeJpeg(image));
+    if (!format) throw Failure(std::string("has no suffix that names a format (") + kOutputSuffixes + ")");
+    std::vector<std::string> notes;
+    writeFileSafely(path, encodePicture(image, *format, {}, notes));
 }
 
 }  // namespace zelcli

@@ -1,18 +1,14 @@
 #pragma once
 
 #include <filesystem>
-#include <optional>
 #include <span>
 #include <string>
+#include <vector>
 
-#include "cli/files/image.h"
+#include "cli/files/pictureCodec.h"
+#include "cli/files/readPicture.h"
 
 namespace zelcli {
-
-enum class PictureFormat { png, jpeg };
-
-/// The format that a file name asks for by its suffix (.png, .jpg, .jpeg in any case).
-std::optional<PictureFormat> formatOfSuffix(const std::filesystem::path& path);
 
 /// Writes bytes to `path` as a whole or not at all: to a temporary name in the same folder first, which is
 /// then renamed. An existing file keeps its permissions, but not a set-user-id bit; a symbolic link keeps
@@ -21,7 +17,14 @@ void writeFileSafely(const std::filesystem::path& path, std::span<const unsigned
 
 void writeText(const std::filesystem::path& path, const std::string& text);
 
-/// Encodes by the suffix and writes safely. Throws Failure.
+/// Writes bytes to a file as above, or to standard output. Throws Failure.
+void writeBytes(const UserPath& path, std::span<const unsigned char> bytes);
+
+/// Encodes and writes. Returns what deserves a word to the user. Throws Failure.
+std::vector<std::string> writePicture(const UserPath& path, const Image& image, PictureFormat format,
+                                      const SaveOptions& options);
+
+/// A picture that the command draws, by the suffix and with all defaults.
 void writePicture(const std::filesystem::path& path, const Image& image);
 
 }  // namespace zelcli

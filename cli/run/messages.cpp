@@ -35,6 +35,10 @@ void Messages::note(const std::string& file, const std::string& text) {
     if (!m_quiet) print(oneLine("zel: note: " + (file.empty() ? "" : file + ": ") + text));
 }
 
+void Messages::closing(const std::string& text) {
+    if (!m_quiet) print(oneLine("zel: " + text));
+}
+
 void Messages::raw(const std::string& line) {
     print(line);
 }

@@ -25,6 +25,8 @@ public:
     void error(const std::string& file, const std::string& why);
     /// The same for what does not stop the work; not in quiet mode.
     void note(const std::string& file, const std::string& text);
+    /// "zel: TEXT": the last word of a run; not in quiet mode.
+    void closing(const std::string& text);
     /// A line as it is, for output that passes through.
     void raw(const std::string& line);
 

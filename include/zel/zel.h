@@ -76,10 +76,12 @@ typedef void (*zel_log_function)(void* user, zel_log_level level, const char* me
 
 /** Where depth of field may draw. */
 typedef enum zel_gl {
-    ZEL_GL_IF_THERE = 0, /**< a context of its own without a window, made and left within each call */
-    ZEL_GL_NEVER = 1,    /**< effects that need OpenGL return ZEL_NOT_AVAILABLE */
-    ZEL_GL_CURRENT = 2   /**< the caller's own context (3.3 or later), current on the calling thread; all its
-                              state is as it was after the call */
+    ZEL_GL_IF_THERE = 0, /**< a context of its own without a window, made and left within each call; where there
+                              is none or a driver in software, the processor draws */
+    ZEL_GL_NEVER = 1,    /**< the processor draws */
+    ZEL_GL_CURRENT = 2   /**< the caller's own context, current on the calling thread; all its state is as it was
+                              after the call. One that is older than 3.3 or in software is left alone: the
+                              processor draws. */
 } zel_gl;
 
 /** What a context is told at its beginning. Settings travel with each call to all threads that work for it;
@@ -132,12 +134,28 @@ typedef struct zel_pixels {
 
 #define ZEL_LANDMARKS 83
 
+/** Landmarks that are seen or hidden together. Left and right are the picture's, as in the landmarks' table. */
+typedef enum zel_face_group {
+    ZEL_GROUP_CONTOUR = 0, /**< with the chin */
+    ZEL_GROUP_LEFT_BROW = 1,
+    ZEL_GROUP_RIGHT_BROW = 2,
+    ZEL_GROUP_LEFT_EYE = 3, /**< lids and pupil */
+    ZEL_GROUP_RIGHT_EYE = 4,
+    ZEL_GROUP_NOSE = 5,
+    ZEL_GROUP_MOUTH = 6
+} zel_face_group;
+
+#define ZEL_FACE_GROUPS 7
+
 /** One face, in fractions of the picture: 0,0 is the top left corner, 1,1 the bottom right one. Numbers lie in
  *  -1 to 2, since a face may reach over the edge. The landmarks' order is drawn in docs/landmarks.md. */
 typedef struct zel_face {
     float rect[4]; /**< left, top, width, height */
     float points[ZEL_LANDMARKS][2];
     float confidence; /**< 0 to 1 where the face was found; below 0: not told */
+    /** By zel_face_group, how surely its landmarks are a guess, because dark glasses or hair hide what they stand
+     *  for: 0 (seen, or not told) to 1. Above a half, effects on eyes leave an eye alone. */
+    float guessed[ZEL_FACE_GROUPS];
 } zel_face;
 
 typedef struct zel_faces zel_faces;
@@ -153,7 +171,7 @@ ZEL_API zel_status zel_faces_create(const zel_face* faces, size_t count, int wid
 ZEL_API zel_status zel_find_faces(zel_context* context, const zel_pixels* pixels, zel_faces** out);
 
 /** Face data as JSON: {"image": {"width", "height"}, "faces": [{"rect": [4], "points": [[x, y] x 83],
- *  "confidence"}]}, all as in zel_face. */
+ *  "confidence", "guessed": {"leftEye": 0.9}}]}, all as in zel_face; of the groups only those above 0 are told. */
 ZEL_API zel_status zel_faces_from_json(const char* text, size_t length, zel_faces** out);
 
 /** The text lives as long as the list, or until the next such call on it. */
@@ -218,7 +236,7 @@ typedef struct zel_effect {
     /* What it takes beside the picture, and what it can give back. */
     zel_need faces, mask, second, depth;
     zel_need mask_out, depth_out;
-    zel_need gl; /**< ZEL_REQUIRED: needs OpenGL 3.3 */
+    zel_need gl; /**< ZEL_OPTIONAL: uses OpenGL 3.3 where a graphics card has it, else the processor */
 } zel_effect;
 
 ZEL_API size_t zel_effect_count(void);
@@ -284,6 +302,13 @@ ZEL_API zel_status zel_apply(zel_context* context, const char* effect, const zel
 
 /* ---- Depth and masks ---- */
 
+/** Whose person mask is made where none is given. */
+typedef enum zel_subject {
+    ZEL_SUBJECT_AUTO = 0,   /**< the subject's people, where a network is installed and there is a face */
+    ZEL_SUBJECT_PERSON = 1, /**< also without a face; a line in the log where that cannot be */
+    ZEL_SUBJECT_NONE = 2    /**< nobody's */
+} zel_subject;
+
 typedef struct zel_depth_options {
     size_t struct_size;
     const char* network;      /**< an ONNX file or a folder that holds one; null: the installed network */
@@ -291,6 +316,12 @@ typedef struct zel_depth_options {
     int raw;                  /**< not 0: as the network gives it, unrefined; takes no person mask */
     zel_progress_function progress;
     void* progress_user;
+    /** Whether a person mask is made by a network where none is given: the subject's people then lie in one plane,
+     *  the one of their nearest face. */
+    zel_subject subject;
+    const zel_faces* faces;       /**< for such a mask; null: none */
+    const zel_pixels* person_out; /**< ZEL_GRAY8 of the picture's size, to be filled with the mask that was used,
+                                       with zeros where there was none; null: not asked for */
 } zel_depth_options;
 
 /** Estimates the depth of a picture.
@@ -305,10 +336,11 @@ ZEL_API zel_status zel_check_depth(zel_context* context, const char* network);
 
 typedef enum zel_mask_kind { ZEL_MASK_SKIN = 0, ZEL_MASK_PERSON = 1 } zel_mask_kind;
 
-/** Makes a mask of skin or of persons by a network. This version has none: ZEL_NOT_AVAILABLE, whatever else the
- *  arguments are, if the pixels can be worked on.
- *  @param faces  those whose skin or person is meant; null: all
- *  @param out    ZEL_GRAY8 of the picture's size, to be filled */
+/** Makes a mask of persons by a network: 255 where they are. There is none for skin: ZEL_NOT_AVAILABLE.
+ *  @param faces  those whose people are meant; people who touch count as one. Null: all people, who are seen less
+ *                well where they are small. Such faces without any face: nobody.
+ *  @param out    ZEL_GRAY8 of the picture's size, to be filled
+ *  ZEL_NOT_AVAILABLE where the network or the inference module is not installed. */
 ZEL_API zel_status zel_make_mask(zel_context* context, zel_mask_kind kind, const zel_pixels* pixels,
                                  const zel_faces* faces, const zel_pixels* out);
 

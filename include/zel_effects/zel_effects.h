@@ -619,6 +619,11 @@ public:
         return true;
     }
 
+    /// Whether Run draws with loops of the processor in place of OpenGL: the same picture but for a level or two,
+    /// and faster than an OpenGL that runs on the processor itself. It needs no context and no shader file then,
+    /// and hasCurrentContext is not read. Off at first.
+    void DrawOnProcessor(bool draws) { m_drawsOnProcessor = draws ? 1 : 0; }
+
     /// What became of the picture of the last Run on this object, whatever Run returned. A picture that was
     /// not drawn is as it was, and the log has one line that says why.
     enum class Outcome : unsigned char {
@@ -644,6 +649,7 @@ private:
     int m_bokehHeight = 0;
     unsigned char m_spin = 0;
     unsigned char m_outcome = 0;
+    unsigned char m_drawsOnProcessor = 0;
     std::string m_reserved;
     unsigned char* m_depth = nullptr;
     int m_depthWidth = 0;

@@ -3,9 +3,9 @@
 #include <optional>
 
 #include "CrossPlateform/platform_win/stb_image_util/imageBuffer.h"
+#include "bokeh/backEnd.h"
 #include "depth/portraitDepth.h"
-#include "gl/glApi.h"
-#include "inference/moduleLoader.h"
+#include "libzel/effects/defocusScene.h"
 #include "libzel/effects/effectLists.h"
 #include "libzel/effects/effectParts.h"
 #include "libzel/effects/liveliness.h"
@@ -20,12 +20,14 @@ namespace {
 
 using Render = DefocusCore::ZelDepthDefocusRender;
 
-/// Folders beside the other assets.
-constexpr const char* kNetworkFolder = "depth";
+/// A folder beside the other assets.
 constexpr const char* kResourceFolder = "bokeh";
 
 /// Of the grain that the render lays over its blur: the numbers of a process that never asked for others.
 constexpr unsigned kGrainSeed = 1;
+
+/// Shares of the work that are done by then.
+constexpr double kRenderingAt = 0.5;
 
 /// There are no other values for what the library keeps and never reads.
 constexpr float kReserved = 0.0f;
@@ -69,22 +71,11 @@ std::vector<unsigned char> nearnessOf(const Render& render, const Image& image) 
                                    image.width, image.height);
 }
 
-void setDepth(Render& render, EffectRun& run) {
-    Image& image = run.image;
-    if (run.depth) {
-        if (!render.SetDepthPlane(run.depth->samples.data(), run.depth->width, run.depth->height))
-            throw Failure("the depth map is empty");
-    } else {
-        run.progress("estimating depth", 0);
-        const std::string absence = zellab::platform::networkModuleAbsence();
-        if (!absence.empty()) throw Failure(absence + "; or give a depth map", ZEL_NOT_AVAILABLE);
-        if (!render.Init(true))
-            throw assetFailure(kNetworkFolder, "holds no depth network that can be loaded; give a depth map");
-        if (!render.DepthEstimate(image.rgba.data(), image.width, image.height, nullptr, 0, 0))
-            throw Failure("its depth cannot be estimated");
-        render.Release();
-    }
-    if (run.depthOut) *run.depthOut = {image.width, image.height, nearnessOf(render, image)};
+void setDepth(Render& render, EffectRun& run, const DefocusScene& scene) {
+    const zellab::Plane<unsigned char>& depth = scene.depth;
+    if (!render.SetDepthPlane(depth.data(), depth.width(), depth.height()))
+        throw Failure("the depth map is empty");
+    if (run.depthOut) *run.depthOut = {run.image.width, run.image.height, nearnessOf(render, run.image)};
 }
 
 /// What the library has no parameter for, on the finished picture: the ground livelier than the subject.
@@ -106,23 +97,30 @@ void enlivenGround(Render& render, EffectRun& run, const FocusFraction& focus, b
             amount);
 }
 
+/// What both forms of the render take beside the parameters.
+struct RenderInputs {
+    std::vector<float> faces;  // rectangles
+    FocusFraction focus;
+    bool mask;  // whether there is one
+};
+
 /// The form at full resolution, which has all parameters of the look.
-bool renderFull(Render& render, EffectRun& run, std::vector<float>& faces, const FocusFraction& focus) {
+bool renderFull(Render& render, EffectRun& run, RenderInputs& inputs) {
     const ParameterValues& values = run.values;
     return render.Run(run.image.rgba.data(), run.image.width, run.image.height,
-                      static_cast<int>(run.faces.faces.size()), faces.data(), focus.x, focus.y,
-                      values.integer("blurLevel"), values.number("highlights"), run.mask != nullptr, true,
-                      values.number("amount"), values.number("intensity"), values.number("vivid"));
+                      static_cast<int>(inputs.faces.size() / 4), inputs.faces.data(), inputs.focus.x,
+                      inputs.focus.y, values.integer("blurLevel"), values.number("highlights"), inputs.mask,
+                      true, values.number("amount"), values.number("intensity"), values.number("vivid"));
 }
 
 /// The form with two buffers, which is faster, and the only one that can do without depth.
-bool renderPreview(Render& render, EffectRun& run, std::vector<float>& faces, const FocusFraction& focus) {
+bool renderPreview(Render& render, EffectRun& run, RenderInputs& inputs) {
     const ParameterValues& values = run.values;
     std::vector<unsigned char> source = run.image.rgba;
     return render.Run(source.data(), run.image.width, run.image.height, run.image.rgba.data(),
-                      run.image.width, run.image.height, static_cast<int>(run.faces.faces.size()),
-                      faces.data(), focus.x, focus.y, values.toggle("useDepth"), values.integer("blurLevel"),
-                      kReserved, nullptr, false, run.mask != nullptr, true, kReserved,
+                      run.image.width, run.image.height, static_cast<int>(inputs.faces.size() / 4),
+                      inputs.faces.data(), inputs.focus.x, inputs.focus.y, values.toggle("useDepth"),
+                      values.integer("blurLevel"), kReserved, nullptr, false, inputs.mask, true, kReserved,
                       values.number("intensity"), values.number("vivid"));
 }
 
@@ -131,40 +129,27 @@ bool renderPreview(Render& render, EffectRun& run, std::vector<float>& faces, co
 void requireDrawn(const Render& render, bool ran) {
     const std::string shaderFile = std::string(kResourceFolder) + "/shader.3.bin";
     if (!ran) throw assetFailure(shaderFile, "is missing or damaged");
-    switch (render.LastOutcome()) {
-        case Render::Outcome::drawn:
-            return;
-        case Render::Outcome::noContext:
-            throw Failure("depth of field needs OpenGL 3.3, and the context that can be had here is older");
-        case Render::Outcome::faultyShaders:
-            throw assetFailure(shaderFile, "lacks a shader or holds one that the OpenGL driver refuses");
-        case Render::Outcome::tooLarge:
-            throw Failure("is too large for the OpenGL driver; depth of field needs it smaller");
-        case Render::Outcome::none:
-            break;
-    }
-    throw Failure("the library refused the picture");
+    if (render.LastOutcome() == Render::Outcome::faultyShaders)
+        throw assetFailure(shaderFile, "lacks a shader or holds one that the OpenGL driver refuses");
+    if (render.LastOutcome() != Render::Outcome::drawn) throw Failure("the library refused the picture");
 }
 
-/// The OpenGL context that the host allows, current while the object lives.
+/// The OpenGL context that the host allows, current while the object lives, or none where the processor is the
+/// better one to draw.
 class Canvas {
 public:
     explicit Canvas(zel_gl gl) {
-        if (gl == ZEL_GL_CURRENT) {
-            if (zellab::gl::glUsable()) return;
-            throw Failure(
-                "depth of field needs OpenGL 3.3, and no such context is current on the calling thread",
-                ZEL_NOT_AVAILABLE);
-        }
-        m_own.emplace();
-        if (!m_own->isCurrent())
-            throw Failure(std::string("depth of field needs OpenGL, and no context can be had here (") +
-                              m_own->failedCall() + ")",
-                          ZEL_NOT_AVAILABLE);
+        if (gl == ZEL_GL_NEVER) return;
+        if (gl == ZEL_GL_IF_THERE) m_own.emplace();
+        m_drawsOnProcessor = (m_own && !m_own->isCurrent()) ||
+                             zellab::Bokeh::bestBackEnd() == zellab::Bokeh::BackEnd::processor;
+        if (m_drawsOnProcessor) m_own.reset();
     }
+    bool drawsOnProcessor() const { return m_drawsOnProcessor; }
 
 private:
     std::optional<zellab::OffscreenContext> m_own;
+    bool m_drawsOnProcessor = true;
 };
 
 void runDefocus(EffectRun& run) {
@@ -172,22 +157,34 @@ void runDefocus(EffectRun& run) {
     const bool usesDepth = run.values.toggle("useDepth");
     Render render;
     const std::string& assets = run.surroundings.assets;
-    render.setResourcePath(zellab::assetPath(assets, kNetworkFolder).c_str(),
-                           zellab::assetPath(assets, kResourceFolder).c_str());
+    render.setResourcePath("", zellab::assetPath(assets, kResourceFolder).c_str());
     setShape(render, run);
-    if (usesDepth) setDepth(render, run);
-    std::vector<unsigned char> hair;
-    if (run.mask) {
-        hair = run.mask->samples;
-        render.SetHairMaskData(hair.data(), run.mask->width, run.mask->height);
+    DefocusScene scene;
+    if (usesDepth) {
+        scene = defocusScene(run);
+        setDepth(render, run, scene);
+    }
+    RenderInputs inputs{faceRectangles(usesDepth ? scene.faces : run.faces), focus, scene.rim != nullptr};
+    std::vector<unsigned char> mask;
+    if (scene.rim) {
+        mask = scene.rim->samples;
+        render.SetHairMaskData(mask.data(), scene.rim->width, scene.rim->height);
     }
     const Canvas canvas(run.surroundings.gl);
     const RandomTurn grain(kGrainSeed);
-    run.progress("rendering", 0.5);
-    std::vector<float> faces = faceRectangles(run.faces);
+    run.progress("rendering", kRenderingAt);
     const bool full = usesDepth && run.values.text("resolution") == "full";
-    requireDrawn(render,
-                 full ? renderFull(render, run, faces, focus) : renderPreview(render, run, faces, focus));
+    const auto draw = [&] {
+        return full ? renderFull(render, run, inputs) : renderPreview(render, run, inputs);
+    };
+    render.DrawOnProcessor(canvas.drawsOnProcessor());
+    bool ran = draw();
+    if (render.LastOutcome() == Render::Outcome::tooLarge) {
+        render.DrawOnProcessor(true);
+        setShape(render, run);  // a spin lasts for one run
+        ran = draw();
+    }
+    requireDrawn(render, ran);
     enlivenGround(render, run, focus, usesDepth);
 }
 
@@ -213,8 +210,13 @@ Effect defocus() {
                         "stronger colours and brighter lights in what is out of focus"),
         choiceParameter("resolution", {"full", "preview"}, "full",
                         "preview works on a smaller copy, with amount 1 and highlights 3"),
+        choiceParameter(
+            "subject", {"auto", "person", "none"}, "auto",
+            "keeps people whole, by a network where one is installed: auto where there is a face, person "
+            "also "
+            "without one. A mask that is given takes its place; with person it counts for the depth as well"),
         toggleParameter("useDepth", "true", "false blurs everything by one radius, as preview does")};
-    effect.gl = ZEL_REQUIRED;
+    effect.gl = ZEL_OPTIONAL;
     effect.faces = ZEL_OPTIONAL;
     effect.mask = effect.depth = effect.depthOut = ZEL_OPTIONAL;
     effect.example =
@@ -243,8 +245,9 @@ Effect mixMask() {
     effect.title = "Mix by a mask";
     effect.operation = "DefocusCore::ZelDepthDefocusRender::MixWidthMask";
     effect.summary = "Mixes a second picture into this one where a mask says so";
-    effect.parameters = {numberParameter("strength", 0, 1, "1", "1: the mask alone decides"),
-                         integerParameter("blurRadius", 0, 500, "0", "pixels; softens the mask's edge")};
+    effect.parameters = {
+        numberParameter("strength", 0, 1, "1", "1: the mask alone decides"),
+        in("pixels", integerParameter("blurRadius", 0, 500, "0", "pixels; softens the mask's edge"))};
     effect.mask = effect.second = ZEL_REQUIRED;
     effect.example = "zel apply mix-mask photo.png -o mixed.png --second retouched.png --mask skin.png";
     effect.run = runMixMask;

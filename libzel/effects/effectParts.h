@@ -47,7 +47,7 @@ inline Parameter fileParameter(const char* name, const char* help) {
 }
 
 inline Parameter in(const char* unit, Parameter parameter) {
-    parameter.unit = unit;
+    parameter.unit = std::string(unit);
     return parameter;
 }
 

@@ -1,23 +1,47 @@
+#include "beautykernel/eyebright/eyeBright.h"
+#include "facepoints/faceData.h"
 #include "libzel/effects/effectLists.h"
 #include "libzel/effects/effectParts.h"
-#include "zel_effects/zel_effects.h"
+#include "libzel/effects/guessedEyes.h"
 
 namespace zel {
 
 namespace {
 
-/// The library keeps this float and never reads it, so the command does not ask for it.
-constexpr float kReservedShade = 0.0f;
+/// Lids that are nearer to each other than this share of the eye's length are closed.
+constexpr float kClosed = 0.12f;
+
+zellab::EyeTuning tuningOf(const ParameterValues& values) {
+    const auto share = [&](const char* name) { return values.number(name) / 100.0f; };
+    return {.overallGain = share("overallGain"),
+            .bandOffset = share("bandOffset"),
+            .reservedShade = 0.0f,  // never read, so nobody is asked for it
+            .highlightGain = share("highlightGain"),
+            .whiteGain = share("whiteGain"),
+            .darkTolerance = share("darkTolerance"),
+            .irisGain = share("irisGain"),
+            .filterRadius = values.number("filterRadius"),
+            .filterEps = values.number("filterEps"),
+            .filterScale = values.number("filterScale")};
+}
+
+/// Of an eye in which no iris was found.
+const char* whyNoIris(const zellab::Vector2f* points, zellab::EyeSide side) {
+    return zellab::lidGap(points, side) < kClosed ? "has its lids closed" : "shows no iris";
+}
 
 void runAutoEyeBright(EffectRun& run) {
     Image& image = run.image;
-    const auto value = [&run](const char* name) { return run.values.number(name); };
-    forFaces(run, [&](zellab::CInterFacePoint* points, int face) {
-        ZelImageCore::TableSkin::ImageProcessWithAutoEyeBright(
-            image.rgba.data(), image.width, image.height, points, face, value("overallGain"),
-            value("bandOffset"), kReservedShade, value("highlightGain"), value("whiteGain"),
-            value("darkTolerance"), value("irisGain"), value("filterRadius"), value("filterEps"),
-            value("filterScale"));
+    const zellab::EyeTuning tuning = tuningOf(run.values);
+    forFaces(run, [&](zellab::CInterFacePoint* all, int face) {
+        const zellab::Vector2f* points = zellab::facePointsAt(all, face);
+        EyeReasons stay = hiddenEyes(faceAt(run, face));
+        const zellab::EyePair found =
+            zellab::EyeBright::RunOn({stay[0].empty(), stay[1].empty()},
+                                     {image.rgba.data(), image.width, image.height}, points, tuning);
+        if (stay[0].empty() && !found.left) stay[0] = whyNoIris(points, zellab::EyeSide::left);
+        if (stay[1].empty() && !found.right) stay[1] = whyNoIris(points, zellab::EyeSide::right);
+        tellEyesThatStay(face, stay);
         return true;
     });
 }
@@ -29,7 +53,10 @@ std::vector<Effect> eyeEffects() {
     effect.name = "auto-eye-bright";
     effect.title = "Brighten eyes";
     effect.operation = "ZelImageCore::TableSkin::ImageProcessWithAutoEyeBright";
-    effect.summary = "Makes the eyes of faces clearer: whites lifted, irises lighter and crisper";
+    effect.summary =
+        "Makes the eyes of faces clearer: whites lifted, irises lighter and crisper; eyes that are closed, "
+        "or hidden "
+        "by dark glasses or hair, stay";
     effect.parameters = {
         in("%", numberParameter("overallGain", 0, 100, "100", "percent of the whole effect")),
         in("%", numberParameter("whiteGain", 0, 100, "70", "percent by which light whites are lifted")),

@@ -1,7 +1,10 @@
 #include <algorithm>
+#include <cmath>
 
 #include "libzel/effects/effectLists.h"
 #include "libzel/effects/effectParts.h"
+#include "libzel/effects/guessedEyes.h"
+#include "libzel/effects/keptMoles.h"
 #include "libzel/effects/randomTurn.h"
 #include "zel_effects/zel_effects.h"
 
@@ -51,10 +54,16 @@ void runRemoveBlackCircle(EffectRun& run) {
 void runAutoRemoveBlackCircle(EffectRun& run) {
     Image& image = run.image;
     forFaces(run, [&](zellab::CInterFacePoint* points, int face) {
+        const EyeReasons stay = hiddenEyes(faceAt(run, face));
+        tellEyesThatStay(face, stay);
+        const bool left = stay[0].empty(), right = stay[1].empty();
+        if (!left && !right) return true;
+        const Image before = left && right ? Image{} : image;
         CGRect rect = faceRectInPixels(faceAt(run, face), image.width, image.height);
         TableSkin::ImageProcessWithAutoRemoveBlackCircle(image.rgba.data(), image.width, image.height, rect,
                                                          points, face, run.values.number("strength"),
                                                          run.values.integer("method"));
+        if (!left || !right) putBackEyes(image, before, faceAt(run, face), stay);
         return true;
     });
 }
@@ -68,9 +77,17 @@ void addToMaskOut(Mask& all, const Image& image, const std::vector<unsigned char
                    [](unsigned char a, unsigned char b) { return std::max(a, b); });
 }
 
+float pupilDistanceOf(const zellab::CInterFacePoint& points, int face) {
+    constexpr std::size_t kLeftPupil = 169, kRightPupil = 170;
+    const zellab::Vector2f* dense = points.GetInterPoints(face);
+    if (!dense) return 0;
+    return std::hypot(dense[kRightPupil].x - dense[kLeftPupil].x, dense[kRightPupil].y - dense[kLeftPupil].y);
+}
+
 void runAutoFaceInpaint(EffectRun& run) {
     constexpr unsigned char kSearched = 255;
     Image& image = run.image;
+    const bool keepMoles = run.values.text("moles") == "keep";
     std::vector<unsigned char> searched;
     if (run.mask)
         searched = maskCopy(run);
@@ -79,9 +96,11 @@ void runAutoFaceInpaint(EffectRun& run) {
     forFaces(run, [&](zellab::CInterFacePoint* points, int face) {
         CGRect rect = faceRectInPixels(faceAt(run, face), image.width, image.height);
         std::vector<unsigned char> mask = searched;  // each face gets its own skin back in it
+        const Image before = keepMoles ? image : Image{};
         TableSkin::ImageProcessWithAutoFaceInpaint(image.rgba.data(), mask.empty() ? nullptr : mask.data(),
                                                    image.width, image.height, rect, points, face,
                                                    run.values.text("method") == "fine" ? 1 : 0);
+        if (keepMoles) putBackMoles(image, before, pupilDistanceOf(*points, face));
         if (run.maskOut) addToMaskOut(*run.maskOut, image, mask);
         return true;
     });
@@ -98,6 +117,10 @@ Effect autoFaceInpaint() {
             "method", {"flecks", "fine"}, "fine",
             "fine works at 640 pixels and follows the distance of the eyes; flecks finds more on a copy "
             "of 280 pixels, and takes stubble and glasses' rims for spots"),
+        choiceParameter(
+            "moles", {"remove", "keep"}, "remove",
+            "keep puts back spots that are round, large and dark in red too, as pimples and freckles "
+            "are not"),
         faceIndexParameter()};
     effect.faces = ZEL_REQUIRED;
     effect.mask = ZEL_OPTIONAL;

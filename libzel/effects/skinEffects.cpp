@@ -96,7 +96,8 @@ Effect skinEffect() {
     effect.operation = "ZelImageCore::TableSkin::ImageProcessWithSkin";
     effect.summary = "Smooths reddish surfaces between their edges, and brightens and tones everything";
     effect.parameters = {
-        numberParameter("radius", 0, 100, "8", "of the smoothing in pixels; at 0 the tone alone is applied"),
+        in("pixels", numberParameter("radius", 0, 100, "8",
+                                     "of the smoothing in pixels; at 0 the tone alone is applied")),
         numberParameter("mix", 0, 10, "7", "share of the smoothing, in tenths"),
         brightnessParameter("brightness, truncated to whole steps; 0 lifts a little as well"),
         numberParameter("tone", -1, 1, "0", "above 0 warmer, below 0 cooler")};

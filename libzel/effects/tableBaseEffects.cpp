@@ -90,8 +90,9 @@ Effect sharpEffect() {
     effect.parameters = {
         numberParameter("amount", -1, 10, "0.2",
                         "0 leaves the picture; above 0 sharpens by four times as much; below 0 softens"),
-        integerParameter("radius", 0, kLargestRadius, "0",
-                         "radius of the blurred copy in pixels; 0: one for every 640 of the longer side")};
+        in("pixels", integerParameter(
+                         "radius", 0, kLargestRadius, "0",
+                         "radius of the blurred copy in pixels; 0: one for every 640 of the longer side"))};
     effect.example = "zel apply sharp photo.jpg -o crisp.jpg --set amount=0.3";
     effect.run = runSharp;
     return effect;
@@ -117,8 +118,8 @@ Effect mosaicEffect() {
     effect.title = "Mosaic";
     effect.operation = "ZelImageCore::TableBase::ImageProcessWithMosaic";
     effect.summary = "Replaces blocks by their mean colour";
-    effect.parameters = {
-        integerParameter("blockSize", 1, kLargestSide, "16", "side of a block in pixels; 1 acts as 2")};
+    effect.parameters = {in("pixels", integerParameter("blockSize", 1, kLargestSide, "16",
+                                                       "side of a block in pixels; 1 acts as 2"))};
     effect.example = "zel apply mosaic photo.jpg -o blocks.png --set blockSize=24";
     effect.run = runMosaic;
     return effect;

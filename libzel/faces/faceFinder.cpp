@@ -5,7 +5,9 @@
 #include <numbers>
 #include <optional>
 
+#include "libzel/faces/colourPyramid.h"
 #include "libzel/faces/foundFace.h"
+#include "libzel/faces/guessedGroups.h"
 #include "libzel/faces/landmarkFit.h"
 #include "libzel/faces/turnedLuma.h"
 
@@ -108,8 +110,12 @@ FaceSet findFaces(const Image& image, FaceDetector& detector) {
                });
     });
     FaceSet found{image.width, image.height, {}};
-    for (const Candidate& face : distinct(candidates))
+    if (candidates.empty()) return found;
+    const ColourPyramid colours({image.rgba.data(), image.width, image.height});
+    for (const Candidate& face : distinct(candidates)) {
         found.faces.push_back(foundFace(face.fit.points, image.width, image.height, face.fit.confidence));
+        found.faces.back().guessed = guessedGroups(colours, face.fit.points);
+    }
     return found;
 }
 

@@ -14,6 +14,8 @@ namespace {
 
 using namespace zel;
 
+static_assert(kFaceGroups == ZEL_FACE_GROUPS);
+
 Face ownFace(const zel_face& face, const std::string& name) {
     const auto inRange = [&](float fraction) {
         if (!(fraction >= static_cast<float>(kLeastFraction) &&
@@ -29,6 +31,11 @@ Face ownFace(const zel_face& face, const std::string& name) {
         own.points[i] = {inRange(face.points[i][0]), inRange(face.points[i][1])};
     if (!(face.confidence <= 1)) throw Failure(name + " has a confidence above 1", ZEL_BAD_VALUE);
     if (face.confidence >= 0) own.confidence = face.confidence;
+    for (std::size_t i = 0; i < own.guessed.size(); ++i) {
+        if (!(face.guessed[i] >= 0 && face.guessed[i] <= 1))
+            throw Failure(name + " has a guessed group outside 0 to 1", ZEL_BAD_VALUE);
+        own.guessed[i] = face.guessed[i];
+    }
     return own;
 }
 
@@ -44,6 +51,7 @@ zel_face hostFace(const Face& face) {
         own.points[i][1] = face.points[i].y;
     }
     own.confidence = face.confidence.value_or(-1.0f);
+    std::copy(face.guessed.begin(), face.guessed.end(), own.guessed);
     return own;
 }
 

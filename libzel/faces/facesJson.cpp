@@ -1,5 +1,7 @@
 #include "libzel/faces/facesJson.h"
 
+#include <algorithm>
+#include <array>
 #include <cmath>
 #include <nlohmann/json.hpp>
 #include <sstream>
@@ -11,6 +13,10 @@ namespace zel {
 namespace {
 
 using Json = nlohmann::json;
+
+/// By zel_face_group.
+constexpr std::array<const char*, kFaceGroups> kGroupNames{"contour",  "leftBrow", "rightBrow", "leftEye",
+                                                           "rightEye", "nose",     "mouth"};
 
 [[noreturn]] void fail(const std::string& where, const std::string& why) {
     throw Failure(where.empty() ? why : where + ": " + why);
@@ -43,10 +49,22 @@ float fraction(const Json& value, const std::string& where) {
     return static_cast<float>(number);
 }
 
-float confidenceOf(const Json& value, const std::string& where) {
+float shareOf(const Json& value, const std::string& where) {
     const double number = value.is_number() ? value.get<double>() : -1;
     if (!(number >= 0 && number <= 1)) fail(where, "must be a number from 0 to 1");
     return static_cast<float>(number);
+}
+
+std::array<float, kFaceGroups> guessedOf(const Json& groups, const std::string& where) {
+    if (!groups.is_object()) fail(where, "must be an object");
+    std::array<float, kFaceGroups> guessed{};
+    for (const auto& [name, value] : groups.items()) {
+        const auto group = std::find(kGroupNames.begin(), kGroupNames.end(), name);
+        if (group == kGroupNames.end())
+            fail(where, "the groups are contour, leftBrow, rightBrow, leftEye, rightEye, nose and mouth");
+        guessed[static_cast<std::size_t>(group - kGroupNames.begin())] = shareOf(value, where + ": " + name);
+    }
+    return guessed;
 }
 
 /// A list with `count` entries; `what` names one entry in the plural.
@@ -72,7 +90,9 @@ Face parseFace(const Json& json, const std::string& where) {
         face.points[i] = {fraction(pair[0], place), fraction(pair[1], place)};
     }
     if (const auto told = json.find("confidence"); told != json.end())
-        face.confidence = confidenceOf(*told, where + ": confidence");
+        face.confidence = shareOf(*told, where + ": confidence");
+    if (const auto told = json.find("guessed"); told != json.end())
+        face.guessed = guessedOf(*told, where + ": guessed");
     return face;
 }
 
@@ -121,6 +141,8 @@ std::string formatFaces(const FaceSet& set) {
             points.push_back(Json::array({shortNumber(point.x), shortNumber(point.y)}));
         faces.push_back({{"rect", rect}, {"points", points}});
         if (face.confidence) faces.back()["confidence"] = shortNumber(*face.confidence);
+        for (std::size_t i = 0; i < face.guessed.size(); ++i)
+            if (face.guessed[i] > 0) faces.back()["guessed"][kGroupNames[i]] = shortNumber(face.guessed[i]);
     }
     const Json root = {{"image", {{"width", set.width}, {"height", set.height}}}, {"faces", faces}};
     return root.dump() + "\n";

@@ -7,6 +7,7 @@
 #include "frame/processorCount.h"
 #include "libzel/faces/faceDetectorNet.h"
 #include "libzel/faces/foundFace.h"
+#include "libzel/faces/guessedGroups.h"
 #include "libzel/faces/meshLandmarks.h"
 #include "zellab/imageproc/core/parallelRows.h"
 
@@ -161,7 +162,9 @@ FaceSet NetworkFinder::find(zellab::ConstImageView whole) const {
         const SeenFace& face = seen[index];
         FaceMesh mesh = m_refined ? m_refined->fit(picture, face.square) : face.mesh;
         if (!mesh.isFinite()) mesh = face.mesh;
-        faces[index] = foundFace(rounded(meshLandmarks(mesh)), whole.width, whole.height, face.trust);
+        const Landmarks points = rounded(meshLandmarks(mesh));
+        faces[index] = foundFace(points, whole.width, whole.height, face.trust);
+        faces[index].guessed = guessedGroups(picture, points);
     });
     std::erase_if(faces, [](const Face& face) { return !(face.rect[2] > 0 && face.rect[3] > 0); });
     return {whole.width, whole.height, std::move(faces)};

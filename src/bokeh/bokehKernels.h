@@ -10,12 +10,12 @@ namespace zellab::Bokeh {
 /// The kernels of one shape: a square of weights 0..255 for each radius, and with spin for each of the 120
 /// records too. The kernel of radius 0 is the single weight 1.
 ///
-/// Rows stand kPitch bytes apart with zeros around them, so that any window of eight weights that begins
+/// Rows stand kPitch bytes apart with zeros around them, so that any window of sixteen weights that begins
 /// within kReach of the middle column can be loaded, whatever the radius; a row of zeros serves the
 /// distances that a radius does not reach.
 class KernelSet {
 public:
-    static constexpr int kReach = 40;  // bytes before and after the middle column that may be read
+    static constexpr int kReach = 48;  // bytes before and after the middle column that may be read
     static constexpr int kPitch = 2 * kReach + 1;
 
     /// Every radius 0..30 from frame 0.

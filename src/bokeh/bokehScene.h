@@ -1,22 +1,16 @@
 #pragma once
 
-#include <cstdint>
+#include <memory>
 #include <string>
 #include <vector>
 
+#include "bokeh/backEnd.h"
 #include "bokeh/focusPoints.h"
 #include "bokeh/lookParameters.h"
-#include "gl/shaderCache.h"
-#include "gl/texture2D.h"
+#include "bokeh/renderPasses.h"
 #include "zellab/imageproc/core/imageView.h"
 
 namespace zellab::Bokeh {
-
-/// The two ways of drawing points of light.
-enum BokehType : std::int16_t {
-    kStripBokeh = 0,  ///< a strip of six frames, shared between both processors
-    kFreeBokeh = 1,   ///< one kernel of 300 by 300, on the graphics processor alone
-};
 
 /// What one render is asked for. The views and what they show are read while it runs, and no longer.
 struct RenderJob {
@@ -36,22 +30,15 @@ struct RenderJob {
     PlaneView<const Byte> kernel;     ///< the shape, by the type; of any size, and scaled to what is read
 };
 
-/// What became of a render. All but `drawn` leave the target alone and put one line into the log.
-enum class RenderOutcome : std::uint8_t { drawn = 1, noContext, faultyShaders, tooLarge };
-
 /// One blurred picture from a picture, its disparity and a shape of bokeh. Lives for one render, on the
-/// thread whose OpenGL context is current from create() to the destructor.
+/// thread whose OpenGL context is current from the constructor to the destructor, if OpenGL draws.
 class BokehScene {
 public:
-    BokehScene();
-    /// Releases the programs first, then the textures.
-    ~BokehScene();
-    BokehScene(const BokehScene&) = delete;
-    BokehScene& operator=(const BokehScene&) = delete;
+    explicit BokehScene(BackEnd backEnd);
 
-    /// Loads the shader file of the folder and draws the noise.
-    /// @return whether the shader file was read whole; without it a render draws nothing
-    bool create(const std::string& resourceDir);
+    /// Reads what the back end needs from the folder.
+    /// @return whether it was read whole; without it a render draws nothing
+    bool load(const std::string& resourceDir);
 
     RenderOutcome render(const RenderJob& job);
 
@@ -62,12 +49,9 @@ private:
     static void prepareKernel(Frame& frame);
     static void prepareHair(Frame& frame);
     static void prepareRadii(Frame& frame);
-    bool convolve(Frame& frame);
-    bool convolveByType(const Frame& frame, const Texture2D& weights, const LookValues& look,
-                        const Texture2D& blur);
+    bool blur(const Frame& frame);
 
-    ShaderCache m_shaders;
-    Texture2D m_noise;
+    std::unique_ptr<RenderPasses> m_passes;
 };
 
 }  // namespace zellab::Bokeh

@@ -1,12 +1,9 @@
 #include <algorithm>
-#include <array>
-#include <string>
 
 #include "bokeh/passDraw.h"
 #include "bokeh/passTables.h"
 #include "bokeh/passes.h"
 #include "bokeh/tileGrid.h"
-#include "gl/glApi.h"
 #include "gl/glLog.h"
 
 namespace zellab::Bokeh {
@@ -107,22 +104,6 @@ bool convolveFree(ShaderCache& cache, const ConvolutionTextures& textures, const
         .setTexture("tex_bokeh_radius", nearest(textures.radius), 3);
     setLook(program, look);
     return drawOver(target, program);
-}
-
-bool isSoftwareRenderer(const char* name) {
-    if (!name) return false;
-    std::string lower(name);
-    for (char& c : lower)
-        if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
-    constexpr std::array kSoftware = {"llvmpipe",    "softpipe",    "swr",
-                                      "swiftshader", "gdi generic", "microsoft basic render driver"};
-    return std::any_of(kSoftware.begin(), kSoftware.end(),
-                       [&](const char* software) { return lower.find(software) != std::string::npos; });
-}
-
-bool rendersOnProcessor() {
-    return gl::glUsable() &&
-           isSoftwareRenderer(reinterpret_cast<const char*>(gl::glCore().getString(GL_RENDERER)));
 }
 
 }  // namespace zellab::Bokeh

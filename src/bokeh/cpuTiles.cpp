@@ -32,6 +32,25 @@ Plane<Byte> constantRadius(const ConvolutionSource& source) {
     return plane;
 }
 
+/// All that tiles are gathered from.
+class Convolution {
+public:
+    Convolution(const ConvolutionSource& source, platform::SimdLevel level, int workers)
+        : m_kernels(kernelsFor(source)),
+          m_weights(weightPlane(source.image, source.look)),
+          m_constant(constantRadius(source)),
+          m_gather({source.image, source.radius.valid() ? source.radius : m_constant.view(), m_weights.view(),
+                    source.spin, &m_kernels, std::max(source.maximumRadius, 0), source.look},
+                   level, workers) {}
+    void gather(const Tile& tile, const ImageView& target) const { m_gather.gather(tile, target); }
+
+private:
+    KernelSet m_kernels;
+    Plane<std::uint16_t> m_weights;
+    Plane<Byte> m_constant;
+    TileGather m_gather;
+};
+
 std::vector<CpuTile> computeTilesAt(const ConvolutionSource& source, std::atomic<int>& next, int workers,
                                     platform::SimdLevel level) {
     const TileGrid grid(source.image.width, source.image.height);
@@ -40,18 +59,12 @@ std::vector<CpuTile> computeTilesAt(const ConvolutionSource& source, std::atomic
     if (number >= grid.count()) return tiles;
 
     const WorkerCount count(workers);
-    const KernelSet kernels = kernelsFor(source);
-    const Plane<std::uint16_t> weights = weightPlane(source.image, source.look);
-    const Plane<Byte> constant = constantRadius(source);
-    const auto radius = source.radius.valid() ? source.radius : constant.view();
-    const TileGather gather({source.image, radius, weights.view(), source.spin, &kernels,
-                             std::max(source.maximumRadius, 0), source.look},
-                            level, workers);
+    const Convolution convolution(source, level, workers);
     for (; number < grid.count(); number = next.fetch_add(1)) {
         const Tile place = grid.tile(number);
         CpuTile& tile = tiles.emplace_back(
             CpuTile{place, std::vector<Byte>(sampleCount(place.width, place.height, ImageView::kChannels))});
-        gather.gather(place, {tile.pixels.data(), place.width, place.height});
+        convolution.gather(place, {tile.pixels.data(), place.width, place.height});
     }
     return tiles;
 }
@@ -75,6 +88,11 @@ std::future<std::vector<CpuTile>> startTileChore(const ConvolutionSource& source
     } catch (const std::system_error&) {
         return {};
     }
+}
+
+void convolvePicture(const ConvolutionSource& source, const ImageView& target) {
+    Convolution(source, platform::simdLevel(), ProcessorCount())
+        .gather({0, 0, source.image.width, source.image.height}, target);
 }
 
 }  // namespace zellab::Bokeh

@@ -35,4 +35,7 @@ std::future<std::vector<CpuTile>> startTileChore(const ConvolutionSource& source
 /// The chore's work, on the calling thread and its team.
 std::vector<CpuTile> computeTiles(const ConvolutionSource& source, std::atomic<int>& next, int workers);
 
+/// The whole convolution at once, into a picture of the source's size that does not overlap it.
+void convolvePicture(const ConvolutionSource& source, const ImageView& target);
+
 }  // namespace zellab::Bokeh

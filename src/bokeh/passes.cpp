@@ -80,7 +80,13 @@ bool compose(ShaderCache& cache, const CompositionTextures& textures, float disp
         .setTexture("tex_noise", mirrored(textures.noise), 1)
         .setTexture("tex_origin", textures.source, 2)
         .setTexture("tex_radius", textures.radius, 3)
-        .setTexture("tex_bokeh", textures.kernel, 4);
+        .setTexture("tex_bokeh", textures.kernel, 4)
+        .setTexture("tex_grain", linear(textures.grain), 5);
+    if (!textures.grain.isEmpty()) {
+        constexpr auto kCell = static_cast<float>(GrainMap::kCellSide);
+        program.setVec2("grain_reso", 1.0f / (kCell * static_cast<float>(textures.grain.width())),
+                        1.0f / (kCell * static_cast<float>(textures.grain.height())));
+    }
     return drawOver(target, program);
 }
 
@@ -108,6 +114,10 @@ bool applyLuts(ShaderCache& cache, const LutTextures& textures, float ratioBackg
         .setFloat("ratio_background", ratioBackground)
         .setFloat("ratio_global", ratioGlobal);
     return drawOver(target, program);
+}
+
+Texture2D makeGrainTexture(const GrainMap& map) {
+    return {map.across, map.down, kOrderRgba, kTypeFloat, map.strengths.data()};
 }
 
 Texture2D makeNoiseTexture() {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "bokeh/cpuTiles.h"
+#include "bokeh/grainMap.h"
 #include "bokeh/lookParameters.h"
 #include "gl/shaderCache.h"
 #include "gl/texture2D.h"
@@ -46,12 +47,6 @@ struct ConvolutionTextures {
 bool convolve(ShaderCache& cache, const ConvolutionTextures& textures, const ConvolutionSource& processor,
               bool cpuOnly, const Texture2D& target);
 
-/// Whether the driver of the current context is a software rasteriser. Tiles are then better left to the
-/// processor's own loops.
-bool rendersOnProcessor();
-/// The same from what a driver calls itself; null is no software.
-bool isSoftwareRenderer(const char* name);
-
 /// How the free shape bends over the field; 0 leaves it alone.
 struct FreeShape {
     float corrosion = 0.0f, radial = 0.0f, swirly = 0.0f, curvature = 0.0f;
@@ -70,7 +65,11 @@ struct CompositionTextures {
     Texture2D soft, noise, source;
     Texture2D radius;  // blur radii in pixels of the photograph
     Texture2D kernel;  // the strip, or empty
+    Texture2D grain;   // of makeGrainTexture
 };
+
+/// The strengths of a photograph's grain.
+Texture2D makeGrainTexture(const GrainMap& map);
 
 /// The photograph, its small blurs and the soft picture by the radius, with the photograph's grain.
 /// `dispersion` is a share of the radius, `scaleRatio` the photograph's pixels across a working pixel.

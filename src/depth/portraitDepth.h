@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <memory>
 #include <vector>
 
@@ -23,11 +24,18 @@ struct PortraitDepthPlanes {
     Plane<Byte> raw;         // as the network gives it
     Plane<Byte> confidence;
     Plane<Byte> refined;
+    Plane<Byte> unmasked;  // refined without the person mask; empty where there was none
 };
 
+/// The person mask for the depth that the network gives, or none: who is meant may depend on it.
+using PersonMaskOf = std::function<PlaneView<const Byte>(PlaneView<const Byte> raw)>;
+
 /// Estimates and refines the depth of a picture of any size.
-/// @param mask  person mask, or none
+/// @param mask  asked once, where the network ran; empty: no mask
 /// Rows are tightly packed. The planes of a run that failed hold zeros.
+PortraitDepthPlanes estimatePortraitDepth(DepthEngine& engine, ConstImageView image,
+                                          const PersonMaskOf& mask);
+/// @param mask  person mask, or none
 PortraitDepthPlanes estimatePortraitDepth(DepthEngine& engine, ConstImageView image,
                                           PlaneView<const Byte> mask);
 
@@ -47,7 +55,7 @@ public:
     /// Loads an ONNX network from a file, or portrait_depth.onnx from a folder.
     bool load(const char* path);
     /// See estimatePortraitDepth; needs a loaded network.
-    PortraitDepthPlanes estimate(ConstImageView image, PlaneView<const Byte> mask);
+    PortraitDepthPlanes estimate(ConstImageView image, const PersonMaskOf& mask);
 
 private:
     struct Deleter {

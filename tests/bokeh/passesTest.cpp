@@ -6,6 +6,7 @@
 #include <numeric>
 #include <random>
 
+#include "bokeh/backEnd.h"
 #include "bokeh/passTables.h"
 #include "bokeh/shaderKeys.h"
 #include "glScene.h"
@@ -25,7 +26,8 @@ protected:
                                            makeNoiseTexture(),
                                            rgbaTexture(width, height, photograph.data()),
                                            planeTexture(w, h, radius.data()),
-                                           {}};
+                                           {},
+                                           makeGrainTexture(grainMap({photograph.data(), width, height}))};
         EXPECT_TRUE(compose(cache, textures, 0.0f, 2.0f, target));
         return readRgba(target);
     }
@@ -144,9 +146,9 @@ TEST_F(Passes, HairKeepsThePhotographByItsMask) {
 }
 
 TEST(Renderers, ThoseInSoftwareAreKnownByTheirNamesInAnyCase) {
-    for (const char* name :
-         {"llvmpipe (LLVM 15.0.6, 256 bits)", "LLVMPIPE", "softpipe", "SWR (x)", "Google SwiftShader",
-          "GDI Generic", "Microsoft Basic Render Driver", "D3D12 (Microsoft Basic Render Driver)"})
+    for (const char* name : {"llvmpipe (LLVM 15.0.6, 256 bits)", "LLVMPIPE", "softpipe", "SWR (x)",
+                             "Software Rasterizer", "Google SwiftShader", "GDI Generic",
+                             "Microsoft Basic Render Driver", "D3D12 (Microsoft Basic Render Driver)"})
         EXPECT_TRUE(isSoftwareRenderer(name)) << name;
     for (const char* name : {"", "Quadro 4000/PCIe/SSE2", "HD Graphics 620 (KBL GT2)"})
         EXPECT_FALSE(isSoftwareRenderer(name)) << name;

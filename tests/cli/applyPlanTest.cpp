@@ -31,7 +31,7 @@ TEST(ApplyPlan, SeveralInputsShareAFolderWithSheetsAndFaces) {
     const TemporaryFolder folder;
     auto options = optionsFor({"x/a.jpeg", "y/b.bmp"}, folder / "out");
     options.compare = folder / "out";
-    options.maskOut = folder / "out";
+    options.steps.emplace_back().maskOut = folder / "out";
     options.faces = folder.path().string();
     const auto plan = zelcli::planApply(options);
     EXPECT_EQ(plan.items[0].output.shown, folder / "out/a.jpeg");
@@ -58,7 +58,7 @@ TEST(ApplyPlan, RefusesWhatCouldNotBeMeant) {
     for (const auto& options : cases)
         EXPECT_THROW(zelcli::planApply(options), zelcli::UsageError) << options.output;
     auto sheet = optionsFor({"a.png"}, "b.png"), mask = sheet;
-    sheet.compare = mask.maskOut = "./b.png";
+    sheet.compare = mask.steps.emplace_back().maskOut = "./b.png";
     EXPECT_THROW(zelcli::planApply(sheet), zelcli::UsageError);
     EXPECT_THROW(zelcli::planApply(mask), zelcli::UsageError);
 }

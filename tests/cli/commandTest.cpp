@@ -4,7 +4,6 @@
 
 #include <algorithm>
 
-#include "cli/files/exifBlock.h"
 #include "cli/files/facesFile.h"
 #include "cli/files/readPicture.h"
 #include "cli/files/writePicture.h"
@@ -27,12 +26,17 @@ TEST(Command, WrongUsageIsStatusTwoInOneLineAndTouchesNothing) {
                     {"apply bright a.png -o o.png --set level=11", "0..10"},
                     {"apply bright a.png -o o.png --jbos 2", "did you mean '--jobs'?"},
                     {"apply bright a.png -o o.png --jobs 0", "1 to 64"},
+                    {"apply bright a.png -o o.png --level=3", "bright takes it as --set level=VALUE"},
+                    {"apply bright a.png -o o.png --overwrite", "here it is --in-place"},
+                    {"apply bright -o o.png -- --help", "--help: No such file", 1},
+                    {"apply bright a.png -o o.png --face none", "--face is all, largest"},
+                    {"help aply", "did you mean"},
                     {"apply bright a.png -o o.png --mask a.png", "takes no --mask"},
                     {"apply bright a.png -o o.png --mask-out m.png", "takes no --mask-out"},
                     {"apply auto-face-inpaint a.png -o o.png --mask-out m.jpg", "must end in .png"},
                     {"apply bright a.png", "--output"},
                     {"apply bright -o o.png", "IN"},
-                    {"apply bright a.png -o o.tiff", ".png, .jpg or .jpeg"},
+                    {"apply bright a.png -o o.bmp", ".webp or .avif"},
                     {"apply", "EFFECT"},
                     {"--nonsense", "--nonsense"},
                     {"portrait -o o.png --set mole=3", "did you mean 'moles'?"},
@@ -65,6 +69,26 @@ TEST(Command, HelpTeachesByExampleAndListsEveryEffect) {
         EXPECT_THAT(man, HasSubstr(section));
 }
 
+TEST(Command, CompletionsKnowEveryEffectAndAreWhatTheirShellReads) {
+    const TemporaryFolder folder;
+    for (const std::string shell : {"bash", "zsh", "fish"}) {
+        const std::string text = expectOk(runZel(folder, "completion " + shell)).out;
+        for (const zel_effect* effect : zelcli::allEffects())
+            EXPECT_THAT(text, HasSubstr(effect->name)) << shell;
+        for (const char* word : {"in-place", "overlay", "blurLevel="})
+            EXPECT_THAT(text, HasSubstr(word)) << shell;
+        zelcli::writeText(folder / shell, text);
+        const std::string check = "command -v " + shell + " > /dev/null || exit 0; " + shell + " -n ";
+        EXPECT_EQ(std::system((check + (folder / shell)).c_str()), 0) << shell;
+    }
+    // The words of an effect that stands on the line.
+    zelcli::writeText(folder / "ask",
+                      "source ./bash\ncompopt() { :; }\nCOMP_WORDS=(zel apply bright --set le)\n"
+                      "COMP_CWORD=4\n_zel\necho \"${COMPREPLY[*]}\" > answer\n");
+    EXPECT_EQ(std::system(("cd '" + folder.path().string() + "' && bash ask").c_str()), 0);
+    EXPECT_EQ(readText(folder / "answer"), "level=\n");
+}
+
 TEST(Command, AFailingInputLeavesItsOutputAndTheOthersGoOn) {
     const TemporaryFolder folder;
     std::filesystem::create_directories(folder / "out");
@@ -79,8 +103,8 @@ TEST(Command, AFailingInputLeavesItsOutputAndTheOthersGoOn) {
     EXPECT_THAT(run.err, HasSubstr("zel: gone.png: No such file or directory\n"));
     EXPECT_EQ(std::count(run.err.begin(), run.err.end(), '\n'), 2) << run.err;
     EXPECT_EQ(readText(folder / "out/b.png"), "old");
-    EXPECT_EQ(zelcli::readPicture(folder / "out/a.png", false).image.height, 30);
-    EXPECT_EQ(zelcli::readPicture(folder / "out/c.jpg", false).image.height, 20);
+    EXPECT_EQ(zelcli::readPicture(folder / "out/a.png").image.height, 30);
+    EXPECT_EQ(zelcli::readPicture(folder / "out/c.jpg").image.height, 20);
     EXPECT_EQ(std::distance(std::filesystem::directory_iterator(folder / "out"), {}), 3);
 }
 
@@ -106,26 +130,16 @@ TEST(Command, FourJobsWriteTheBytesOfOne) {
     }
 }
 
-TEST(Command, CarriesExifAndProfileBetweenFormatsAndWritesTheSheet) {
+TEST(Command, AMissingFolderForTheOutputStopsTheSheetToo) {
     const TemporaryFolder folder;
-    zelcli::Image image = testImage(64, 40, 3);
-    image.exif = exifBlock(6);
-    image.iccProfile = colourProfile("RGB ");
-    zelcli::writePicture(folder / "in.jpg", image);
+    zelcli::writePicture(folder / "in.jpg", testImage(64, 40, 3));
     const ProgramRun run = runZel(
         folder, "apply mascara in.jpg -o sub/../out.png --compare sheet.png --assets . --set radius=2");
-    // The folder "sub" is not there: nothing is written, and the line names the output.
     EXPECT_EQ(run.status, 1) << run.err;
     EXPECT_THAT(run.err, HasSubstr("zel: sub/../out.png: cannot be written"));
     EXPECT_FALSE(std::filesystem::exists(folder / "sheet.png"));
-
     expectOk(runZel(folder, "apply mascara in.jpg -o out.png --compare sheet.png --set radius=2"));
-    const zelcli::Image out = zelcli::readPicture(folder / "out.png", false).image;
-    EXPECT_EQ(out.width, 40);
-    EXPECT_EQ(out.iccProfile, image.iccProfile);
-    EXPECT_EQ(out.exif.size(), image.exif.size());
-    EXPECT_EQ(zelcli::exifOrientation(out.exif), 1);
-    EXPECT_GT(zelcli::readPicture(folder / "sheet.png", false).image.width, 2 * 40);
+    EXPECT_GT(zelcli::readPicture(folder / "sheet.png").image.width, 2 * 64);
 }
 
 TEST(Command, ReadsScrambledFilesOnlyWhenToldSo) {
@@ -142,7 +156,7 @@ TEST(Command, ReadsScrambledFilesOnlyWhenToldSo) {
     writeBytes(folder / "s.bin", bytes);
     EXPECT_EQ(runZel(folder, "apply mascara s.bin -o o.png --set level=0").status, 1);
     expectOk(runZel(folder, "apply mascara s.bin -o o.png --set level=0 --scrambled"));
-    EXPECT_EQ(zelcli::readPicture(folder / "o.png", false).image.rgba, testImage(9, 7, 4).rgba);
+    EXPECT_EQ(zelcli::readPicture(folder / "o.png").image.rgba, testImage(9, 7, 4).rgba);
 }
 
 /// A .cube file with the colours of red and blue exchanged.
@@ -157,7 +171,7 @@ TEST(Command, AppliesALookFromACubeFile) {
     const std::string words = "apply scenario in.png -o out.png --set type=portrait --set alpha=1 --cube ";
     const ProgramRun run = expectOk(runZel(folder, words + "look.cube"));
     EXPECT_THAT(run.err, testing::Not(HasSubstr("face")));
-    const zelcli::Image out = zelcli::readPicture(folder / "out.png", false).image;
+    const zelcli::Image out = zelcli::readPicture(folder / "out.png").image;
     for (std::size_t i = 0; i < image.rgba.size(); i += 4)
         for (std::size_t c = 0; c < 3; ++c) ASSERT_NEAR(out.rgba[i + c], image.rgba[i + 2 - c], 2) << i;
 
@@ -185,7 +199,7 @@ TEST(Command, MaskOutHoldsTheSkinThatTheRepairFound) {
     EXPECT_GT(found * 2, onSkin);
 
     // What --mask leaves out comes back black, the rest as before.
-    zelcli::Image half = zelcli::readPicture(folder / "p.png", false).image;
+    zelcli::Image half = zelcli::readPicture(folder / "p.png").image;
     for (std::size_t i = 0; i < half.rgba.size(); ++i)
         half.rgba[i] = i < half.rgba.size() / 2 || i % 4 == 3 ? 255 : 0;
     zelcli::writePicture(folder / "half.png", half);

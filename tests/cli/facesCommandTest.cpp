@@ -34,8 +34,9 @@ TEST(FacesCommand, WritesFaceDataThatApplyTakesAndApplyFindsTheSameByItself) {
     EXPECT_EQ(zel_faces_size(set.get(), &width, &height), ZEL_OK);
     EXPECT_EQ(width, 260);
     EXPECT_GT(libzel::faceAt(set.get(), 0).confidence, 0.4f);
+    EXPECT_EQ(expectOk(runZel(folder, "faces p.png -o - --quiet")).out, readText(folder / "p.json"));
     // The overlay is enlarged and shows more than the picture.
-    const zelcli::Image overlay = zelcli::readPicture(folder / "o.png", false).image;
+    const zelcli::Image overlay = zelcli::readPicture(folder / "o.png").image;
     EXPECT_EQ(overlay.width % 260, 0);
     EXPECT_GT(overlay.width, 1000);
 
@@ -43,8 +44,8 @@ TEST(FacesCommand, WritesFaceDataThatApplyTakesAndApplyFindsTheSameByItself) {
     const ProgramRun found = expectOk(runZel(folder, "apply auto-slim-face p.png -o found.png"));
     EXPECT_THAT(found.err, HasSubstr("p.png: 1 face found"));
     EXPECT_EQ(readBytes(folder / "found.png"), readBytes(folder / "given.png"));
-    EXPECT_NE(zelcli::readPicture(folder / "found.png", false).image.rgba,
-              zelcli::readPicture(folder / "p.png", false).image.rgba);
+    EXPECT_NE(zelcli::readPicture(folder / "found.png").image.rgba,
+              zelcli::readPicture(folder / "p.png").image.rgba);
 }
 
 TEST(FacesCommand, NoFaceIsAnEmptyListWithANoteAndStopsWhatNeedsFaces) {
@@ -83,7 +84,7 @@ TEST(FacesCommand, WrongUsageIsStatusTwo) {
                    {{"a.png", "--output"},
                     {"a.png sub/a.png -o f.json", "must be a folder"},
                     {"a.png sub/a.png -o f/", "written twice"},
-                    {"a.png -o f.json --overlay o.tiff", ".png, .jpg or .jpeg"}});
+                    {"a.png -o f.json --overlay o.bmp", ".webp or .avif"}});
     EXPECT_FALSE(std::filesystem::exists(folder / "f"));
 }
 

@@ -23,44 +23,9 @@ inline std::string readText(const std::string& path) {
 
 /// A picture with shapes and edges; opaque unless asked.
 inline zelcli::Image testImage(int width, int height, unsigned seed, bool opaque = true) {
-    zelcli::Image image{width, height, patternRgba(width, height, seed), {}, {}};
+    zelcli::Image image{width, height, patternRgba(width, height, seed)};
     for (std::size_t i = 3; opaque && i < image.rgba.size(); i += 4) image.rgba[i] = 255;
     return image;
-}
-
-/// A small EXIF block, big-endian: orientation, a link to the Exif directory with the picture's size, a
-/// maker's note, and a thumbnail directory behind it.
-inline Bytes exifBlock(unsigned char orientation) {
-    return {'M',  'M',  0,    42,   0, 0, 0, 8,                                 // head, first directory at 8
-            0,    2,                                                            // two entries
-            0x01, 0x12, 0,    3,    0, 0, 0, 1, 0,    orientation, 0,    0,     // orientation, SHORT
-            0x87, 0x69, 0,    4,    0, 0, 0, 1, 0,    0,           0,    38,    // Exif directory at 38, LONG
-            0,    0,    0,    80,                                               // thumbnail directory at 80
-            0,    3,                                                            // three entries
-            0xA0, 0x02, 0,    4,    0, 0, 0, 1, 0,    0,           0x12, 0x34,  // width, LONG
-            0xA0, 0x03, 0,    3,    0, 0, 0, 1, 0x56, 0x78,        0,    0,     // height, SHORT
-            0x92, 0x7C, 0,    7,    0, 0, 0, 4, 'n',  'o',         't',  'e',   // maker's note
-            0,    0,    0,    0,                                                // no next directory
-            0,    1,    0x01, 0x12, 0, 3, 0, 0, 0,    1,           0,    orientation, 0, 0, 0, 0, 0, 0};
-}
-
-/// A colour profile as far as anybody looks who only carries it: length, version, class, colour space
-/// ("RGB ", "CMYK", ...) and signature.
-inline Bytes colourProfile(const std::string& space, std::size_t size = 3000) {
-    Bytes profile = randomBytes(size, 99);
-    std::fill(profile.begin(), profile.begin() + 132, static_cast<unsigned char>(0));
-    for (std::size_t i = 0; i < 4; ++i) profile[i] = static_cast<unsigned char>(size >> (24 - 8 * i));
-    profile[8] = 2;
-    const auto put = [&](std::size_t at, const std::string& text) {
-        std::copy(text.begin(), text.end(), profile.begin() + static_cast<std::ptrdiff_t>(at));
-    };
-    put(12, "mntr");
-    put(16, space);
-    put(20, "XYZ ");
-    put(36, "acsp");
-    const unsigned char illuminant[12] = {0, 0, 0xF6, 0xD6, 0, 1, 0, 0, 0, 0, 0xD3, 0x2D};
-    std::copy(std::begin(illuminant), std::end(illuminant), profile.begin() + 68);
-    return profile;
 }
 
 /// What one run of the built program left behind.

@@ -5,16 +5,14 @@
 #include <sys/syscall.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <csignal>
 #include <functional>
 
-#include <jpeglib.h>
+#include <lcms2.h>
 
-#include "cli/files/exifBlock.h"
-#include "cli/files/jpegFile.h"
-#include "cli/files/orientation.h"
-#include "cli/files/pngFile.h"
+#include "cli/files/pngWriter.h"
 #include "cli/files/readPicture.h"
 #include "cli/files/writePicture.h"
 #include "hostSupport.h"
@@ -34,105 +32,24 @@ namespace {
 using namespace zeltest;
 using testing::HasSubstr;
 
+/// A profile of a wide colour space: primaries of a phone's screen.
+Bytes wideProfile() {
+    const cmsCIExyY white{0.3127, 0.329, 1};
+    const cmsCIExyYTRIPLE primaries{{0.68, 0.32, 1}, {0.265, 0.69, 1}, {0.15, 0.06, 1}};
+    cmsToneCurve* const curve = cmsBuildGamma(nullptr, 2.2);
+    cmsToneCurve* const curves[3] = {curve, curve, curve};
+    cmsHPROFILE profile = cmsCreateRGBProfile(&white, &primaries, curves);
+    cmsUInt32Number size = 0;
+    cmsSaveProfileToMem(profile, nullptr, &size);
+    Bytes bytes(size);
+    cmsSaveProfileToMem(profile, bytes.data(), &size);
+    cmsCloseProfile(profile);
+    cmsFreeToneCurve(curve);
+    return bytes;
+}
+
 std::string failureOf(const std::string& path) {
-    return faultOf([&] { zelcli::readPicture(path, false); });
-}
-
-/// A JPEG file with four ink channels.
-Bytes cmykJpeg(int width, int height) {
-    jpeg_compress_struct jpeg{};
-    jpeg_error_mgr errors;
-    jpeg.err = jpeg_std_error(&errors);
-    jpeg_create_compress(&jpeg);
-    unsigned char* bytes = nullptr;
-    unsigned long size = 0;
-    jpeg_mem_dest(&jpeg, &bytes, &size);
-    jpeg.image_width = static_cast<JDIMENSION>(width);
-    jpeg.image_height = static_cast<JDIMENSION>(height);
-    jpeg.input_components = 4;
-    jpeg.in_color_space = JCS_CMYK;
-    jpeg_set_defaults(&jpeg);
-    jpeg_start_compress(&jpeg, TRUE);
-    const Bytes profile = colourProfile("CMYK");
-    jpeg_write_icc_profile(&jpeg, profile.data(), static_cast<unsigned>(profile.size()));
-    Bytes line = randomBytes(static_cast<std::size_t>(width) * 4, 5);
-    JSAMPROW row = line.data();
-    while (jpeg.next_scanline < jpeg.image_height) jpeg_write_scanlines(&jpeg, &row, 1);
-    jpeg_finish_compress(&jpeg);
-    Bytes file(bytes, bytes + size);
-    jpeg_destroy_compress(&jpeg);
-    std::free(bytes);
-    return file;
-}
-
-TEST(Orientation, TurnsAllEightUpright) {
-    // Two columns, three rows, each pixel named by its red byte; the upright pictures worked out by hand.
-    const int stored[] = {1, 2, 3, 4, 5, 6};
-    const struct {
-        int orientation, width;
-        std::vector<int> upright;
-    } cases[] = {{1, 2, {1, 2, 3, 4, 5, 6}}, {2, 2, {2, 1, 4, 3, 6, 5}}, {3, 2, {6, 5, 4, 3, 2, 1}},
-                 {4, 2, {5, 6, 3, 4, 1, 2}}, {5, 3, {1, 3, 5, 2, 4, 6}}, {6, 3, {5, 3, 1, 6, 4, 2}},
-                 {7, 3, {6, 4, 2, 5, 3, 1}}, {8, 3, {2, 4, 6, 1, 3, 5}}, {9, 2, {1, 2, 3, 4, 5, 6}}};
-    for (const auto& c : cases) {
-        zelcli::Image image{2, 3, {}, {}, {}};
-        for (const int red : stored)
-            image.rgba.insert(image.rgba.end(), {static_cast<unsigned char>(red), 0, 0, 255});
-        zelcli::turnUpright(image, c.orientation);
-        EXPECT_EQ(image.width, c.width) << c.orientation;
-        EXPECT_EQ(image.height, 6 / c.width) << c.orientation;
-        std::vector<int> reds;
-        for (std::size_t i = 0; i < image.rgba.size(); i += 4) reds.push_back(image.rgba[i]);
-        EXPECT_EQ(reds, c.upright) << c.orientation;
-    }
-}
-
-TEST(ExifBlock, IsMadeTrueForTheUprightPictureAndKeptOtherwise) {
-    Bytes block = exifBlock(6);
-    EXPECT_EQ(zelcli::exifOrientation(block), 6);
-    zelcli::adaptExif(block, 300, 200);
-    Bytes wanted = exifBlock(1);
-    for (const std::size_t at : {34u, 35u, 36u, 37u}) wanted[at] = 0;  // the thumbnail is unlinked,
-    wanted[80 + 11] = 6;                                               // not rewritten
-    wanted[50] = 300 >> 8, wanted[51] = 300 & 255;
-    wanted[60] = 0, wanted[61] = 200;
-    EXPECT_EQ(block, wanted);
-}
-
-TEST(ExifBlock, SurvivesEveryCutAndDamage) {
-    const Bytes whole = exifBlock(6);
-    for (std::size_t size = 0; size < whole.size(); ++size) {
-        Bytes cut(whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(size));
-        cut.shrink_to_fit();  // so that a read behind its end shows under the sanitizer
-        zelcli::adaptExif(cut, 1, 1);
-        EXPECT_GE(zelcli::exifOrientation(cut), 1);
-    }
-    for (std::size_t at = 0; at < whole.size(); ++at)
-        for (const unsigned char value : {0, 127, 255}) {
-            Bytes damaged = whole;
-            damaged[at] = value;
-            zelcli::adaptExif(damaged, 1, 1);
-            EXPECT_LE(zelcli::exifOrientation(damaged), 8);
-        }
-}
-
-class CarriedThrough : public testing::TestWithParam<const char*> {};
-INSTANTIATE_TEST_SUITE_P(Formats, CarriedThrough, testing::Values("p.png", "p.JPEG"));
-
-TEST_P(CarriedThrough, ExifProfileAndOrientation) {
-    const TemporaryFolder folder;
-    const std::string path = folder / GetParam();
-    zelcli::Image image = testImage(40, 30, 1);
-    image.exif = exifBlock(8);
-    image.iccProfile = colourProfile("RGB ", 150000);  // more than one JPEG marker holds
-    zelcli::writePicture(path, image);
-    const zelcli::LoadedPicture read = zelcli::readPicture(path, false);
-    EXPECT_TRUE(read.notes.empty());
-    EXPECT_EQ(read.image.width, 30);
-    EXPECT_EQ(read.image.height, 40);
-    EXPECT_EQ(read.image.iccProfile, image.iccProfile);
-    EXPECT_EQ(zelcli::exifOrientation(read.image.exif), 1);
-    EXPECT_EQ(read.image.exif.size(), image.exif.size());
+    return faultOf([&] { zelcli::readPicture(std::filesystem::path(path)); });
 }
 
 TEST(PngFile, KeepsEveryPixelAndDropsOnlyAnOpaqueAlpha) {
@@ -141,17 +58,22 @@ TEST(PngFile, KeepsEveryPixelAndDropsOnlyAnOpaqueAlpha) {
         const zelcli::Image image = testImage(37, 21, 2, opaque);
         zelcli::writePicture(folder / "p.png", image);
         EXPECT_EQ(readBytes(folder / "p.png")[25], opaque ? 2 : 6);  // colour type in IHDR
-        EXPECT_EQ(zelcli::readPicture(folder / "p.png", false).image.rgba, image.rgba);
+        EXPECT_EQ(zelcli::readPicture(folder / "p.png").image.rgba, image.rgba);
     }
     const std::vector<std::uint16_t> depth = {0, 65535, 0x1234, 0x8001};
     writeBytes(folder / "d.png", zelcli::encodeGray16Png(2, 2, depth));
-    const auto read = zelcli::readPicture(folder / "d.png", false);
+    const auto read = zelcli::readPicture(folder / "d.png");
     EXPECT_EQ(read.image.rgba[8], 0x12);
     ASSERT_EQ(read.notes.size(), 1u);
     EXPECT_THAT(read.notes[0], HasSubstr("16 bits"));
+    // Grey stays grey, until it is not.
+    zelcli::Image grey = read.image;
+    EXPECT_EQ((zelcli::writePicture(folder / "g.png", grey), readBytes(folder / "g.png")[25]), 0);
+    grey.rgba[0] ^= 1;
+    EXPECT_EQ((zelcli::writePicture(folder / "g.png", grey), readBytes(folder / "g.png")[25]), 2);
 }
 
-TEST(JpegFile, IsCloseToThePictureAndWhiteWhereItWasClear) {
+TEST(PictureFiles, LossyFormatsAreCloseAndJpegIsWhiteWhereThePictureWasClear) {
     const TemporaryFolder folder;
     zelcli::Image image = testImage(64, 48, 3);
     for (std::size_t i = 0; i < image.rgba.size(); i += 4) {
@@ -162,38 +84,183 @@ TEST(JpegFile, IsCloseToThePictureAndWhiteWhereItWasClear) {
     }
     for (std::size_t i = 64 * 4 * 24; i < image.rgba.size(); i += 4) image.rgba[i + 3] = 0;
     zelcli::writePicture(folder / "p.jpg", image);
-    const zelcli::Image read = zelcli::readPicture(folder / "p.jpg", false).image;
+    const zelcli::Image read = zelcli::readPicture(folder / "p.jpg").image;
     for (std::size_t i = 0; i < read.rgba.size(); i += 4)
         for (std::size_t c = 0; c < 3; ++c)
             ASSERT_NEAR(read.rgba[i + c], i < 64 * 4 * 24 ? image.rgba[i + c] : 255, 16) << i;
+    // Quality and subsampling of a JPEG file go on to what is made of it.
+    std::vector<std::string> notes;
+    for (const auto subsampling : {zelcli::Subsampling::none, zelcli::Subsampling::quarter}) {
+        writeBytes(folder / "q.jpg",
+                   zelcli::encodePicture(image, zelcli::PictureFormat::jpeg,
+                                         {.quality = 71, .subsampling = subsampling}, notes));
+        zelcli::writePicture(folder / "again.jpg", zelcli::readPicture(folder / "q.jpg").image);
+        const auto traits = zelcli::readPicture(folder / "again.jpg").image.origin->traits;
+        EXPECT_EQ(traits.jpegQuality, 71);
+        EXPECT_EQ(traits.subsampling, subsampling);
+    }
 }
 
-TEST(ReadPicture, ConvertsInksAndLeavesTheirProfile) {
+/// Runs a line of the shell in the folder and gives what it prints.
+std::string shell(const TemporaryFolder& folder, const std::string& line) {
+    const std::string command = "cd '" + folder.path().string() + "' && (" + line + ") > .shell 2>&1";
+    EXPECT_EQ(std::system(command.c_str()), 0) << readText(folder / ".shell");
+    return readText(folder / ".shell");
+}
+
+bool haveExiftool() {
+    return std::system("exiftool -ver > /dev/null 2>&1") == 0;
+}
+
+constexpr const char* kFormats[] = {"jpg", "png", "tif", "webp", "avif"};
+
+/// What exiftool is asked for, and the formats that have no place for it.
+struct Carried {
+    const char *tag, *value, *without;
+};
+constexpr Carried kCarried[] = {{"IFD0:Artist", "me", ""},
+                                {"ExifIFD:ExposureTime", "1/100", ""},
+                                {"ExifIFD:LensModel", "a lens", ""},
+                                {"GPS:GPSLatitude", "12 deg 30' 0.00\"", ""},
+                                {"IFD0:XResolution", "300", ""},
+                                {"IFD0:Orientation", "Horizontal (normal)", ""},
+                                {"XMP-dc:Title", "Grüße", ""},
+                                {"XMP-xmp:Rating", "4", ""},
+                                {"IPTC:Keywords", "portrait", "webp avif"},
+                                {"Comment", "a cömment", "tif webp avif"},
+                                {"ICC_Profile:ProfileDescription", "RGB built-in", ""}};
+
+/// A JPEG file that carries all of it, stored on its side, with a thumbnail of the old picture.
+void makeLadenJpeg(const TemporaryFolder& folder) {
+    zelcli::writePicture(folder / "plain.jpg", testImage(64, 40, 3));
+    zelcli::writePicture(folder / "thumbnail.jpg", testImage(16, 10, 3));
+    writeBytes(folder / "p.icc", wideProfile());
+    shell(
+        folder,
+        "exiftool -q -o in.jpg -Orientation#=6 -EXIF:Artist=me -ExposureTime=1/100 -LensModel='a lens' "
+        "-EXIF:GPSLatitude=12.5 -EXIF:GPSLatitudeRef=N -XMP:GPSLatitude=12.5 -XResolution=300 "
+        "-YResolution=300 "
+        "-ResolutionUnit=inches "
+        "-JFIF:XResolution=300 -JFIF:YResolution=300 -JFIF:ResolutionUnit=inches -XMP:Title=Grüße "
+        "-XMP:Rating=4 "
+        "-IPTC:Keywords=portrait -Comment='a cömment' '-ThumbnailImage<=thumbnail.jpg' '-ICC_Profile<=p.icc' "
+        "plain.jpg");
+}
+
+TEST(Metadata, SurvivesEveryRoadBetweenFormatsThatCanCarryIt) {
+    if (!haveExiftool()) GTEST_SKIP() << "no exiftool, which is the judge";
     const TemporaryFolder folder;
-    writeBytes(folder / "inks.jpg", cmykJpeg(20, 10));
-    const auto read = zelcli::readPicture(folder / "inks.jpg", false);
-    EXPECT_EQ(read.image.width, 20);
-    EXPECT_TRUE(read.image.iccProfile.empty());
-    EXPECT_EQ(read.notes.size(), 2u);
+    makeLadenJpeg(folder);
+    const zelcli::Image laden = zelcli::readPicture(folder / "in.jpg").image;
+    EXPECT_EQ(laden.width, 40) << "turned upright";
+    std::string tags = "exiftool -a -s -S -m -q -p '";
+    for (const Carried& carried : kCarried) tags.append("${").append(carried.tag).append("}|");
+    tags += "$FileName' ";
+    for (const std::string from : kFormats) {
+        zelcli::writePicture(folder / ("first." + from), laden);
+        const zelcli::Image middle = zelcli::readPicture(folder / ("first." + from)).image;
+        for (const std::string to : kFormats) {
+            const std::string name = from + "-to." + to;
+            zelcli::writePicture(folder / name, middle);
+            std::string expected;
+            for (const Carried& carried : kCarried) {
+                const std::string without = carried.without;
+                const bool lost = without.find(from) != without.npos || without.find(to) != without.npos;
+                expected.append(lost ? "" : carried.value).append("|");
+            }
+            EXPECT_EQ(shell(folder, tags + name), expected + name + "\n");
+        }
+    }
+    // Nothing twice, nothing of the old picture, nothing that exiftool finds fault with.
+    const std::string all =
+        shell(folder, "exiftool -a -s -G1 -Artist -ThumbnailImage -Warning -Error *-to.*");
+    EXPECT_EQ(std::count(all.begin(), all.end(), '\n'), 25 * 2 + 1) << all;
+}
+
+TEST(Metadata, GoesWhereTheUserWantsItGoneAndIsToldWhereItCannotGo) {
+    if (!haveExiftool()) GTEST_SKIP() << "no exiftool, which is the judge";
+    const TemporaryFolder folder;
+    makeLadenJpeg(folder);
+    const zelcli::Image laden = zelcli::readPicture(folder / "in.jpg").image;
+    std::vector<std::string> notes;
+    const auto write = [&](const char* name, const zelcli::SaveOptions& options) {
+        const auto format = zelcli::formatOfSuffix(name);
+        writeBytes(folder / name, zelcli::encodePicture(laden, *format, options, notes));
+    };
+    for (const char* name : {"strip.jpg", "strip.png", "strip.tif", "strip.webp", "strip.avif"})
+        write(name, {.strip = true});
+    for (const char* name : {"place.jpg", "place.png", "place.avif"}) write(name, {.noGps = true});
+    EXPECT_THAT(notes, testing::ElementsAre("AVIF cannot carry IPTC captions, the comment"));
+    EXPECT_EQ(
+        shell(folder,
+              "exiftool -q -q -if '$Artist or $Title or $Keywords or $Comment' -FileName strip.* || true"),
+        "");
+    EXPECT_EQ(shell(folder, "exiftool -q -q -if '$GPSLatitude or $GPSVersionID' -FileName place.* || true"),
+              "");
+    const std::string artists = shell(folder, "exiftool -q -p '$Artist' place.*");
+    EXPECT_EQ(artists, "me\nme\nme\n");
+}
+
+TEST(ReadPicture, ShowsWideColoursInSrgbAndGivesThemBackUnharmed) {
+    const TemporaryFolder folder;
+    if (!haveExiftool()) GTEST_SKIP() << "no exiftool, which puts the profile in";
+    writeBytes(folder / "p.icc", wideProfile());
+    const zelcli::Image colours = testImage(40, 30, 7);
+    zelcli::writePicture(folder / "p.png", colours);
+    shell(folder, "exiftool -q -overwrite_original '-ICC_Profile<=p.icc' p.png");
+    zelcli::Image image = zelcli::readPicture(folder / "p.png").image;
+    const zelcli::Image seen = image;
+    EXPECT_NE(seen.rgba, colours.rgba);
+    for (std::size_t i = 0; i < image.rgba.size() / 2; ++i)
+        if (i % 4 != 3) image.rgba[i] = 128;
+    zelcli::writePicture(folder / "q.png", image);
+    const zelcli::Image again = zelcli::readPicture(folder / "q.png").image;
+    for (std::size_t i = 0; i < image.rgba.size() / 2; ++i)
+        if (i % 4 != 3) {
+            ASSERT_NEAR(again.rgba[i], 128, 3);
+        }
+    EXPECT_TRUE(std::equal(again.rgba.begin() + static_cast<std::ptrdiff_t>(again.rgba.size() / 2),
+                           again.rgba.end(),
+                           seen.rgba.begin() + static_cast<std::ptrdiff_t>(seen.rgba.size() / 2)));
+}
+
+TEST(ReadPicture, RefusesAbsurdSizesBeforeItDecodes) {
+    const TemporaryFolder folder;
+    // A whole JPEG whose frame head claims 65,500 by 65,500 pixels.
+    zelcli::writePicture(folder / "huge.jpg", testImage(16, 16, 5));
+    Bytes jpeg = readBytes(folder / "huge.jpg");
+    for (std::size_t i = 0; i + 9 < jpeg.size(); ++i)
+        if (jpeg[i] == 0xFF && jpeg[i + 1] == 0xC0) {
+            for (const std::size_t at : {5u, 7u}) jpeg[i + at] = 0xFF, jpeg[i + at + 1] = 0xDC;
+            break;
+        }
+    writeBytes(folder / "huge.jpg", jpeg);
+    EXPECT_THAT(failureOf(folder / "huge.jpg"), HasSubstr("65500 by 65500"));
+    zelcli::writePicture(folder / "p.bmp.png", testImage(30, 20, 5));
+    EXPECT_THAT(faultOf([&] { zelcli::readPicture(folder / "p.bmp.png", {.mostPixels = 599}); }),
+                HasSubstr("--max-megapixels"));
+    EXPECT_EQ(zelcli::readPicture(folder / "p.bmp.png", {.mostPixels = 600}).image.width, 30);
 }
 
 TEST(ReadPicture, RefusesWhatIsNotAWholePicture) {
     const TemporaryFolder folder;
     const zelcli::Image image = testImage(60, 50, 4);
-    for (const char* name : {"p.png", "p.jpg"}) {
+    for (const char* name : {"p.png", "p.jpg", "p.tif", "p.webp", "p.avif"}) {
         zelcli::writePicture(folder / name, image);
         const Bytes whole = readBytes(folder / name);
-        for (const std::size_t keep : {whole.size() - 2, whole.size() / 2, std::size_t{40}, std::size_t{9}}) {
+        for (const std::size_t keep : {whole.size() / 2, std::size_t{40}, std::size_t{9}}) {
             writeBytes(folder / "cut",
                        Bytes(whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(keep)));
-            const std::string why = failureOf(folder / "cut");
-            EXPECT_NE(why, "accepted") << name << " cut to " << keep;
-            if (keep > 40) {
-                EXPECT_THAT(why, HasSubstr("ends early")) << name << " cut to " << keep;
-            }
+            EXPECT_NE(failureOf(folder / "cut"), "accepted") << name << " cut to " << keep;
         }
     }
-    Bytes damaged = zelcli::encodePng(image);
+    for (const char* name : {"p.png", "p.jpg"}) {
+        Bytes whole = readBytes(folder / name);
+        whole.resize(whole.size() * 2 / 3);
+        writeBytes(folder / "cut", whole);
+        EXPECT_THAT(failureOf(folder / "cut"), HasSubstr("ends early")) << name;
+    }
+    Bytes damaged = readBytes(folder / "p.png");
     damaged[damaged.size() / 2] ^= 1;
     writeBytes(folder / "damaged.png", damaged);
     EXPECT_THAT(failureOf(folder / "damaged.png"), HasSubstr("damaged"));
@@ -209,22 +276,9 @@ TEST(ReadPicture, RefusesWhatIsNotAWholePicture) {
     EXPECT_THAT(failureOf(folder / "pipe.png"), HasSubstr("not a regular file"));
 }
 
-TEST(ReadPicture, RefusesAbsurdSizesBeforeItDecodes) {
-    const TemporaryFolder folder;
-    // A whole JPEG whose frame head claims 65,500 by 65,500 pixels.
-    Bytes jpeg = zelcli::encodeJpeg(testImage(16, 16, 5));
-    for (std::size_t i = 0; i + 9 < jpeg.size(); ++i)
-        if (jpeg[i] == 0xFF && jpeg[i + 1] == 0xC0) {
-            for (const std::size_t at : {5u, 7u}) jpeg[i + at] = 0xFF, jpeg[i + at + 1] = 0xDC;
-            break;
-        }
-    writeBytes(folder / "huge.jpg", jpeg);
-    EXPECT_THAT(failureOf(folder / "huge.jpg"), HasSubstr("65500 by 65500"));
-}
-
 TEST(ReadMask, TakesGreyWeighedByAlpha) {
     const TemporaryFolder folder;
-    const zelcli::Image image{3, 1, {255, 255, 255, 255, 255, 255, 255, 0, 100, 100, 100, 255}, {}, {}};
+    const zelcli::Image image{3, 1, {255, 255, 255, 255, 255, 255, 255, 0, 100, 100, 100, 255}};
     zelcli::writePicture(folder / "m.png", image);
     EXPECT_EQ(zelcli::readMask(folder / "m.png").samples, (Bytes{255, 0, 100}));
 }

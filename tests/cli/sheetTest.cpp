@@ -10,7 +10,7 @@ namespace {
 using namespace zeltest;
 
 zelcli::Image flat(int width, int height, unsigned char grey, unsigned char alpha = 255) {
-    zelcli::Image image{width, height, Bytes(static_cast<std::size_t>(4 * width * height), grey), {}, {}};
+    zelcli::Image image{width, height, Bytes(static_cast<std::size_t>(4 * width * height), grey)};
     for (std::size_t i = 3; i < image.rgba.size(); i += 4) image.rgba[i] = alpha;
     return image;
 }
@@ -48,7 +48,7 @@ TEST(Sheet, ReducesByTheMeanOfAreas) {
         const int grey = (x + y) % 2 * 200;
         return std::array{grey, grey, grey};
     };
-    const zelcli::Image checks{400, 300, drawnRgba(400, 300, check), {}, {}};
+    const zelcli::Image checks{400, 300, drawnRgba(400, 300, check)};
     const zelcli::Image reduced = zelcli::reduceToFit(checks, 100, 100);
     EXPECT_EQ(reduced.width, 100);
     EXPECT_EQ(reduced.height, 75);

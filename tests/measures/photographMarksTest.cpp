@@ -22,19 +22,22 @@ std::string markedFace(const std::string& points, const std::string& more = "") 
 TEST(PhotographMarks, TellWhereATextIsWrong) {
     const std::string pupils = R"("24": [1, 2], "70": [5, 5])";
     ASSERT_EQ(zelmeasures::readMarks(markedFace(pupils)).front().faces.front().pupilDistance, 5);
-    const std::pair<std::string, const char*> marks[] = {
-        {"", "the marks: "},
-        {"{}", "photographs"},
-        {photographs(R"({"half": "both"})"), "half: must be"},
-        {markedFace(R"("24": [1, 2])"), "lacks a pupil"},
-        {markedFace(pupils + R"(, "83": [1, 2])"), "\"83\": is no landmark"},
-        {markedFace(pupils + R"(, "1x": [1, 2])"), "\"1x\": is no landmark"},
-        {markedFace(pupils + R"(, "-1": [1, 2])"), "\"-1\": is no landmark"},
-        {markedFace(pupils + R"(, "0": [1])"), "wants two numbers"},
-        {markedFace(pupils + R"(, "0": ["1", 2])"), "must be number"},
-        {markedFace(pupils, R"(, "pupilDistance": 0)"), "must be above 0"}};
-    for (const auto& [text, words] : marks)
-        EXPECT_THAT(zeltest::faultOf([&] { zelmeasures::readMarks(text); }), HasSubstr(words)) << text;
+    const struct {
+        std::string text;
+        const char* words;
+    } marks[] = {{"", "the marks: "},
+                 {"{}", "photographs"},
+                 {photographs(R"({"half": "both"})"), "half: must be"},
+                 {markedFace(R"("24": [1, 2])"), "lacks a pupil"},
+                 {markedFace(pupils + R"(, "83": [1, 2])"), "\"83\": is no landmark"},
+                 {markedFace(pupils + R"(, "1x": [1, 2])"), "\"1x\": is no landmark"},
+                 {markedFace(pupils + R"(, "-1": [1, 2])"), "\"-1\": is no landmark"},
+                 {markedFace(pupils + R"(, "0": [1])"), "wants two numbers"},
+                 {markedFace(pupils + R"(, "0": ["1", 2])"), "must be number"},
+                 {markedFace(pupils, R"(, "pupilDistance": 0)"), "must be above 0"}};
+    for (const auto& wrong : marks)
+        EXPECT_THAT(zeltest::faultOf([&] { zelmeasures::readMarks(wrong.text); }), HasSubstr(wrong.words))
+            << wrong.text;
 
     const char* const boxes[] = {"[-1, 0, 20, 20]", "[0, 0, 0, 20]", "[0, 0, 20]", R"("all")"};
     for (const std::string box : boxes)

@@ -79,6 +79,17 @@ Vector2f middle(const Vector2f& a, const Vector2f& b) {
     return {(a.x + b.x) / 2.0f, (a.y + b.y) / 2.0f};
 }
 
+/// In pixels: from corner to corner, and between the middles of the lids.
+struct EyeMeasure {
+    float length, gap;
+};
+
+EyeMeasure measureOf(const Vector2f* points, const EyeIndices& at) {
+    return {distance(points[at.upper[kFirstCorner]], points[at.upper[kLastCorner]]),
+            distance(middle(points[at.upper[kMiddle]], points[at.upper[kMiddle + 1]]),
+                     middle(points[at.lower[kMiddle]], points[at.lower[kMiddle + 1]]))};
+}
+
 }  // namespace
 
 EyeLids lidsOf(const Vector2f* points, EyeSide side) {
@@ -100,12 +111,15 @@ EyeBox eyeBox(const EyeLids& lids, int width, int height) {
     return box.empty() || box.width >= width || box.height >= height ? EyeBox{} : box;
 }
 
+float lidGap(const Vector2f* points, EyeSide side) {
+    const EyeMeasure eye = measureOf(points, indicesOf(side));
+    return eye.length > 0 ? eye.gap / eye.length : 0;
+}
+
 Iris locateIris(ConstImageView picture, const Vector2f* points, EyeSide side) {
     const EyeIndices& at = indicesOf(side);
     const Vector2f& pupil = points[at.pupil];
-    const float length = distance(points[at.upper[kFirstCorner]], points[at.upper[kLastCorner]]);
-    const float gap = distance(middle(points[at.upper[kMiddle]], points[at.upper[kMiddle + 1]]),
-                               middle(points[at.lower[kMiddle]], points[at.lower[kMiddle + 1]]));
+    const auto [length, gap] = measureOf(points, at);
     if (std::abs(pupil.x) < length * kLeastPupilX || std::abs(pupil.y) < gap * kLeastPupilY) return {};
     const EyeBox box = searchBox(lidsOf(points, side), picture.width, picture.height);
     if (box.empty()) return {};

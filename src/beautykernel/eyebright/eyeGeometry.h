@@ -42,6 +42,9 @@ struct Iris {
     bool found() const { return radius > 0.0f; }
 };
 
+/// The distance of the lids' middles as a share of the eye's length.
+float lidGap(const Vector2f* points, EyeSide side);
+
 /// Finds the iris of one eye around its lids. Without a pupil landmark, and where the picture shows no iris,
 /// the result has radius 0.
 Iris locateIris(ConstImageView picture, const Vector2f* points, EyeSide side);

@@ -18,17 +18,18 @@ bool allFinite(const EyeTuning& t) {
 /// Both eyes of the face on their way through the steps.
 class Eyes {
 public:
-    Eyes(ImageView picture, const Vector2f* points) : m_picture(picture) {
+    Eyes(EyePair wanted, ImageView picture, const Vector2f* points) : m_picture(picture) {
         const EyeLids left = lidsOf(points, EyeSide::left), right = lidsOf(points, EyeSide::right);
-        const Iris leftIris = locateIris(picture, points, EyeSide::left);
-        if (!leftIris.found()) ZEL_LOG_ERROR("ERROR: EyeBright::Left Eye Detect failed \n");
-        const Iris rightIris = locateIris(picture, points, EyeSide::right);
-        if (!rightIris.found()) ZEL_LOG_ERROR("ERROR: EyeBright::Right Eye Detect failed \n");
+        const Iris leftIris = wanted.left ? locateIris(picture, points, EyeSide::left) : Iris{};
+        const Iris rightIris = wanted.right ? locateIris(picture, points, EyeSide::right) : Iris{};
+        m_found = {leftIris.found(), rightIris.found()};
         m_left = cutEye(picture, left, leftIris);
         m_right = cutEye(picture, right, rightIris);
         if (m_left.exists()) buildEyeMasks(m_left, left, leftIris);
         if (m_right.exists()) buildEyeMasks(m_right, right, rightIris);
     }
+
+    EyePair found() const { return m_found; }
 
     void brighten(const EyeTuning& tuning) {
         EyeTone left, right;
@@ -50,6 +51,7 @@ private:
     }
 
     ImageView m_picture;
+    EyePair m_found;
     EyeCut m_left, m_right;
 };
 
@@ -57,7 +59,16 @@ private:
 
 void EyeBright::Run(ImageView image, const Vector2f* points, const EyeTuning& tuning) {
     if (!image.valid() || !points || !allFinite(tuning)) return;
-    Eyes(image, points).brighten(tuning);
+    const EyePair found = RunOn({}, image, points, tuning);
+    if (!found.left) ZEL_LOG_ERROR("ERROR: EyeBright::Left Eye Detect failed \n");
+    if (!found.right) ZEL_LOG_ERROR("ERROR: EyeBright::Right Eye Detect failed \n");
+}
+
+EyePair EyeBright::RunOn(EyePair wanted, ImageView image, const Vector2f* points, const EyeTuning& tuning) {
+    if (!image.valid() || !points || !allFinite(tuning)) return {false, false};
+    Eyes eyes(wanted, image, points);
+    eyes.brighten(tuning);
+    return eyes.found();
 }
 
 void EyeBright::FuseEyeProcessImage(const EyeCut& eye, ImageView picture, float overallGain) {

@@ -4,6 +4,7 @@
 #include <array>
 #include <cmath>
 #include <numbers>
+#include <optional>
 #include <vector>
 
 #include "zellab/imageproc/blur/stackBlur.h"
@@ -29,6 +30,13 @@ constexpr float kPriorLoss = 0.03f;
 /// By how much the white must be lighter than the iris, as a mean of both sides and a share of the cut-out's
 /// light level. Synthetic eyes that are shut stay below 0.1, open ones begin at 0.16.
 constexpr float kLeastContrast = 0.125f;
+/// On photographs small, soft or shaded eyes fall below that. Where the eye is open, in light, and the iris stands
+/// where the landmark says, to a share of the eye's length, less will do: in the mean, and on either side.
+constexpr float kLeastContrastAtSeed = 0.065f, kLeastContrastOfSide = 0.03f;
+constexpr float kAtSeed = 0.05f, kOpenGap = 0.18f;  // shares of the eye's length
+constexpr int kLeastLight = 40;
+/// Lashes and shadows make a circle far from the landmark that is hardly better than the one where it says.
+constexpr float kFar = 0.08f, kHardlyBetter = 0.04f;
 /// More contrast than this on one side says no more: lashes and the lids' corners can be very dark.
 constexpr float kMostContrast = 0.5f;
 /// The light level is the one that this share of the cut-out lies below.
@@ -44,7 +52,9 @@ constexpr float kLeastAngle = 25.0f * kDegree, kMostAngle = 50.0f * kDegree;
 struct Candidate {
     int x = 0, y = 0, radius = 0;
     float score = -1e9f;
-    float contrast = 0.0f;
+    float left = 0.0f, right = 0.0f;  // contrast on either side
+
+    float contrast() const { return (left + right) / 2.0f; }
 };
 
 class Search {
@@ -68,8 +78,9 @@ public:
         m_right.resize(m_left.size());
     }
 
-    Candidate run() {
-        const int reach = static_cast<int>(kCentreReach * m_seed.length);
+    /// @param reach  how far from the landmark, as a share of the eye's length
+    Candidate run(float share) {
+        const int reach = static_cast<int>(share * m_seed.length);
         const int x = static_cast<int>(m_seed.x), y = static_cast<int>(m_seed.y);
         Candidate best;
         scan(x, y, reach, kCoarse, best);
@@ -96,7 +107,7 @@ private:
             const float right = std::min(contrast(m_right, radius), kMostContrast);
             const float off = (static_cast<float>(radius) / m_seed.length - kUsualRadius) / kRadiusDeviation;
             const float score = left + right - centreLoss - kPriorLoss * off * off;
-            if (score > best.score) best = {x, y, radius, score, (left + right) / 2.0f};
+            if (score > best.score) best = {x, y, radius, score, left, right};
         }
     }
 
@@ -143,6 +154,24 @@ int lightLevel(const Plane<Byte>& plane) {
     return std::max(level, 1);
 }
 
+/// Nothing where no iris is seen.
+std::optional<Candidate> irisIn(PlaneView<const Byte> plane, const IrisSeed& seed, int light) {
+    Search search(plane, seed, light);
+    const Candidate best = search.run(kCentreReach);
+    if (best.contrast() >= kLeastContrast) {
+        const float off =
+            std::hypot(static_cast<float>(best.x) - seed.x, static_cast<float>(best.y) - seed.y);
+        if (off <= kFar * seed.length) return best;
+        const Candidate near = search.run(kAtSeed);
+        return near.score >= best.score - kHardlyBetter ? near : best;
+    }
+    if (!(seed.gap >= kOpenGap * seed.length) || light < kLeastLight) return std::nullopt;
+    const Candidate near = search.run(kAtSeed);
+    if (near.contrast() < kLeastContrastAtSeed || std::min(near.left, near.right) < kLeastContrastOfSide)
+        return std::nullopt;
+    return near;
+}
+
 /// Red: skin and whites are light in it, irises of every colour are dark.
 Plane<Byte> redPlane(ConstImageView cutOut) {
     Plane<Byte> red(cutOut.width, cutOut.height);
@@ -169,10 +198,10 @@ Iris findIris(ConstImageView cutOut, const IrisSeed& seed) {
     constexpr int kCubic = 3;
     if (!ImageResampler().Resize(red.view(), work.view(), kCubic)) return {};
     StackBlurGray(work.view(), kBlurRadius);
-    const Candidate best = Search(work.view(), scaled, lightLevel(work)).run();
-    if (best.contrast < kLeastContrast) return {};
-    return {static_cast<float>(best.x) / scale, static_cast<float>(best.y) / scale,
-            std::max(std::round(static_cast<float>(best.radius) / scale), 1.0f)};
+    const auto iris = irisIn(work.view(), scaled, lightLevel(work));
+    if (!iris) return {};
+    return {static_cast<float>(iris->x) / scale, static_cast<float>(iris->y) / scale,
+            std::max(std::round(static_cast<float>(iris->radius) / scale), 1.0f)};
 }
 
 }  // namespace zellab

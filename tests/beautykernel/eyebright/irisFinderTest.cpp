@@ -18,6 +18,22 @@ TEST(IrisFinder, FindsSyntheticIrisesOfEveryColour) {
     EXPECT_GE(found, pairs - 1);
 }
 
+// As on photographs of small or shaded faces: most of the contrast is gone, but the landmark is right.
+TEST(IrisFinder, FindsFadedIrisesWhereTheLandmarkSays) {
+    for (unsigned seed : {201u, 204u, 207u, 210u}) {
+        zel::PortraitParams params = zeltest::eyesToMeasure(seed);
+        params.eyeOpen = 1;
+        zel::Portrait portrait = zel::drawPortrait(params);
+        for (std::size_t i = 0; i < portrait.image.rgba.size(); ++i)
+            if (i % 4 != 3)
+                portrait.image.rgba[i] = static_cast<unsigned char>(110 + (portrait.image.rgba[i] - 110) / 4);
+        for (const auto& e : zeltest::irisErrors(portrait, zeltest::FacePoints(portrait, seed, 0))) {
+            EXPECT_TRUE(e.found) << seed;
+            EXPECT_LE(e.centre, zeltest::kCentreLimit) << seed;
+        }
+    }
+}
+
 // Where the eye is shut, also under landmarks that take it for open.
 TEST(IrisFinder, RefusesClosedEyes) {
     for (unsigned seed : {3u, 6u, 15u, 22u, 301u, 305u}) {

@@ -33,13 +33,17 @@ std::string failureOf(const std::string& json) {
 }
 
 TEST(FacesJson, KeepsEveryFloatThroughText) {
-    const zel::FaceSet set = sampleFaces(2);
-    const zel::FaceSet read = zel::parseFaces(zel::formatFaces(set));
+    zel::FaceSet set = sampleFaces(2);
+    set.faces[1].guessed[ZEL_GROUP_RIGHT_EYE] = 0.7f;
+    const std::string text = zel::formatFaces(set);
+    EXPECT_THAT(text, HasSubstr("\"guessed\":{\"rightEye\":0.7}"));
+    const zel::FaceSet read = zel::parseFaces(text);
     EXPECT_EQ(read.width, 640);
     EXPECT_EQ(read.height, 480);
     ASSERT_EQ(read.faces.size(), 2u);
     for (std::size_t f = 0; f < 2; ++f) {
         EXPECT_EQ(read.faces[f].rect, set.faces[f].rect);
+        EXPECT_EQ(read.faces[f].guessed, set.faces[f].guessed);
         for (std::size_t i = 0; i < 83; ++i) {
             EXPECT_EQ(read.faces[f].points[i].x, set.faces[f].points[i].x);
             EXPECT_EQ(read.faces[f].points[i].y, set.faces[f].points[i].y);
@@ -68,6 +72,9 @@ TEST(FacesJson, SaysWhatIsWrongAndWhere) {
         {replaced(good, firstPoint, "[0.5,null]"), "face 0: point 0: must be a number, not null"},
         {replaced(good, firstPoint, "[320,200]"), "pixels are not accepted"},
         {replaced(good, firstPoint, "[1e999,0]"), "too large"},
+        {replaced(good, "\"rect\":", "\"guessed\":{\"leftEye\":1.5},\"rect\":"), "guessed: leftEye: must be"},
+        {replaced(good, "\"rect\":", "\"guessed\":{\"eye\\n\":1},\"rect\":"), "guessed: the groups are"},
+        {replaced(good, "\"rect\":", "\"guessed\":[0],\"rect\":"), "guessed: must be an object"},
         {replaced(good, "\"rect\":[0.1,0.2,", "\"rect\":[0.1,0.2,-"), "above 0"},
         {R"({"image":{"width":1,"height":1},"faces":{}})", "faces: must be a list"},
     };

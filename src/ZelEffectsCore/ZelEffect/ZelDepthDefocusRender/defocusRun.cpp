@@ -1,6 +1,7 @@
 // The two forms of the render.
 #include <memory>
 #include <new>
+#include <optional>
 
 #include "ZelEffectsCore/ZelEffect/ZelDepthDefocusRender/defocusInternals.h"
 #include "bokeh/bokehScene.h"
@@ -21,6 +22,7 @@ using zellab::ImageView;
 using zellab::Plane;
 using zellab::PlaneView;
 using zellab::RgbaImage;
+using zellab::Bokeh::BackEnd;
 using zellab::Bokeh::BokehScene;
 using zellab::Bokeh::RenderJob;
 using zellab::Bokeh::RenderOutcome;
@@ -113,16 +115,20 @@ bool DefocusInternals::run(ZelDepthDefocusRender& render, const RunRequest& requ
         ZEL_LOG_ERROR("%s(%d) please SetBokehImage fisrt.", kRunName, __LINE__);
         return false;
     }
-    if (!request.hasCurrentContext) tryOwnContext();
+    const bool onProcessor = render.m_drawsOnProcessor != 0;
+    if (!request.hasCurrentContext && !onProcessor) tryOwnContext();
     bool loaded = false;
     {
-        const zellab::gl::HostState state;  // outlives all that the scene has of OpenGL
-        const std::unique_ptr<BokehScene> scene(new (std::nothrow) BokehScene);
+        // Outlives all that the scene has of OpenGL.
+        std::optional<zellab::gl::HostState> state;
+        if (!onProcessor) state.emplace();
+        const std::unique_ptr<BokehScene> scene(
+            new (std::nothrow) BokehScene(onProcessor ? BackEnd::processor : BackEnd::openGl));
         if (!scene) {
             ZEL_LOG_ERROR("ZelDepthDefocusRender: run bokeh is null!");
             return false;
         }
-        loaded = scene->create(render.m_resourceDir);
+        loaded = scene->load(render.m_resourceDir);
         const Plane<Byte> kernel = kernelOf({render.m_bokehImage, render.m_bokehWidth, render.m_bokehHeight});
         PlaneView<const Byte> hairMask;
         if (request.useHairMask)
@@ -142,7 +148,7 @@ bool DefocusInternals::run(ZelDepthDefocusRender& render, const RunRequest& requ
                      .hairMask = hairMask,
                      .kernel = kernel.view()}));
     }
-    if (!request.hasCurrentContext) zellab::gl::EnvironmentHolder::doneCurrent();
+    if (!request.hasCurrentContext && !onProcessor) zellab::gl::EnvironmentHolder::doneCurrent();
     render.m_spin = 0;
     return loaded;
 }

@@ -28,6 +28,7 @@ ZelDepthDefocusRender::ZelDepthDefocusRender(const ZelDepthDefocusRender& other)
       m_bokehWidth(other.m_bokehWidth),
       m_bokehHeight(other.m_bokehHeight),
       m_spin(other.m_spin),
+      m_drawsOnProcessor(other.m_drawsOnProcessor),
       m_reserved(other.m_reserved),
       m_depth(other.m_depth),
       m_depthWidth(other.m_depthWidth),
@@ -52,6 +53,7 @@ ZelDepthDefocusRender& ZelDepthDefocusRender::operator=(const ZelDepthDefocusRen
     m_bokehWidth = other.m_bokehWidth;
     m_bokehHeight = other.m_bokehHeight;
     m_spin = other.m_spin;
+    m_drawsOnProcessor = other.m_drawsOnProcessor;
     m_depth = other.m_depth;
     m_depthWidth = other.m_depthWidth;
     m_depthHeight = other.m_depthHeight;

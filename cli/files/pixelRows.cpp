@@ -1,0 +1,52 @@
+#include "cli/files/pixelRows.h"
+
+#include <algorithm>
+
+namespace zelcli {
+
+namespace {
+
+bool isOpaque(std::span<const unsigned char> rgba) {
+    for (std::size_t i = 3; i < rgba.size(); i += 4)
+        if (rgba[i] != 255) return false;
+    return true;
+}
+
+bool isGrey(std::span<const unsigned char> rgba) {
+    for (std::size_t i = 0; i < rgba.size(); i += 4)
+        if (rgba[i] != rgba[i + 1] || rgba[i] != rgba[i + 2]) return false;
+    return true;
+}
+
+void layOnWhite(std::span<const unsigned char> rgba, std::size_t channels, unsigned char* out) {
+    for (std::size_t i = 0; i < rgba.size(); i += 4, out += channels)
+        for (std::size_t c = 0; c < channels; ++c) {
+            const int alpha = rgba[i + 3];
+            out[c] = static_cast<unsigned char>((rgba[i + c] * alpha + 255 * (255 - alpha) + 127) / 255);
+        }
+}
+
+}  // namespace
+
+PackedPixels packPixels(const Image& image, std::span<const unsigned char> rgba, bool keepAlpha) {
+    const bool alpha = keepAlpha && !isOpaque(rgba);
+    // Grey with alpha is rare enough to travel as colour.
+    const bool grey = image.origin && image.origin->traits.grey && !alpha && isGrey(rgba);
+    PackedPixels packed{image.width, image.height, grey ? 1 : alpha ? 4 : 3, {}};
+    if (alpha) {
+        packed.bytes.assign(rgba.begin(), rgba.end());
+        return packed;
+    }
+    const auto channels = static_cast<std::size_t>(packed.channels);
+    packed.bytes.resize(rgba.size() / 4 * channels);
+    if (!keepAlpha) {
+        layOnWhite(rgba, channels, packed.bytes.data());
+        return packed;
+    }
+    unsigned char* out = packed.bytes.data();
+    for (std::size_t i = 0; i < rgba.size(); i += 4, out += channels)
+        std::copy_n(rgba.data() + i, channels, out);
+    return packed;
+}
+
+}  // namespace zelcli

@@ -1,0 +1,213 @@
+#include "libzel/persons/personMask.h"
+
+#include <algorithm>
+#include <cmath>
+#include <utility>
+
+#include "CrossPlateform/platform_win/stb_image_util/alphaFlatten.h"
+#include "libzel/networks/networkFolder.h"
+#include "libzel/persons/personNetwork.h"
+#include "libzel/persons/subjectChoice.h"
+#include "zellab/imageproc/core/ownedImage.h"
+#include "zellab/imageproc/core/parallelRows.h"
+#include "zellab/imageproc/core/pixelMath.h"
+#include "zellab/imageproc/edgeaware/guidedFilterPlane.h"
+#include "zellab/imageproc/sfdsp/yuvScale.h"
+
+namespace zel {
+
+namespace {
+
+using zellab::Byte;
+using zellab::ConstImageView;
+using zellab::Plane;
+using zellab::PlaneView;
+using zellab::RgbaImage;
+using zellab::Vector2f;
+
+/// A face's person is looked at in a square of this many sizes of the face, whose middle lies one size below the
+/// face's. The face is measured with its forehead: FACES.json ends at the brows.
+constexpr float kSquareOverFace = 4.5f, kForehead = 1.3f;
+/// Only squares below that share of the picture's shorter side: who fills the picture is seen best as a whole.
+constexpr float kLargestSquare = 0.85f;
+constexpr std::size_t kMostSquares = 16;
+
+/// Of the guided filter that draws the mask's edges to the picture's: windows of a hundredth of the longer side, and
+/// the deviation of colours that passes for noise.
+constexpr float kGuideReach = 0.015f, kGuideEpsilon = 0.02f;
+/// Pixels a side above which the filter's statistics are taken on a smaller copy.
+constexpr float kGuideSide = 512;
+
+/// The picture on white, at most kMaskSide pixels a side.
+RgbaImage smallCopy(ConstImageView picture) {
+    const double scale = std::min(1.0, double{kMaskSide} / std::max(picture.width, picture.height));
+    const auto scaled = [&](int side) { return std::max(1, static_cast<int>(std::lround(side * scale))); };
+    RgbaImage copy(scaled(picture.width), scaled(picture.height));
+    if (!scaleArgb(picture, copy.view(), zellab::YuvFilter::box)) return {};
+    flattenOntoWhite(copy.view(), copy.view());
+    return copy;
+}
+
+std::vector<TurnedSquare> closerLooks(const FaceSet& faces, int width, int height) {
+    std::vector<TurnedSquare> squares;
+    for (const Face& face : faces.faces) {
+        const float w = face.rect[2] * static_cast<float>(width),
+                    h = face.rect[3] * static_cast<float>(height);
+        const float size = kForehead * std::max(w, h);
+        const Vector2f middle{face.rect[0] * static_cast<float>(width) + 0.5f * w,
+                              face.rect[1] * static_cast<float>(height) + 0.5f * h};
+        const TurnedSquare square{{middle.x, middle.y + size}, kSquareOverFace * size, 0};
+        if (square.sound() && square.side < kLargestSquare * static_cast<float>(std::min(width, height)))
+            squares.push_back(square);
+    }
+    if (squares.size() > kMostSquares) {
+        std::stable_sort(squares.begin(), squares.end(),
+                         [](const auto& a, const auto& b) { return a.side > b.side; });
+        squares.resize(kMostSquares);
+    }
+    return squares;
+}
+
+/// The network's shares are soft over a wide rim: who is a person rather than not is one here.
+float decided(float share) {
+    constexpr float kNobody = 0.15f, kSomebody = 0.7f;
+    return std::clamp((share - kNobody) / (kSomebody - kNobody), 0.0f, 1.0f);
+}
+
+/// The most that the mask may be, whatever the colour: a lamp beside a face may have the face's.
+float possible(float share) {
+    constexpr float kNobody = 0.03f, kPerhaps = 0.18f;
+    return std::clamp((share - kNobody) / (kPerhaps - kNobody), 0.0f, 1.0f);
+}
+
+/// The mask with the picture's edges.
+Mask refined(PlaneView<const float> shares, ConstImageView picture) {
+    Mask mask{shares.width, shares.height, {}};
+    mask.samples.resize(zellab::sampleCount(shares.width, shares.height));
+    const PlaneView<Byte> bytes{mask.samples.data(), mask.width, mask.height};
+    zellab::parallelRows(shares.height, [&](int begin, int end) {
+        for (int y = begin; y < end; ++y)
+            for (int x = 0; x < shares.width; ++x)
+                bytes.row(y)[x] = zellab::truncateToByte(decided(shares.row(y)[x]) * 255 + 0.5f);
+    });
+    const auto side = static_cast<float>(std::max(shares.width, shares.height));
+    const float scale = std::max(1.0f, std::round(side / kGuideSide));
+    const int radius = std::max(1, static_cast<int>(std::lround(kGuideReach * side / scale)));
+    GuidedFilterPlane(bytes, picture, radius, kGuideEpsilon, scale);
+    zellab::parallelRows(shares.height, [&](int begin, int end) {
+        for (int y = begin; y < end; ++y)
+            for (int x = 0; x < shares.width; ++x) {
+                Byte& own = bytes.row(y)[x];
+                own = std::min(own, zellab::truncateToByte(possible(shares.row(y)[x]) * 255 + 0.5f));
+            }
+    });
+    return mask;
+}
+
+/// The mask for the render's hair stage, which draws its edges to the picture's once more, over wider windows, and keeps
+/// what comes out of that sharp: lamps beside a face that have its colour, too. Around places where more comes out than
+/// the mask has, it is taken back, and depth alone decides.
+Mask withoutSmears(const Mask& mask, PlaneView<const float> shares, ConstImageView picture,
+                   int pictureWidth) {
+    // The stage's windows: five cells a side, each of four pixels of a copy of half the size.
+    constexpr float kCell = 8, kEpsilon = 0.1f;
+    constexpr int kRadius = 2;
+    constexpr int kLikely = 80;  // levels that come out where nobody is without being seen
+    const float scale = kCell * static_cast<float>(mask.width) / static_cast<float>(pictureWidth);
+    Mask drawn = mask;
+    GuidedFilterPlane({drawn.samples.data(), drawn.width, drawn.height}, picture, kRadius, kEpsilon, scale);
+    // The largest excess within a window of the stage.
+    const int reach = std::max(1, static_cast<int>(std::lround((kRadius + 0.5f) * scale)));
+    Plane<Byte> along(mask.width, mask.height);
+    Mask rim = mask;
+    const auto largest = [reach](const auto& at, int i, int count) {
+        int most = 0;
+        for (int k = std::max(i - reach, 0); k <= std::min(i + reach, count - 1); ++k)
+            most = std::max(most, static_cast<int>(at(k)));
+        return most;
+    };
+    zellab::parallelRows(mask.height, [&](int begin, int end) {
+        for (int y = begin; y < end; ++y) {
+            const std::size_t row = zellab::sampleCount(mask.width, y);
+            const auto excess = [&](int x) {
+                const std::size_t i = row + static_cast<std::size_t>(x);
+                return possible(shares.row(y)[x]) > 0 ? 0 : std::max(drawn.samples[i] - kLikely, 0);
+            };
+            for (int x = 0; x < mask.width; ++x)
+                along.row(y)[x] = static_cast<Byte>(largest(excess, x, mask.width));
+        }
+    });
+    zellab::parallelRows(mask.height, [&](int begin, int end) {
+        for (int y = begin; y < end; ++y)
+            for (int x = 0; x < mask.width; ++x) {
+                const auto above = [&](int v) { return along.row(v)[x]; };
+                constexpr int kGain = 8;
+                const int share = std::max(255 - kGain * largest(above, y, mask.height), 0);
+                Byte& own = rim.samples[zellab::sampleCount(mask.width, y) + static_cast<std::size_t>(x)];
+                own = static_cast<Byte>(own * share / 255);
+            }
+    });
+    return rim;
+}
+
+/// Runs work(copy, shares), from a look at all people of the picture to a result.
+template <typename Work>
+auto withShares(ConstImageView picture, const FaceSet& faces, const std::string& assets, std::string& reason,
+                const Work& work) -> decltype(work(RgbaImage(), Plane<float>())) {
+    const std::string folder = networkFolder(assets);
+    try {
+        const auto persons = folder.empty() ? std::nullopt : PersonNetwork::load(folder, reason);
+        if (!persons) {
+            const std::string hint = networkFolderHint(folder);
+            reason += (reason.empty() ? "" : "; ") + hint;
+            return std::nullopt;
+        }
+        const RgbaImage copy = smallCopy(picture);
+        return work(copy, persons->look(copy.view(), closerLooks(faces, copy.width(), copy.height())));
+    } catch (const NetworkFailure& failure) {
+        reason = failure.what();
+        return std::nullopt;
+    }
+}
+
+}  // namespace
+
+FaceSet facesOf(const Subject& subject, const FaceSet& faces) {
+    FaceSet own{faces.width, faces.height, {}};
+    for (std::size_t i = 0; i < faces.faces.size(); ++i)
+        if (subject.ofFaces[i]) own.faces.push_back(faces.faces[i]);
+    return own;
+}
+
+std::optional<Mask> personMask(ConstImageView picture, const FaceSet* faces, const std::string& assets,
+                               std::string& reason) {
+    return withShares(picture, faces ? *faces : FaceSet(), assets, reason,
+                      [&](const RgbaImage& copy, Plane<float> shares) -> std::optional<Mask> {
+                          if (faces) keepPeopleOf(*faces, shares.view());
+                          return refined(std::as_const(shares).view(), copy.view());
+                      });
+}
+
+std::optional<Subject> findSubject(ConstImageView picture, const FaceSet& faces, PlaneView<const Byte> depth,
+                                   std::optional<Vector2f> focus, const std::string& assets,
+                                   std::string& reason) {
+    return withShares(
+        picture, faces, assets, reason,
+        [&](const RgbaImage& copy, Plane<float> shares) -> std::optional<Subject> {
+            Subject subject;
+            subject.ofFaces = subjectFaces(faces, depth, focus);
+            keepSubject(shares.view(), faces, subject.ofFaces, depth, focus);
+            if (!faces.faces.empty()) settleByDepth(shares.view(), facesOf(subject, faces), depth);
+            const float* const end = shares.data() + shares.size();
+            if (std::none_of(std::as_const(shares).data(), end, [](float s) { return s >= 0.5f; })) {
+                reason = "nobody is in the focus";
+                return std::nullopt;
+            }
+            subject.mask = refined(std::as_const(shares).view(), copy.view());
+            subject.rim =
+                withoutSmears(subject.mask, std::as_const(shares).view(), copy.view(), picture.width);
+            return subject;
+        });
+}
+
+}  // namespace zel
