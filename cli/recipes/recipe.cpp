@@ -23,7 +23,7 @@ void requireKnownNames(const Json& object, std::initializer_list<const char*> na
     for (const auto& [name, value] : object.items()) {
         bool known = false;
         for (const char* other : names) known = known || name == other;
-        if (!known) throw RecipeError(place + " has no '" + name + "'");
+        if (!known) throw RecipeError(std::string(place).append(" has no '").append(name).append("'"));
     }
 }
 

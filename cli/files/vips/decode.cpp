@@ -24,7 +24,7 @@ VipsPicture open(std::span<const unsigned char> file, const std::string& loader)
     // damaged for good; a photograph with odd bytes between its parts is whole.
     VipsImage* image = vips_image_new_from_buffer(
         file.data(), file.size(), "", "access", VIPS_ACCESS_SEQUENTIAL, "fail_on",
-        loader.find("Png") == loader.npos ? VIPS_FAIL_ON_TRUNCATED : VIPS_FAIL_ON_ERROR, nullptr);
+        loader.find("Png") == std::string::npos ? VIPS_FAIL_ON_TRUNCATED : VIPS_FAIL_ON_ERROR, nullptr);
     requireVips(image ? 0 : -1);
     return VipsPicture(image);
 }
@@ -48,7 +48,7 @@ std::string nameOfLoader(const std::string& loader) {
         {"Jpeg", "JPEG"}, {"Png", "PNG"},        {"Tiff", "TIFF"}, {"Webp", "WebP"},
         {"Heif", "HEIF"}, {"Jp2k", "JPEG 2000"}, {"Nsgif", "GIF"}};
     for (const auto& [part, name] : kNames)
-        if (loader.find(part) != loader.npos) return name;
+        if (loader.find(part) != std::string::npos) return name;
     return {};
 }
 
@@ -76,7 +76,7 @@ void readTexts(VipsImage* image, Metadata& metadata) {
     for (char** field = fields; field && *field; ++field) {
         const std::string name = *field, prefix = "png-comment-";
         const auto dash = name.find('-', prefix.size());
-        if (name.rfind(prefix, 0) != 0 || dash == name.npos) continue;
+        if (name.rfind(prefix, 0) != 0 || dash == std::string::npos) continue;
         const std::string keyword = name.substr(dash + 1);
         const char* text = nullptr;
         if (keyword.rfind("Raw profile type", 0) == 0 || vips_image_get_string(image, *field, &text) != 0)
@@ -215,8 +215,8 @@ void noteKind(VipsImage* image, const std::string& kind, Notes& notes) {
 std::string inPlainWords(const std::string& why, const std::string& kind) {
     for (const char* cut : {"remature end", "runcated", "end of file", "end of stream", "not enough data",
                             "too short", "bad seek", "out of order read", "EOF"})
-        if (why.find(cut) != why.npos) return "the " + kind + " file ends early";
-    if (why.find("read error") != why.npos) return "the " + kind + " file is damaged or ends early";
+        if (why.find(cut) != std::string::npos) return "the " + kind + " file ends early";
+    if (why.find("read error") != std::string::npos) return "the " + kind + " file is damaged or ends early";
     return "the " + kind + " file is damaged" + (why.empty() ? "" : " (" + why + ")");
 }
 
