@@ -285,6 +285,10 @@ def main():
         for number, (name, data) in enumerate(files()):
             for i, options in enumerate((OPTIONS[number % len(OPTIONS)], OPTIONS[0], OPTIONS[6])):
                 (folder / f"{name}_{i}").write_bytes(bytes(options) + data)
+    folder = pathlib.Path(sys.argv[1]) / "fuzz_picture_file"
+    folder.mkdir(parents=True, exist_ok=True)
+    for name, data in files():
+        (folder / name).write_bytes(data)
 
 
 if __name__ == "__main__":

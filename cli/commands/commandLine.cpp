@@ -5,8 +5,10 @@
 
 #include "cli/commands/applyCommand.h"
 #include "cli/commands/commandTexts.h"
+#include "cli/commands/completion.h"
 #include "cli/commands/effectsCommand.h"
 #include "cli/commands/manPage.h"
+#include "cli/commands/recipeCommand.h"
 #include "cli/commands/wrapText.h"
 #include "cli/library.h"
 #include "cli/run/messages.h"
@@ -55,19 +57,61 @@ void checkCommandWord(const std::vector<std::string>& words) {
 }
 
 bool asksForHelp(const std::vector<std::string>& words) {
-    return std::any_of(words.begin(), words.end(),
+    return std::any_of(words.begin(), std::find(words.begin(), words.end(), "--"),
                        [](const auto& word) { return word == "--help" || word == "-h"; });
 }
 
+/// What other programs call what this one calls otherwise.
+constexpr std::pair<const char*, const char*> kOtherNames[] = {
+    {"--out", "-o"},
+    {"--outdir", "-o FOLDER/"},
+    {"--output-dir", "-o FOLDER/"},
+    {"--input", "just the file's name"},
+    {"--overwrite", "--in-place"},
+    {"--force", "--in-place"},
+    {"--skip-existing", "--no-clobber"},
+    {"--threads", "--jobs"},
+    {"--parallel", "--jobs"},
+    {"--effect", "the effect's name behind apply"},
+    {"--preset", "--recipe"},
+    {"--style", "--recipe"},
+    {"--lut", "--cube"},
+    {"--strip-metadata", "--strip"},
+    {"--chroma", "--subsampling"},
+    {"--silent", "--quiet"},
+    {"--type", "--format"},
+    {"--width", "a matter for another program: this one keeps the size"},
+    {"--resize", "a matter for another program: this one keeps the size"}};
+
+/// A word that belongs to an effect's parameter, or to another program.
+std::string hintForForeign(const std::string& option, const std::vector<std::string>& words) {
+    const std::string name = option.substr(2, option.find('=') - 2);
+    for (const std::string& word : words) {
+        const zel_effect* effect = nullptr;
+        if (zel_effect_find(word.c_str(), &effect) != ZEL_OK) continue;
+        for (const zel_parameter* parameter : setParameters(*effect))
+            if (name == parameter->name)
+                return "; " + word + " takes it as --set " + name + "=VALUE (" + describeRange(*parameter) +
+                       ")";
+    }
+    for (const auto& [foreign, own] : kOtherNames)
+        if (option.substr(0, option.find('=')) == foreign) return std::string("; here it is ") + own;
+    return {};
+}
+
 /// What the parser found wrong, in one line.
-std::string describeProblem(const CommandLine& line, const CLI::ParseError& problem) {
+std::string describeProblem(const CommandLine& line, const std::vector<std::string>& words,
+                            const CLI::ParseError& problem) {
     const auto commands = line.app.get_subcommands();
     const CLI::App& at = commands.empty() ? line.app : *commands.front();
     std::string text = problem.what();
     const auto unknown = at.remaining();
-    if (!unknown.empty() && unknown.front().rfind("--", 0) == 0)
-        text = "there is no option " + unknown.front() + hintFor(unknown.front(), optionNames(at));
-    const bool hinted = text.find("did you mean") != std::string::npos;
+    if (!unknown.empty() && unknown.front().rfind("--", 0) == 0) {
+        const std::string foreign = hintForForeign(unknown.front(), words);
+        text = "there is no option " + unknown.front() +
+               (foreign.empty() ? hintFor(unknown.front(), optionNames(at)) : foreign);
+    }
+    const bool hinted = text.find("; ") != std::string::npos;
     if (!hinted) text += (commands.empty() ? "; see zel" : "; see zel " + at.get_name()) + " --help";
     std::replace(text.begin(), text.end(), '\n', ' ');
     return text;
@@ -93,6 +137,7 @@ ApplyOptions applyOptions(const CommandLine& line) {
         options.inputs.insert(options.inputs.begin(), line.lastStep.effect);
     else if (!line.lastStep.effect.empty())
         options.steps.push_back(line.lastStep);
+    for (const StepOptions& step : options.steps) findEffect(step.effect);
     if (options.inputs.empty())
         throw UsageError(options.steps.empty() && options.recipe.empty()
                              ? "EFFECT is required; see zel apply --help"
@@ -107,6 +152,25 @@ ApplyOptions applyOptions(const CommandLine& line) {
     return options;
 }
 
+/// Help on commands and effects; on all of the program without a word.
+int printHelp(const CommandLine& line) {
+    if (line.described.empty()) std::cout << line.app.help();
+    const auto commands = commandNames();
+    for (const std::string& word : line.described) {
+        const zel_effect* effect = nullptr;
+        if (std::find(commands.begin(), commands.end(), word) != commands.end()) {
+            std::cout << line.app.get_subcommand(word)->help();
+        } else if (zel_effect_find(word.c_str(), &effect) == ZEL_OK) {
+            std::cout << effectHelp(*effect);
+        } else {
+            auto names = commands;
+            for (const zel_effect* known : allEffects()) names.emplace_back(known->name);
+            throw UsageError("there is no command and no effect '" + word + "'" + hintFor(word, names));
+        }
+    }
+    return kDone;
+}
+
 int dispatch(const CommandLine& line) {
     if (line.manPage) {
         std::cout << manPage(line.app);
@@ -115,7 +179,14 @@ int dispatch(const CommandLine& line) {
     const auto chosen = line.app.get_subcommands();
     const std::string name = chosen.empty() ? "" : chosen.front()->get_name();
     if (name == "effects") {
-        std::cout << (line.effectsAsJson ? effectsJson() : effectsTable());
+        if (line.described.empty()) std::cout << (line.effectsAsJson ? effectsJson() : effectsTable());
+        for (const auto& effect : line.described) std::cout << effectHelp(findEffect(effect));
+        return kDone;
+    }
+    if (name == "help") return printHelp(line);
+    if (name == "recipe") return runRecipe(line.recipes);
+    if (name == "completion") {
+        std::cout << completion(line.app, line.shell);
         return kDone;
     }
     if (name == "apply") return runApply(applyOptions(line));
@@ -152,6 +223,16 @@ CommandLine::CommandLine() : app(std::string("zel: ") + kProgramSummary, "zel") 
     addFaces();
     addDepth();
     addPortrait();
+    addCommand("recipe")
+        .add_option("FILE", recipes, "Recipes, or folders of them")
+        ->option_text("...")
+        ->required();
+    addCommand("help").add_option("WORD", described, "A command or an effect")->option_text("...");
+    addCommand("completion")
+        .add_option("SHELL", shell, "bash, zsh or fish")
+        ->option_text(" ")
+        ->required()
+        ->check(CLI::IsMember({"bash", "zsh", "fish"}));
     addNetworks();
     addStudio();
 }
@@ -165,7 +246,9 @@ CLI::App& CommandLine::addCommand(const std::string& name) {
 }
 
 void CommandLine::addEffects() {
-    addCommand("effects").add_flag("--json", effectsAsJson, "Print JSON for scripts");
+    CLI::App& command = addCommand("effects");
+    command.add_option("NAME", described, "Effects to tell more about")->option_text("...");
+    command.add_flag("--json", effectsAsJson, "Print JSON for scripts");
 }
 
 namespace {
@@ -277,7 +360,7 @@ void CommandLine::addDepth() {
     const auto add = [&](const char* names, auto& target, const char* help, const char* value) {
         return command.add_option(names, target, help)->option_text(value);
     };
-    add("IN", depth.inputs, "Pictures to read", "...")->required();
+    add("IN", depth.inputs, "Pictures to read, or folders of them", "...")->required();
     add("-o,--output", depth.output, "Depth map to write, or a folder for several inputs", "DEPTH.png")
         ->required();
     add("--mask", depth.mask, "Person mask: white where the person is", "MASK.png");
@@ -290,6 +373,9 @@ void CommandLine::addDepth() {
         ->allow_extra_args(false);
     add("--compare", depth.compare, "Write picture, map and the map in colours side by side", "SHEET.png");
     add("--assets", depth.assets, "Folder with the library's assets", "DIR");
+    add("--jobs", depth.jobs, "Inputs to work on at once; by itself as many as do well", "N")
+        ->check(CLI::Range(1u, kMostJobs));
+    command.add_flag("--recursive", depth.recursive, "Look into the folders of input folders as well");
     command.add_flag("--raw", depth.raw, "The network's map, unrefined");
     command.add_flag("--quiet", depth.quiet, "Only errors on standard error");
     command.add_flag("--verbose", depth.verbose, "Show the library's log");
@@ -341,7 +427,10 @@ std::vector<std::string> takeSteps(const std::vector<std::string>& words, std::v
     std::vector<std::string> last = {"apply"};
     if (!steps.empty()) last.push_back(*at++);
     last.insert(last.end(), rest.begin(), rest.end());
-    last.insert(last.end(), at, words.end());
+    last.insert(last.end(), at, end);
+    // The parser would take the word "--" for the end of the command: names with a path need none.
+    for (auto name = end; name != words.end(); ++name)
+        if (name != end) last.push_back(name->starts_with("-") ? "./" + *name : *name);
     return last;
 }
 
@@ -373,7 +462,7 @@ int runCommand(const std::vector<std::string>& words) {
             line.app.exit(problem);  // help or version
             return flushResults(kDone);
         }
-        Messages(false).error("", describeProblem(line, problem));
+        Messages(false).error("", describeProblem(line, words, problem));
         return kWrongUsage;
     } catch (const UsageError& problem) {
         Messages(false).error("", problem.what());

@@ -37,6 +37,9 @@ public:
     StudioOptions studio;
     bool effectsAsJson = false;
     bool manPage = false;
+    std::vector<std::string> described;  // names behind zel effects and zel help
+    std::vector<std::string> recipes;    // of zel recipe
+    std::string shell;                   // of zel completion
 
 private:
     CLI::App& addCommand(const std::string& name);

@@ -7,11 +7,13 @@ namespace zelcli {
 const char* const kProgramSummary = "portrait effects on picture files";
 
 const char* const kProgramDetails =
-    "Retouches portraits: reads PNG and JPEG files (and BMP, GIF, TGA, PSD, HDR, PIC and PNM), runs one "
-    "effect "
-    "of the library, and writes PNG or JPEG. EXIF orientation is applied; EXIF data and the colour profile "
-    "go "
-    "with the picture.\n\n"
+    "Retouches portraits: reads JPEG, PNG, TIFF, WebP, HEIF, AVIF, JPEG 2000 and GIF files (and BMP, TGA, "
+    "PSD, HDR, "
+    "PIC and PNM), runs effects of the library, and writes JPEG, PNG, TIFF, WebP or AVIF. Pictures are "
+    "turned upright; "
+    "EXIF, XMP, captions, comments, resolution and colour profile go with them, and colours beyond sRGB stay "
+    "where an "
+    "effect leaves them alone. What a format cannot carry is told.\n\n"
     "Standard output carries results only. Progress and messages go to standard error, one line each. An "
     "output is written as a whole or not at all: where the work fails, an existing file stays as it was.";
 
@@ -25,22 +27,49 @@ const std::vector<CommandText>& commandTexts() {
     static const std::vector<CommandText> texts = {
         {"effects",
          "List every effect, its parameters with range and default",
-         "The list goes to standard output; with --json it is made for scripts.",
+         "The list goes to standard output; with --json it is made for scripts. With names it tells more "
+         "about these "
+         "effects.",
          {{"Read what there is", "zel effects"},
+          {"One effect in full", "zel effects nature-smooth"},
           {"The names alone, in a script", "zel effects --json | jq -r '.effects[].name'"}}},
         {"apply",
-         "Run one effect on pictures",
-         "The suffix of OUT chooses the format: .png keeps transparency, .jpg and .jpeg (quality 95) put the "
-         "picture on white. With several inputs OUT is a folder, made where it is missing; outputs there are "
-         "called like their inputs. A failing input does not stop the others.\n\n"
+         "Run effects on pictures",
+         "The suffix of OUT chooses the format: .png, .tif, .webp and .avif keep transparency, .jpg puts the "
+         "picture on "
+         "white. A JPEG output has the quality and the colour subsampling of its input where that is JPEG "
+         "too, and 95 "
+         "and full colour otherwise.\n\n"
+         "Several effects are joined by +: each has the --set, --mask, --second, --cube and --depth that "
+         "stand with it. "
+         "The picture is read once, searched for faces once and written once. --save-recipe keeps such a "
+         "chain, "
+         "--recipe takes it.\n\n"
+         "With several inputs or a folder OUT is a folder, made where it is missing; outputs there are "
+         "called like "
+         "their inputs. A failing input does not stop the others, and the last line says what was done. An "
+         "interrupt "
+         "ends the run between two pictures; --resume goes on there. An output never takes the place of an "
+         "input, but "
+         "with --in-place.\n\n"
          "A mask is a picture of the same size: white where the effect works fully, black where it does "
          "not.\n\n"
-         "Effects that work on faces find them where --faces gives none.\n\n"
-         "zel apply EFFECT --help tells the parameters of one effect.",
+         "Effects that work on faces find them where --faces gives none. A picture without a face fails "
+         "where an effect "
+         "needs one; with --no-face skip it is left out, with --no-face copy such effects leave it as it "
+         "is.\n\n"
+         "-- ends the options, for names that begin with -. zel apply EFFECT --help tells the parameters of "
+         "one effect.",
          {{"Smooth a portrait and look at both side by side",
            "zel apply nature-smooth portrait.jpg -o smooth.jpg --compare sheet.png"},
           {"Turn two knobs", "zel apply bright portrait.png -o clear.png --set radius=8 --set level=3"},
-          {"A whole folder, four pictures at once", "zel apply nature-smooth photos/*.jpg -o out/ --jobs 4"},
+          {"Three effects in one go",
+           "zel apply auto-face-inpaint + nature-smooth --set radius=8 + scenario portrait.jpg "
+           "-o out.jpg --save-recipe mine.json"},
+          {"The same for a folder and all below it",
+           "zel apply --recipe mine.json photos -o out --recursive"},
+          {"On from where an interrupt came",
+           "zel apply --recipe mine.json photos -o out --recursive --resume"},
           {"A whole portrait in one call, with a look of your own",
            "zel apply scenario portrait.jpg -o out.jpg --set alpha=0.6 --cube mylook.cube"},
           {"Repair spots, and see where skin was found",
@@ -89,6 +118,21 @@ const std::vector<CommandText>& commandTexts() {
            "zel portrait -o portrait.png --faces portrait.json --size 900x1200 --seed 7"},
           {"The truth beside it: clean picture, masks, depth",
            "zel portrait -o portrait.png --seed 7 --set moles=12 --truth truth/"}}},
+        {"recipe",
+         "Show what recipes do",
+         "Prints the effects and values of recipes, as zel apply --save-recipe writes them: small files of "
+         "JSON that "
+         "may be edited and shared. A folder stands for the .json files in it. Files that a recipe names lie "
+         "beside it.",
+         {{"Read a recipe", "zel recipe mine.json"}}},
+        {"help",
+         "Tell about a command or an effect",
+         "Without a word it tells about the program.",
+         {{"A command", "zel help apply"}, {"An effect", "zel help auto-slim-face"}}},
+        {"completion",
+         "Print what a shell completes",
+         "cmake --install puts these where bash, zsh and fish look for them.",
+         {{"For this session of bash", "eval \"$(zel completion bash)\""}}},
         {"networks",
          "Tell which networks are there, where, and what each is for",
          "The list goes to standard output, with the state of each: ready; missing; or unusable, where its "

@@ -1,5 +1,7 @@
 #include "cli/commands/depthCommand.h"
 
+#include <algorithm>
+#include <chrono>
 #include <map>
 #include <optional>
 
@@ -11,7 +13,10 @@
 #include "cli/files/pngWriter.h"
 #include "cli/files/writePicture.h"
 #include "cli/library.h"
+#include "cli/run/batchReport.h"
+#include "cli/run/jobs.h"
 #include "cli/run/messages.h"
+#include "cli/run/namingFile.h"
 
 namespace zelcli {
 
@@ -46,12 +51,14 @@ DepthValues valuesOf(const std::vector<std::string>& assignments) {
     return values;
 }
 
-/// Outputs go where `zel apply` would put them.
+/// Outputs go where `zel apply` would put them, and maps in a folder are lossless.
 ApplyPlan planDepth(const DepthOptions& options) {
     ApplyOptions apply;
     apply.inputs = options.inputs;
     apply.output = options.output;
     apply.compare = options.compare;
+    apply.format = "png";
+    apply.recursive = options.recursive;
     apply.steps.emplace_back().maskOut = options.personMask;
     apply.maskOutName = "--person-mask";
     return planApply(apply);
@@ -64,68 +71,69 @@ Image greyPicture(const Mask& mask) {
     return image;
 }
 
-void writeMap(const fs::path& path, const Mask& map) {
-    if (formatOfSuffix(path) == PictureFormat::png)
-        writeFileSafely(path, encodeGrayPng(map));
+void writeMap(const UserPath& path, const Mask& map) {
+    const auto format = formatOfSuffix(path.real).value_or(PictureFormat::png);
+    if (format == PictureFormat::png)
+        writeBytes(path, encodeGrayPng(map));
     else
-        writePicture(path, greyPicture(map));
+        writePicture(path, greyPicture(map), format, {.lossless = true});
 }
 
 /// One run of the command: the network and the mask that all inputs share.
 class DepthRun {
 public:
-    DepthRun(const DepthOptions& options, DepthValues values)
-        : m_options(options), m_values(std::move(values)), m_messages(options.quiet) {}
+    DepthRun(const DepthOptions& options, DepthValues values, const JobShare& share)
+        : m_options(options), m_values(std::move(values)), m_share(share), m_messages(options.quiet) {}
 
     int run(const ApplyPlan& plan) {
-        bool failed = !attempt([&] { prepare(plan); });
-        m_messages.startProgress(plan.items.size());
-        for (std::size_t i = 0; i < plan.items.size() && m_ready; ++i) {
-            const ApplyItem& item = plan.items[i];
-            m_voice->enter(item.input.shown);
-            const bool done = attempt([&] { process(i, item); });
-            m_voice->leave(item.input.shown);
-            failed = failed || !done;
-            m_messages.finished(i, item.input.shown + " -> " + item.output.shown, !done);
+        const auto start = std::chrono::steady_clock::now();
+        try {
+            prepare(plan);
+        } catch (const FileFailure& failure) {
+            m_messages.error(failure.file(), failure.what());
+            return kWorkFailed;
         }
+        for (const auto& [folder, why] : plan.failures) m_messages.error(folder, why);
+        m_outcomes.resize(plan.items.size());
+        m_messages.startProgress(plan.items.size());
+        runJobs(plan.items.size(), m_share.jobs, [&](std::size_t i) { attempt(i, plan.items[i]); });
         m_messages.endProgress();
-        return failed ? kWorkFailed : kDone;
+        const std::chrono::duration<double> time = std::chrono::steady_clock::now() - start;
+        if (plan.items.size() > 1) m_messages.closing(closingLine(m_outcomes, time.count(), false));
+        const bool failed = std::any_of(m_outcomes.begin(), m_outcomes.end(), [](const Outcome& outcome) {
+            return outcome.state == Outcome::State::failed;
+        });
+        return failed || !plan.failures.empty() ? kWorkFailed : kDone;
     }
 
 private:
-    /// Does one piece of the work; a failure is told with the file that m_file names by then.
-    template <typename Work>
-    bool attempt(const Work& work) {
+    void attempt(std::size_t index, const ApplyItem& item) {
+        m_voice->enter(item.input.shown);
+        m_outcomes[index].state = Outcome::State::done;
         try {
-            work();
-            return true;
+            namingFile(item.input.shown, [&] { process(index, item); });
         } catch (const FileFailure& failure) {
             m_messages.error(failure.file(), failure.what());
-        } catch (const std::bad_alloc&) {
-            m_messages.error(m_file, "there is not enough memory for it");
-        } catch (const std::exception& problem) {
-            m_messages.error(m_file, problem.what());
+            m_outcomes[index].state = Outcome::State::failed;
         }
-        return false;
+        m_voice->leave(item.input.shown);
+        m_messages.finished(index, item.input.shown + " -> " + item.output.shown,
+                            m_outcomes[index].state == Outcome::State::failed);
     }
 
     void prepare(const ApplyPlan& plan) {
-        m_voice.emplace(m_messages, m_options.verbose, m_options.assets);
-        m_file = m_options.mask;
-        if (!m_options.mask.empty()) m_mask = readMask(UserPath(m_options.mask).real);
-        for (const UserPath& folder : plan.folders) {
-            m_file = folder.shown;
-            fs::create_directories(folder.real);
-        }
+        m_voice.emplace(m_messages, m_options.verbose, m_options.assets, m_share.threads);
+        if (!m_options.mask.empty())
+            m_mask = namingFile(m_options.mask, [&] { return readMask(UserPath(m_options.mask).real); });
+        for (const UserPath& folder : plan.folders)
+            namingFile(folder.shown, [&] { fs::create_directories(folder.real); });
         const zel_status status = zel_check_depth(library(), network());
         if (status == ZEL_BAD_ASSET)
             throw FileFailure("", std::string(zel_message()) + "; --set model=FILE names another one");
-        require(status);
-        m_ready = true;
+        namingFile("", [&] { require(status); });
     }
 
     void process(std::size_t index, const ApplyItem& item) {
-        m_file = item.input.shown;
         m_messages.progress(index, "reading", 0);
         LoadedPicture picture = readPicture(item.input);
         for (const auto& note : picture.notes) m_messages.note(item.input.shown, note);
@@ -134,31 +142,31 @@ private:
         Mask person;
         const Mask map = mapOf(item, picture.image, person);
         m_messages.progress(index, "writing", 0.9);
-        m_file = item.output.shown;
-        writeMap(item.output.real, map);
-        if (!item.maskOut.shown.empty()) {
-            m_file = item.maskOut.shown;
-            writeMap(item.maskOut.real, person);
-        }
+        if (item.format == PictureFormat::jpeg)
+            m_messages.note(item.output.shown, "a JPEG file blurs the edges of depth; .png keeps them");
+        namingFile(item.output.shown, [&] { writeMap(item.output, map); });
+        if (!item.maskOut.shown.empty())
+            namingFile(item.maskOut.shown, [&] { writeMap(item.maskOut, person); });
         if (item.sheet.shown.empty()) return;
-        m_file = item.sheet.shown;
         const Image grey = greyPicture(map), colours = colourDepth(map);
-        writePicture(item.sheet.real, makeSheet({{picture.image, "picture"},
-                                                 {grey, m_options.raw ? "depth, unrefined" : "depth"},
-                                                 {colours, "near is warm"}}));
+        namingFile(item.sheet.shown, [&] {
+            writePicture(item.sheet.real, makeSheet({{picture.image, "picture"},
+                                                     {grey, m_options.raw ? "depth, unrefined" : "depth"},
+                                                     {colours, "near is warm"}}));
+        });
     }
 
     /// The file that was told; null for the library's own.
     const char* network() const { return m_values.model.empty() ? nullptr : m_values.model.c_str(); }
 
     /// Those of the subject are kept whole; without any finder of faces there is none.
-    libzel::Faces facesIn(Image& image) {
+    libzel::Faces facesIn(const ApplyItem& item, Image& image) {
         if (m_mask || m_options.raw || m_values.subject == ZEL_SUBJECT_NONE) return nullptr;
         zel_faces* faces = nullptr;
         const zel_pixels picture = pixelsOf(image);
         const zel_status status = zel_find_faces(library(), &picture, &faces);
         if (status == ZEL_NOT_AVAILABLE)
-            m_messages.note(m_file, std::string(zel_message()) + "; going on without faces");
+            m_messages.note(item.input.shown, std::string(zel_message()) + "; going on without faces");
         else
             require(status);
         return libzel::Faces(faces);
@@ -174,7 +182,7 @@ private:
             person = pixelsOf(*m_mask);
             options.person = &person;
         }
-        const libzel::Faces faces = facesIn(image);
+        const libzel::Faces faces = facesIn(item, image);
         options.faces = faces.get();
         options.subject = m_values.subject;
         if (!item.maskOut.shown.empty()) {
@@ -198,11 +206,11 @@ private:
 
     const DepthOptions& m_options;
     const DepthValues m_values;
+    const JobShare m_share;
     Messages m_messages;
     std::optional<LibraryVoice> m_voice;
     std::optional<Mask> m_mask;
-    std::string m_file;  // what is being worked on
-    bool m_ready = false;
+    std::vector<Outcome> m_outcomes;
 };
 
 }  // namespace
@@ -214,7 +222,7 @@ int runDepth(const DepthOptions& options) {
     if (options.raw && !options.personMask.empty())
         throw UsageError("--raw makes no --person-mask: the mask is a part of the refinement");
     const ApplyPlan plan = planDepth(options);
-    return DepthRun(options, std::move(values)).run(plan);
+    return DepthRun(options, std::move(values), shareJobs(options.jobs, plan.items.size())).run(plan);
 }
 
 }  // namespace zelcli

@@ -11,6 +11,8 @@ struct DepthOptions {
     std::string output;
     std::string mask, personMask, compare, assets;  // empty: not given
     std::vector<std::string> assignments;           // --set
+    unsigned jobs = 0;                              // 0: as many as this machine does well
+    bool recursive = false;
     bool raw = false, quiet = false, verbose = false;
 };
 

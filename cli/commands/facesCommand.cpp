@@ -115,7 +115,7 @@ private:
             m_messages.note(item.input.shown, "no face was found; the list of faces is empty");
         m_messages.progress(index, "writing", 0.8);
         file = item.data.shown;
-        writeFaces(item.data.real, faces);
+        writeFaces(item.data, faces);
         if (!item.overlay.shown.empty()) {
             file = item.overlay.shown;
             Image drawn = enlargedForOverlay(picture.image, kOverlaySide);

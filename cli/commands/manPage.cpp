@@ -110,7 +110,7 @@ constexpr const char* kFaceData =
 
 std::string manPage(const CLI::App& app) {
     const auto commands = app.get_subcommands([](const CLI::App*) { return true; });
-    std::string page = ".TH ZEL 1 \"\" \"zel " ZEL_VERSION "\" \"User Commands\"\n";
+    std::string page = ".TH ZEL 1 \"" ZEL_DATE "\" \"zel " ZEL_VERSION "\" \"User Commands\"\n";
     page += ".SH NAME\nzel \\- " + plain(kProgramSummary) + "\n.SH SYNOPSIS\n";
     for (const CLI::App* command : commands) page += ".B " + plain(synopsisOf(*command)) + "\n.br\n";
     page += ".SH DESCRIPTION\n" + paragraphs(kProgramDetails) + ".SH COMMANDS\n";

@@ -83,14 +83,14 @@ public:
     }
 
     /// @param gap  pixels of a dash and of the gap behind it; 0: unbroken
-    void line(Point a, Point b, int gap, const Colour& colour) {
+    void line(Point a, Point b, int gap, int half, const Colour& colour) {
         const float span = std::max(std::fabs(b[0] - a[0]), std::fabs(b[1] - a[1]));
         if (!(span < 1e5f)) return;
         const int steps = std::max(1, static_cast<int>(span));
         for (int i = 0; i <= steps; ++i) {
             if (gap > 0 && i / gap % 2 == 1) continue;
             const float t = static_cast<float>(i) / static_cast<float>(steps);
-            dot({a[0] + (b[0] - a[0]) * t, a[1] + (b[1] - a[1]) * t}, 0, colour);
+            dot({a[0] + (b[0] - a[0]) * t, a[1] + (b[1] - a[1]) * t}, half, colour);
         }
     }
 
@@ -113,7 +113,7 @@ void drawFace(Pen& pen, const zel_face& face, const float (*points)[2], int scal
     for (const auto& [outline, landmarks] : outlines()) {
         const int gap = isGuessed(landmarks) ? 4 * scale : 0;
         for (std::size_t i = 0; i < outline.size(); ++i)
-            pen.line(at(outline[i]), at(outline[(i + 1) % outline.size()]), gap, kOutlineColour);
+            pen.line(at(outline[i]), at(outline[(i + 1) % outline.size()]), gap, scale / 2, kOutlineColour);
     }
     for (const PointGroup& group : kGroups)
         for (int i = group.first; i <= group.last; ++i) {
@@ -125,17 +125,25 @@ void drawFace(Pen& pen, const zel_face& face, const float (*points)[2], int scal
         }
 }
 
+/// The size of digits at which three of them fit between two points of an eye, whatever share of the picture the face
+/// is.
+int scaleOf(const zel_face& face, const Image& image) {
+    constexpr float kFaceOfSmallestDigits = 500;  // pixels across
+    const float across = face.rect[2] * static_cast<float>(image.width);
+    return std::clamp(static_cast<int>(across / kFaceOfSmallestDigits), 1, 12);
+}
+
 }  // namespace
 
 void drawFaceOverlay(Image& image, const zel_faces* faces) {
     Pen pen(image);
-    const int scale = std::max(1, std::max(image.width, image.height) / 3000);
+    const int scale = std::max(1, std::max(image.width, image.height) / 1500);
     bool guesses = false;
     for (std::size_t face = 0; face < zel_faces_count(faces); ++face) {
         float points[ZEL_FACE_POINTS][2];
         libzel::require(zel_faces_interpolate(faces, face, image.width, image.height, points));
         const zel_face told = libzel::faceAt(faces, face);
-        drawFace(pen, told, points, scale);
+        drawFace(pen, told, points, scaleOf(told, image));
         for (int group = 0; group < ZEL_FACE_GROUPS; ++group) guesses |= mostlyGuessed(told, group);
     }
     if (!guesses) return;

@@ -19,4 +19,9 @@ void writeFaces(const std::filesystem::path& path, zel_faces* faces) {
     writeText(path, libzel::toJson(faces));
 }
 
+void writeFaces(const UserPath& path, zel_faces* faces) {
+    const std::string text = libzel::toJson(faces);
+    writeBytes(path, {reinterpret_cast<const unsigned char*>(text.data()), text.size()});
+}
+
 }  // namespace zelcli

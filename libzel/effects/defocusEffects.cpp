@@ -213,7 +213,8 @@ Effect defocus() {
         choiceParameter(
             "subject", {"auto", "person", "none"}, "auto",
             "keeps people whole, by a network where one is installed: auto where there is a face, person "
-            "also without one; a mask that is given takes its place"),
+            "also "
+            "without one. A mask that is given takes its place; with person it counts for the depth as well"),
         toggleParameter("useDepth", "true", "false blurs everything by one radius, as preview does")};
     effect.gl = ZEL_OPTIONAL;
     effect.faces = ZEL_OPTIONAL;

@@ -47,14 +47,16 @@ void estimateDepth(EffectRun& run, DefocusScene& scene) {
     const std::string absence = zellab::platform::networkModuleAbsence();
     if (!absence.empty()) throw Failure(absence + "; or give a depth map", ZEL_NOT_AVAILABLE);
     const LentDepth network(*run.surroundings.depthNetworks, run.surroundings.assets, nullptr);
-    // A mask that was given to a run that wants no subject is one of hair alone.
-    const bool wanted = wishOf(run.values) != SubjectWish::none;
+    // A mask that was given may be one of hair alone, unless it is told to be the person's.
+    const auto isPerson = [&] {
+        return scene.mask && (scene.found || wishOf(run.values) == SubjectWish::person);
+    };
     zellab::PortraitDepthPlanes planes = network->estimate(viewOf(run.image), [&](DepthView raw) {
         chooseSubject(run, raw, scene);
-        return scene.mask && wanted ? viewOf(*scene.mask) : DepthView();
+        return isPerson() ? viewOf(*scene.mask) : DepthView();
     });
     if (!planes.estimated) throw Failure("its depth cannot be estimated");
-    if (scene.mask && wanted) levelSubject(planes, *scene.mask, scene.faces);
+    if (isPerson()) levelSubject(planes, *scene.mask, scene.faces);
     scene.depth = std::move(planes.refined);
 }
 

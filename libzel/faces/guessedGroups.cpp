@@ -10,9 +10,6 @@
 namespace zel {
 
 using zellab::Vector2f;
-using zellab::operator+;
-using zellab::operator-;
-using zellab::operator*;
 
 namespace {
 

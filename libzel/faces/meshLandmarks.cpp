@@ -42,23 +42,31 @@ constexpr HalfMouth kLeftMouth{{61, 185, 40, 39, 37},
 constexpr Numbers kLeftContour{162, 127, 234, 93, 132, 58, 172, 136, 150, 149, 176, 148, 152},
     kRightContour{389, 356, 454, 323, 361, 288, 397, 365, 379, 378, 400, 377, 152};
 
-/// The mesh draws brows longer at their outer ends, by this share of their length, and higher, by these shares of the
-/// distance of the eyes: judged by eye on 18 photographs.
-constexpr float kBrowTail = 0.05f, kUpperBrowDrop = 0.02f, kLowerBrowDrop = 0.025f;
+// Where the mesh has other features than the landmarks, by shares of the distance of the eyes: medians over marks that
+// were set by hand on 16 faces of photographs.
+constexpr float kUpperBrowDrop = 0.02f, kLowerBrowDrop = 0.037f;
+/// The mesh draws brows longer at their outer ends, by this share of their length.
+constexpr float kBrowTail = 0.03f;
+constexpr float kCornerDrop = 0.016f, kOuterCornerOutwards = 0.045f;  // of the eyes; less along the lids
+constexpr float kWingRise = 0.03f, kTipDrop = 0.02f;
 
 constexpr float kThird = 1 / 3.0f;
 constexpr std::size_t kContourSteps = 9;
 
 class Placing {
 public:
-    explicit Placing(const FaceMesh& mesh) : m_mesh(mesh), m_hull(faceHull(mesh)) {}
+    explicit Placing(const FaceMesh& mesh)
+        : m_mesh(mesh),
+          m_hull(faceHull(mesh)),
+          m_eyes(between(362, 263) - between(33, 133)),
+          m_down{-m_eyes.y, m_eyes.x} {}
 
     Landmarks landmarks() {
         m_out[0] = at(152);
         placeContour(kLeftContour, 1, -1);
         placeContour(kRightContour, 10, 1);
-        placeEye(kLeftLowerLid, kLeftUpperLid, 19);
-        placeEye(kRightLowerLid, kRightUpperLid, 65);
+        placeEye(kLeftLowerLid, kLeftUpperLid, 19, -1);
+        placeEye(kRightLowerLid, kRightUpperLid, 65, 1);
         placeBrow(kLeftBrowLower, kLeftBrowUpper, 29, kBrowTail, 1);
         placeBrow(kRightBrowLower, kRightBrowUpper, 75, 0, 1 - kBrowTail);
         placeMouth();
@@ -120,8 +128,23 @@ private:
         return p + axis * furthest;
     }
 
-    void placeEye(Numbers lowerLid, Numbers upperLid, std::size_t first) {
-        const Polyline lower = line(lowerLid), upper = line(upperLid);
+    /// @param outwards  -1 to the picture's left, 1 to its right
+    void placeEye(Numbers lowerLid, Numbers upperLid, std::size_t first, float outwards) {
+        Polyline lower = line(lowerLid), upper = line(upperLid);
+        const bool outerFirst = outwards < 0;
+        for (Polyline* lid : {&lower, &upper}) {
+            const Vector2f outer = outerFirst ? lid->front() : lid->back(),
+                           inner = outerFirst ? lid->back() : lid->front();
+            const Vector2f width = outer - inner;
+            const float square = std::max(width.x * width.x + width.y * width.y, 1e-6f);
+            for (Vector2f& p : *lid) {
+                // From the middle of the lid on.
+                const Vector2f way = p - inner;
+                const float share = (way.x * width.x + way.y * width.y) / square;
+                p = p + m_eyes * (outwards * kOuterCornerOutwards * std::max(2 * share - 1, 0.0f)) +
+                    m_down * (kCornerDrop * std::abs(2 * share - 1));
+            }
+        }
         m_out[first] = across(lower, 0.5f);
         m_out[first + 2] = lower.front();
         m_out[first + 3] = across(lower, 0.25f);
@@ -137,14 +160,13 @@ private:
     /// @param from, to  where the brow begins and ends, as shares of the mesh's lines
     void placeBrow(Numbers lowerEdge, Numbers upperEdge, std::size_t first, float from, float to) {
         const Polyline lower = line(lowerEdge), upper = line(upperEdge);
-        const Vector2f eyes = between(362, 263) - between(33, 133), down{-eyes.y, eyes.x};
         const auto end = [&](float t) { return zellab::mix(across(lower, t), across(upper, t), 0.5f); };
         m_out[first] = end(from);
         m_out[first + 4] = end(to);
         for (std::size_t i = 1; i <= 3; ++i) {
             const float t = from + (to - from) * 0.25f * static_cast<float>(i);
-            m_out[first + i] = across(lower, t) + down * kLowerBrowDrop;
-            m_out[first + 4 + i] = across(upper, t) + down * kUpperBrowDrop;
+            m_out[first + i] = across(lower, t) + m_down * kLowerBrowDrop;
+            m_out[first + 4 + i] = across(upper, t) + m_down * kUpperBrowDrop;
         }
     }
 
@@ -180,13 +202,14 @@ private:
         m_out[57] = at(97);
         m_out[61] = at(326);
         m_out[58] = at(2);
-        m_out[64] = at(4);
-        m_out[62] = at(64);
-        m_out[63] = at(294);
+        m_out[64] = at(4) + m_down * kTipDrop;
+        m_out[62] = at(64) - m_down * kWingRise;
+        m_out[63] = at(294) - m_down * kWingRise;
     }
 
     const FaceMesh& m_mesh;
     const Polyline m_hull;
+    const Vector2f m_eyes, m_down;  // from eye to eye, and as long downwards
     Landmarks m_out{};
 };
 

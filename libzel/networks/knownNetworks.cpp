@@ -1,5 +1,6 @@
 #include "libzel/networks/knownNetworks.h"
 
+#include <algorithm>
 #include <array>
 
 namespace zel {
@@ -36,12 +37,8 @@ constexpr std::array kNetworks{listed("faceDetector.onnx", "finds faces"),
 constexpr KnownNetwork kDepth{"depth/portrait_depth.onnx", "estimates how near things are",
                               ZEL_DEPTH_NETWORK_SUM};
 
-constexpr bool allListed() {
-    for (const KnownNetwork& network : kNetworks)
-        if (network.sum.empty()) return false;
-    return true;
-}
-static_assert(allListed(), "each network has a sum");
+static_assert(std::ranges::none_of(kNetworks, [](const auto& network) { return network.sum.empty(); }),
+              "each network has a sum");
 
 }  // namespace
 

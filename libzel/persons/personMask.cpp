@@ -112,7 +112,7 @@ Mask withoutSmears(const Mask& mask, PlaneView<const float> shares, ConstImageVi
     // The stage's windows: five cells a side, each of four pixels of a copy of half the size.
     constexpr float kCell = 8, kEpsilon = 0.1f;
     constexpr int kRadius = 2;
-    constexpr int kLikely = 30;  // levels that come out where nobody is without being seen
+    constexpr int kLikely = 80;  // levels that come out where nobody is without being seen
     const float scale = kCell * static_cast<float>(mask.width) / static_cast<float>(pictureWidth);
     Mask drawn = mask;
     GuidedFilterPlane({drawn.samples.data(), drawn.width, drawn.height}, picture, kRadius, kEpsilon, scale);
@@ -141,7 +141,7 @@ Mask withoutSmears(const Mask& mask, PlaneView<const float> shares, ConstImageVi
         for (int y = begin; y < end; ++y)
             for (int x = 0; x < mask.width; ++x) {
                 const auto above = [&](int v) { return along.row(v)[x]; };
-                constexpr int kGain = 4;
+                constexpr int kGain = 8;
                 const int share = std::max(255 - kGain * largest(above, y, mask.height), 0);
                 Byte& own = rim.samples[zellab::sampleCount(mask.width, y) + static_cast<std::size_t>(x)];
                 own = static_cast<Byte>(own * share / 255);

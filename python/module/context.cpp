@@ -135,7 +135,7 @@ py::array Context::estimateDepth(const py::array& image, const std::optional<py:
                                  py::object progress) const {
     const Samples samples = pictureSamples(image, "image");
     const auto mask = person ? std::optional(planeSamples(*person, "person")) : std::nullopt;
-    const auto depth = planeFor(samples);
+    auto depth = planeFor(samples);
     const zel_pixels out = planeSamples(depth, "depth", true).pixels();
     Listener listener(std::move(progress));
     const zel_status status = unlocked([&] {
@@ -155,7 +155,7 @@ py::array Context::estimateDepth(const py::array& image, const std::optional<py:
 
 py::array Context::mask(const std::string& kind, const py::array& image, const Faces* faces) const {
     const Samples samples = pictureSamples(image, "image");
-    const auto mask = planeFor(samples);
+    auto mask = planeFor(samples);
     const zel_pixels out = planeSamples(mask, "mask", true).pixels();
     const zel_mask_kind meant = kind == "skin" ? ZEL_MASK_SKIN : ZEL_MASK_PERSON;
     const zel_status status = unlocked([&] {

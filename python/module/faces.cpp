@@ -16,7 +16,7 @@ using Floats = py::array_t<float, py::array::c_style | py::array::forcecast>;
 
 /// The numbers as floats, in this shape. Throws ValueError.
 Floats numbersOf(const py::object& object, const std::vector<py::ssize_t>& shape, const char* name) {
-    const Floats numbers = Floats::ensure(object);
+    Floats numbers = Floats::ensure(object);
     if (!numbers) throw py::error_already_set();
     if (!std::equal(shape.begin(), shape.end(), numbers.shape(), numbers.shape() + numbers.ndim()))
         throw py::value_error(std::string(name) + " must have the shape " +

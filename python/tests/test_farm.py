@@ -16,7 +16,7 @@ from PIL import Image
 import zel
 from zel import farm, recipe
 
-RECIPE = '{"steps": [{"effect": "nature-smooth"}, {"effect": "vignette", "values": {"strength": 0.5}}]}'
+RECIPE = '{"recipe": 1, "steps": [{"effect": "nature-smooth"}, {"effect": "vignette", "set": {"strength": 0.5}}]}'
 
 
 @pytest.fixture(autouse=True)
@@ -47,19 +47,23 @@ def names(folder):
 
 
 def test_recipes_are_checked_before_anything_is_done(portrait, tmp_path):
-    own = recipe.Recipe.of_text('{"steps": [{"effect": "auto-slim-face", "values": {"strength": 0.4}}, {"effect": "scenario"}]}')
+    own = recipe.Recipe.of_text('{"recipe": 1, "name": "own", "steps": [{"effect": "auto-slim-face", '
+                                '"set": {"strength": 0.4}}, {"effect": "scenario"}]}')
     slim = zel.auto_slim_face(portrait.picture, strength=0.4, faces=zel.find_faces(portrait.picture))
     expected = zel.scenario(slim, faces=zel.find_faces(portrait.picture))
     assert numpy.array_equal(own.apply(portrait.picture), expected)
     assert recipe.Recipe.of_text(own.text()) == own
     with pytest.raises(zel.ArgumentError, match="no face was found"):
         own.apply(numpy.zeros((40, 40, 3), numpy.uint8))
-    for text, says in (("", "no JSON"), ("[]", "no steps"), ('{"steps": []}', "no steps"), ('{"steps": [{}]}', "step 1"),
-                       ('{"steps": [{"effect": "vignete"}]}', "did you mean 'vignette'"),
-                       ('{"steps": [{"effect": "vignette", "values": {"strength": 9}}]}', "step 1: "),
-                       ('{"steps": [{"effect": "vignette", "values": {"strength": null}}]}', "step 1: "),
-                       ('{"steps": [{"effect": "vignette", "strength": 1}]}', "knows no 'strength'"),
-                       ('{"steps": [{"effect": "inpaint"}]}', "needs a mask")):
+    for text, says in (("", "no JSON"), ("[]", "no recipe"), ('{"steps": []}', "no recipe"), ('{"recipe": 2}', "later version")):
+        with pytest.raises(zel.ArgumentError, match=says):
+            recipe.Recipe.of_text(text)
+    for steps, says in (("[]", 'no "steps"'), ("[{}]", "step 1"), ('[{"effect": "vignete"}]', "did you mean 'vignette'"),
+                        ('[{"effect": "vignette", "set": {"strength": 9}}]', "step 1: "),
+                        ('[{"effect": "vignette", "set": {"strength": null}}]', "step 1: "),
+                        ('[{"effect": "vignette", "strength": 1}]', "has no 'strength'"),
+                        ('[{"effect": "inpaint"}]', "needs a mask")):
+        text = f'{{"recipe": 1, "steps": {steps}}}'
         (tmp_path / "r.json").write_text(text)
         with pytest.raises(zel.ArgumentError, match=f"r.json: .*{says}"):
             recipe.Recipe.load(tmp_path / "r.json")
@@ -68,17 +72,22 @@ def test_recipes_are_checked_before_anything_is_done(portrait, tmp_path):
 def test_files_come_out_as_the_command_writes_them(portrait, command, tmp_path):
     from zel import _picture
 
-    recipe_one = recipe.Recipe.of_text('{"steps": [{"effect": "nature-smooth"}]}')
+    recipe_one = recipe.Recipe.of_text('{"recipe": 1, "steps": [{"effect": "nature-smooth"}]}')
     for turn in range(1, 9):
         exif = Image.Exif()
         exif[0x0112], exif[0x010E] = turn, "a portrait"
-        Image.fromarray(portrait.picture[::2, ::2, :3]).save(tmp_path / "in.jpg", exif=exif, icc_profile=b"profile")
-        pixels, meta = _picture.read(tmp_path / "in.jpg")
+        Image.fromarray(portrait.picture[::2, ::2, :3]).save(tmp_path / "in.png", exif=exif)
+        pixels, meta = _picture.read(tmp_path / "in.png")
         _picture.write(str(tmp_path / "own.png"), recipe_one.apply(pixels), meta)
-        command("apply", "nature-smooth", tmp_path / "in.jpg", "-o", tmp_path / "out.png", "--quiet")
+        command("apply", "nature-smooth", tmp_path / "in.png", "-o", tmp_path / "out.png", "--quiet")
         own = Image.open(tmp_path / "own.png")
         assert numpy.array_equal(numpy.array(own)[..., :3], numpy.array(Image.open(tmp_path / "out.png"))[..., :3])
-        assert (own.getexif()[0x0112], own.getexif()[0x010E], own.info["icc_profile"]) == (1, "a portrait", b"profile")
+        assert (own.getexif()[0x0112], own.getexif()[0x010E]) == (1, "a portrait")
+    clear = numpy.dstack([portrait.picture[..., :3], portrait.plane("person")])
+    _picture.write(str(tmp_path / "own.jpg"), clear, {"icc_profile": b"profile"})
+    own = Image.open(tmp_path / "own.jpg")
+    white = 255 - (255 - clear[..., :3].astype(int)) * (clear[..., 3:] / 255)
+    assert own.info["icc_profile"] == b"profile" and abs(numpy.array(own) - white).mean() < 1
 
 
 def test_a_folder_is_done_once_and_wrong_pictures_are_told(tmp_path):
@@ -86,7 +95,7 @@ def test_a_folder_is_done_once_and_wrong_pictures_are_told(tmp_path):
     (tmp_path / "in/broken.png").write_bytes(b"no picture")
     (tmp_path / "in/notes.txt").write_text("not asked for")
     (tmp_path / "r.json").write_text(RECIPE)
-    words = (tmp_path / "in", tmp_path / "out", "--recipe", tmp_path / "r.json", "--workers", 1)
+    words = (tmp_path / "in", tmp_path / "out", "--recipe", tmp_path / "r.json", "--workers", 1, "--bundle", 3)
     run = run_farm(*words, cwd=tmp_path)
     assert run.returncode == 1, run.stderr
     assert "broken.png: " in run.stderr and "5 a second" not in run.stderr

@@ -5,6 +5,7 @@
 
 import inspect
 import pathlib
+import re
 import sys
 
 from . import _functions, _zel
@@ -18,11 +19,12 @@ def line(effect):
     for parameter in list(_functions.signature(effect).parameters.values())[1:]:
         annotation = parameter.annotation
         if annotation is inspect.Parameter.empty:
-            annotation = {"out": "NDArray | None", "progress": "Progress | None", "context": "Context | None"}[parameter.name]
+            annotation = {"out": "NDArray | None", "progress": "_Progress | None", "context": "Context | None"}[parameter.name]
         elif parameter.default is None:
             annotation += " | None"
         words.append(f"{parameter.name}: {annotation}" + ("" if parameter.default is inspect.Parameter.empty else " = ..."))
-    return f"def {_functions.function_name(effect)}(\n    " + ",\n    ".join(words) + ",\n) -> NDArray: ...\n"
+    text = f"def {_functions.function_name(effect)}(\n    " + ",\n    ".join(words) + ",\n) -> NDArray: ...\n"
+    return re.sub(r"\b(ArrayLike|NDArray)\b", r"_\1", text)  # names that are the stubs' alone
 
 
 def main():

@@ -27,7 +27,9 @@ from .recipe import Recipe
 
 TRIES = 3
 SUFFIXES = {".png", ".jpg", ".jpeg", ".bmp", ".gif", ".tga", ".psd", ".hdr", ".pic", ".pnm", ".ppm", ".pgm"}
-IN_FLIGHT = 4  # pictures for each worker: enough that none waits, few enough for a scheduler of thousands
+IN_FLIGHT = 4  # jobs for each worker: enough that none waits, few enough for a scheduler of thousands
+MOST_IN_BUNDLE = 16  # pictures of a job: a job costs scheduler and farm some 3 ms, however many it holds
+ROUNDS = 8  # of bundles for each worker at least, so that all end at about the same time
 
 
 class Lost(Exception):
@@ -63,15 +65,20 @@ class Hand:
                    f"its process ended with status {code}" if line is not None else f"it took longer than {seconds} s")
 
 
-def work(job, seconds):
-    """Retouches one picture; runs in a worker. Gives what is wrong with it, or nothing."""
+def retouch(picture, target, recipe, seconds):
+    """What is wrong with a picture, or nothing."""
     if not hasattr(_hands, "hand"):
         _hands.hand = Hand()
     try:
-        return _hands.hand.ask(job, seconds)
+        return _hands.hand.ask({"source": picture, "target": target, "recipe": recipe}, seconds)
     except Lost as problem:
         del _hands.hand
         return {"why": str(problem), "final": False}
+
+
+def work(bundle, recipe, seconds):
+    """Retouches a few pictures; runs in a worker. Gives an answer for each."""
+    return [retouch(picture, target, recipe, seconds) for picture, target in bundle]
 
 
 # ---- Where the farm is led from ----
@@ -135,34 +142,48 @@ class Progress:
               file=sys.stderr)
 
 
-def run(client, jobs, recipe, progress, seconds):
+def bundle_of(waiting, size):
+    """The next pictures with how often they were tried. What failed before goes alone."""
+    bundle = [waiting.popleft()]
+    while bundle[0][1] == 1 and waiting and waiting[0][1] == 1 and len(bundle) < size:
+        bundle.append(waiting.popleft())
+    return bundle
+
+
+def run(client, jobs, recipe, progress, options):
     """Has the workers do the jobs. A few are under way at a time, however many there are."""
     from distributed import as_completed
 
+    def workers():
+        return max(1, sum(client.nthreads().values()))
+
+    size = options.bundle or max(1, min(MOST_IN_BUNDLE, len(jobs) // (ROUNDS * workers())))
     waiting = collections.deque((job, 1) for job in jobs)
     under_way, results = {}, as_completed()
 
     def send():
-        wanted = IN_FLIGHT * max(1, sum(client.nthreads().values()))
+        wanted = IN_FLIGHT * workers()
         while waiting and len(under_way) < wanted:
-            (picture, target), attempt = waiting.popleft()
-            job = {"source": picture, "target": target, "recipe": recipe.text()}
-            future = client.submit(work, job, seconds, pure=False)
-            under_way[future.key] = ((picture, target), attempt)
+            bundle = bundle_of(waiting, size)
+            future = client.submit(work, [job for job, _ in bundle], recipe.text(), options.seconds, pure=False)
+            under_way[future.key] = bundle
             results.add(future)
 
     send()
     for future in results:
-        job, attempt = under_way.pop(future.key)
-        # A scheduler that lost several workers over a picture gives it up with an exception.
-        answer = future.result() if future.status == "finished" else {"why": str(future.exception()), "final": False}
+        bundle = under_way.pop(future.key)
+        if future.status == "finished":
+            answers = future.result()
+        else:  # a scheduler that lost several workers over a bundle gives it up
+            answers = [{"why": str(future.exception()), "final": False}] * len(bundle)
         future.release()
-        if not answer:
-            progress.done += 1
-        elif answer["final"] or attempt == TRIES:
-            progress.failed.append({"picture": job[0], "tries": attempt, "why": answer["why"]})
-        else:
-            waiting.append((job, attempt + 1))
+        for (job, attempt), answer in zip(bundle, answers):
+            if not answer:
+                progress.done += 1
+            elif answer["final"] or attempt == TRIES:
+                progress.failed.append({"picture": job[0], "tries": attempt, "why": answer["why"]})
+            else:
+                waiting.append((job, attempt + 1))
         progress.tell()
         send()
 
@@ -201,7 +222,7 @@ def farm(options):
     progress = Progress(len(open_jobs), options.quiet)
     if open_jobs:
         with cluster(options, options.out) as address, Client(address) as client:
-            run(client, open_jobs, recipe, progress, options.seconds)
+            run(client, open_jobs, recipe, progress, options)
         clean(options.out)
     progress.tell(always=True)
     report = {"done": progress.done, "skipped": len(jobs) - len(open_jobs), "failed": progress.failed,
@@ -218,11 +239,12 @@ def parsed(words=None):
                                      formatter_class=argparse.RawDescriptionHelpFormatter)
     parser.add_argument("source", metavar="IN", help="a folder with pictures, or a text file with a path a line")
     parser.add_argument("out", metavar="OUT", help="the folder of the results, called like their pictures")
-    parser.add_argument("--recipe", required=True, metavar="R", help="the effects, as JSON: see docs/many-machines.md")
+    parser.add_argument("--recipe", required=True, metavar="R", help="the effects, as JSON: as zel apply --recipe takes them")
     parser.add_argument("--scheduler", metavar="ADDRESS", help="a scheduler that runs already")
     parser.add_argument("--workers", type=int, default=os.cpu_count(), metavar="N",
                         help="processes of this machine, where no scheduler is named; one for each processor")
     parser.add_argument("--seconds", type=float, default=600, metavar="S", help="what a picture may take; 600")
+    parser.add_argument("--bundle", type=int, default=0, metavar="N", help="pictures of a job; by itself 1 to 16")
     parser.add_argument("--report", metavar="FILE", help="in place of OUT/farm-report.json")
     parser.add_argument("--quiet", action="store_true", help="only failures on standard error")
     return parser.parse_args(words)

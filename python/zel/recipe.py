@@ -1,7 +1,9 @@
-"""Recipes: effects one after another, from a small file that people can read.
+"""Recipes: effects one after another, in the small files that zel apply --recipe takes and --save-recipe writes.
 
-    {"steps": [{"effect": "nature-smooth", "values": {"amount": 0.5}},
-               {"effect": "auto-slim-face", "values": {"strength": 0.3}}]}
+    {"recipe": 1,
+     "name": "Soft portrait",
+     "steps": [{"effect": "auto-face-inpaint"},
+               {"effect": "nature-smooth", "set": {"amount": 0.5}}]}
 """
 
 import dataclasses
@@ -10,6 +12,8 @@ import os
 
 from . import _api, _zel
 from ._errors import ArgumentError, Error
+
+VERSION = 1
 
 
 @dataclasses.dataclass(frozen=True)
@@ -26,19 +30,26 @@ class Step:
         return _zel._meaning(self.effect, self.values)[0]
 
 
-def _step(entry, where):
+def _refuse_unknown(entry, known, where):
+    if unknown := sorted(set(entry) - set(known)):
+        raise ArgumentError(f"{where} has no '{unknown[0]}'")
+
+
+def _step(entry, where, folder):
     if not isinstance(entry, dict) or not isinstance(entry.get("effect"), str):
         raise ArgumentError(f"{where} has no effect")
-    values = entry.get("values", {})
+    values = entry.get("set", {})
     if not isinstance(values, dict):
-        raise ArgumentError(f"{where}: the values must stand by name")
-    if unknown := sorted(set(entry) - {"effect", "values"}):
-        raise ArgumentError(f"{where} knows no '{unknown[0]}'")
+        raise ArgumentError(f'{where}: "set" must hold names and values')
+    _refuse_unknown(entry, ("effect", "set"), where)
+    needs = next((effect for effect in _zel.effects() if effect.name == entry["effect"]), None)
+    # Files that a recipe names lie beside it.
+    files = {p.name for p in needs.parameters if p.kind == "file"} if needs else ()
+    values = {name: os.path.join(folder, value) if name in files and value else value for name, value in values.items()}
     try:
         step = Step(entry["effect"], values)
     except (Error, TypeError) as problem:
         raise ArgumentError(f"{where}: {problem}") from None
-    needs = next(effect for effect in _zel.effects() if effect.name == step.effect)
     if lacking := [name for name in ("mask", "second") if getattr(needs, name) == "required"]:
         raise ArgumentError(f"{where}: {step.effect} needs a {lacking[0]}, which a recipe has not")
     return step
@@ -49,29 +60,40 @@ class Recipe:
     """Checked as a whole when it is made. Raises ArgumentError with one sentence."""
 
     steps: tuple
+    name: str = ""
 
     @classmethod
-    def of_text(cls, text):
+    def of_text(cls, text, folder=""):
+        """folder: where files that it names lie."""
         try:
-            entries = json.loads(text)
+            whole = json.loads(text)
         except ValueError as problem:
             raise ArgumentError(f"is no JSON: {problem}") from None
-        entries = entries.get("steps") if isinstance(entries, dict) else None
+        if not isinstance(whole, dict) or "recipe" not in whole:
+            raise ArgumentError('is no recipe: it has no "recipe": 1')
+        if whole["recipe"] != VERSION:
+            raise ArgumentError("is a recipe of a later version than this program reads")
+        _refuse_unknown(whole, ("recipe", "name", "steps"), "a recipe")
+        entries, name = whole.get("steps"), whole.get("name", "")
+        if not isinstance(name, str):
+            raise ArgumentError("its name must be a text")
         if not isinstance(entries, list) or not entries:
-            raise ArgumentError("has no steps")
-        return cls(tuple(_step(entry, f"step {number}") for number, entry in enumerate(entries, 1)))
+            raise ArgumentError('has no "steps"')
+        return cls(tuple(_step(entry, f"step {number}", folder) for number, entry in enumerate(entries, 1)), name)
 
     @classmethod
     def load(cls, path):
         with open(path, encoding="utf-8") as file:
             text = file.read()
         try:
-            return cls.of_text(text)
+            return cls.of_text(text, os.path.dirname(os.path.abspath(path)))
         except ArgumentError as problem:
             raise ArgumentError(f"{os.fspath(path)}: {problem}") from None
 
     def text(self):
-        return json.dumps({"steps": [dataclasses.asdict(step) for step in self.steps]})
+        """As a file has it, but for the folder: files are named whole."""
+        return json.dumps({"recipe": VERSION, "name": self.name,
+                           "steps": [{"effect": step.effect, "set": step.values} for step in self.steps]})
 
     def apply(self, image, *, faces=None, context=None):
         """The picture after all steps. Faces are searched for once, where a step follows them and none are given."""

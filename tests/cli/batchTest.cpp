@@ -34,7 +34,7 @@ TEST(Chain, IsWhatItsEffectsDoOneAfterTheOtherAndARecipeKeepsIt) {
     expectOk(runZel(folder, "apply --recipe r.json a.png -o again.png"));
     EXPECT_EQ(readBytes(folder / "again.png"), readBytes(folder / "chain.png"));
     expectRefusals(folder, "apply ", "o.png",
-                   {{"mosaic + a.png -o o.png", "did you mean"},
+                   {{"mosaic + a.png -o o.png", "a.png"},
                     {"mosaic + -o o.png", "behind '+'"},
                     {"+ mosaic a.png -o o.png", "before '+'"},
                     {"mosaic --set level=2 + bright a.png -o o.png", "mosaic has no parameter 'level'"},

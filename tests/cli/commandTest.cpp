@@ -26,6 +26,11 @@ TEST(Command, WrongUsageIsStatusTwoInOneLineAndTouchesNothing) {
                     {"apply bright a.png -o o.png --set level=11", "0..10"},
                     {"apply bright a.png -o o.png --jbos 2", "did you mean '--jobs'?"},
                     {"apply bright a.png -o o.png --jobs 0", "1 to 64"},
+                    {"apply bright a.png -o o.png --level=3", "bright takes it as --set level=VALUE"},
+                    {"apply bright a.png -o o.png --overwrite", "here it is --in-place"},
+                    {"apply bright -o o.png -- --help", "--help: No such file", 1},
+                    {"apply bright a.png -o o.png --face none", "--face is all, largest"},
+                    {"help aply", "did you mean"},
                     {"apply bright a.png -o o.png --mask a.png", "takes no --mask"},
                     {"apply bright a.png -o o.png --mask-out m.png", "takes no --mask-out"},
                     {"apply auto-face-inpaint a.png -o o.png --mask-out m.jpg", "must end in .png"},
@@ -62,6 +67,26 @@ TEST(Command, HelpTeachesByExampleAndListsEveryEffect) {
     for (const char* section :
          {".SH NAME", ".SH SYNOPSIS", ".SH EFFECTS", ".SH EXIT STATUS", "\\-\\-compare"})
         EXPECT_THAT(man, HasSubstr(section));
+}
+
+TEST(Command, CompletionsKnowEveryEffectAndAreWhatTheirShellReads) {
+    const TemporaryFolder folder;
+    for (const std::string shell : {"bash", "zsh", "fish"}) {
+        const std::string text = expectOk(runZel(folder, "completion " + shell)).out;
+        for (const zel_effect* effect : zelcli::allEffects())
+            EXPECT_THAT(text, HasSubstr(effect->name)) << shell;
+        for (const char* word : {"in-place", "overlay", "blurLevel="})
+            EXPECT_THAT(text, HasSubstr(word)) << shell;
+        zelcli::writeText(folder / shell, text);
+        const std::string check = "command -v " + shell + " > /dev/null || exit 0; " + shell + " -n ";
+        EXPECT_EQ(std::system((check + (folder / shell)).c_str()), 0) << shell;
+    }
+    // The words of an effect that stands on the line.
+    zelcli::writeText(folder / "ask",
+                      "source ./bash\ncompopt() { :; }\nCOMP_WORDS=(zel apply bright --set le)\n"
+                      "COMP_CWORD=4\n_zel\necho \"${COMPREPLY[*]}\" > answer\n");
+    EXPECT_EQ(std::system(("cd '" + folder.path().string() + "' && bash ask").c_str()), 0);
+    EXPECT_EQ(readText(folder / "answer"), "level=\n");
 }
 
 TEST(Command, AFailingInputLeavesItsOutputAndTheOthersGoOn) {

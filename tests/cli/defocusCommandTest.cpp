@@ -91,7 +91,7 @@ TEST_F(DefocusCommand, PeopleAreKeptByTheNetworkUnlessItIsAbsentOrUnwanted) {
     const auto result = [&](const std::string& more) {
         const ProgramRun run =
             expectOk(runZel(folder, "apply defocus p.png -o o.png --faces p.json --verbose " + more));
-        return std::pair{zelcli::readPicture(folder / "o.png", false).image.rgba, run.err};
+        return std::pair{zelcli::readPicture(folder / "o.png").image.rgba, run.err};
     };
     const Bytes plain = result("--set subject=none").first;
     {
@@ -111,8 +111,8 @@ TEST_F(DefocusCommand, PeopleAreKeptByTheNetworkUnlessItIsAbsentOrUnwanted) {
     EXPECT_NE(result("").first, plain);
     // A mask that is given wins: all of the picture stays.
     expectOk(runZel(folder, "portrait -o p.png --size 300x400 --seed 4 --quiet --truth truth"));
-    zelcli::writePicture(folder / "all.png", {30, 40, Bytes(4 * 30 * 40, 255), {}, {}});
-    const Bytes before = zelcli::readPicture(folder / "p.png", false).image.rgba;
+    zelcli::writePicture(folder / "all.png", {30, 40, Bytes(4 * 30 * 40, 255)});
+    const Bytes before = zelcli::readPicture(folder / "p.png").image.rgba;
     const auto [kept, log] = result("--mask all.png");
     EXPECT_LT(differenceOf(kept, before).mean, 0.01);
     EXPECT_THAT(log, HasSubstr("the mask is all white"));

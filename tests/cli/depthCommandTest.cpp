@@ -28,6 +28,8 @@ protected:
         model.outputs[0].weights = {0, 0.5f, 0.5f};
         writeBytes(m_folder / "m.onnx", tinyOnnx(model));
         zelcli::writePicture(m_folder / "p.png", halves(300, 200));
+        std::filesystem::create_directory(m_folder / "in");
+        zelcli::writePicture(m_folder / "in/p.png", halves(300, 200));
     }
     /// Red of a pixel of a written map.
     int at(const std::string& name, int x, int y) const {
@@ -50,6 +52,14 @@ TEST_F(DepthCommand, WritesMapAndSheetInThePicturesSize) {
     EXPECT_GT(zelcli::readPicture(m_folder / "s.png").image.width, 3 * 300);
     expectOk(runZel(m_folder, "depth p.png -o r.jpg --set model=m.onnx --raw"));
     EXPECT_GT(at("r.jpg", 260, 100), 215);
+}
+
+TEST_F(DepthCommand, FoldersGiveLosslessMapsFromSeveralJobs) {
+    zelcli::writePicture(m_folder / "in/q.jpg", halves(90, 60));
+    const ProgramRun run = expectOk(runZel(m_folder, "depth in -o maps --set model=m.onnx --jobs 2 --raw"));
+    EXPECT_THAT(run.err, HasSubstr("zel: 2 done, 0 skipped, 0 failed in "));
+    EXPECT_GT(at("maps/q.png", 80, 30), 215);
+    EXPECT_TRUE(std::filesystem::exists(m_folder / "maps/p.png"));
 }
 
 // The person of the mask is as near as its mean, wherever the network put its parts.

@@ -34,6 +34,7 @@ TEST(FacesCommand, WritesFaceDataThatApplyTakesAndApplyFindsTheSameByItself) {
     EXPECT_EQ(zel_faces_size(set.get(), &width, &height), ZEL_OK);
     EXPECT_EQ(width, 260);
     EXPECT_GT(libzel::faceAt(set.get(), 0).confidence, 0.4f);
+    EXPECT_EQ(expectOk(runZel(folder, "faces p.png -o - --quiet")).out, readText(folder / "p.json"));
     // The overlay is enlarged and shows more than the picture.
     const zelcli::Image overlay = zelcli::readPicture(folder / "o.png").image;
     EXPECT_EQ(overlay.width % 260, 0);

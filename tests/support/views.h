@@ -14,6 +14,7 @@ auto withView(Byte* samples, int width, int height, int channels, const Body& bo
 }
 
 /// The same for a scaler: body(from, to).
+// NOLINTBEGIN(readability-non-const-parameter): the target is written through its view
 template <typename Body>
 bool withViews(const unsigned char* source, int sourceWidth, int sourceHeight, unsigned char* target,
                int targetWidth, int targetHeight, int channels, const Body& body) {
@@ -23,5 +24,6 @@ bool withViews(const unsigned char* source, int sourceWidth, int sourceHeight, u
         return body(from, To(target, targetWidth, targetHeight));
     });
 }
+// NOLINTEND(readability-non-const-parameter)
 
 }  // namespace zeltest

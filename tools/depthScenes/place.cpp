@@ -1,5 +1,7 @@
 #include "place.h"
 
+#include <algorithm>
+
 #include "portrait/noiseField.h"
 #include "solidMath.h"
 
@@ -123,15 +125,14 @@ Meeting Place::meet(Vec3 origin, Vec3 direction) const {
 bool Place::open(Vec3 from, Vec3 towards) const {
     const float reach = m_inside ? lengthOf(towards) : kNever;
     const Vec3 direction = m_inside ? towards * (1 / std::max(reach, 1e-4f)) : towards;
-    for (const Solid& solid : m_solids) {
-        if (solid.glow > 0) continue;
+    return std::none_of(m_solids.begin(), m_solids.end(), [&](const Solid& solid) {
+        if (solid.glow > 0) return false;
         const LocalRay ray = localRay(solid, from, direction);
         const Crossing c = crossing(solid, ray);
         const float along = c.enter > 0.01f ? c.enter : c.leave;
-        if (c.leave < std::max(c.enter, 0.01f) || along < 0.01f || along > reach - 0.05f) continue;
-        if (!hole(solid, ray.origin + ray.direction * along)) return false;
-    }
-    return true;
+        if (c.leave < std::max(c.enter, 0.01f) || along < 0.01f || along > reach - 0.05f) return false;
+        return !hole(solid, ray.origin + ray.direction * along);
+    });
 }
 
 Colour Place::skyAt(Vec3 direction) const {

@@ -42,13 +42,14 @@ int numberOf(VipsImage* image, const char* name, int otherwise) {
     return value;
 }
 
+/// Empty for the readers that are not used.
 std::string nameOfLoader(const std::string& loader) {
     constexpr std::pair<const char*, const char*> kNames[] = {
         {"Jpeg", "JPEG"}, {"Png", "PNG"},        {"Tiff", "TIFF"}, {"Webp", "WebP"},
-        {"Heif", "HEIF"}, {"Jp2k", "JPEG 2000"}, {"Nsgif", "GIF"}, {"Ppm", "PNM"}};
+        {"Heif", "HEIF"}, {"Jp2k", "JPEG 2000"}, {"Nsgif", "GIF"}};
     for (const auto& [part, name] : kNames)
         if (loader.find(part) != loader.npos) return name;
-    return "picture";
+    return {};
 }
 
 std::optional<PictureFormat> formatOf(VipsImage* image, const std::string& loader) {
@@ -113,7 +114,7 @@ void readCarried(std::span<const unsigned char> file, VipsImage* image, const st
         metadata.exif.assign(exif.begin(), exif.end());
         const auto xmp = xmpOfHeif(image);
         metadata.xmp.assign(xmp.begin(), xmp.end());
-    } else if (kind != "GIF" && kind != "PNM") {
+    } else if (kind != "GIF") {
         readMetadata(file, metadata, notes);
     }
     if (kind == "PNG") {
@@ -200,7 +201,8 @@ void readPixels(VipsImage* picture, Image& image) {
 
 void noteKind(VipsImage* image, const std::string& kind, Notes& notes) {
     const int pages = numberOf(image, VIPS_META_N_PAGES, 1);
-    if (pages > 1)
+    // What JPEG 2000 lists are reductions of the one picture.
+    if (pages > 1 && kind != "JPEG 2000")
         notes.push_back("the first of " + std::to_string(pages) + (kind == "GIF" ? " frames" : " pages") +
                         " is read");
     if (isDeep(image))
@@ -212,10 +214,10 @@ void noteKind(VipsImage* image, const std::string& kind, Notes& notes) {
 /// The message of a decoder, for somebody who has a file and not a decoder.
 std::string inPlainWords(const std::string& why, const std::string& kind) {
     for (const char* cut : {"remature end", "runcated", "end of file", "end of stream", "not enough data",
-                            "too short", "out of order read", "EOF"})
+                            "too short", "bad seek", "out of order read", "EOF"})
         if (why.find(cut) != why.npos) return "the " + kind + " file ends early";
     if (why.find("read error") != why.npos) return "the " + kind + " file is damaged or ends early";
-    return "the " + kind + " file is damaged (" + why + ")";
+    return "the " + kind + " file is damaged" + (why.empty() ? "" : " (" + why + ")");
 }
 
 LoadedPicture decode(std::span<const unsigned char> file, const std::string& loader,
@@ -255,7 +257,8 @@ LoadedPicture decodePicture(std::span<const unsigned char> file, const ReadOptio
     const char* loader =
         options.scrambled ? nullptr : vips_foreign_find_load_buffer(file.data(), file.size());
     vips_error_clear();
-    if (!loader) return {decodeByLibrary(file, options), {}};
+    // Readers that libvips has from elsewhere are many, and not made for files from anywhere.
+    if (!loader || nameOfLoader(loader).empty()) return {decodeByLibrary(file, options), {}};
     try {
         return decode(file, loader, options);
     } catch (const VipsFailure& failure) {

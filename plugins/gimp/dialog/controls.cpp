@@ -18,7 +18,6 @@ namespace zelgimp {
 namespace {
 
 constexpr guint kColumns = 3;
-constexpr int kGap = 6;
 /// A range of more steps than this has its slider by powers, or none where it reaches below 0.
 constexpr double kMostSteps = 1000;
 constexpr int kMostDigits = 4;
@@ -62,10 +61,8 @@ void setTooltip(GtkWidget* widget, const char* help) {
 }  // namespace
 
 Controls::Controls(Request& request, gint32 target, Listener listener)
-    : m_request(request),
-      m_target(target),
-      m_listener(std::move(listener)),
-      m_box(gtk_vbox_new(FALSE, 2 * kGap)) {
+    : m_request(request), m_target(target), m_listener(std::move(listener)), m_box(gtk_vbox_new(FALSE, 0)) {
+    gtk_box_set_spacing(GTK_BOX(m_box), 2 * gapOf(m_box));
     g_object_ref_sink(m_box);
     Table table = newTable();
     addSources(table);
@@ -92,8 +89,8 @@ Controls::~Controls() {
 
 Controls::Table Controls::newTable() {
     GtkWidget* const table = gtk_table_new(1, kColumns, FALSE);
-    gtk_table_set_row_spacings(GTK_TABLE(table), kGap);
-    gtk_table_set_col_spacings(GTK_TABLE(table), kGap);
+    gtk_table_set_row_spacings(GTK_TABLE(table), static_cast<guint>(gapOf(table)));
+    gtk_table_set_col_spacings(GTK_TABLE(table), static_cast<guint>(gapOf(table)));
     return {table};
 }
 
@@ -292,7 +289,7 @@ GtkWidget* Controls::switchButton(const zel_parameter& parameter) {
 }
 
 GtkWidget* Controls::fileButton(const zel_parameter& parameter) {
-    GtkWidget* const box = gtk_hbox_new(FALSE, kGap);
+    GtkWidget* const box = gtk_hbox_new(FALSE, gapOf(m_box));
     GtkWidget* const chooser = gtk_file_chooser_button_new(parameter.title, GTK_FILE_CHOOSER_ACTION_OPEN);
     GtkWidget* const none = gtk_button_new_with_label("None");
     gtk_box_pack_start(GTK_BOX(box), chooser, TRUE, TRUE, 0);

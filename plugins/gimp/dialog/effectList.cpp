@@ -29,7 +29,7 @@ const zel_effect* effectAt(GtkTreeModel* model, GtkTreeIter* iter) {
 
 EffectList::EffectList(std::function<void(const zel_effect&)> chosen)
     : m_chosen(std::move(chosen)),
-      m_box(gtk_vbox_new(FALSE, 6)),
+      m_box(gtk_vbox_new(FALSE, 0)),
       m_search(gtk_entry_new()),
       m_tree(nullptr),
       m_store(gtk_list_store_new(kColumns, G_TYPE_STRING, G_TYPE_STRING, G_TYPE_POINTER)),
@@ -39,6 +39,7 @@ EffectList::EffectList(std::function<void(const zel_effect&)> chosen)
     gtk_widget_set_tooltip_text(m_search, "Search the effects by their names and what they do");
     onSignal(m_search, "icon-press", [this] { gtk_entry_set_text(GTK_ENTRY(m_search), ""); });
     onSignal(m_search, "changed", [this] { search(); });
+    gtk_box_set_spacing(GTK_BOX(m_box), gapOf(m_box));
     gtk_box_pack_start(GTK_BOX(m_box), m_search, FALSE, FALSE, 0);
     buildTree();
 }

@@ -3,13 +3,9 @@
 #include <libgimp/gimp.h>
 #include <libgimp/gimpui.h>
 
+#include "gimp/dialog/signals.h"
+
 namespace zelgimp {
-
-namespace {
-
-constexpr int kGap = 6;
-
-}  // namespace
 
 GtkWidget* wrappedLabel(const char* text, int width) {
     GtkWidget* const label = gtk_label_new(text);
@@ -20,10 +16,12 @@ GtkWidget* wrappedLabel(const char* text, int width) {
     return label;
 }
 
-MessagePanel::MessagePanel(int width) : m_box(gtk_hbox_new(FALSE, kGap)), m_icon(gtk_image_new()) {
+MessagePanel::MessagePanel(int width) : m_box(gtk_hbox_new(FALSE, 0)), m_icon(gtk_image_new()) {
     int iconWidth = 0, iconHeight = 0;
     gtk_icon_size_lookup(GTK_ICON_SIZE_MENU, &iconWidth, &iconHeight);
-    m_label = wrappedLabel("", width - iconWidth - kGap);
+    const int gap = gapOf(m_box);
+    gtk_box_set_spacing(GTK_BOX(m_box), gap);
+    m_label = wrappedLabel("", width - iconWidth - gap);
     gtk_misc_set_alignment(GTK_MISC(m_icon), 0.5F, 0);
     gtk_box_pack_start(GTK_BOX(m_box), m_icon, FALSE, FALSE, 0);
     gtk_box_pack_start(GTK_BOX(m_box), m_label, TRUE, TRUE, 0);

@@ -30,7 +30,6 @@ constexpr const char* kRole = "zel-portrait";
 constexpr const char *kDialogValues = "portrait-dialog", *kChosenEffect = "effect";
 /// The dialog's answer beside those of the toolkit.
 constexpr int kResetResponse = 1;
-constexpr int kGap = 12, kSmallGap = 6;
 /// Milliseconds without a change before the preview is made, and between two looks at the progress.
 constexpr guint kPreviewDelay = 200, kProgressDelay = 100;
 /// Width of the controls, in lines of text.
@@ -137,9 +136,9 @@ PortraitDialog::PortraitDialog(const TargetLayer& layer)
     : m_layer(layer),
       m_before(std::make_shared<Rgba>(layer.read())),
       m_faces(keptFaces(layer.image())),
-      m_window(gimp_dialog_new("Portrait", kRole, nullptr, GtkDialogFlags(0), nullptr, nullptr,
-                               "_Reset", kResetResponse, "_Cancel", GTK_RESPONSE_CANCEL, "_OK",
-                               GTK_RESPONSE_OK, nullptr)),
+      m_window(gimp_dialog_new("Portrait", kRole, nullptr, GtkDialogFlags(0), nullptr, nullptr, "_Reset",
+                               kResetResponse, "_Cancel", GTK_RESPONSE_CANCEL, "_OK", GTK_RESPONSE_OK,
+                               nullptr)),
       m_list([this](const zel_effect& effect) { choose(effect); }),
       m_presets({[this](const ValueTexts& values) { takePreset(values); },
                  [this] { return textsOf(request()); },
@@ -164,7 +163,7 @@ PortraitDialog::PortraitDialog(const TargetLayer& layer)
     m_inputs = content();
     m_progress = gtk_progress_bar_new();
     GtkWidget* const below = gtk_vbox_new(FALSE, 0);
-    gtk_container_set_border_width(GTK_CONTAINER(below), kGap);
+    gtk_container_set_border_width(GTK_CONTAINER(below), static_cast<guint>(2 * gapOf(m_window)));
     gtk_box_pack_start(GTK_BOX(below), m_progress, FALSE, FALSE, 0);
     gtk_box_pack_start(GTK_BOX(area), m_inputs, TRUE, TRUE, 0);
     gtk_box_pack_start(GTK_BOX(area), below, FALSE, FALSE, 0);
@@ -173,8 +172,9 @@ PortraitDialog::PortraitDialog(const TargetLayer& layer)
 }
 
 GtkWidget* PortraitDialog::content() {
-    GtkWidget* const row = gtk_hbox_new(FALSE, kGap);
-    gtk_container_set_border_width(GTK_CONTAINER(row), kGap);
+    const int gap = gapOf(m_window);
+    GtkWidget* const row = gtk_hbox_new(FALSE, 2 * gap);
+    gtk_container_set_border_width(GTK_CONTAINER(row), static_cast<guint>(2 * gap));
     gtk_box_pack_start(GTK_BOX(row), m_list.widget(), FALSE, FALSE, 0);
     gtk_box_pack_start(GTK_BOX(row), m_preview.widget(), TRUE, TRUE, 0);
     gtk_box_pack_start(GTK_BOX(row), effectPanel(), FALSE, FALSE, 0);
@@ -183,7 +183,7 @@ GtkWidget* PortraitDialog::content() {
 
 GtkWidget* PortraitDialog::effectPanel() {
     const int width = kControlsWidth * static_cast<int>(lineHeight(m_window));
-    GtkWidget* const panel = gtk_vbox_new(FALSE, kGap);
+    GtkWidget* const panel = gtk_vbox_new(FALSE, 2 * gapOf(m_window));
     m_title = leftLabel("");
     gimp_label_set_attributes(GTK_LABEL(m_title), PANGO_ATTR_SCALE, PANGO_SCALE_LARGE, PANGO_ATTR_WEIGHT,
                               PANGO_WEIGHT_BOLD, -1);
@@ -193,7 +193,11 @@ GtkWidget* PortraitDialog::effectPanel() {
 
     GtkWidget* const scrolled = gtk_scrolled_window_new(nullptr, nullptr);
     gtk_scrolled_window_set_policy(GTK_SCROLLED_WINDOW(scrolled), GTK_POLICY_NEVER, GTK_POLICY_AUTOMATIC);
-    gtk_scrolled_window_add_with_viewport(GTK_SCROLLED_WINDOW(scrolled), m_controlsBox);
+    // So that a bar beside the controls does not touch them.
+    GtkWidget* const beside = gtk_alignment_new(0, 0, 1, 0);
+    gtk_alignment_set_padding(GTK_ALIGNMENT(beside), 0, 0, 0, static_cast<guint>(gapOf(m_window)));
+    gtk_container_add(GTK_CONTAINER(beside), m_controlsBox);
+    gtk_scrolled_window_add_with_viewport(GTK_SCROLLED_WINDOW(scrolled), beside);
     GtkWidget* const viewport = gtk_bin_get_child(GTK_BIN(scrolled));
     gtk_viewport_set_shadow_type(GTK_VIEWPORT(viewport), GTK_SHADOW_NONE);
 
@@ -235,7 +239,7 @@ void PortraitDialog::answered(int response) {
 void PortraitDialog::choose(const zel_effect& effect) {
     if (&effect == m_effect) return;
     m_effect = &effect;
-    if (!m_requests.count(&effect)) {
+    if (!m_requests.contains(&effect)) {
         Request& made = m_requests.emplace(&effect, Request::of(effect)).first->second;
         takeTexts(made, m_layer.image(), SavedValues(effect.name).last());
     }
@@ -383,21 +387,19 @@ void PortraitDialog::accept() {
         // Somebody may have painted meanwhile.
         const TargetLayer now(m_layer.image(), m_layer.drawable());
         auto pixels = std::make_shared<Rgba>(now.read());
-        if (*pixels != *m_before) {
+        const bool isRepainted = *pixels != *m_before;
+        if (isRepainted) {
             if (pixels->width != m_before->width || pixels->height != m_before->height)
                 throw Refusal("The layer's size has changed meanwhile: please open this dialog again.");
             m_before = std::move(pixels);
             m_after = nullptr;
         }
+        const TaskVoice* const voice = m_worker.voice();
         if (m_after)
             write();
-        else if (!m_worker.isBusy())
+        else if (!voice || voice->isCancelled() || isRepainted)
             preview();
-        else
-            m_previewTimer.start(0, [this] {
-                preview();
-                return false;
-            });
+        // else: what runs is for these values, and its result is written
     } catch (...) {
         showProblem(sentenceOf(std::current_exception()));
     }
@@ -405,7 +407,7 @@ void PortraitDialog::accept() {
 
 void PortraitDialog::write() {
     try {
-        m_layer.write(*m_before, *m_after);
+        m_layer.write(*m_before, *m_after, request().blend());
         m_isChanged = true;
         SavedValues(m_effect->name).setLast(textsOf(request()));
         SavedValues(kDialogValues).setLast({{kChosenEffect, m_effect->name}});

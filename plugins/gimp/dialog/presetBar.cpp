@@ -19,13 +19,14 @@ GtkEntry* entryOf(GtkWidget* combo) {
 
 PresetBar::PresetBar(Host host)
     : m_host(std::move(host)),
-      m_box(gtk_hbox_new(FALSE, 6)),
+      m_box(gtk_hbox_new(FALSE, 0)),
       m_combo(gtk_combo_box_text_new_with_entry()),
       m_save(gtk_button_new_with_label("Save")),
       m_delete(gtk_button_new_with_label("Delete")) {
     gtk_widget_set_tooltip_text(GTK_WIDGET(entryOf(m_combo)),
                                 "Choose a preset, or type the name of a new one");
     gtk_entry_set_width_chars(entryOf(m_combo), 12);
+    gtk_box_set_spacing(GTK_BOX(m_box), gapOf(m_box));
     gtk_box_pack_start(GTK_BOX(m_box), gtk_label_new("Preset:"), FALSE, FALSE, 0);
     gtk_box_pack_start(GTK_BOX(m_box), m_combo, TRUE, TRUE, 0);
     gtk_box_pack_start(GTK_BOX(m_box), m_save, FALSE, FALSE, 0);

@@ -10,15 +10,15 @@ namespace zelgimp {
 
 namespace {
 
-constexpr int kGap = 6;
 constexpr double kZoomStep = 1.5;
 /// The preview is at least so large, in lines of text.
-constexpr int kLeastWidth = 28, kLeastHeight = 24;
+constexpr int kLeastWidth = 28, kLeastHeight = 30;
 
 }  // namespace
 
 PreviewPanel::PreviewPanel(std::shared_ptr<const Rgba> before, Listener listener)
-    : m_listener(std::move(listener)), m_box(gtk_vbox_new(FALSE, kGap)) {
+    : m_listener(std::move(listener)), m_box(gtk_vbox_new(FALSE, 0)) {
+    gtk_box_set_spacing(GTK_BOX(m_box), gapOf(m_box));
     GtkWidget* const row = zoomRow();
     m_view = std::make_unique<PreviewView>(
         std::move(before),
@@ -55,7 +55,7 @@ GtkWidget* PreviewPanel::addSwitch(GtkWidget* box, const char* label, const char
 }
 
 GtkWidget* PreviewPanel::zoomRow() {
-    GtkWidget* const row = gtk_hbox_new(FALSE, kGap);
+    GtkWidget* const row = gtk_hbox_new(FALSE, gapOf(m_box));
     addButton(row, "−", "Show more of the picture", [this] { m_view->zoomTo(m_view->zoom() / kZoomStep); });
     m_zoomLabel = gtk_label_new("");
     gtk_label_set_width_chars(GTK_LABEL(m_zoomLabel), 6);

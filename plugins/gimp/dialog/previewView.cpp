@@ -18,6 +18,8 @@ constexpr double kZoomStep = 1.25;
 constexpr double kLandmarkRadius = 0.16, kReach = 0.5, kCaptionGap = 0.4, kHandleWidth = 0.5,
                  kHandleHeight = 1.5;
 constexpr double kPi = 3.14159265358979323846;
+/// Where the divider is taken hold of, as a share of the height: not over a face.
+constexpr double kHandlePlace = 0.9;
 /// What lies beside the picture.
 constexpr std::uint32_t kGround = 0xff505050;
 
@@ -156,7 +158,7 @@ void PreviewView::drawSides(cairo_t* cairo) {
 
 void PreviewView::drawDivider(cairo_t* cairo) const {
     const double line = lineHeight(m_area), x = std::round(m_divider01 * m_map.viewWidth());
-    const double middle = m_map.viewHeight() / 2.0;
+    const double middle = kHandlePlace * m_map.viewHeight();
     cairo_set_source_rgba(cairo, 0, 0, 0, 0.5);
     cairo_rectangle(cairo, x - 1.5, 0, 3, m_map.viewHeight());
     cairo_fill(cairo);

@@ -1,10 +1,13 @@
 #include "gimp/dialog/signals.h"
 
+#include <cmath>
 #include <utility>
 
 namespace zelgimp {
 
 namespace {
+
+constexpr double kGapsALine = 2.75;
 
 using Call = std::function<void()>;
 
@@ -28,6 +31,10 @@ double lineHeight(GtkWidget* widget) {
     pango_layout_get_pixel_size(layout, nullptr, &height);
     g_object_unref(layout);
     return height;
+}
+
+int gapOf(GtkWidget* widget) {
+    return static_cast<int>(std::round(lineHeight(widget) / kGapsALine));
 }
 
 GtkWidget* leftLabel(const char* text) {

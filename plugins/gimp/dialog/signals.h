@@ -22,6 +22,9 @@ void onEvent(GtkWidget* widget, const char* signal, gboolean (*handle)(GtkWidget
 /// fonts on fine screens.
 double lineHeight(GtkWidget* widget);
 
+/// The space between things that belong together, likewise; twice as much between others.
+int gapOf(GtkWidget* widget);
+
 /// A label whose text begins at the left.
 GtkWidget* leftLabel(const char* text);
 

@@ -61,11 +61,9 @@ Axis downOf(const TargetLayer& layer) {
 
 bool isNear(const zel_face& face) {
     const auto fits = [](float value) { return value >= kLeast && value <= kMost; };
-    for (const float number : face.rect)
-        if (!fits(number)) return false;
-    for (const auto& point : face.points)
-        if (!fits(point[0]) || !fits(point[1])) return false;
-    return true;
+    return std::ranges::all_of(face.rect, fits) && std::ranges::all_of(face.points, [&](const auto& point) {
+               return fits(point[0]) && fits(point[1]);
+           });
 }
 
 }  // namespace

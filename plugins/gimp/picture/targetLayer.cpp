@@ -26,6 +26,29 @@ std::string nameOf(gint32 item) {
     return text;
 }
 
+/// Everything is selected while it lives, and then again what was; in one undo step with what happens meanwhile.
+class NoSelection {
+public:
+    explicit NoSelection(gint32 image) : m_image(image) {
+        gimp_image_undo_group_start(m_image);
+        if (gimp_selection_is_empty(m_image)) return;
+        m_saved = gimp_selection_save(m_image);
+        gimp_selection_none(m_image);
+    }
+    ~NoSelection() {
+        if (m_saved >= 0) {
+            gimp_image_select_item(m_image, GIMP_CHANNEL_OP_REPLACE, m_saved);
+            gimp_image_remove_channel(m_image, m_saved);
+        }
+        gimp_image_undo_group_end(m_image);
+    }
+    NoSelection(const NoSelection&) = delete;
+    NoSelection& operator=(const NoSelection&) = delete;
+
+private:
+    gint32 m_image, m_saved = -1;
+};
+
 /// One buffer of the layer copied to another of its format, but for what an effect changed.
 class ChangedPixels {
 public:
@@ -99,7 +122,17 @@ Rgba TargetLayer::read() const {
     return pixels;
 }
 
-void TargetLayer::write(const Rgba& before, const Rgba& after) const {
+void TargetLayer::write(const Rgba& before, const Rgba& after, Blend blend) const {
+    if (blend == Blend::throughSelection) {
+        merge(before, after);
+    } else {
+        const NoSelection everything(m_image);
+        merge(before, after);
+    }
+    gimp_displays_flush();
+}
+
+void TargetLayer::merge(const Rgba& before, const Rgba& after) const {
     GeglRectangle changed{};
     if (!gimp_drawable_mask_intersect(m_drawable, &changed.x, &changed.y, &changed.width, &changed.height))
         throw Refusal("The selection lies outside of the layer: nothing would change.");
@@ -112,7 +145,6 @@ void TargetLayer::write(const Rgba& before, const Rgba& after) const {
     // One undo step, blended through the selection.
     gimp_drawable_merge_shadow(m_drawable, TRUE);
     gimp_drawable_update(m_drawable, changed.x, changed.y, changed.width, changed.height);
-    gimp_displays_flush();
 }
 
 std::string TargetLayer::precisionNote() const {

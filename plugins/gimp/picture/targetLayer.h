@@ -9,6 +9,9 @@
 
 namespace zelgimp {
 
+/// Where a result goes: into what is selected, as far as it is, or into the whole layer.
+enum class Blend { throughSelection, whole };
+
 /// The layer that an effect changes.
 class TargetLayer {
 public:
@@ -25,15 +28,15 @@ public:
     /// Its pixels, whole, in 8 bits with the display's curve; alpha is 255 where it has none.
     Rgba read() const;
 
-    /// Makes `after` of it, where it is selected and as far as; one step to undo. Pixels that equal those of `before`
-    /// keep all the bits that the layer has.
-    void write(const Rgba& before, const Rgba& after) const;
+    /// Makes `after` of it; one step to undo. Pixels that equal those of `before` keep all the bits that the layer has.
+    void write(const Rgba& before, const Rgba& after, Blend blend) const;
 
     /// What is lost in 8 bits, a sentence; empty: nothing.
     std::string precisionNote() const;
 
 private:
     void requireUsable() const;
+    void merge(const Rgba& before, const Rgba& after) const;
 
     gint32 m_image, m_drawable;
     GeglRectangle m_area{};

@@ -42,7 +42,7 @@ void runDirectly(const Request& request, const std::string& facesFile, const Tar
         gimp_progress_update(fraction);
         return false;
     });
-    layer.write(*call.picture, after);
+    layer.write(*call.picture, after, request.blend());
 }
 
 }  // namespace zelgimp

@@ -46,7 +46,7 @@ void save(GKeyFile* file, const std::string& folder, const std::string& path) {
 
 }  // namespace
 
-SavedValues::SavedValues(std::string effect)
+SavedValues::SavedValues(const std::string& effect)
     : m_folder(std::string(gimp_directory()) + "/zel"), m_file(m_folder + "/" + effect + ".ini") {}
 
 ValueTexts SavedValues::last() const {

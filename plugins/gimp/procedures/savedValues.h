@@ -12,7 +12,7 @@ namespace zelgimp {
 class SavedValues {
 public:
     /// @param effect  its name
-    explicit SavedValues(std::string effect);
+    explicit SavedValues(const std::string& effect);
 
     /// Empty where there are none.
     ValueTexts last() const;

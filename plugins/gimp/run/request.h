@@ -5,17 +5,22 @@
 #include <string>
 
 #include "gimp/picture/inputPlanes.h"
+#include "gimp/picture/targetLayer.h"
 #include "gimp/run/effectCall.h"
 
 namespace zelgimp {
-
-class TargetLayer;
 
 /// What a user or a script asks for: an effect, its values, and where its inputs come from.
 struct Request {
     const zel_effect* effect = nullptr;
     ValueTexts values;
     Source mask, second, depth;
+
+    /// A selection that is the mask already says where the effect acts; some work a little beyond their mask.
+    Blend blend() const {
+        return effect->mask != ZEL_NO && mask.kind == Source::kSelection ? Blend::whole
+                                                                         : Blend::throughSelection;
+    }
 
     /// Everything at its default; a mask that must be given is the selection.
     static Request of(const zel_effect& effect);

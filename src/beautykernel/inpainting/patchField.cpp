@@ -18,11 +18,11 @@ constexpr std::int32_t kOutsideCost = 3 * 65535;
 constexpr int kAngleBins = 401;
 
 std::size_t randomBelow(std::size_t count) {
-    return static_cast<std::size_t>(std::rand()) % count;
+    // 32 bits hold both, and divide twice as fast.
+    return static_cast<std::uint32_t>(std::rand()) % static_cast<std::uint32_t>(count);
 }
 
-std::int32_t costBetween(std::uint32_t a, std::uint32_t b) {
-    const auto& cost = colourCost();
+std::int32_t costBetween(const std::int32_t* cost, std::uint32_t a, std::uint32_t b) {
     std::int32_t sum = 0;
     for (unsigned shift : {0u, 8u, 16u}) sum += cost[256u + ((a >> shift) & 255u) - ((b >> shift) & 255u)];
     return sum;
@@ -37,18 +37,17 @@ std::size_t angleBin(int dx, int dy) {
 }  // namespace
 
 PatchField::PatchField(ConstImageView image, PlaneView<const Byte> mask)
-    : m_width(image.width),
-      m_height(image.height),
-      m_cells(sampleCount(image.width, image.height)),
-      m_colours(m_cells.size()) {
-    for (int y = 0; y < m_height; ++y)
-        for (int x = 0; x < m_width; ++x) {
-            const std::int32_t cell = indexOf(x, y);
-            const auto i = static_cast<std::size_t>(cell);
+    : m_pitch(image.width + 2 * kMargin),
+      m_cells(sampleCount(m_pitch, image.height + 2 * kMargin)),
+      m_taken(m_cells.size(), -1) {
+    for (int y = 0; y < image.height; ++y)
+        for (int x = 0; x < image.width; ++x) {
+            const std::int32_t cell = (y + kMargin) * m_pitch + x + kMargin;
             const Byte* p = image.at(x, y);
-            m_colours[i] = p[0] | std::uint32_t{p[1]} << 8 | std::uint32_t{p[2]} << 16;
             const bool isHole = mask.row(y)[x] != 0;
-            m_cells[i].known = m_cells[i].isSource = !isHole;
+            m_cells[static_cast<std::size_t>(cell)] = p[0] | std::uint32_t{p[1]} << 8 |
+                                                      std::uint32_t{p[2]} << 16 |
+                                                      (isHole ? 0u : kSource | kKnown);
             (isHole ? m_targets : m_sources).push_back(cell);
         }
 }
@@ -82,28 +81,24 @@ void PatchField::orderTargets(int centreX, int centreY) {
 }
 
 int PatchField::collectNeighbours(std::int32_t target, Neighbour* neighbours) const {
-    const int x = xOf(target), y = yOf(target);
     int count = 0;
     for (const CellOffset offset : kNeighbourOffsets) {
-        if (!contains(x + offset.x, y + offset.y)) continue;
-        const auto i = static_cast<std::size_t>(indexOf(x + offset.x, y + offset.y));
-        if (!m_cells[i].known) continue;
-        neighbours[count++] = {offset.x, offset.y, m_colours[i], m_cells[i].source};
+        const std::int32_t step = offset.y * m_pitch + offset.x;
+        const auto i = static_cast<std::size_t>(target + step);
+        if ((m_cells[i] & kKnown) == 0) continue;
+        neighbours[count++] = {step, m_cells[i], m_taken[i]};
         if (count == kMostNeighbours) break;
     }
     return count;
 }
 
 void PatchField::evaluate(std::int32_t candidate, const Neighbour* neighbours, int count, Best& best) const {
-    const int x = xOf(candidate), y = yOf(candidate);
+    const std::int32_t* const costs = colourCost().data();
+    const std::uint32_t* const cells = m_cells.data() + candidate;
     std::int32_t sum = 0;
     for (const Neighbour* n = neighbours; n != neighbours + count; ++n) {
-        std::int32_t cost = kOutsideCost;
-        if (contains(x + n->dx, y + n->dy)) {
-            const auto i = static_cast<std::size_t>(indexOf(x + n->dx, y + n->dy));
-            if (m_cells[i].isSource) cost = costBetween(n->colour, m_colours[i]);
-        }
-        sum += cost;
+        const std::uint32_t cell = cells[n->step];
+        sum += (cell & kSource) != 0 ? costBetween(costs, n->colour, cell) : kOutsideCost;
         if (sum >= best.cost) return;
     }
     best = {candidate, sum};
@@ -116,10 +111,8 @@ PatchField::Best PatchField::findBest(std::int32_t target, int tries) const {
     // What continues a neighbour's source is likely to fit.
     for (int k = 0; k < count; ++k) {
         const Neighbour& n = neighbours[static_cast<std::size_t>(k)];
-        if (n.source < 0) continue;
-        const int x = xOf(n.source) - n.dx, y = yOf(n.source) - n.dy;
-        if (!contains(x, y) || !m_cells[static_cast<std::size_t>(indexOf(x, y))].isSource) continue;
-        evaluate(indexOf(x, y), neighbours.data(), count, best);
+        if (n.source < 0 || !isSource(n.source - n.step)) continue;
+        evaluate(n.source - n.step, neighbours.data(), count, best);
         if (best.cost < kGoodCost) return best;
     }
     for (int k = 0; k < tries && !m_sources.empty(); ++k) {
@@ -132,16 +125,15 @@ PatchField::Best PatchField::findBest(std::int32_t target, int tries) const {
 std::size_t PatchField::runPass(std::size_t count, int tries) {
     std::size_t changes = 0;
     for (std::size_t k = 0; k < count; ++k) {
-        const std::int32_t target = m_targets[k];
-        Cell& cell = m_cells[static_cast<std::size_t>(target)];
-        cell.known = true;
-        const Best best = findBest(target, tries);
+        const auto target = static_cast<std::size_t>(m_targets[k]);
+        m_cells[target] |= kKnown;
+        const Best best = findBest(m_targets[k], tries);
         if (best.cell < 0) continue;
         // A cell in the row or in the column of the old source is not taken.
-        if (cell.source >= 0 && (xOf(best.cell) == xOf(cell.source) || yOf(best.cell) == yOf(cell.source)))
-            continue;
-        cell.source = best.cell;
-        m_colours[static_cast<std::size_t>(target)] = m_colours[static_cast<std::size_t>(best.cell)];
+        const std::int32_t old = m_taken[target];
+        if (old >= 0 && (xOf(best.cell) == xOf(old) || yOf(best.cell) == yOf(old))) continue;
+        m_taken[target] = best.cell;
+        m_cells[target] = kKnown | (m_cells[static_cast<std::size_t>(best.cell)] & kColour);
         ++changes;
     }
     return changes;
@@ -149,7 +141,7 @@ std::size_t PatchField::runPass(std::size_t count, int tries) {
 
 void PatchField::storeColours(ImageView image) const {
     for (const std::int32_t target : m_targets) {
-        const std::uint32_t colour = m_colours[static_cast<std::size_t>(target)];
+        const std::uint32_t colour = m_cells[static_cast<std::size_t>(target)];
         Byte* p = image.at(xOf(target), yOf(target));
         for (unsigned c = 0; c < 3; ++c) p[c] = static_cast<Byte>(colour >> (8 * c));
     }

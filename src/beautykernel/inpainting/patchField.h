@@ -8,7 +8,8 @@
 namespace zellab {
 
 /// The crop that one patch filling works on: its cells, those to fill (targets) in the order of the work, and
-/// those to take colours from (sources). A cell is its index, row after row.
+/// those to take colours from (sources). A cell is its index in a grid that has kMargin cells around the crop, so
+/// that no neighbour lies outside.
 class PatchField {
 public:
     /// @param image  the crop; targets are written back to it by storeColours
@@ -28,13 +29,14 @@ public:
     void storeColours(ImageView image) const;
 
 private:
-    struct Cell {
-        std::int32_t source = -1;  // cell whose colour was taken, -1 while none
-        bool known = false;        // has a colour
-        bool isSource = false;     // lay outside the hole from the start
-    };
+    static constexpr int kMargin = 5;  // as far as neighbours are looked for
+    /// What a cell's colour has beside red, green and blue, from the low byte up: whether it lay outside the hole
+    /// from the start, and whether it has a colour.
+    static constexpr std::uint32_t kSource = 1u << 24, kKnown = 1u << 25;
+    static constexpr std::uint32_t kColour = kSource - 1;
+
     struct Neighbour {
-        int dx, dy;
+        std::int32_t step;  // from the cell to it
         std::uint32_t colour;
         std::int32_t source;
     };
@@ -43,18 +45,19 @@ private:
         std::int32_t cost;
     };
 
-    bool contains(int x, int y) const { return x >= 0 && y >= 0 && x < m_width && y < m_height; }
-    std::int32_t indexOf(int x, int y) const { return y * m_width + x; }
-    int xOf(std::int32_t cell) const { return cell % m_width; }
-    int yOf(std::int32_t cell) const { return cell / m_width; }
+    bool isSource(std::int32_t cell) const {
+        return (m_cells[static_cast<std::size_t>(cell)] & kSource) != 0;
+    }
+    int xOf(std::int32_t cell) const { return cell % m_pitch - kMargin; }
+    int yOf(std::int32_t cell) const { return cell / m_pitch - kMargin; }
 
     int collectNeighbours(std::int32_t target, Neighbour* neighbours) const;
     void evaluate(std::int32_t candidate, const Neighbour* neighbours, int count, Best& best) const;
     Best findBest(std::int32_t target, int tries) const;
 
-    int m_width, m_height;
-    std::vector<Cell> m_cells;
-    std::vector<std::uint32_t> m_colours;  // red, green, blue from the low byte up
+    int m_pitch;  // cells from a row to the next
+    std::vector<std::uint32_t> m_cells;
+    std::vector<std::int32_t> m_taken;  // cell whose colour was taken, -1 while none
     std::vector<std::int32_t> m_targets, m_sources;
 };
 

@@ -26,8 +26,7 @@ TEST(IrisFinder, FindsFadedIrisesWhereTheLandmarkSays) {
         zel::Portrait portrait = zel::drawPortrait(params);
         for (std::size_t i = 0; i < portrait.image.rgba.size(); ++i)
             if (i % 4 != 3)
-                portrait.image.rgba[i] =
-                    static_cast<unsigned char>(110 + (portrait.image.rgba[i] - 110) * 3 / 10);
+                portrait.image.rgba[i] = static_cast<unsigned char>(110 + (portrait.image.rgba[i] - 110) / 4);
         for (const auto& e : zeltest::irisErrors(portrait, zeltest::FacePoints(portrait, seed, 0))) {
             EXPECT_TRUE(e.found) << seed;
             EXPECT_LE(e.centre, zeltest::kCentreLimit) << seed;

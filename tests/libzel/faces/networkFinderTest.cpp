@@ -5,7 +5,6 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <cstring>
 
 #include "faces/networksForTests.h"
 #include "frame/processorCount.h"
@@ -68,8 +67,8 @@ TEST_F(NetworkFinderTest, FindsDrawnFacesUprightAndUpsideDown) {
         ASSERT_EQ(found.faces.size(), 1u) << i;
         EXPECT_GT(found.faces[0].confidence.value_or(0), 0.7f);
         const auto truth = zel::landmarksInPixels(portrait.faces.faces[0], portrait.image);
-        const auto points = zel::landmarksInPixels(found.faces[0], portrait.image);
-        sum += zel::landmarkError(points, truth);
+        const auto upright = zel::landmarksInPixels(found.faces[0], portrait.image);
+        sum += zel::landmarkError(upright, truth);
 
         const zel::FaceSet turned = find(upsideDown(portrait.image));
         ASSERT_EQ(turned.faces.size(), 1u) << i;
@@ -77,7 +76,7 @@ TEST_F(NetworkFinderTest, FindsDrawnFacesUprightAndUpsideDown) {
         for (auto& p : back)
             p = {static_cast<float>(portrait.image.width) - p.x,
                  static_cast<float>(portrait.image.height) - p.y};
-        EXPECT_LT(zel::landmarkError(back, points), 0.03f) << i;
+        EXPECT_LT(zel::landmarkError(back, upright), 0.03f) << i;
     }
     EXPECT_LT(sum / kFaces, 0.05f);
 }
@@ -100,9 +99,9 @@ TEST_F(NetworkFinderTest, FindsManyFacesTheLargestFirstAndTheSameOnAnyNumberOfTh
         EXPECT_GT(found.faces[i - 1].rect[3], 0.8f * found.faces[i].rect[3]) << i;
     ASSERT_EQ(alone.faces.size(), found.faces.size());
     for (std::size_t i = 0; i < found.faces.size(); ++i)
-        EXPECT_EQ(std::memcmp(found.faces[i].points.data(), alone.faces[i].points.data(),
-                              sizeof found.faces[i].points),
-                  0)
+        EXPECT_TRUE(std::equal(found.faces[i].points.begin(), found.faces[i].points.end(),
+                               alone.faces[i].points.begin(),
+                               [](const auto& a, const auto& b) { return a.x == b.x && a.y == b.y; }))
             << i;
 }
 

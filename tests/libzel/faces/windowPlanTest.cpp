@@ -29,13 +29,14 @@ bool seesEveryPlace(const WindowLevel& level, int width, int height, float face)
 
 TEST(WindowPlan, SeesFacesOfEverySizeAnywhereInPicturesOfEveryShape) {
     constexpr float kLeast = 0.06f;
-    for (const auto& [width, height] : {std::pair(800, 800),
-                                        {1600, 1200},
-                                        {1200, 1600},
-                                        {4000, 3000},
-                                        {100, 70},
-                                        {2000, 500},
-                                        {32767, 32767}}) {
+    for (const auto& size : {std::pair(800, 800),
+                             {1600, 1200},
+                             {1200, 1600},
+                             {4000, 3000},
+                             {100, 70},
+                             {2000, 500},
+                             {32767, 32767}}) {
+        const int width = size.first, height = size.second;
         const auto plan = zel::windowPlan(width, height, kLeast);
         const auto shorter = static_cast<float>(std::min(width, height));
         ASSERT_FALSE(plan.empty());

@@ -4,6 +4,7 @@
 Usage: dialogTest.py ZEL PLUG_IN WORK
 """
 import json
+import shutil
 import subprocess
 import sys
 import time
@@ -31,11 +32,13 @@ def pixels(path):
 class Dialog:
     """The open dialog. Places are those of Debian's default font at 96 dots an inch."""
 
-    def __init__(self, desktop):
+    def __init__(self, desktop, still=True):
+        """still: waits for the first preview."""
         self.desktop = desktop
         self.window, self.x, self.y, self.width, self.height = desktop.window()
         desktop.xdotool("windowfocus", "--sync", self.window)
-        desktop.settle(self.window)
+        if still:
+            desktop.settle(self.window)
 
     def at(self, x, y):
         """A place in the window; below 0 from its right or lower edge."""
@@ -85,6 +88,7 @@ class DialogTest(unittest.TestCase):
     def open(self, *calls, environment=None):
         """A GIMP that opens the picture and makes each call in turn, `image` and `layer` being at hand; after the
         call NUMBER the layer is saved as callNUMBER.png."""
+        shutil.rmtree(self.work / "gimp" / "zel", ignore_errors=True)  # no values of another test
         desktop = Desktop(self.session)
         self.addCleanup(desktop.close)
         desktop.environment.update(environment or {})
@@ -94,17 +98,6 @@ class DialogTest(unittest.TestCase):
             result.unlink(missing_ok=True)
             steps += f"{call} (zel-save image layer {quoted(result)})\n"
         desktop.start(f"""
-(define (zel-open effect)
-  (set! zel-effect-name (string-append "plug-in-zel-" effect))
-  (apply (eval (string->symbol zel-effect-name))
-         (append (list RUN-INTERACTIVE image layer)
-                 (zel-nothing zel-effect-name 3 (list-ref (gimp-procedural-db-proc-info zel-effect-name) 6)))))
-(define zel-effect-name "")
-(define (zel-nothing procedure from count)
-  (if (= from count) '()
-      (cons (let ((type (car (gimp-procedural-db-proc-arg procedure from))))
-              (cond ((= type PDB-STRING) "") ((= type PDB-DRAWABLE) -1) (else 0)))
-            (zel-nothing procedure (+ from 1) count))))
 (define image (zel-load {quoted(self.picture)}))
 (define layer (car (gimp-image-get-active-layer image)))
 (gimp-display-new image)
@@ -118,7 +111,7 @@ class DialogTest(unittest.TestCase):
             try:
                 with Image.open(path) as picture:
                     return picture.convert("RGBA")
-            except OSError:
+            except (OSError, SyntaxError):
                 return None  # not there, or not whole
         return desktop.until(path.name, whole)
 
@@ -136,7 +129,7 @@ class DialogTest(unittest.TestCase):
     def test_what_is_set_is_what_the_layer_becomes(self):
         keep = self.work / "kept.json"
         desktop = self.open(
-            '(zel-open "auto-slim-face")', '(zel-open "mosaic")', '(zel-open "auto-slim-face")',
+            '(zel-open "auto-slim-face" image layer)', '(zel-open "mosaic" image layer)', '(zel-open "auto-slim-face" image layer)',
             f"""(with-output-to-file {quoted(keep)}
                  (lambda () (display (caddr (car (gimp-image-get-parasite image "zel-faces"))))))""")
         # The faces are those that the command finds; a value typed beside a slider counts.
@@ -152,7 +145,7 @@ class DialogTest(unittest.TestCase):
         main = desktop.window("portrait.*GIMP$")
         desktop.xdotool("windowfocus", "--sync", main[0])
         desktop.keys("ctrl+z")
-        time.sleep(3)
+        desktop.settle(main[0])
         desktop.xdotool("windowfocus", "--sync", dialog.window)
         dialog.answer("o")
         mosaic = self.expected("mosaic")
@@ -178,6 +171,68 @@ class DialogTest(unittest.TestCase):
         self.assertSame(got, self.expected("auto-slim-face", "strength=1.2", source=source, faces=keep))
         self.assertNotEqual(got.tobytes(), self.expected("auto-slim-face", "strength=1.2", source=source,
                                                          faces=self.faces).tobytes())
+
+    def test_presets_are_kept_by_name(self):
+        desktop = self.open('(zel-open "mosaic" image layer)', '(zel-open "mosaic" image layer)')
+        dialog = Dialog(desktop)
+        dialog.setNumber(0, 40)
+        dialog.click(-300, -123)  # the preset's name
+        desktop.type("Large")
+        dialog.click(-95, -123)  # Save
+        dialog.settle()
+        dialog.answer("r")  # Reset
+        dialog.settle()
+        desktop.screenshot("preset", dialog.window)
+        dialog.answer("o")
+        self.assertSame(self.result(desktop, 0), self.expected("mosaic"))
+        self.assertIn("[preset Large]", (self.work / "gimp" / "zel" / "mosaic.ini").read_text())
+
+        dialog = Dialog(desktop)
+        dialog.click(-130, -123)  # the list of presets
+        time.sleep(1)
+        desktop.keys("Down", "Return")
+        dialog.settle()
+        desktop.screenshot("preset-chosen", dialog.window)
+        dialog.answer("o")
+        self.assertSame(self.result(desktop, 1),
+                        self.expected("mosaic", "blockSize=40", source=self.work / "call0.png"))
+
+    def test_long_work_leaves_the_window_alive_and_can_be_cancelled(self):
+        # Both calls scale the picture up and down again, so that the small one tells whether it was changed between.
+        again = f"(set! image (zel-load {quoted(self.picture)})) (set! layer (car (gimp-image-get-active-layer image)))"
+        large, small = "(gimp-image-scale image 3000 4000)", "(gimp-image-scale image 450 600)"
+        desktop = self.open(large + small,
+                            again + large + '(gimp-display-new image) (zel-open "defocus" image layer)' + small)
+        unchanged = self.result(desktop, 0)
+        dialog = Dialog(desktop, still=False)
+        lags = []
+        for letter in "alive":  # while the first preview is being made
+            shown = desktop.screenshot("busy", dialog.window)
+            start = time.monotonic()
+            desktop.type(letter)
+            desktop.until("a letter", lambda: ImageChops.difference(
+                desktop.screenshot("alive", dialog.window).crop((0, 0, 240, 40)), shown.crop((0, 0, 240, 40))).getbbox())
+            lags.append(time.monotonic() - start)
+        print("seconds until a letter stood there:", *(f"{lag:.2f}" for lag in lags))
+        self.assertLess(max(lags), 10)  # the preview takes longer, and machines may be busy
+        dialog.answer("o")
+        time.sleep(0.3)
+        dialog.answer("c")  # no more of it, but the dialog stays
+        dialog.settle()
+        self.assertFalse((self.work / "call1.png").exists())
+        dialog.answer("c")
+        self.assertSame(self.result(desktop, 1), unchanged)
+
+    def test_what_is_missing_is_a_sentence_in_the_dialog(self):
+        # The inference module, and with it the finder of faces.
+        desktop = self.open('(zel-open "auto-slim-face" image layer)', environment={"ZEL_NETWORKS_MODULE": ""})
+        dialog = Dialog(desktop)
+        desktop.screenshot("no-finder", dialog.window)
+        dialog.answer("o")
+        dialog.settle()
+        desktop.window()  # still there
+        dialog.answer("c")
+        self.assertSame(self.result(desktop, 0), pixels(self.picture))
 
 
 if __name__ == "__main__":
