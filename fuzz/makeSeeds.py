@@ -260,7 +260,19 @@ def write_reshape_seeds(folder):
     (folder / "empty").write_bytes(bytes([7, 0]))
 
 
+def write_studio_seeds(folder):
+    """A question and an order of the page, and chains."""
+    folder.mkdir(parents=True, exist_ok=True)
+    head = "{} /s/api/{}\nHost: 127.0.0.1:80\n"
+    body = "Origin: http://127.0.0.1:80\nContent-Type: application/json\nContent-Length: 9\n"
+    step = {"effect": "defocus", "values": {"focus": "0.5,0.5"}, "off": False, "strength": 0.5, "mask": "m", "depth": "d"}
+    for name, text in (("question", head.format("GET", "folder")), ("order", head.format("POST", "open") + body),
+                       ("chain", json.dumps({"steps": [step, {"effect": "inpaint"}], "faces": None}))):
+        (folder / name).write_bytes(text.encode())
+
+
 def main():
+    write_studio_seeds(pathlib.Path(sys.argv[1]) / "fuzz_studio")
     write_reshape_seeds(pathlib.Path(sys.argv[1]) / "fuzz_reshape")
     for target in ("fuzz_model_head", "fuzz_network"):
         write_model_seeds(pathlib.Path(sys.argv[1]) / target)

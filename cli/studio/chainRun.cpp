@@ -5,6 +5,7 @@
 #include <cmath>
 #include <cstdlib>
 #include <cstring>
+#include <utility>
 
 #include "cli/failure.h"
 #include "cli/library.h"
@@ -43,7 +44,8 @@ std::string depthKey(const std::string& before, const Step& step, const std::str
     std::string key = before + step.effect->name + faces + step.mask;
     for (const auto& [name, text] : step.values) {
         const zel_parameter* const parameter = parameterOf(*step.effect, name);
-        if (parameter && !isNumber(parameter->kind)) key += ';' + name + '=' + text;
+        if (parameter && !isNumber(parameter->kind))
+            key.append(1, ';').append(name).append(1, '=').append(text);
     }
     return key;
 }
@@ -176,7 +178,13 @@ const Image& ChainRun::run(const Image& original, const Chain& chain, const Sour
     Image held;
     for (std::size_t i = same; i < chain.steps.size(); ++i) {
         job.requireWanted();
-        Image image = m_keeping || i == 0 ? (i == 0 ? original : m_results[i - 1].image) : std::move(held);
+        Image image;
+        if (i == 0)
+            image = original;
+        else if (m_keeping)
+            image = m_results[i - 1].image;
+        else
+            image = std::move(held);
         const StepReport report =
             apply(chain.steps[i], chain, i == 0 ? chain.faces : keys[i - 1], image, sources, job, i);
         reports.push_back(report);

@@ -78,7 +78,7 @@ std::vector<std::string> Folder::jsonFiles() const {
 fs::path Folder::toRead(const std::string& name) const {
     requirePlainName(name);
     std::error_code error;
-    const fs::path real = fs::canonical(m_root / name, error);
+    fs::path real = fs::canonical(m_root / name, error);
     if (error || !fs::is_regular_file(real, error)) throw Refused(404, "there is no file '" + name + "'");
     const auto [rest, unused] = std::mismatch(m_root.begin(), m_root.end(), real.begin(), real.end());
     if (rest != m_root.end()) throw Refused(403, "'" + name + "' leads out of the folder");

@@ -6,6 +6,7 @@
 #include <memory>
 #include <mutex>
 #include <string>
+#include <utility>
 
 #include "cli/studio/batch.h"
 #include "cli/studio/folder.h"
@@ -19,7 +20,7 @@ namespace zelcli::studio {
 /// What the page can ask for, whoever carries its requests. Any number of threads may ask at once.
 class Studio {
 public:
-    explicit Studio(const Folder& folder) : m_folder(folder), m_batch(m_folder, m_queue, m_planes) {}
+    explicit Studio(Folder folder) : m_folder(std::move(folder)), m_batch(m_folder, m_queue, m_planes) {}
 
     /// Never throws: what goes wrong becomes a status and {"error": WHY}. A request whose place a newer one took is
     /// answered by 204 and nothing.
