@@ -73,6 +73,7 @@ struct Effect {
     std::string title;      // for a menu
     std::string operation;  // the exported operation, qualified
     std::string summary;    // one sentence
+    std::string advice;     // when to use it, and what its main settings do at their ends
     std::vector<Parameter> parameters;
     // What it takes beside the picture.
     zel_need faces = ZEL_NO, mask = ZEL_NO, second = ZEL_NO, depth = ZEL_NO;

@@ -25,7 +25,7 @@ public:
             m_infos.push_back({effect.name.c_str(), effect.title.c_str(), effect.summary.c_str(),
                                effect.operation.c_str(), effect.example.c_str(), parameters.data(),
                                parameters.size(), effect.faces, effect.mask, effect.second, effect.depth,
-                               effect.maskOut, effect.depthOut, effect.gl});
+                               effect.maskOut, effect.depthOut, effect.gl, effect.advice.c_str()});
         }
     }
     const std::deque<zel_effect>& all() const { return m_infos; }

@@ -4,6 +4,7 @@
 #include <cstring>
 #include <nlohmann/json.hpp>
 
+#include "cli/commands/wrapText.h"
 #include "cli/library.h"
 
 namespace zelcli {
@@ -119,6 +120,7 @@ std::string effectsJson() {
         effects.push_back({{"name", effect->name},
                            {"operation", effect->operation},
                            {"summary", effect->summary},
+                           {"advice", effect->advice},
                            {"example", effect->example},
                            {"faces", needText(effect->faces)},
                            {"mask", needText(effect->mask)},
@@ -134,6 +136,7 @@ std::string effectsJson() {
 
 std::string effectHelp(const zel_effect& effect) {
     std::string text = std::string(effect.name) + ": " + effect.summary + "\n\n";
+    text += wrapText(effect.advice) + "\n\n";
     text += std::string("Usage: zel apply ") + effect.name + " IN... -o OUT [--set NAME=VALUE]...\n";
     if (!setParameters(effect).empty()) text += "\nParameters for --set:\n" + parameterLines(effect);
     const auto needs = needLines(effect);

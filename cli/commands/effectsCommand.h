@@ -10,7 +10,7 @@ namespace zelcli {
 std::string effectsTable();
 
 /// The same as JSON, for scripts:
-/// {"effects": [{"name", "operation", "summary", "example", "faces", "mask", "second",
+/// {"effects": [{"name", "operation", "summary", "advice", "example", "faces", "mask", "second",
 ///   "parameters": [{"name", "kind", "default", "help", "minimum", "maximum", "choices"}]}]}.
 /// faces, mask and second say "no", "optional" or "required"; minimum and maximum are there for numbers with
 /// a range, choices for choices; a default of null must be given.

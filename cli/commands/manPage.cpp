@@ -88,7 +88,7 @@ std::string commandSection(const CLI::App& command) {
 std::string effectSection() {
     std::string page = ".SH EFFECTS\n";
     for (const zel_effect* effect : allEffects()) {
-        page += entry(effect->name, std::string(effect->summary) + ".") + ".RS\n";
+        page += entry(effect->name, std::string(effect->summary) + ". " + effect->advice) + ".RS\n";
         for (const auto* parameter : setParameters(*effect))
             page +=
                 entry(parameter->name, std::string(parameter->help) + " (" + describeRange(*parameter) + ")");

@@ -60,6 +60,7 @@ Json registryJson() {
         effects.push_back({{"name", effect.name},
                            {"title", effect.title},
                            {"summary", effect.summary},
+                           {"advice", effect.advice},
                            {"faces", needName(effect.faces)},
                            {"mask", needName(effect.mask)},
                            {"second", needName(effect.second)},

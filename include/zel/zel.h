@@ -237,6 +237,7 @@ typedef struct zel_effect {
     zel_need faces, mask, second, depth;
     zel_need mask_out, depth_out;
     zel_need gl; /**< ZEL_OPTIONAL: uses OpenGL 3.3 where a graphics card has it, else the processor */
+    const char* advice; /**< two sentences: when to use it, and what its main settings do at their ends */
 } zel_effect;
 
 ZEL_API size_t zel_effect_count(void);

@@ -194,6 +194,9 @@ Effect defocus() {
     effect.title = "Depth of field";
     effect.operation = "DefocusCore::ZelDepthDefocusRender::Run";
     effect.summary = "Depth of field: blurs what lies before and behind the subject, by estimated depth";
+    effect.advice =
+        "To bring a person forward from a busy ground. A blurLevel of 30 is a standard lens, 60 a fast one, "
+        "100 a look of its own; focus=X,Y picks one of several people.";
     effect.parameters = {
         integerParameter("blurLevel", 0, 100, "60", "strength of the blur"),
         choiceParameter("shape", {"classic", "hexagon", "heart", "star", "ring", "oval", "spin"}, "classic",
@@ -245,6 +248,9 @@ Effect mixMask() {
     effect.title = "Mix by a mask";
     effect.operation = "DefocusCore::ZelDepthDefocusRender::MixWidthMask";
     effect.summary = "Mixes a second picture into this one where a mask says so";
+    effect.advice =
+        "To bring back the original where an effect went too far, or the other way round. Strength 0 leaves "
+        "the picture, 1 follows the mask.";
     effect.parameters = {
         numberParameter("strength", 0, 1, "1", "1: the mask alone decides"),
         in("pixels", integerParameter("blurRadius", 0, 500, "0", "pixels; softens the mask's edge"))};

@@ -57,6 +57,9 @@ std::vector<Effect> eyeEffects() {
         "Makes the eyes of faces clearer: whites lifted, irises lighter and crisper; eyes that are closed, "
         "or hidden "
         "by dark glasses or hair, stay";
+    effect.advice =
+        "For eyes that lie in shade or look tired. Lower overallGain first; at 0 nothing changes, at 100 "
+        "with high whiteGain whites begin to look painted.";
     effect.parameters = {
         in("%", numberParameter("overallGain", 0, 100, "100", "percent of the whole effect")),
         in("%", numberParameter("whiteGain", 0, 100, "70", "percent by which light whites are lifted")),

@@ -20,6 +20,9 @@ Effect vignetteEffect() {
     effect.title = "Vignette";
     effect.operation = "zellab::vignette";
     effect.summary = "Darkens towards the corners, so that the eye stays with what is in the middle";
+    effect.advice =
+        "To hold the eye in the middle of a bright picture. Strength 0 leaves it, 0.3 is felt and not seen, "
+        "1 makes corners black.";
     effect.parameters = {
         numberParameter("strength", 0, 1, "0.5",
                         "0 leaves the picture, 1 makes what is wholly outside black"),

@@ -112,6 +112,9 @@ Effect autoFaceInpaint() {
     effect.title = "Remove spots";
     effect.operation = "ZelImageCore::TableSkin::ImageProcessWithAutoFaceInpaint";
     effect.summary = "Finds moles, spots and blemishes on faces and repairs them";
+    effect.advice =
+        "Before any smoothing, so that a spot is gone and not smeared. Use moles=keep for marks that belong "
+        "to the person, and a mask for what must be repaired in any case.";
     effect.parameters = {
         choiceParameter(
             "method", {"flecks", "fine"}, "fine",
@@ -137,6 +140,9 @@ Effect inpaint() {
     effect.title = "Fill a mask";
     effect.operation = "ZelImageCore::TableSkin::ImageProcessWithInpaint";
     effect.summary = "Fills what a mask marks from the rest of the picture";
+    effect.advice =
+        "For scratches, dust, wires and what should not be there: paint a little beyond its edge. Gradient "
+        "for skin and sky, patches for grass, cloth and hair.";
     effect.parameters = {
         choiceParameter("method", {"gradient", "patches"}, "gradient",
                         "gradient suits faces and slopes, patches suit texture"),
@@ -153,6 +159,9 @@ Effect wrinkleCleaner() {
     effect.title = "Smooth wrinkles";
     effect.operation = "ZelImageCore::TableSkin::ImageProcessWithWrinkleCleaner";
     effect.summary = "Smooths the wrinkles that a mask marks and keeps the skin's texture";
+    effect.advice =
+        "For a few deep lines, painted along. Strength 0 leaves them, 50 softens as most people like it, 100 "
+        "takes them away.";
     effect.parameters = {
         integerParameter("strength", 0, 100, "100", "percentage; acts on method mask alone"),
         choiceParameter("method", {"mask", "region"}, "mask",
@@ -171,6 +180,9 @@ Effect removeBlackCircle() {
     effect.title = "Lighten dark circles under a mask";
     effect.operation = "ZelImageCore::TableSkin::ImageProcessWithRemoveBlackCircle";
     effect.summary = "Lightens dark circles under a mask or in a rectangle";
+    effect.advice =
+        "Where no face is found, or for a shadow elsewhere: paint the mask over the shadow and a little "
+        "beyond, or give a rectangle.";
     effect.parameters = {
         in("pixels", numberParameter("left", 0, kLargestSide, "0", "left edge of the rectangle in pixels")),
         in("pixels", numberParameter("top", 0, kLargestSide, "0", "top edge of the rectangle in pixels")),
@@ -188,6 +200,9 @@ Effect autoRemoveBlackCircle() {
     effect.title = "Lighten dark circles";
     effect.operation = "ZelImageCore::TableSkin::ImageProcessWithAutoRemoveBlackCircle";
     effect.summary = "Lightens the shadows under the eyes of faces";
+    effect.advice =
+        "For a short night or light from above. Strength 0 leaves the shadows, 0.55 halves them, at 1 the "
+        "skin below the eyes may look flat.";
     effect.parameters = {numberParameter("strength", 0, 1, "0.55", "strength of the repair"),
                          integerParameter("method", 0, 1, "0", "0 spares the rim of the lid, 1 does not"),
                          faceIndexParameter()};

@@ -59,6 +59,9 @@ Effect slimFace() {
     effect.title = "Slimming brush";
     effect.operation = "CFaceSlimRender::slimFace";
     effect.summary = "Pushes the picture from a start to an end with a round brush";
+    effect.advice =
+        "For a strand of hair, a sleeve or a cheek that should sit elsewhere: several short drags look "
+        "better than a long one. Strength near 0 barely moves, 100 moves by the whole drag.";
     effect.parameters = {
         place("startX", "start of the drag, as a fraction of the width"),
         place("startY", "start of the drag, as a fraction of the height"),
@@ -79,6 +82,9 @@ Effect autoSlimFace() {
     effect.title = "Slim faces";
     effect.operation = "CFaceSlimRender::autoSlimFace";
     effect.summary = "Narrows faces along their contours";
+    effect.advice =
+        "For wide-angle faces and weary cheeks, lightly. Strength 0 leaves the face, up to 0.6 few will "
+        "notice, near 2 the jaw is another person's.";
     effect.parameters = {
         numberParameter("strength", 0, 2, "0.5", "overall strength; the chin does not follow it"),
         numberParameter("outerWeight", 0, 1, "1.0", "weight of the ring outside the contour"),
@@ -102,6 +108,9 @@ Effect zoomEye() {
     effect.title = "Enlarging brush";
     effect.operation = "CEyeZoomRender::zoomEye";
     effect.summary = "Enlarges what lies around one point";
+    effect.advice =
+        "For one eye that is smaller than the other, or any round thing. Strength 0 leaves it, above 100 it "
+        "bulges, below 0 it shrinks.";
     effect.parameters = {place("centerX", "centre, as a fraction of the width"),
                          place("centerY", "centre, as a fraction of the height"),
                          numberParameter("radius", 0, 1, "0.05", "radius, as a fraction of the width"),
@@ -118,6 +127,9 @@ Effect autoZoomEye() {
     effect.title = "Enlarge eyes";
     effect.operation = "CEyeZoomRender::autoZoomEye";
     effect.summary = "Enlarges the eyes of faces";
+    effect.advice =
+        "For eyes that glasses make small, or a look of wonder. Strength 0 leaves them, about 0.5 looks "
+        "natural, near 2 it is a caricature.";
     effect.parameters = {
         numberParameter("strength", 0, 2, "0.5", "overall strength"),
         numberParameter("eyeRatioLimit", 0, 2, "0.9",

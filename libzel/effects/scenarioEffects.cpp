@@ -57,6 +57,10 @@ std::vector<Effect> scenarioEffects() {
     effect.operation = "ZelImageCore::CScenarioBeauty::Run";
     effect.summary =
         "One call for a whole picture: portrait slims, opens eyes, smooths skin and grades the colour";
+    effect.advice =
+        "The quickest way to a finished picture: start here and lower alpha until it looks like the person. "
+        "Near 0 only the reshaping of type portrait shows; at 1 the look alone is applied in full, without "
+        "reshaping.";
     effect.parameters = {
         choiceParameter("type", scenarioWords(), "portrait", "recipe, by name or by the library's number"),
         numberParameter(

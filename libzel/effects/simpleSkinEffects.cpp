@@ -48,6 +48,9 @@ std::vector<Effect> simpleSkinEffects() {
     bright.title = "Clear skin";
     bright.operation = "ZelImageCore::TableSkin::ImageProcessWithBright";
     bright.summary = "Deepens fine dark detail against its surroundings (high pass, colour burn)";
+    bright.advice =
+        "For flat pictures whose eyes, brows and lips want weight. Level 0 leaves the picture, 10 makes hard "
+        "shadows; a larger radius reaches broader shades.";
     bright.parameters = {radiusParameter("12"), levelParameter()};
     bright.example = "zel apply bright portrait.png -o clear.png --set radius=12 --set level=4";
     bright.run = runBright;
@@ -57,6 +60,9 @@ std::vector<Effect> simpleSkinEffects() {
     mascara.title = "Mascara";
     mascara.operation = "ZelImageCore::TableSkin::ImageProcessWithMascara";
     mascara.summary = "Darkens lashes and brows: the kernel of bright with a small radius";
+    mascara.advice =
+        "For lashes and brows in a close portrait. Level 0 leaves them, 10 draws them in ink; the radius "
+        "should be about a lash's width.";
     mascara.parameters = {radiusParameter("4"), levelParameter()};
     mascara.example = "zel apply mascara portrait.png -o lashes.png --set radius=4 --set level=6";
     mascara.run = runMascara;
@@ -66,6 +72,9 @@ std::vector<Effect> simpleSkinEffects() {
     natureSmooth.title = "Natural smoothing";
     natureSmooth.operation = "ZelImageCore::TableSkin::ImageProcessWithNatureSmooth";
     natureSmooth.summary = "Smooths tones and keeps detail: shadows move to a toned copy";
+    natureSmooth.advice =
+        "For a gentle finish over a whole portrait. A small radius keeps pores, a large one evens whole "
+        "cheeks.";
     natureSmooth.parameters = {radiusParameter("20")};
     natureSmooth.example = "zel apply nature-smooth portrait.jpg -o smooth.jpg --compare sheet.png";
     natureSmooth.run = runNatureSmooth;

@@ -62,6 +62,9 @@ Effect retouchEffect() {
     effect.title = "Retouch skin";
     effect.operation = "ZelImageCore::TableSkin::ImageProcessWithQornSkinRetouch";
     effect.summary = "One call for skin: levels, clear eyes, smoothed lightness, lifted shadows, a tone";
+    effect.advice =
+        "One step for a head and shoulders in good light. Strength 0 leaves levels and eyes alone in effect, "
+        "at 1 skin is as smooth as it gets.";
     effect.parameters = {numberParameter(
         "strength", 0, 1, "0.7", "share of the smoothing and the tone; levels and eyes are always full")};
     effect.faces = ZEL_OPTIONAL;
@@ -77,6 +80,8 @@ Effect whiteningEffect() {
     effect.title = "Whiten skin";
     effect.operation = "ZelImageCore::TableSkin::ImageProcessWithQornSkinWhitening";
     effect.summary = "Brightens the whole picture and the eyes of its first face, and turns it warm or cool";
+    effect.advice =
+        "For dull light and tired skin. Level 0 lifts a little, 1 or 2 is daylight, 10 washes out.";
     effect.parameters = {
         brightnessParameter("brightness, truncated to whole steps; 0 lifts a little as well"),
         numberParameter("strength", 0, 1, "0.5", kTemperatureHelp)};
@@ -95,6 +100,9 @@ Effect skinEffect() {
     effect.title = "Smooth skin";
     effect.operation = "ZelImageCore::TableSkin::ImageProcessWithSkin";
     effect.summary = "Smooths reddish surfaces between their edges, and brightens and tones everything";
+    effect.advice =
+        "For rough skin in even light; red things beside the face are smoothed too. Mix 0 leaves the "
+        "texture, 10 takes it away.";
     effect.parameters = {
         in("pixels", numberParameter("radius", 0, 100, "8",
                                      "of the smoothing in pixels; at 0 the tone alone is applied")),
@@ -112,6 +120,9 @@ Effect skinColorEffect() {
     effect.title = "Tint skin";
     effect.operation = "ZelImageCore::TableSkin::ImageProcessWithSkinColor";
     effect.summary = "Brightens and tints through a colour table: a neutral one, or a cube file";
+    effect.advice =
+        "For a tint over the whole picture, or a look of your own from a cube file. Strength 0.5 is neutral, "
+        "0 cool, 1 warm; level 0 is nearly as it was, 10 washes out.";
     effect.parameters = {numberParameter("strength", 0, 1, "0.6", kTemperatureHelp),
                          brightnessParameter("brightness; 0 lifts a little as well"), cubeParameter()};
     effect.example = "zel apply skin-color portrait.jpg -o out.jpg --set strength=0.6 --set level=2";

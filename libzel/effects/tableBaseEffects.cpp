@@ -87,6 +87,9 @@ Effect sharpEffect() {
     effect.title = "Sharpen or soften";
     effect.operation = "ZelImageCore::TableBase::ImageProcessWithSharp";
     effect.summary = "Sharpens against a blurred copy (unsharp mask)";
+    effect.advice =
+        "Last, after everything else, and at the size that will be shown. Amount 0 leaves it, 0.2 to 0.5 is "
+        "print, above 1 edges get seams; below 0 it softens.";
     effect.parameters = {
         numberParameter("amount", -1, 10, "0.2",
                         "0 leaves the picture; above 0 sharpens by four times as much; below 0 softens"),
@@ -104,6 +107,9 @@ Effect gaussBlurEffect() {
     effect.title = "Blur";
     effect.operation = "ZelImageCore::TableBase::ImageProcessWithGaussBlur";
     effect.summary = "Blurs with a triangular kernel that looks like a Gaussian";
+    effect.advice =
+        "For a dreamy ground or to hide what should not be read. Radius 0 leaves it; a quarter of the "
+        "shorter side is the most.";
     effect.parameters = {
         in("pixels", integerParameter("radius", 0, kLargestRadius, "8",
                                       "radius in pixels, limited to a quarter of the shorter side"))};
@@ -118,6 +124,9 @@ Effect mosaicEffect() {
     effect.title = "Mosaic";
     effect.operation = "ZelImageCore::TableBase::ImageProcessWithMosaic";
     effect.summary = "Replaces blocks by their mean colour";
+    effect.advice =
+        "To hide a face or a number plate: blocks should be at least a fifth of what they hide. Small blocks "
+        "can be guessed by who knows the picture.";
     effect.parameters = {in("pixels", integerParameter("blockSize", 1, kLargestSide, "16",
                                                        "side of a block in pixels; 1 acts as 2"))};
     effect.example = "zel apply mosaic photo.jpg -o blocks.png --set blockSize=24";
@@ -131,6 +140,9 @@ Effect colorMixingEffect() {
     effect.title = "Brightness, contrast, saturation";
     effect.operation = "ZelImageCore::TableBase::ImageProcessWithColorMixing";
     effect.summary = "Brightness, contrast, saturation and a logarithmic lift, in this order";
+    effect.advice =
+        "For basic corrections, in small steps. All at 0 leaves the picture; saturation -100 is black and "
+        "white, contrast 100 leaves little between.";
     effect.parameters = {
         numberParameter("brightness", -100, 100, "0", "0 is neutral"),
         numberParameter("contrast", -100, 100, "0", "0 is neutral"),
@@ -147,6 +159,9 @@ Effect alphaMixEffect() {
     effect.title = "Mix a second picture";
     effect.operation = "ZelImageCore::TableBase::ImageProcessWithAlphaMix";
     effect.summary = "Mixes a second picture of the same size into a region, by a mask";
+    effect.advice =
+        "To lay a retouched copy over the original where it is wanted. Strength 0 leaves the picture, 1 "
+        "shows the second one under white.";
     effect.parameters = {
         in("pixels", integerParameter("left", -kLargestSide, kLargestSide, "0",
                                       "left edge of the mask in the picture")),

@@ -104,6 +104,7 @@ void defineDescriptions(py::module_& module) {
         .def_readonly("name", &Effect::name)
         .def_readonly("title", &Effect::title)
         .def_readonly("summary", &Effect::summary)
+        .def_readonly("advice", &Effect::advice)
         .def_readonly("operation", &Effect::operation)
         .def_readonly("example", &Effect::example)
         .def_property_readonly("parameters", parametersOf, kKept)

@@ -71,7 +71,7 @@ def _range(parameter):
 
 
 def documentation(effect):
-    lines = [effect.summary + ".", ""]
+    lines = [effect.summary + ".", "", effect.advice, ""]
     lines += [f"{p.name}: {p.help} ({_range(p)})" for p in effect.parameters]
     lines += [f"{name}: {NEEDS[name]}{' (must be given)' if needed else ''}" for name, needed in inputs(effect).items()]
     lines += ["out, progress, context: see zel.apply", "", f"It runs {effect.operation}."]

@@ -58,6 +58,7 @@ TEST(EffectRegistry, EveryEffectIsCompleteAndItsDefaultsAreInRange) {
         SCOPED_TRACE(effect.name);
         EXPECT_TRUE(names.insert(effect.name).second) << "listed twice";
         EXPECT_TRUE(effect.run && !effect.summary.empty() && !effect.operation.empty());
+        EXPECT_TRUE(effect.advice.ends_with(".")) << "when to use it";
         EXPECT_EQ(effect.example.rfind("zel apply " + effect.name + " ", 0), 0u) << effect.example;
         std::vector<std::string> defaults;
         for (const auto& parameter : effect.parameters)
