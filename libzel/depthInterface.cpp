@@ -5,9 +5,14 @@
 #include "libzel/call.h"
 #include "libzel/faces/faceList.h"
 #include "libzel/lentDepth.h"
+#include "libzel/networks/knownNetworks.h"
+#include "libzel/networks/networkFile.h"
+#include "libzel/networks/networkFolder.h"
 #include "libzel/persons/subjectDepth.h"
 #include "libzel/pixels.h"
 #include "libzel/progress.h"
+#include "platform/fileProbe.h"
+#include "zellab/utils/assetFolders.h"
 
 namespace {
 
@@ -65,6 +70,15 @@ Mask scaledMask(const Mask& mask, int width, int height) {
     return scaled;
 }
 
+/// Why there is no mask of persons: a file that is there and wrong, or none.
+zel_status maskAbsence(const zel_context& context) {
+    constexpr const char* kFile = "personMask.onnx";
+    const std::string path = zellab::assetPath(networkFolder(context.settings.assets), kFile);
+    const bool isWrong =
+        zellab::platform::pathExists(path.c_str()) && !networkProblem(path, sumOf(kFile)).empty();
+    return isWrong ? ZEL_BAD_ASSET : ZEL_NOT_AVAILABLE;
+}
+
 }  // namespace
 
 zel_status zel_check_depth(zel_context* context, const char* network) {
@@ -115,7 +129,7 @@ zel_status zel_make_mask(zel_context* context, zel_mask_kind kind, const zel_pix
         std::string reason;
         const auto mask =
             personMask({image.rgba.data(), image.width, image.height}, set, context->settings.assets, reason);
-        if (!mask) throw Failure("masks of persons need their network: " + reason, ZEL_NOT_AVAILABLE);
+        if (!mask) throw Failure("masks of persons need their network: " + reason, maskAbsence(*context));
         writeBack(scaledMask(*mask, image.width, image.height), *out);
     });
 }

@@ -341,7 +341,8 @@ typedef enum zel_mask_kind { ZEL_MASK_SKIN = 0, ZEL_MASK_PERSON = 1 } zel_mask_k
  *  @param faces  those whose people are meant; people who touch count as one. Null: all people, who are seen less
  *                well where they are small. Such faces without any face: nobody.
  *  @param out    ZEL_GRAY8 of the picture's size, to be filled
- *  ZEL_NOT_AVAILABLE where the network or the inference module is not installed. */
+ *  ZEL_NOT_AVAILABLE where the network or the inference module is not installed, ZEL_BAD_ASSET where the network's
+ *  file is damaged. */
 ZEL_API zel_status zel_make_mask(zel_context* context, zel_mask_kind kind, const zel_pixels* pixels,
                                  const zel_faces* faces, const zel_pixels* out);
 

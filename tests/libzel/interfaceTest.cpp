@@ -353,6 +353,16 @@ TEST(Contexts, TellWhichNetworksTheyFindAndRefuseADamagedOneOfTheirOwn) {
     EXPECT_EQ(zel_check_depth(bare.get(), (assets / "depth/portrait_depth.onnx").c_str()), ZEL_OK)
         << "one that is told may be any";
 
+    const Environment networks("ZEL_NETWORKS", assets.path().c_str());
+    HostScene scene(whole.get());
+    const auto maskStatus = [&] {
+        return zel_make_mask(whole.get(), ZEL_MASK_PERSON, &scene.picture, nullptr, &scene.mask);
+    };
+    EXPECT_EQ(maskStatus(), ZEL_NOT_AVAILABLE);
+    assets.write("personMask.onnx", file);
+    EXPECT_EQ(maskStatus(), ZEL_BAD_ASSET);
+    EXPECT_THAT(zel_message(), HasSubstr("personMask.onnx: is damaged"));
+
     const zel_network* none = nullptr;
     EXPECT_EQ(zel_network_at(whole.get(), zel_network_count(), &none), ZEL_BAD_ARGUMENT);
     EXPECT_EQ(zel_network_at(nullptr, 0, &none), ZEL_BAD_ARGUMENT);
