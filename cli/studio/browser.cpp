@@ -10,8 +10,6 @@
 
 #include "cli/studio/guard.h"
 
-extern char** environ;
-
 namespace zelcli::studio {
 
 namespace {

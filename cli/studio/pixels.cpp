@@ -37,6 +37,7 @@ struct Span {
 
 std::vector<Span> spansOf(int from, int source, int target) {
     std::vector<Span> spans;
+    spans.reserve(static_cast<std::size_t>(target));
     const double step = static_cast<double>(source) / target;
     for (int i = 0; i < target; ++i) {
         const double begin = i * step, end = std::min<double>(source, (i + 1) * step);
@@ -66,6 +67,7 @@ std::vector<unsigned char> interpolated(const unsigned char* from, int channels,
                                         int toWidth, int toHeight) {
     std::vector<unsigned char> out(areaOf(toWidth, toHeight) * static_cast<std::size_t>(channels));
     std::vector<Between> columns;
+    columns.reserve(static_cast<std::size_t>(toWidth));
     for (int x = 0; x < toWidth; ++x) columns.push_back(betweenOf(x, width, toWidth));
     unsigned char* to = out.data();
     for (int y = 0; y < toHeight; ++y) {

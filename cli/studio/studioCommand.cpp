@@ -42,7 +42,7 @@ public:
               end();
           }) {}
     ~EndOnSignal() {
-        pthread_kill(m_waiting.native_handle(), SIGTERM);
+        pthread_kill(m_waiting.native_handle(), SIGINT);  // one that it waits for
         m_waiting.join();
     }
     EndOnSignal(const EndOnSignal&) = delete;
