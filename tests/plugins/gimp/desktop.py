@@ -74,7 +74,8 @@ class Desktop:
         path = self.session.work / f"{name}.png"
         if path.exists():
             path.unlink()
-        subprocess.run(["import", "-window", window or "root", str(path)], env=self.environment, check=True)
+        subprocess.run(["import", "-window", window or "root", str(path)], env=self.environment, check=True,
+                       timeout=WAIT)  # a window that is gone would be waited for
         return Image.open(path).convert("RGB")
 
     def settle(self, window, seconds=WAIT, still=1.5):
