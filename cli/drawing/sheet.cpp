@@ -4,6 +4,8 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <string>
+#include <vector>
 
 #include "cli/drawing/glyphs.h"
 
@@ -12,7 +14,10 @@ namespace zelcli {
 namespace {
 
 constexpr int kMargin = 24, kLabelScale = 3, kFrame = 2;
-constexpr int kLabelHeight = kGlyphHeight * kLabelScale + 18;
+constexpr int kLineHeight = kGlyphHeight * kLabelScale + 6,
+              kLabelGap = 12;  // of a label's lines, and below them
+constexpr int kUnbrokenLabel =
+    480;  // a label that is no wider stands in one line, whatever the picture's width
 constexpr int kMaxCellWidth = 960, kMaxCellHeight = 1280;
 constexpr unsigned char kPaper[3] = {34, 34, 38}, kInk[3] = {232, 232, 232}, kLine[3] = {110, 110, 116};
 
@@ -65,15 +70,26 @@ void paste(Image& sheet, const Image& picture, int x0, int y0) {
         }
 }
 
-/// The label, or what of it fits above a picture.
-std::string fitLabel(std::string label, int width) {
-    while (!label.empty() && textWidth(label, kLabelScale) > width) label.pop_back();
-    return label;
+/// The label in lines no wider than the cell, broken at blanks; a word that is wider loses its end.
+std::vector<std::string> labelLines(const std::string& label, int width) {
+    std::vector<std::string> lines(1);
+    for (std::size_t begin = 0; begin < label.size();) {
+        const std::size_t end = std::min(label.find(' ', begin), label.size() - 1) + 1;
+        const std::string word = label.substr(begin, end - begin);
+        const std::string shown = word.back() == ' ' ? word.substr(0, word.size() - 1) : word;
+        if (!lines.back().empty() && textWidth(lines.back() + shown, kLabelScale) > width)
+            lines.emplace_back();
+        lines.back() += word;
+        begin = end;
+    }
+    for (std::string& line : lines)
+        while (!line.empty() && textWidth(line, kLabelScale) > width) line.pop_back();
+    return lines;
 }
 
-void placeCell(Image& sheet, const Image& picture, const std::string& label, int x, int cellWidth) {
-    const int y = kMargin + kLabelHeight;
-    drawText(sheet, x, kMargin, fitLabel(label, cellWidth), kLabelScale, kInk);
+void placeCell(Image& sheet, const Image& picture, const std::vector<std::string>& label, int x, int y) {
+    for (std::size_t i = 0; i < label.size(); ++i)
+        drawText(sheet, x, kMargin + static_cast<int>(i) * kLineHeight, label[i], kLabelScale, kInk);
     fillRect(sheet, x - kFrame, y - kFrame, picture.width + 2 * kFrame, picture.height + 2 * kFrame, kLine);
     paste(sheet, picture, x, y);
 }
@@ -103,18 +119,24 @@ Image makeSheet(const std::vector<SheetCell>& cells) {
     int cellWidth = 1, cellHeight = 1;
     for (const SheetCell& cell : cells) {
         pictures.push_back(reduceToFit(cell.picture, kMaxCellWidth, kMaxCellHeight));
-        cellWidth = std::max({cellWidth, pictures.back().width, textWidth(cell.label, kLabelScale)});
+        cellWidth = std::max(
+            {cellWidth, pictures.back().width, std::min(textWidth(cell.label, kLabelScale), kUnbrokenLabel)});
         cellHeight = std::max(cellHeight, pictures.back().height);
     }
+    std::vector<std::vector<std::string>> labels;
+    std::size_t lines = 1;
+    for (const SheetCell& cell : cells)
+        lines = std::max(lines, labels.emplace_back(labelLines(cell.label, cellWidth)).size());
     const int count = static_cast<int>(cells.size());
+    const int pictureTop = kMargin + static_cast<int>(lines) * kLineHeight + kLabelGap;
     Image sheet;
     sheet.width = count * cellWidth + (count + 1) * kMargin;
-    sheet.height = cellHeight + kLabelHeight + 2 * kMargin;
+    sheet.height = pictureTop + cellHeight + kMargin;
     sheet.rgba.resize(4 * static_cast<std::size_t>(sheet.width) * static_cast<std::size_t>(sheet.height));
     fillRect(sheet, 0, 0, sheet.width, sheet.height, kPaper);
     for (int i = 0; i < count; ++i) {
         const auto at = static_cast<std::size_t>(i);
-        placeCell(sheet, pictures[at], cells[at].label, kMargin + i * (cellWidth + kMargin), cellWidth);
+        placeCell(sheet, pictures[at], labels[at], kMargin + i * (cellWidth + kMargin), pictureTop);
     }
     return sheet;
 }

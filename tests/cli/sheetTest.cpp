@@ -34,6 +34,15 @@ TEST(Sheet, ShowsBothPicturesWholeOnTheirSides) {
     for (std::size_t i = 3; i < sheet.rgba.size(); i += 4) ASSERT_EQ(sheet.rgba[i], 255);
 }
 
+TEST(Sheet, BreaksALongLabelInsteadOfGrowing) {
+    std::string chain = "auto-face-inpaint";
+    for (int i = 0; i < 6; ++i) chain += " + auto-remove-black-circle";
+    const zelcli::Image sheet = zelcli::makeSheet(flat(500, 90, 77), flat(500, 90, 155), chain);
+    EXPECT_LT(sheet.width, 1100);
+    EXPECT_EQ(countGrey(sheet, 155, sheet.width / 2, sheet.width), 500 * 90);
+    EXPECT_GT(countGrey(sheet, 232, sheet.width / 2, sheet.width), 150 * 60) << "all of its 150 letters";
+}
+
 TEST(Sheet, TakesAwkwardPictures) {
     for (const auto& [width, height] : {std::pair{1, 1}, {1, 5000}, {5000, 1}, {3001, 2}}) {
         const zelcli::Image sheet = zelcli::makeSheet(flat(width, height, 60), flat(width, height, 61), "x");
