@@ -9,6 +9,7 @@ from PIL import Image, ImageChops
 
 from gimpSession import CALL, quoted
 
+CURSOR = 3  # width of what blinks in an entry
 WAIT = 240  # seconds until something is taken to be missing: machines may be busy
 
 
@@ -84,7 +85,8 @@ class Desktop:
 
         def probe():
             now = self.screenshot("settling", window)
-            if state["last"] is None or ImageChops.difference(now, state["last"]).getbbox():
+            box = ImageChops.difference(now, state["last"]).getbbox() if state["last"] else (0, 0, *now.size)
+            if box and box[2] - box[0] > CURSOR * self.scale:
                 state.update(last=now, since=time.monotonic())
             return now if time.monotonic() - state["since"] > still else None
         return self.until("a still window", probe, seconds)
