@@ -20,7 +20,7 @@ using namespace zel;
 using zellab::Byte;
 using zellab::PlaneView;
 
-SubjectWish wishOf(zel_subject subject) {
+SubjectWish wishOf(const zel_subject& subject) {  // by its address: a caller may have put any number there
     if (!isOneOf(subject, ZEL_SUBJECT_AUTO, ZEL_SUBJECT_NONE)) throw badArgument("subject is no zel_subject");
     return subject == ZEL_SUBJECT_AUTO     ? SubjectWish::automatic
            : subject == ZEL_SUBJECT_PERSON ? SubjectWish::person
