@@ -76,12 +76,15 @@ typedef void (*zel_log_function)(void* user, zel_log_level level, const char* me
 
 /** Where depth of field may draw. */
 typedef enum zel_gl {
-    ZEL_GL_IF_THERE = 0, /**< a context of its own without a window, made and left within each call; where there
-                              is none or a driver in software, the processor draws */
-    ZEL_GL_NEVER = 1,    /**< the processor draws */
-    ZEL_GL_CURRENT = 2   /**< the caller's own context, current on the calling thread; all its state is as it was
-                              after the call. One that is older than 3.3 or in software is left alone: the
-                              processor draws. */
+    /** A context of its own without a window, made and left within each call. Where there is none, or a driver in
+     *  software, the processor draws. */
+    ZEL_GL_IF_THERE = 0,
+    /** The processor draws. */
+    ZEL_GL_NEVER = 1,
+    /** The caller's own context, current on the calling thread; all its state is as it was after the call. One
+     *  that is older than 3.3 or in software is left alone, and where none is current there is nothing to use: the
+     *  processor draws. */
+    ZEL_GL_CURRENT = 2
 } zel_gl;
 
 /** What a context is told at its beginning. Settings travel with each call to all threads that work for it;
@@ -236,7 +239,7 @@ typedef struct zel_effect {
     /* What it takes beside the picture, and what it can give back. */
     zel_need faces, mask, second, depth;
     zel_need mask_out, depth_out;
-    zel_need gl; /**< ZEL_OPTIONAL: uses OpenGL 3.3 where a graphics card has it, else the processor */
+    zel_need gl;        /**< ZEL_OPTIONAL: uses OpenGL 3.3 where a graphics card has it, else the processor */
     const char* advice; /**< two sentences: when to use it, and what its main settings do at their ends */
 } zel_effect;
 
@@ -320,9 +323,10 @@ typedef struct zel_depth_options {
     /** Whether a person mask is made by a network where none is given: the subject's people then lie in one plane,
      *  the one of their nearest face. */
     zel_subject subject;
-    const zel_faces* faces;       /**< for such a mask; null: none */
-    const zel_pixels* person_out; /**< ZEL_GRAY8 of the picture's size, to be filled with the mask that was used,
-                                       with zeros where there was none; null: not asked for */
+    const zel_faces* faces; /**< for such a mask; null: none */
+    /** ZEL_GRAY8 of the picture's size, to be filled with the mask that was used, with zeros where there was none;
+     *  null: not asked for. */
+    const zel_pixels* person_out;
 } zel_depth_options;
 
 /** Estimates the depth of a picture.
