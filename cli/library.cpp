@@ -159,6 +159,18 @@ libzel::Values parseValues(const zel_effect& effect, const std::vector<std::stri
     return values;
 }
 
+const char* needText(zel_need need) {
+    switch (need) {
+        case ZEL_OPTIONAL:
+            return "optional";
+        case ZEL_REQUIRED:
+            return "required";
+        case ZEL_NO:
+            break;
+    }
+    return "no";
+}
+
 std::string describeRange(const zel_parameter& parameter) {
     std::string text;
     const bool hasRange = parameter.minimum < parameter.maximum;

@@ -73,6 +73,9 @@ libzel::Values parseValues(const zel_effect& effect, const std::vector<std::stri
 /// One "NAME=VALUE" word. Throws UsageError.
 std::pair<std::string, std::string> parseAssignment(const std::string& word);
 
+/// "no", "optional" or "required".
+const char* needText(zel_need need);
+
 /// The range and default of a parameter in words: "0..10, default 5".
 std::string describeRange(const zel_parameter& parameter);
 

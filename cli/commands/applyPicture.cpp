@@ -5,7 +5,6 @@
 
 #include <algorithm>
 #include <charconv>
-#include <cmath>
 #include <cstring>
 #include <type_traits>
 
@@ -23,9 +22,6 @@ namespace {
 
 /// Share of an input's progress bar that reading, and reading and the effects together, take.
 constexpr double kReadShare = 0.1, kEffectShare = 0.9;
-
-/// Faces found on a picture of other proportions do not fit; a rounded reduction does.
-constexpr double kProportionTolerance = 0.02;
 
 constexpr const char* kNoFace =
     "no face was found; --faces can tell where one is, and --no-face skip or copy goes on without";
@@ -230,8 +226,7 @@ libzel::Faces PictureWork::facesFor(std::size_t index, const ApplyItem& item, Im
     int width = 0, height = 0;
     if (given) {
         require(zel_faces_size(all, &width, &height));
-        const double proportion = static_cast<double>(image.width) / image.height;
-        if (std::abs(proportion * height / width - 1.0) > kProportionTolerance)
+        if (!sameProportions(image.width, image.height, width, height))
             note(outcome, item.faces.shown,
                  "its faces were found on a picture of other proportions than " + item.input.shown);
     } else if (all) {

@@ -13,18 +13,6 @@ namespace {
 
 using Json = nlohmann::ordered_json;
 
-const char* needText(zel_need need) {
-    switch (need) {
-        case ZEL_OPTIONAL:
-            return "optional";
-        case ZEL_REQUIRED:
-            return "required";
-        case ZEL_NO:
-            break;
-    }
-    return "no";
-}
-
 const char* kindText(zel_kind kind) {
     switch (kind) {
         case ZEL_NUMBER:

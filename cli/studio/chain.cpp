@@ -8,12 +8,6 @@ namespace {
 
 constexpr std::size_t kMostSteps = 64;
 
-const zel_parameter* parameterOf(const zel_effect& effect, const std::string& name) {
-    for (std::size_t i = 0; i < effect.parameter_count; ++i)
-        if (effect.parameters[i]->name == name) return effect.parameters[i];
-    return nullptr;
-}
-
 std::string optionalText(const Json& json, const char* name) {
     const auto member = json.find(name);
     if (member == json.end() || member->is_null()) return {};
@@ -65,6 +59,12 @@ bool isGiven(const Step& step, const std::string& name) {
 }
 
 }  // namespace
+
+const zel_parameter* parameterOf(const zel_effect& effect, const std::string& name) {
+    for (std::size_t i = 0; i < effect.parameter_count; ++i)
+        if (effect.parameters[i]->name == name) return effect.parameters[i];
+    return nullptr;
+}
 
 Chain parseChain(const Json& json) {
     if (!json.is_object()) throw Refused(400, "the chain is no object");

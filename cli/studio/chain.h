@@ -20,6 +20,9 @@ struct Step {
     std::string key;          // tells it from every other step
 };
 
+/// Null where the effect has no such parameter.
+const zel_parameter* parameterOf(const zel_effect& effect, const std::string& name);
+
 struct Chain {
     std::vector<Step> steps;
     std::string faces;  // face data as JSON; empty: those that are found

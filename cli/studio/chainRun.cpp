@@ -18,12 +18,6 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
-const zel_parameter* parameterOf(const zel_effect& effect, const std::string& name) {
-    for (std::size_t i = 0; i < effect.parameter_count; ++i)
-        if (effect.parameters[i]->name == name) return effect.parameters[i];
-    return nullptr;
-}
-
 bool isNumber(zel_kind kind) {
     return kind == ZEL_NUMBER || kind == ZEL_WHOLE_NUMBER;
 }

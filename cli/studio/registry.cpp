@@ -1,5 +1,6 @@
 #include "cli/studio/registry.h"
 
+#include "cli/library.h"
 #include "zel/zel.h"
 
 namespace zelcli::studio {
@@ -26,10 +27,6 @@ const char* kindName(zel_kind kind) {
             break;
     }
     return "text";
-}
-
-const char* needName(zel_need need) {
-    return need == ZEL_REQUIRED ? "required" : need == ZEL_OPTIONAL ? "optional" : "no";
 }
 
 Json parameterJson(const zel_parameter& parameter) {
@@ -61,10 +58,10 @@ Json registryJson() {
                            {"title", effect.title},
                            {"summary", effect.summary},
                            {"advice", effect.advice},
-                           {"faces", needName(effect.faces)},
-                           {"mask", needName(effect.mask)},
-                           {"second", needName(effect.second)},
-                           {"depth", needName(effect.depth)},
+                           {"faces", needText(effect.faces)},
+                           {"mask", needText(effect.mask)},
+                           {"second", needText(effect.second)},
+                           {"depth", needText(effect.depth)},
                            {"parameters", parameters}});
     }
     return {{"effects", effects}};

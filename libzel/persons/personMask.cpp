@@ -32,8 +32,8 @@ constexpr float kSquareOverFace = 4.5f, kForehead = 1.3f;
 constexpr float kLargestSquare = 0.85f;
 constexpr std::size_t kMostSquares = 16;
 
-/// Of the guided filter that draws the mask's edges to the picture's: windows of a hundredth of the longer side, and
-/// the deviation of colours that passes for noise.
+/// Of the guided filter that draws the mask's edges to the picture's: the windows' reach as a share of the longer side,
+/// and the deviation of colours that passes for noise.
 constexpr float kGuideReach = 0.015f, kGuideEpsilon = 0.02f;
 /// Pixels a side above which the filter's statistics are taken on a smaller copy.
 constexpr float kGuideSide = 512;
