@@ -53,7 +53,6 @@ bool CScenarioBeauty::Run(unsigned char* image, int width, int height, eScenario
             sharpen(picture);
             break;
         case eScenario2:
-            // At full strength there is no blend source, and without one the filter does nothing.
             // At full strength there is no blend source, and without one the recipe does nothing.
             zellab::personBeauty(picture, faceInfo, blendSource.view());
             zellab::ApplyColorCube(picture, lookup);
