@@ -7,6 +7,7 @@ endfunction()
 
 # Tests, benchmarks: every folder adds its files to the one program of its kind.
 function(zelAddTest)
+  list(REMOVE_ITEM ARGN ${ZEL_TESTS_FOR_POSIX})
   target_sources(zel_tests PRIVATE ${ARGN})
 endfunction()
 

@@ -1,10 +1,10 @@
 #include "libzel/assets.h"
 
-#include <cstdlib>
 #include <filesystem>
 
 #include "libzel/failure.h"
 #include "platform/libraryFolder.h"
+#include "platform/processEnvironment.h"
 #include "zellab/utils/assetFolders.h"
 
 namespace zel {
@@ -20,8 +20,8 @@ const std::string kLibraryFolder = zellab::platform::folderOfCode(&kLibraryFolde
 std::string findAssets() {
     namespace fs = std::filesystem;
     std::error_code error;
-    const char* const told = std::getenv("ZEL_ASSETS");
-    if (told && *told && !fs::is_directory(told, error))
+    const auto told = zellab::platform::environmentText("ZEL_ASSETS");
+    if (told && !told->empty() && !fs::is_directory(*told, error))
         throw Failure("ZEL_ASSETS names no folder", ZEL_BAD_ASSET);
     for (const std::string& folder : zellab::assetFolders(kLibraryFolder))
         if (fs::is_directory(folder, error)) return fs::absolute(folder).lexically_normal().string();

@@ -5,6 +5,7 @@
 #include <cstring>
 #include <exception>
 #include <new>
+#include <stdexcept>
 #include <string>
 
 #include "frame/callSettings.h"
@@ -35,6 +36,9 @@ zel_status guarded(const Work& work) noexcept {
     } catch (const Failure& failure) {
         return fail(failure.status(), failure.what());
     } catch (const std::bad_alloc&) {
+        return fail(ZEL_NO_MEMORY, "there is not enough memory for it");
+    } catch (const std::length_error&) {
+        // In 32 bits a container may be asked for more than any memory holds.
         return fail(ZEL_NO_MEMORY, "there is not enough memory for it");
     } catch (const std::exception& problem) {
         return fail(ZEL_FAILED, problem.what());

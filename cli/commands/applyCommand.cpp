@@ -9,15 +9,16 @@
 #include "cli/commands/applyPicture.h"
 #include "cli/files/facesFile.h"
 #include "cli/files/writePicture.h"
-#include "cli/run/interruption.h"
 #include "cli/run/jobs.h"
 #include "cli/run/namingFile.h"
+#include "platform/interruption.h"
 
 namespace zelcli {
 
 namespace {
 
 using Clock = std::chrono::steady_clock;
+using zellab::platform::Interruption;
 
 double secondsSince(Clock::time_point start) {
     return std::chrono::duration<double>(Clock::now() - start).count();

@@ -1,8 +1,5 @@
 #include "cli/commands/applyPicture.h"
 
-#include <fcntl.h>
-#include <sys/stat.h>
-
 #include <algorithm>
 #include <charconv>
 #include <cstring>
@@ -13,8 +10,9 @@
 #include "cli/files/facesFile.h"
 #include "cli/files/pngWriter.h"
 #include "cli/files/writePicture.h"
-#include "cli/run/interruption.h"
 #include "cli/run/namingFile.h"
+#include "platform/fileTimes.h"
+#include "platform/interruption.h"
 
 namespace zelcli {
 
@@ -45,20 +43,6 @@ void writePlane(const UserPath& path, const Mask& plane) {
     if (!path.shown.empty() && !plane.samples.empty())
         namingFile(path.shown, [&] { writeFileSafely(path.real, encodeGrayPng(plane)); });
 }
-
-/// The file's times and permissions, to be given to what takes its place.
-class FileTimes {
-public:
-    explicit FileTimes(const std::filesystem::path& path) : m_told(stat(path.c_str(), &m_status) == 0) {}
-    void giveTo(const std::filesystem::path& path) const {
-        const timespec times[2] = {m_status.st_atim, m_status.st_mtim};
-        if (m_told) utimensat(AT_FDCWD, path.c_str(), times, 0);
-    }
-
-private:
-    struct stat m_status {};
-    bool m_told;
-};
 
 }  // namespace
 
@@ -145,7 +129,7 @@ void PictureWork::write(const ApplyItem& item, const Image& image, Outcome& outc
     if (!format && image.origin) format = image.origin->traits.format;
     if (!format && m_options.inPlace)
         throw Failure("is of a format that is not written; --format and OUT can name one");
-    const FileTimes times(item.input.real);
+    const zellab::platform::FileTimes times(item.input.real);
     const auto notes = namingFile(item.output.shown, [&] {
         return writePicture(item.output, image, format.value_or(PictureFormat::png), m_options.save);
     });
@@ -172,7 +156,7 @@ void PictureWork::applyStep(std::size_t index, std::size_t step, Image& image, c
     inputs.progress = [](void* user, double fraction, const char* stage) {
         const auto& to = *static_cast<Told*>(user);
         to.messages.progress(to.index, stage, to.from + to.share * fraction);
-        return Interruption::asked() ? 1 : 0;
+        return zellab::platform::Interruption::asked() ? 1 : 0;
     };
     zel_pixels mask, second, depth, maskPlane, depthPlane;
     // The library only reads what a step takes.

@@ -1,11 +1,10 @@
 #include "cli/files/readPicture.h"
 
-#include <unistd.h>
-
 #include <cerrno>
 #include <cstring>
 
 #include "platform/fileBytes.h"
+#include "platform/standardStreams.h"
 #include "zellab/imageproc/core/luma.h"
 
 namespace zelcli {
@@ -17,8 +16,7 @@ std::vector<unsigned char> readStandardInput() {
     std::vector<unsigned char> bytes;
     for (std::size_t filled = 0;;) {
         bytes.resize(filled + kPiece);
-        const ssize_t count = read(STDIN_FILENO, bytes.data() + filled, kPiece);
-        if (count < 0 && errno == EINTR) continue;
+        const std::ptrdiff_t count = zellab::platform::readStandardInput(bytes.data() + filled, kPiece);
         if (count < 0) throw Failure(std::strerror(errno));
         filled += static_cast<std::size_t>(count);
         bytes.resize(filled);
@@ -42,7 +40,7 @@ UserPath UserPath::operator/(const std::string& name) const {
 }
 
 std::vector<unsigned char> readFileBytes(const std::filesystem::path& path) {
-    auto file = zellab::platform::readFileBytes(path.c_str());
+    auto file = zellab::platform::readFileBytes(path.string().c_str());
     if (!file.bytes) throw Failure(file.why);
     return std::move(*file.bytes);
 }

@@ -1,10 +1,6 @@
 #include "cli/run/messages.h"
 
-#include <fcntl.h>
-#include <unistd.h>
-
 #include <algorithm>
-#include <cerrno>
 #include <numeric>
 
 namespace zelcli {
@@ -18,13 +14,13 @@ constexpr const char* kClearLine = "\r\033[K";
 
 }  // namespace
 
-Messages::Messages(bool quiet, Style style) : m_quiet(quiet), m_fd(fcntl(STDERR_FILENO, F_DUPFD_CLOEXEC, 3)) {
-    m_terminal = style == Style::automatic ? isatty(STDERR_FILENO) != 0 : style == Style::terminal;
-}
+Messages::Messages(bool quiet, Style style)
+    : m_quiet(quiet),
+      m_terminal(style == Style::automatic ? zellab::platform::ErrorStream::isTerminal()
+                                           : style == Style::terminal) {}
 
 Messages::~Messages() {
     endProgress();
-    if (m_fd >= 0) close(m_fd);
 }
 
 void Messages::error(const std::string& file, const std::string& why) {
@@ -71,7 +67,7 @@ void Messages::finished(std::size_t index, const std::string& line, bool failed)
 
 void Messages::endProgress() {
     const std::lock_guard lock(m_mutex);
-    if (m_barShown) write(kClearLine);
+    if (m_barShown) m_stream.write(kClearLine);
     m_barShown = false;
     m_done.clear();
 }
@@ -85,7 +81,7 @@ void Messages::print(const std::string& line) {
 void Messages::writeLine(const std::string& line) {
     std::string text(m_barShown ? kClearLine : "");
     text.append(line).append("\n");
-    write(text);
+    m_stream.write(text);
     m_barShown = false;
     drawBar(true);
 }
@@ -104,18 +100,8 @@ void Messages::drawBar(bool force) {
     text.append(static_cast<std::size_t>(kBarCells - filled), '.').append("] ");
     text.append(std::to_string(m_finished)).append("/").append(std::to_string(m_done.size()));
     if (!m_stage.empty()) text.append("  ").append(oneLine(m_stage.substr(0, kStageWidth)));
-    write(text);
+    m_stream.write(text);
     m_barShown = true;
-}
-
-/// One write per message keeps lines whole between processes; expects the lock to be held.
-void Messages::write(const std::string& text) const {
-    std::size_t at = 0;
-    while (m_fd >= 0 && at < text.size()) {
-        const ssize_t count = ::write(m_fd, text.data() + at, text.size() - at);
-        if (count < 0 && errno != EINTR) return;  // nobody listens
-        if (count > 0) at += static_cast<std::size_t>(count);
-    }
 }
 
 std::string oneLine(const std::string& text) {

@@ -5,6 +5,8 @@
 #include <string>
 #include <vector>
 
+#include "platform/standardStreams.h"
+
 namespace zelcli {
 
 /// What the command tells its user beside results: errors, notes and progress, all on standard error and
@@ -44,11 +46,10 @@ private:
     void print(const std::string& line);
     void writeLine(const std::string& line);
     void drawBar(bool force);
-    void write(const std::string& text) const;
 
     const bool m_quiet;
-    int m_fd = -1;
-    bool m_terminal = false;
+    const bool m_terminal;
+    const zellab::platform::ErrorStream m_stream;
     std::mutex m_mutex;
     std::vector<double> m_done;  // one share for every input
     std::size_t m_finished = 0;

@@ -2,16 +2,20 @@
 
 #include <algorithm>
 #include <cmath>
-#include <cstdlib>
 #include <string>
 
 #include "inference/moduleLoader.h"
+#include "platform/fileProbe.h"
+#include "platform/libraryFolder.h"
+#include "platform/processEnvironment.h"
+#include "zellab/utils/assetFolders.h"
 
 namespace zel {
 
 namespace {
 
 constexpr const char* kFolder = "/usr/share/opencv4/haarcascades";
+constexpr const char* kBelowAssets = "cascades";  // where a package brings them along
 constexpr const char* kFolderVariable = "ZEL_CASCADES";
 constexpr const char* kCascadeFile = "haarcascade_frontalface_default.xml";
 
@@ -37,8 +41,13 @@ struct FaceDetector::Cascade {
 };
 
 std::filesystem::path detectorFolder() {
-    const char* named = std::getenv(kFolderVariable);
-    return named && *named ? named : kFolder;
+    const auto named = zellab::platform::environmentText(kFolderVariable);
+    if (named && !named->empty()) return *named;
+    for (const std::string& assets : zellab::assetFolders(zellab::platform::folderOfCode(kBelowAssets)))
+        if (const std::string folder = zellab::assetPath(assets, kBelowAssets);
+            zellab::platform::isDirectory(folder.c_str()))
+            return folder;
+    return kFolder;
 }
 
 FaceDetector::FaceDetector(const std::filesystem::path& folder) {
@@ -49,7 +58,7 @@ FaceDetector::FaceDetector(const std::filesystem::path& folder) {
     const auto file = folder / kCascadeFile;
     std::error_code error;
     if (std::filesystem::is_regular_file(file, error))
-        m_cascade->cascade = module->openCascade(file.c_str(), nullptr, 0);
+        m_cascade->cascade = module->openCascade(file.string().c_str(), nullptr, 0);
     if (!m_cascade->cascade)
         throw DetectorMissing("the face detector's data cannot be read from " + file.string() +
                               "; the package opencv-data brings them");

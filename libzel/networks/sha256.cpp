@@ -25,14 +25,35 @@ constexpr std::array<Word, kRounds> firstPrimes() {
     return primes;
 }
 
+/// A number of 128 bits, the highest word first, so that arrays compare as numbers.
+using Wide = std::array<Word, 4>;
+
+/// The lowest 128 bits of a product.
+constexpr Wide product(const Wide& a, const Wide& b) {
+    Wide sum{};
+    for (std::size_t i = 0; i < a.size(); ++i) {
+        std::uint64_t carry = 0;
+        for (std::size_t j = 0; i + j < sum.size(); ++j) {
+            Word& word = sum[sum.size() - 1 - i - j];
+            carry += std::uint64_t{a[a.size() - 1 - i]} * b[b.size() - 1 - j] + word;
+            word = static_cast<Word>(carry);
+            carry >>= 32;
+        }
+    }
+    return sum;
+}
+
 /// The first 32 bits behind the point of a prime's square root (power 2) or cube root (power 3).
 constexpr Word rootBits(Word prime, int power) {
-    __extension__ using Wide = unsigned __int128;
-    std::uint64_t root = 0;  // in 2^-32
+    Wide whole{};
+    whole[whole.size() - 1 - static_cast<std::size_t>(power)] = prime;  // prime * 2^(32 power)
+    std::uint64_t root = 0;                                             // in 2^-32
     for (std::uint64_t bit = std::uint64_t{1} << 37; bit > 0; bit >>= 1) {
-        Wide product = 1;
-        for (int i = 0; i < power; ++i) product *= root | bit;
-        if (product <= Wide{prime} << 32 * power) root |= bit;
+        const std::uint64_t tried = root | bit;
+        const Wide wide{0, 0, static_cast<Word>(tried >> 32), static_cast<Word>(tried)};
+        Wide raised = wide;
+        for (int i = 1; i < power; ++i) raised = product(raised, wide);
+        if (raised <= whole) root = tried;
     }
     return static_cast<Word>(root);
 }

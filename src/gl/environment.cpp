@@ -48,8 +48,8 @@ bool Environment::initializePlatform(const Environment* share) {
     const platform::GlCreation creation = platform::createGlContext(share ? &share->m_context : nullptr);
     m_context = creation.context;
     if (!creation.failedCall) return true;
-    logEnvironment(kEnvironmentError, "Environment::InitializeEnvironment_EGL %s failed !",
-                   creation.failedCall);
+    logEnvironment(kEnvironmentError, "Environment::InitializeEnvironment_%s %s failed !",
+                   platform::glPlatformName(), creation.failedCall);
     return false;
 }
 

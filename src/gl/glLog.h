@@ -24,7 +24,6 @@ void setEnvironmentLogCallback(EnvironmentLogCallback callback);
 /// filter. Each module has an object of its own with static lifetime.
 class RendererLog {
 public:
-    constexpr RendererLog() = default;
     [[gnu::format(printf, 2, 3)]] void error(const char* format, ...);
     [[gnu::format(printf, 2, 3)]] void debug(const char* format, ...);
 

@@ -88,7 +88,7 @@ void releaseProgram(ProgramRecord* record) {
 }  // namespace
 
 gl::RendererLog& shaderLog() {
-    static constinit gl::RendererLog log;
+    static gl::RendererLog log;
     return log;
 }
 

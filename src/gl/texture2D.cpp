@@ -14,7 +14,7 @@ using gl::glCore;
 using gl::glUsable;
 
 gl::RendererLog& textureLog() {
-    static constinit gl::RendererLog log;
+    static gl::RendererLog log;
     return log;
 }
 

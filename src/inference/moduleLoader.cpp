@@ -8,6 +8,7 @@
 #include "platform/fileProbe.h"
 #include "platform/libraryFolder.h"
 #include "platform/module.h"
+#include "platform/processEnvironment.h"
 
 namespace zellab::platform {
 
@@ -90,7 +91,7 @@ const ZelNetworkModule* toldModule(const std::string& told, std::string& absence
 
 const ZelNetworkModule* networkModule(std::string& absence) {
     absence.clear();
-    if (const char* told = trustedEnvironment(kVariable)) return toldModule(told, absence);
+    if (const auto told = trustedEnvironment(kVariable)) return toldModule(*told, absence);
     std::string looked;
     for (const std::string& file : places()) {
         std::string why;
@@ -98,7 +99,7 @@ const ZelNetworkModule* networkModule(std::string& absence) {
             if (const ZelNetworkModule* functions = moduleOf(file, why)) return absence.clear(), functions;
             if (absence.empty()) absence = unusable(file, why);
         }
-        looked += (looked.empty() ? "looked in " : ", ") + file.substr(0, file.rfind('/'));
+        looked += (looked.empty() ? "looked in " : ", ") + std::filesystem::path(file).parent_path().string();
     }
     if (absence.empty())
         absence = moduleText() + " is not installed (" +

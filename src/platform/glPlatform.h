@@ -20,6 +20,9 @@ struct GlCreation {
     const char* failedCall = nullptr;
 };
 
+/// What messages call this platform's way to contexts: "EGL", "WINDOWS".
+const char* glPlatformName();
+
 /// Makes an off-screen OpenGL 3.3 core context: RGBA 32, depth 16, stencil 8. Not current afterwards.
 /// @param share  null, or the context whose textures and programs the new one sees; one without a context
 ///               fails

@@ -23,8 +23,4 @@ void* functionOf(const Module& module, const char* name);
 /// What the file of a module is called on this system.
 std::string moduleFileName(const std::string& name);
 
-/// A variable that may name code to run: null where it is not set, and in a process with more rights than the
-/// user who started it.
-const char* trustedEnvironment(const char* name);
-
 }  // namespace zellab::platform

@@ -2,7 +2,7 @@
 
 #include <array>
 
-#include "platform/eglLibrary.h"
+#include "platform/linux/eglLibrary.h"
 
 namespace zeltest {
 

@@ -1,6 +1,6 @@
 #include "zellab/utils/assetFolders.h"
 
-#include <cstdlib>
+#include "platform/processEnvironment.h"
 
 namespace zellab {
 
@@ -15,9 +15,9 @@ constexpr const char* kFromLibrary[] = {"assets", ZEL_ASSETS_FROM_LIBRARY, "../a
 
 std::vector<std::string> assetFolders(const std::string& libraryFolder) {
     std::vector<std::string> folders;
-    if (const char* told = std::getenv(kVariable)) {
-        if (!*told) return {};
-        folders.emplace_back(told);
+    if (auto told = platform::environmentText(kVariable)) {
+        if (told->empty()) return {};
+        folders.push_back(std::move(*told));
     }
     if (libraryFolder.empty()) return folders;
     for (const char* place : kFromLibrary) folders.push_back(libraryFolder + "/" + place);

@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
+#include <filesystem>
 #include <string>
 
 #include "frame/zel_log.h"
@@ -28,6 +29,10 @@ std::string& assetRoot() {
 
 bool exists(const std::string& path) {
     return platform::pathExists(path.c_str());
+}
+
+bool isAbsolute(const char* path) {
+    return std::filesystem::path(path).is_absolute();
 }
 
 /// A signed little-endian word; 0 where the file ends.
@@ -78,7 +83,7 @@ unsigned char* ZelFileUtils::LoadPPM(const char* path, int* width, int* height, 
 std::string ZelFileUtils::FindAsset(const char* path) {
     if (const CallSettings* settings = callSettings(); settings && settings->findsAssetsAlone) {
         if (*path == '\0') return {};
-        std::string file = *path == '/' ? path : assetPath(settings->assets, path);
+        std::string file = isAbsolute(path) ? path : assetPath(settings->assets, path);
         return exists(file) ? file : std::string();
     }
     if (exists(path)) return path;
@@ -86,7 +91,7 @@ std::string ZelFileUtils::FindAsset(const char* path) {
         std::string below = assetRoot() + "/" + path;
         if (exists(below)) return below;
     }
-    if (*path == '/' || *path == '\0') return {};
+    if (isAbsolute(path) || *path == '\0') return {};
     for (const std::string& folder : assetFolders(kLibraryFolder)) {
         std::string below = folder + "/" + path;
         if (exists(below)) return below;

@@ -1,5 +1,6 @@
 #include "zellab/imageproc/blur/stackBlurLanes.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstdint>
 
@@ -7,7 +8,27 @@ namespace zellab {
 
 namespace {
 
-__extension__ using Int128 = __int128;
+/// A sum beyond 64 bits: exact modulo 2^64, and roughly as a whole. A line of n samples gives n roundings of the rough
+/// sum, each at most 2^16 where the sum stays below 2^70: together below a hundredth of the divisors that ask for it.
+struct WideSum {
+    std::uint64_t low = 0;
+    double rough = 0;
+
+    WideSum() = default;
+    WideSum(std::int64_t number)  // NOLINT(google-explicit-constructor): it stands where numbers stand
+        : low(static_cast<std::uint64_t>(number)), rough(static_cast<double>(number)) {}
+    WideSum& operator+=(const WideSum& other) {
+        low += other.low;
+        rough += other.rough;
+        return *this;
+    }
+    friend WideSum operator+(WideSum a, const WideSum& b) { return a += b; }
+    friend WideSum operator*(WideSum a, const WideSum& b) {
+        a.low *= b.low;
+        a.rough *= b.rough;
+        return a;
+    }
+};
 
 /// Divides sums of at most 24 bits.
 struct SingleDivider {
@@ -31,18 +52,31 @@ struct CorrectedDivider {
     std::int32_t divisor;
 };
 
-/// Divides sums of any length: the same in double precision.
-template <typename Sum>
-struct WideDivider {
-    explicit WideDivider(std::int64_t reach)
+/// Divides sums of at most 63 bits: the same in double precision.
+struct LongDivider {
+    explicit LongDivider(std::int64_t reach)
         : reciprocal((1.0 - 0x1p-40) / (static_cast<double>(reach) * static_cast<double>(reach))),
-          divisor(Sum{reach} * reach) {}
-    Byte operator()(Sum sum) const {
+          divisor(reach * reach) {}
+    Byte operator()(std::int64_t sum) const {
         const auto estimate = static_cast<int>(static_cast<double>(sum) * reciprocal);
         return static_cast<Byte>(estimate + (sum - estimate * divisor >= divisor ? 1 : 0));
     }
     double reciprocal;
-    Sum divisor;
+    std::int64_t divisor;
+};
+
+/// Divides wide sums: the rough one tells the quotient or one less, and the remainder, which fits 64 bits, which.
+struct WideDivider {
+    explicit WideDivider(std::int64_t reach)
+        : reciprocal(1.0 / (static_cast<double>(reach) * static_cast<double>(reach))),
+          divisor(static_cast<std::uint64_t>(reach * reach)) {}
+    Byte operator()(const WideSum& sum) const {
+        constexpr double kBelow = 1.0 / 64;  // more than the rough sum may be off
+        const auto estimate = static_cast<unsigned>(std::max(sum.rough * reciprocal - kBelow, 0.0));
+        return static_cast<Byte>(estimate + (sum.low - estimate * divisor >= divisor ? 1 : 0));
+    }
+    double reciprocal;
+    std::uint64_t divisor;
 };
 
 /// Written so that the compiler turns the loops over a group into vector code.
@@ -67,7 +101,7 @@ public:
                     group.sum[lane] += group.slope[lane];
                 }
             finishBegin(group, first.front() + offset, first.back() + offset,
-                        m_radius - static_cast<Sum>(first.size() - 1));
+                        m_radius - static_cast<std::int64_t>(first.size() - 1));
             offset += kLaneGroup;
         }
     }
@@ -89,12 +123,15 @@ private:
     };
 
     /// Adds the repeats of both end samples: `beyond` of the last one, radius + 1 of position 0.
-    void finishBegin(Group& group, const Byte* start, const Byte* last, Sum beyond) const {
-        const Sum triangle = beyond * (beyond + 1) / 2;
-        const Sum startWeight = (Sum{m_radius} + 1) * (Sum{m_radius} + 2) / 2;
+    void finishBegin(Group& group, const Byte* start, const Byte* last, std::int64_t beyond) const {
+        const auto triangle = static_cast<Sum>(beyond * (beyond + 1) / 2);
+        const auto startWeight =
+            static_cast<Sum>((std::int64_t{m_radius} + 1) * (std::int64_t{m_radius} + 2) / 2);
+        const auto repeats = static_cast<Sum>(beyond);
         for (int lane = 0; lane < kLaneGroup; ++lane) {
-            group.sum[lane] += beyond * group.slope[lane] + triangle * last[lane] + startWeight * start[lane];
-            group.slope[lane] += beyond * last[lane] - Sum{m_radius} * start[lane];
+            group.sum[lane] +=
+                repeats * group.slope[lane] + triangle * last[lane] + startWeight * start[lane];
+            group.slope[lane] += static_cast<Sum>(beyond * last[lane] - std::int64_t{m_radius} * start[lane]);
         }
     }
 
@@ -128,9 +165,9 @@ float reciprocalFromBelow(int reach) {
 std::unique_ptr<LaneBlur> makeLaneBlur(const LaneBlurSpec& settings) {
     // Compared before 1 is added, which the largest radius would not survive.
     if (settings.radius >= kLast64BitReach)
-        return std::make_unique<PlainLanes<Int128, WideDivider<Int128>>>(settings);
+        return std::make_unique<PlainLanes<WideSum, WideDivider>>(settings);
     if (settings.radius >= kLast32BitReach)
-        return std::make_unique<PlainLanes<std::int64_t, WideDivider<std::int64_t>>>(settings);
+        return std::make_unique<PlainLanes<std::int64_t, LongDivider>>(settings);
     if (settings.simd == platform::SimdLevel::avx2) return makeAvx2LaneBlur(settings);
     if (settings.radius >= kLastSingleReach)
         return std::make_unique<PlainLanes<std::int32_t, CorrectedDivider>>(settings);

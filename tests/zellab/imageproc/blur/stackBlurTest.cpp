@@ -23,6 +23,21 @@ TEST(StackBlur, RadiiFarBeyondTheLineAverageItsEnds) {
     }
 }
 
+// At the widest radii a single sample that is less by one takes the 2^60th part from every sum: enough for the value
+// below, and without it the flat line stays.
+TEST(StackBlur, WidestRadiiTruncateExactly) {
+    for (const int radius : {zellab::kLast64BitReach, INT_MAX - 1, INT_MAX})
+        for (const int value : {1, 127, 128, 255}) {
+            Bytes line(301, static_cast<unsigned char>(value));
+            line[150] = static_cast<unsigned char>(value - 1);
+            CStackBlur::StackBlurExGray({line.data(), 301, 1}, radius, 1);
+            EXPECT_EQ(line, Bytes(301, static_cast<unsigned char>(value - 1))) << radius;
+            Bytes flat(301, static_cast<unsigned char>(value));
+            CStackBlur::StackBlurExGray({flat.data(), 301, 1}, radius, 1);
+            EXPECT_EQ(flat, Bytes(301, static_cast<unsigned char>(value))) << radius;
+        }
+}
+
 // The exact quotient turns at multiples of the divisor and nowhere else; the rounded product is monotone, so
 // these sums decide all others.
 TEST(StackBlur, ReciprocalsDivideExactlyAtEveryTurn) {

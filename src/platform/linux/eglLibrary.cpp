@@ -1,4 +1,4 @@
-#include "platform/eglLibrary.h"
+#include "platform/linux/eglLibrary.h"
 
 #include <dlfcn.h>
 

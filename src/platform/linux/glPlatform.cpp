@@ -7,7 +7,7 @@
 #include <string_view>
 #include <vector>
 
-#include "platform/eglLibrary.h"
+#include "platform/linux/eglLibrary.h"
 
 namespace zellab::platform {
 
@@ -138,6 +138,10 @@ GlContext currentGlxContext() {
 }
 
 }  // namespace
+
+const char* glPlatformName() {
+    return "EGL";
+}
 
 GlCreation createGlContext(const GlContext* share) {
     // A display belongs to the process, and its extension text is written anew by every initialisation: one

@@ -2,8 +2,6 @@
 
 #include <dlfcn.h>
 
-#include <cstdlib>
-
 namespace zellab::platform {
 
 void ModuleCloser::operator()(void* handle) const {
@@ -25,10 +23,6 @@ void* functionOf(const Module& module, const char* name) {
 
 std::string moduleFileName(const std::string& name) {
     return "lib" + name + ".so";
-}
-
-const char* trustedEnvironment(const char* name) {
-    return secure_getenv(name);
 }
 
 }  // namespace zellab::platform

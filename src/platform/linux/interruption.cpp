@@ -1,9 +1,10 @@
-#include "cli/run/interruption.h"
+#include "platform/interruption.h"
 
 #include <array>
 #include <atomic>
+#include <csignal>
 
-namespace zelcli {
+namespace zellab::platform {
 
 namespace {
 
@@ -46,4 +47,4 @@ void Interruption::finish() {
     raise(signal);
 }
 
-}  // namespace zelcli
+}  // namespace zellab::platform

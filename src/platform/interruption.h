@@ -1,8 +1,6 @@
 #pragma once
 
-#include <csignal>
-
-namespace zelcli {
+namespace zellab::platform {
 
 /// While it lives, the first interrupt, termination or hang-up asks the work to end at the next good place; the second
 /// ends the process as ever. Signals that the process ignores stay ignored. One object at a time.
@@ -20,4 +18,4 @@ public:
     static void finish();
 };
 
-}  // namespace zelcli
+}  // namespace zellab::platform
