@@ -96,10 +96,11 @@ class Site:
 <link rel="stylesheet" href="{up}style.css">
 </head>
 <body>
-<nav>
+<nav id="contents">
 {self.navigation(name)}
 </nav>
 <main>
+<a class="contents" href="#contents">All pages</a>
 {body}
 </main>
 </body>
