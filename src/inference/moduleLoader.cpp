@@ -18,7 +18,15 @@ constexpr const char* kName = "zel_networks";
 constexpr const char* kVariable = "ZEL_NETWORKS_MODULE";
 
 /// As seen from the file that holds this code: a library's install tree, a program's, the build tree's two.
-constexpr const char* kFolders[] = {"zel", ZEL_MODULES_FROM_BIN, "../zel", "../../zel"};
+constexpr const char* kFolders[] = {
+    "zel",
+    ZEL_MODULES_FROM_BIN,
+    "../zel",
+    "../../zel",
+#ifdef ZEL_SYSTEM_MODULES
+    ZEL_SYSTEM_MODULES,  // absolute: for a copy of the library that a host keeps elsewhere
+#endif
+};
 
 struct OpenModule {
     Module module;

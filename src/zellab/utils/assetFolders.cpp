@@ -19,8 +19,12 @@ std::vector<std::string> assetFolders(const std::string& libraryFolder) {
         if (told->empty()) return {};
         folders.push_back(std::move(*told));
     }
-    if (libraryFolder.empty()) return folders;
-    for (const char* place : kFromLibrary) folders.push_back(libraryFolder + "/" + place);
+    if (!libraryFolder.empty())
+        for (const char* place : kFromLibrary) folders.push_back(libraryFolder + "/" + place);
+#ifdef ZEL_SYSTEM_ASSETS
+    // For a copy of the library that a host keeps elsewhere.
+    folders.emplace_back(ZEL_SYSTEM_ASSETS);
+#endif
     return folders;
 }
 
