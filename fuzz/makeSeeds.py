@@ -271,7 +271,23 @@ def write_studio_seeds(folder):
         (folder / name).write_bytes(text.encode())
 
 
+def write_text_seeds(folder):
+    """Colour lookups and recipes."""
+    step = {"effect": "defocus", "set": {"blurLevel": 40, "focus": "0.5,0.5", "ring": True}}
+    corners = "".join(f"{r} {g} {b}\n" for b in (0, 1) for g in (0, 1) for r in (0, 0.5))
+    texts = {"fuzz_cube": {"plain": "LUT_3D_SIZE 2\n" + corners,
+                           "full": 'TITLE "a b"\n# c\nLUT_3D_SIZE 2\nDOMAIN_MIN 0 0 -1\nDOMAIN_MAX 1 2 1\n' + corners,
+                           "range": "LUT_3D_INPUT_RANGE 0 1\nLUT_3D_SIZE 2\n" + corners, "short": "LUT_3D_SIZE 3\n" + corners},
+             "fuzz_recipe": {"steps": json.dumps({"recipe": 1, "name": "n", "steps": [step, {"effect": "inpaint"}]}),
+                             "later": '{"recipe": 2, "steps": []}', "none": "{}"}}
+    for target, seeds in texts.items():
+        (folder / target).mkdir(parents=True, exist_ok=True)
+        for name, text in seeds.items():
+            (folder / target / name).write_text(text)
+
+
 def main():
+    write_text_seeds(pathlib.Path(sys.argv[1]))
     write_studio_seeds(pathlib.Path(sys.argv[1]) / "fuzz_studio")
     write_reshape_seeds(pathlib.Path(sys.argv[1]) / "fuzz_reshape")
     for target in ("fuzz_model_head", "fuzz_network"):

@@ -629,7 +629,7 @@ public:
     enum class Outcome : unsigned char {
         none,  ///< no Run yet, or one whose arguments were refused
         drawn,
-        noContext,      ///< no context of OpenGL 3.3 or later was current
+        noContext,      ///< no context of OpenGL 3.3 or later was current, or it was lost
         faultyShaders,  ///< the shader file lacks one, or the driver refuses one
         tooLarge,       ///< OpenGL has no textures of this size here
     };

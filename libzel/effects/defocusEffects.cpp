@@ -179,7 +179,8 @@ void runDefocus(EffectRun& run) {
     };
     render.DrawOnProcessor(canvas.drawsOnProcessor());
     bool ran = draw();
-    if (render.LastOutcome() == Render::Outcome::tooLarge) {
+    if (const auto outcome = render.LastOutcome();
+        outcome == Render::Outcome::tooLarge || outcome == Render::Outcome::noContext) {
         render.DrawOnProcessor(true);
         setShape(render, run);  // a spin lasts for one run
         ran = draw();

@@ -70,7 +70,7 @@ bool BokehScene::load(const std::string& resourceDir) {
 RenderOutcome BokehScene::render(const RenderJob& job) {
     const RenderOutcome outcome = draw(job);
     if (outcome == RenderOutcome::noContext)
-        sceneLog().error("nothing rendered: no context of OpenGL 3.3 or later is current");
+        sceneLog().error("nothing rendered: no context of OpenGL 3.3 or later is current, or it was lost");
     if (outcome == RenderOutcome::faultyShaders)
         sceneLog().error("nothing rendered: a shader is missing or does not link");
     if (outcome == RenderOutcome::tooLarge)

@@ -52,9 +52,8 @@ RenderOutcome GlPasses::downscale(const ImageView& small) {
         Texture2D(m_source.width, m_source.height, m_source.width, kOrderRgba, kTypeByte, m_source.data);
     m_small = byteTexture(small.width, small.height, kOrderRgba, nullptr);
     if (!m_photograph.isComplete() || !m_small.isComplete()) return RenderOutcome::tooLarge;
-    if (!Bokeh::downscale(m_shaders, m_photograph, m_small) ||
-        !m_small.read(0, 0, small.width, small.height, small.data))
-        return failure();
+    if (!Bokeh::downscale(m_shaders, m_photograph, m_small)) return failure();
+    if (!m_small.read(0, 0, small.width, small.height, small.data)) return RenderOutcome::noContext;
     m_soft = byteTexture(small.width, small.height, kOrderRgba, nullptr);
     return RenderOutcome::drawn;
 }
@@ -100,7 +99,8 @@ RenderOutcome GlPasses::compose(const ComposePass& pass, const ImageView& target
         composed = composed && composeHair(m_shaders, out, planeTexture(pass.hair), m_photograph);
     if (!composed || !m_shaders.isSound()) return failure();
     const Texture2D& result = pass.hair.valid() ? m_photograph : out;
-    return result.read(0, 0, target.width, target.height, target.data) ? RenderOutcome::drawn : failure();
+    return result.read(0, 0, target.width, target.height, target.data) ? RenderOutcome::drawn
+                                                                       : RenderOutcome::noContext;
 }
 
 }  // namespace zellab::Bokeh

@@ -223,6 +223,23 @@ bool Texture2D::write(int x, int y, int width, int height, const void* data) con
     return true;
 }
 
+namespace {
+
+/// Whether OpenGL answers at all. A context that was lost takes every call and does nothing: it leaves what a byte
+/// was before, whatever that was.
+bool readsPixels(int x, int y, GLenum format, GLenum type) {
+    for (const unsigned char fill : {0x00, 0xFF}) {
+        std::array<unsigned char, 16> pixel;  // the largest has four floats
+        pixel.fill(fill);
+        glCore().readPixels(x, y, 1, 1, format, type, pixel.data());
+        if (std::count(pixel.begin(), pixel.end(), fill) < static_cast<std::ptrdiff_t>(pixel.size()))
+            return true;
+    }
+    return false;
+}
+
+}  // namespace
+
 bool Texture2D::read(int x, int y, int width, int height, void* data) const {
     if (!m_record || !data) return false;
     if (m_record->texture == 0) {
@@ -237,11 +254,13 @@ bool Texture2D::read(int x, int y, int width, int height, void* data) const {
     packRows(GL_PACK_ALIGNMENT);
     glCore().bindTexture(GL_TEXTURE_2D, m_record->texture);
     glBindFramebuffer(GL_FRAMEBUFFER, m_record->framebuffer);
-    glCore().readPixels(x, y, width, height, static_cast<GLenum>(m_record->format),
-                        static_cast<GLenum>(m_record->type), data);
+    const auto format = static_cast<GLenum>(m_record->format), type = static_cast<GLenum>(m_record->type);
+    glCore().readPixels(x, y, width, height, format, type, data);
+    const bool isThere = readsPixels(x, y, format, type);
     glBindFramebuffer(GL_FRAMEBUFFER, 0);
     glCore().bindTexture(GL_TEXTURE_2D, 0);
-    return true;
+    if (!isThere) textureLog().error("fail to read Texture2D: the context is lost");
+    return isThere;
 }
 
 bool Texture2D::drawInto(const std::function<void()>& draw) const {

@@ -17,7 +17,8 @@ struct FileCloser {
 using File = std::unique_ptr<std::FILE, FileCloser>;
 
 /// Opens a regular file for reading, bytes as they are. Null for what is missing, unreadable, or no regular
-/// file: a pipe would block the caller, and a directory or device has no length.
+/// file: a pipe would block the caller, and a directory or device has no length. Throws std::bad_alloc, since a file
+/// for which there is no memory is not missing.
 File openRegularFile(const char* path);
 
 /// Its length in bytes as it is now; nothing where it cannot be had.

@@ -5,8 +5,8 @@
 #include <cstdlib>
 
 #include "frame/processorCount.h"
-#include "operations.h"
 #include "platform/simdLevel.h"
+#include "support/hostileScene.h"
 #include "support/workingFolder.h"
 
 namespace {

@@ -5,6 +5,7 @@
 #include <algorithm>
 
 #include "bokeh/shaderKeys.h"
+#include "gl/glApi.h"
 #include "gl/hostContext.h"
 #include "shaderFile.h"
 #include "support/randomImage.h"
@@ -80,6 +81,19 @@ TEST_F(DefocusOutcome, PicturesLongerThanATextureAreNotDrawn) {
     ASSERT_TRUE(context.isCurrent());
     EXPECT_EQ(outcomeOf(40000, 2), Render::Outcome::tooLarge);
     EXPECT_EQ(outcomeOf(2, 40000), Render::Outcome::tooLarge);
+}
+
+/// A driver that lost the context, by a reset or an update, takes every call and does nothing.
+TEST_F(DefocusOutcome, AContextThatIsLostDrawsNothing) {
+    const zeltest::HostContext context({});
+    ASSERT_TRUE(context.isCurrent());
+    ASSERT_EQ(outcomeOf(kWidth, kHeight), Render::Outcome::drawn);
+    auto& readPixels = const_cast<zellab::gl::GlCore&>(zellab::gl::glCore()).readPixels;
+    const auto whole = readPixels;
+    readPixels = [](auto...) {};
+    EXPECT_EQ(outcomeOf(kWidth, kHeight), Render::Outcome::noContext);
+    readPixels = whole;
+    EXPECT_EQ(outcomeOf(kWidth, kHeight), Render::Outcome::drawn);
 }
 
 TEST_F(DefocusOutcome, AnyShaderThatIsMissingOrDoesNotLinkIsAFailure) {

@@ -48,9 +48,9 @@ TEST(ApplyPlan, RefusesWhatCouldNotBeMeant) {
     const TemporaryFolder folder;
     writeBytes(folder / "file", {1});
     const zelcli::ApplyOptions cases[] = {
-        optionsFor({"a.png"}, "out"),                        // no format
-        optionsFor({"a.png"}, "out.bmp"),                    // not one that is written
-        optionsFor({"a.png", "b.png"}, "out.png"),           // one file for two inputs
+        optionsFor({"a.png"}, folder / "out"),               // no format
+        optionsFor({"a.png"}, folder / "out.bmp"),           // not one that is written
+        optionsFor({"a.png", "b.png"}, folder / "out.png"),  // one file for two inputs
         optionsFor({"a.png", "b.png"}, folder / "file"),     // likewise
         optionsFor({"x/a.png", "y/a.png"}, folder / "out"),  // two inputs with one name
         optionsFor({"a.bmp", "a.png"}, folder / "out"),      // one name after the suffix changed

@@ -236,6 +236,9 @@ TEST(ReadPicture, RefusesAbsurdSizesBeforeItDecodes) {
         }
     writeBytes(folder / "huge.jpg", jpeg);
     EXPECT_THAT(failureOf(folder / "huge.jpg"), HasSubstr("65500 by 65500"));
+    const std::string digits = "P6 " + std::string(30, '1') + " 5 255\n";  // no number is as long
+    writeBytes(folder / "huge.ppm", Bytes(digits.begin(), digits.end()));
+    EXPECT_NE(failureOf(folder / "huge.ppm"), "accepted");
     zelcli::writePicture(folder / "p.bmp.png", testImage(30, 20, 5));
     EXPECT_THAT(faultOf([&] { zelcli::readPicture(folder / "p.bmp.png", {.mostPixels = 599}); }),
                 HasSubstr("--max-megapixels"));

@@ -4,6 +4,9 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <cerrno>
+#include <new>
+
 namespace zellab::platform {
 
 bool pathExists(const char* path) {
@@ -16,8 +19,11 @@ File openRegularFile(const char* path) {
     if (descriptor < 0) return nullptr;
     struct stat status {};
     std::FILE* file = nullptr;
+    errno = 0;
     if (fstat(descriptor, &status) == 0 && S_ISREG(status.st_mode)) file = fdopen(descriptor, "rb");
+    const bool hasNoMemory = !file && errno == ENOMEM;
     if (!file) close(descriptor);
+    if (hasNoMemory) throw std::bad_alloc();
     return File(file);
 }
 

@@ -4,6 +4,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
+#include <new>
 #include <string>
 
 #include "frame/zel_log.h"
@@ -46,13 +47,15 @@ std::int32_t readWord(std::FILE* file) {
 
 /// The pixels behind the head. The buffer is zeroed first: a file that is shorter than its head claims
 /// leaves no stray memory at the end.
-unsigned char* readPixels(std::FILE* file, std::int32_t width, std::int32_t height, int channels) {
+unsigned char* readPixels(const platform::File& file, std::int32_t width, std::int32_t height, int channels) {
     if (width < 1 || height < 1 || channels < 1) return nullptr;
     const std::uint64_t pixels = static_cast<std::uint64_t>(width) * static_cast<std::uint64_t>(height);
     if (pixels > kLargestAsset / static_cast<std::uint64_t>(channels)) return nullptr;
     const auto bytes = static_cast<std::size_t>(pixels * static_cast<std::uint64_t>(channels));
     auto* data = static_cast<unsigned char*>(std::calloc(bytes, 1));
-    if (data && std::fread(data, 1, bytes, file) < bytes && std::ferror(file)) {
+    // A picture that is there is not missing for want of memory; one that is only claimed is damaged.
+    if (!data && platform::fileLength(file).value_or(0) >= bytes) throw std::bad_alloc();
+    if (data && std::fread(data, 1, bytes, file.get()) < bytes && std::ferror(file.get())) {
         std::free(data);
         return nullptr;
     }
@@ -77,7 +80,7 @@ unsigned char* ZelFileUtils::LoadPPM(const char* path, int* width, int* height, 
     const std::int32_t second = readWord(file.get());
     if (width) *width = first;
     if (height) *height = second;
-    return readPixels(file.get(), first, second, channels);
+    return readPixels(file, first, second, channels);
 }
 
 std::string ZelFileUtils::FindAsset(const char* path) {

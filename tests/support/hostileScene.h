@@ -6,35 +6,11 @@
 #include <cmath>
 #include <limits>
 
-#include "facepoints/faceTemplate.h"
+#include "support/drawnFace.h"
 #include "support/guardedBytes.h"
-#include "support/randomImage.h"
-#include "zel_effects/zel_effects.h"
+#include "support/operations.h"
 
 namespace zeltest {
-
-/// The arguments of one call; an operation takes those that it has a place for.
-struct Call {
-    unsigned char *image, *second, *cover, *mask, *table;  // cover: a mask of four bytes a pixel
-    int width, height;
-    bool params;  // false: the block of numbers is null
-    float strength;
-    int number, otherNumber, faceIndex;
-    CGRect rect;
-    zellab::CInterFacePoint* points;
-    ImageCoreFaceInfo* faceInfo;
-    DefocusCore::ZelDepthDefocusRender* render;
-    int round;
-
-    /// Numbers that make sense but for one, or for all of them: those are the round's strength.
-    template <std::size_t N>
-    std::array<float, N> spoiled(std::array<float, N> numbers) const {
-        const std::size_t slot = static_cast<std::size_t>(round / 7) % (N + 1);  // 7 strengths
-        for (std::size_t i = 0; i < N; ++i)
-            if (slot == i || slot == N) numbers[i] = strength;
-        return numbers;
-    }
-};
 
 /// Guarded buffers for one call, and arguments that step through lists of bad values. The lists' lengths have
 /// no common divisor, so that kRounds rounds meet every pair of values.
@@ -93,7 +69,8 @@ public:
                faceKind() == kNull ? nullptr : &m_points,
                faceKind() == kNull ? nullptr : reinterpret_cast<ImageCoreFaceInfo*>(&m_record),
                &render,
-               m_round};
+               m_round,
+               nullptr};
         const std::array<float, 4> good = {0.1f * w, 0.1f * h, 0.8f * w, 0.8f * h};
         const auto rect = m_round % 2 ? c.spoiled(good) : good;
         c.rect = {rect[0], rect[1], rect[2], rect[3]};
@@ -128,31 +105,6 @@ private:
     template <typename T, std::size_t N>
     T pick(const std::array<T, N>& values) const {
         return values[static_cast<std::size_t>(m_round) % N];
-    }
-
-    /// A face as the landmarks tell it, lit from the right: skin with spots, and eyes.
-    static Bytes drawnFace(int width, int height) {
-        Bytes pixels = randomRgba(width, height, 3);
-        const auto w = static_cast<float>(width), h = static_cast<float>(height);
-        std::size_t i = 0;
-        for (int y = 0; y < height; ++y)
-            for (int x = 0; x < width; ++x, i += 4) {
-                const auto fx = static_cast<float>(x), fy = static_cast<float>(y);
-                const auto isNear = [&](int a, int b, float radius) {
-                    const auto &p = zellab::kTemplateLandmarks[static_cast<std::size_t>(a)],
-                               &q = zellab::kTemplateLandmarks[static_cast<std::size_t>(b)];
-                    return std::hypot(fx - (p.x + q.x) / 2 * w, fy - (p.y + q.y) / 2 * h) < radius * w;
-                };
-                const bool isSpot = std::hypot(x % 19 - 9, y % 23 - 11) < 2.5;
-                const bool isEye = isNear(21, 25, 0.05f) || isNear(67, 71, 0.05f);
-                const bool isIris = isNear(24, 24, 0.035f) || isNear(70, 70, 0.035f);
-                const float light = isIris ? 0.2f : isSpot ? 0.6f : 0.75f + 0.25f * fx / w;
-                const float skin[] = {200, 156, 132};
-                for (std::size_t c = 0; c < 3; ++c)
-                    pixels[i + c] = static_cast<unsigned char>((isEye ? 210 : skin[c]) * light +
-                                                               static_cast<float>(pixels[i + c] % 5));
-            }
-        return pixels;
     }
 
     float spoiledLandmark(float value, std::size_t i) const {

@@ -1,12 +1,45 @@
 #pragma once
 
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <cstring>
 #include <ostream>
 
-#include "hostileScene.h"
+#include "zel_effects/zel_effects.h"
 
-/// Every exported operation as a function of one call's arguments, for what has to hold for all of them.
+/// Every exported operation as a function of one call's arguments, for what has to hold for all of them: tests,
+/// fuzzers and the long checks go through this one table.
 
 namespace zeltest {
+
+/// The arguments of one call; an operation takes those that it has a place for.
+struct Call {
+    unsigned char *image, *second, *cover, *mask, *table;  // cover: a mask of four bytes a pixel
+    int width, height;
+    bool params;  // false: the block of numbers is null
+    float strength;
+    int number, otherNumber, faceIndex;
+    CGRect rect;
+    zellab::CInterFacePoint* points;
+    ImageCoreFaceInfo* faceInfo;
+    DefocusCore::ZelDepthDefocusRender* render;
+    int round;
+    const float* given;  // ten numbers that take the place of every operation's own; null: none do
+
+    /// Numbers that make sense but for one, or for all of them: those are the round's strength.
+    template <std::size_t N>
+    std::array<float, N> spoiled(std::array<float, N> numbers) const {
+        if (given) {
+            std::copy_n(given, N, numbers.begin());
+            return numbers;
+        }
+        const std::size_t slot = static_cast<std::size_t>(round / 7) % (N + 1);  // 7 strengths
+        for (std::size_t i = 0; i < N; ++i)
+            if (slot == i || slot == N) numbers[i] = strength;
+        return numbers;
+    }
+};
 
 using ZelImageCore::CScenarioBeauty, ZelImageCore::TableBase, ZelImageCore::TableSkin;
 
@@ -21,6 +54,16 @@ struct Operation {
     Operation(const char* of, Ask how, unsigned what = 0, bool bad = false, int rounds = 1)
         : name(of), ask(how), needs(what), badAnswer(bad), every(rounds) {}
     bool run(Call& c) const { return ask ? ask(c) : (act(c), false); }
+    /// What the call is without and the operation needs: where anything is, the picture stays.
+    unsigned lackedBy(const Call& c, bool hasFace) const {
+        return needs &
+               ((c.second ? 0u : kSecond) | (c.mask ? 0u : kMask) | (c.params ? 0u : kParams) |
+                (c.table ? 0u : kTable) | (hasFace ? 0u : kFace) | (std::isnan(c.strength) ? kNumbers : 0u));
+    }
+    /// A prepared picture brings its own alpha.
+    bool keepsAlpha() const { return std::strcmp(name, "QornSkinWhitening") != 0; }
+    /// What draws on rand() gives other bytes to each of two callers.
+    bool drawsOnRand() const { return !std::strcmp(name, "Inpaint") || !std::strncmp(name, "De", 2); }
     friend void PrintTo(const Operation& operation, std::ostream* out) { *out << operation.name; }
 
     const char* name;

@@ -1,0 +1,28 @@
+// The checks that take long: zel_long_checks faults|sizes|large|threads [SECONDS of one call [CALL [FIRST failure]]]
+#include <cstdio>
+#include <cstdlib>
+#include <string>
+
+#include "longChecks.h"
+#include "zel/zel.hpp"
+
+int main(int argc, char** argv) {
+    const std::string check = argc > 1 ? argv[1] : "";
+    const double seconds = argc > 2 ? std::atof(argv[2]) : 30;
+    const std::string name = argc > 3 ? argv[3] : "";
+    const long first = argc > 4 ? std::atol(argv[4]) : 0;
+    setenv("ZEL_ASSETS", ZEL_ASSETS, 1);
+    auto settings = libzel::sized<zel_settings>();
+    settings.threads = check == "threads" ? 2 : 3;
+    settings.gl = ZEL_GL_NEVER;
+    const libzel::Context context = libzel::createContext(&settings);
+    if (check != "faults" && !std::freopen("/dev/null", "w", stderr)) return 2;  // the library's log
+    const bool isSound = check == "faults"  ? zeltest::checkFaults(context.get(), seconds, name, first)
+                         : check == "sizes" ? zeltest::checkSizes(context.get(), seconds, name)
+                         : check == "large" ? zeltest::checkLarge(context.get(), name)
+                         : check == "threads"
+                             ? zeltest::checkThreads(context.get(), name)
+                             : throw std::invalid_argument("faults, sizes, large or threads?");
+    std::printf("%s: %s\n", check.c_str(), isSound ? "all as it must be" : "FAULTS were found");
+    return isSound ? 0 : 1;
+}
