@@ -24,7 +24,7 @@ constexpr float kSmoothFromRatio = 2.0f;  // from here on the working picture is
 constexpr float kGuideEpsilon = 0.1f;
 constexpr float kGuideScale = 4.0f;
 constexpr int kHairGuideRadius = 2, kDisparityGuideRadius = 1;
-constexpr float kForegroundInProportion = 0.2f;
+constexpr float kForegroundInProportion = 0.5f;
 constexpr int kSharpRadius = 2;  // pixels of the picture; a focus point with more is out of focus
 
 float limitedFraction(float fraction) {
