@@ -26,7 +26,7 @@ uniform vec2 grain_reso;       // size of a pixel in its texture coordinates
 uniform vec2 reso;             // size of a pixel in texture coordinates
 uniform vec2 radius_reso;      // the same of a working pixel
 uniform vec2 noise_scale;      // repetitions of the noise over the picture
-uniform int RTH;               // radius up to which the small blur serves
+uniform float RTH;             // radius up to which the small blur serves
 uniform int bf_radius;         // taps to each side when the radius is read
 uniform int bf_step;           // distance of those taps
 uniform float bf_threshold;    // colour distance from which on a tap does not count
@@ -143,10 +143,10 @@ vec4 grain() {
 
 void main() {
     vec4 origin = texture(tex_origin, textureCoordinate);
-    float radius = edgeAwareRadius(origin.rgb), threshold = float(RTH);
+    float radius = edgeAwareRadius(origin.rgb), threshold = RTH;
     bool blurred = radius > 0.0;
     float share = smoothstep(0.5 * threshold, 1.5 * threshold, radius);
-    float reach = min(radius * kKernelRadii / threshold, kKernelRadii);
+    float reach = min(0.5 * radius, kKernelRadii);
     vec4 color = (1.0 - share) * smallBlur(reach, blurred && share < 1.0);
     color.rgb += share * dispersedSoftColor(radius, share > 0.0);
     vec4 strength = texture(tex_grain, gl_FragCoord.xy * grain_reso);

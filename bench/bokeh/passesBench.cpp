@@ -84,7 +84,7 @@ const auto kSmoothCopyPass = [](Render& r) {
 const auto kComposePass = [](Render& r) {
     const CompositionTextures textures{r.blur, r.noise, r.source, r.radius, r.kernel, r.grain};
     const auto scale = static_cast<float>(r.full.width) / static_cast<float>(r.small.width);
-    return compose(r.cache, textures, 0.0f, scale, r.out) ? r.out : Texture2D();
+    return compose(r.cache, textures, 0.0f, scale, kSmallBlurRadius, r.out) ? r.out : Texture2D();
 };
 const auto kHairPass = [](Render& r) {
     return composeHair(r.cache, r.out, r.radius, r.source) ? r.source : Texture2D();

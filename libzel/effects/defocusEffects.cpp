@@ -3,6 +3,7 @@
 #include <optional>
 
 #include "CrossPlateform/platform_win/stb_image_util/imageBuffer.h"
+#include "ZelEffectsCore/ZelEffect/ZelDepthDefocusRender/defocusInternals.h"
 #include "bokeh/backEnd.h"
 #include "depth/portraitDepth.h"
 #include "libzel/effects/defocusScene.h"
@@ -28,9 +29,6 @@ constexpr unsigned kGrainSeed = 1;
 
 /// Shares of the work that are done by then.
 constexpr double kRenderingAt = 0.5;
-
-/// There are no other values for what the library keeps and never reads.
-constexpr float kReserved = 0.0f;
 
 struct FocusFraction {
     float x = 0.5f, y = 0.5f;
@@ -97,31 +95,33 @@ void enlivenGround(Render& render, EffectRun& run, const FocusFraction& focus, b
             amount);
 }
 
-/// What both forms of the render take beside the parameters.
+/// What the render takes beside the parameters.
 struct RenderInputs {
     std::vector<float> faces;  // rectangles
     FocusFraction focus;
     bool mask;  // whether there is one
 };
 
-/// The form at full resolution, which has all parameters of the look.
-bool renderFull(Render& render, EffectRun& run, RenderInputs& inputs) {
+/// As strong on a reduced copy, and in a preview, as on the picture itself: the exported forms bound the radius by
+/// their working picture, and are weaker the larger the picture is.
+bool draw(Render& render, EffectRun& run, RenderInputs& inputs) {
+    constexpr float kPreviewResolution = 0.3f;
     const ParameterValues& values = run.values;
-    return render.Run(run.image.rgba.data(), run.image.width, run.image.height,
-                      static_cast<int>(inputs.faces.size() / 4), inputs.faces.data(), inputs.focus.x,
-                      inputs.focus.y, values.integer("blurLevel"), values.number("highlights"), inputs.mask,
-                      true, values.number("amount"), values.number("intensity"), values.number("vivid"));
-}
-
-/// The form with two buffers, which is faster, and the only one that can do without depth.
-bool renderPreview(Render& render, EffectRun& run, RenderInputs& inputs) {
-    const ParameterValues& values = run.values;
-    std::vector<unsigned char> source = run.image.rgba;
-    return render.Run(source.data(), run.image.width, run.image.height, run.image.rgba.data(),
-                      run.image.width, run.image.height, static_cast<int>(inputs.faces.size() / 4),
-                      inputs.faces.data(), inputs.focus.x, inputs.focus.y, values.toggle("useDepth"),
-                      values.integer("blurLevel"), kReserved, nullptr, false, inputs.mask, true, kReserved,
-                      values.number("intensity"), values.number("vivid"));
+    const zellab::ImageView image(run.image.rgba.data(), run.image.width, run.image.height);
+    return DefocusCore::DefocusInternals::run(
+        render, {.source = image,
+                 .target = image,
+                 .faceCount = static_cast<int>(inputs.faces.size() / 4),
+                 .faces = inputs.faces.data(),
+                 .focus = {.y = inputs.focus.y, .x = inputs.focus.x},
+                 .resolutionFactor = values.text("resolution") == "preview" ? kPreviewResolution : 1.0f,
+                 .blurLevel = values.integer("blurLevel"),
+                 .look = {values.number("amount"), values.number("intensity"), values.number("highlights"),
+                          values.number("vivid")},
+                 .useDepth = values.toggle("useDepth"),
+                 .useHairMask = inputs.mask,
+                 .hasCurrentContext = true,
+                 .inProportion = true});
 }
 
 /// Turns a picture that was not drawn into the error that it is: the render itself reports some of these as
@@ -173,17 +173,13 @@ void runDefocus(EffectRun& run) {
     const Canvas canvas(run.surroundings.gl);
     const RandomTurn grain(kGrainSeed);
     run.progress("rendering", kRenderingAt);
-    const bool full = usesDepth && run.values.text("resolution") == "full";
-    const auto draw = [&] {
-        return full ? renderFull(render, run, inputs) : renderPreview(render, run, inputs);
-    };
     render.DrawOnProcessor(canvas.drawsOnProcessor());
-    bool ran = draw();
+    bool ran = draw(render, run, inputs);
     if (const auto outcome = render.LastOutcome();
         outcome == Render::Outcome::tooLarge || outcome == Render::Outcome::noContext) {
         render.DrawOnProcessor(true);
         setShape(render, run);  // a spin lasts for one run
-        ran = draw();
+        ran = draw(render, run, inputs);
     }
     requireDrawn(render, ran);
     enlivenGround(render, run, focus, usesDepth);
@@ -213,13 +209,13 @@ Effect defocus() {
         numberParameter("liveliness", 0, 1, "0",
                         "stronger colours and brighter lights in what is out of focus"),
         choiceParameter("resolution", {"full", "preview"}, "full",
-                        "preview works on a smaller copy, with amount 1 and highlights 3"),
+                        "preview works on a smaller copy: faster, as strong, a little coarser"),
         choiceParameter(
             "subject", {"auto", "person", "none"}, "auto",
             "keeps people whole, by a network where one is installed: auto where there is a face, person "
             "also "
             "without one. A mask that is given takes its place; with person it counts for the depth as well"),
-        toggleParameter("useDepth", "true", "false blurs everything by one radius, as preview does")};
+        toggleParameter("useDepth", "true", "false blurs everything by one radius")};
     effect.gl = ZEL_OPTIONAL;
     effect.faces = ZEL_OPTIONAL;
     effect.mask = effect.depth = effect.depthOut = ZEL_OPTIONAL;

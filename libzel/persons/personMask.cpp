@@ -197,7 +197,10 @@ std::optional<Subject> findSubject(ConstImageView picture, const FaceSet& faces,
             Subject subject;
             subject.ofFaces = subjectFaces(faces, depth, focus);
             keepSubject(shares.view(), faces, subject.ofFaces, depth, focus);
-            if (!faces.faces.empty()) settleByDepth(shares.view(), facesOf(subject, faces), depth);
+            if (const FaceSet own = facesOf(subject, faces); !own.faces.empty()) {
+                settleByDepth(shares.view(), own, depth);
+                dropForeground(shares.view(), own, depth);
+            }
             const float* const end = shares.data() + shares.size();
             if (std::none_of(std::as_const(shares).data(), end, [](float s) { return s >= 0.5f; })) {
                 reason = "nobody is in the focus";

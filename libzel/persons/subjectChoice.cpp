@@ -6,6 +6,7 @@
 #include <limits>
 #include <utility>
 
+#include "bokeh/focusDecision.h"
 #include "zellab/imageproc/core/ownedImage.h"
 #include "zellab/imageproc/core/parallelRows.h"
 #include "zellab/imageproc/masks/regionLabelling.h"
@@ -260,6 +261,19 @@ void keepSubject(PlaneView<float> shares, const FaceSet& faces, const std::vecto
     cells.dropOthers(faces, ofSubject);
     const bool anybody = cells.dropParts(faces, ofSubject, focus, true);
     multiply(shares, anybody ? cells.kept() : PlaneView<const Byte>());
+}
+
+void dropForeground(PlaneView<float> shares, const FaceSet& faces, PlaneView<const Byte> depth) {
+    int level = 0;
+    for (const Face& face : faces.faces) level = std::max(level, depthOf(face, depth));
+    const int nearest = static_cast<int>(zellab::Bokeh::nearestSharp(level));
+    Plane<Byte> scaled(shares.width, shares.height);
+    if (nearest >= 255 || !scalePlane(depth, scaled.view(), zellab::YuvFilter::bilinear)) return;
+    zellab::parallelRows(shares.height, [&](int begin, int end) {
+        for (int y = begin; y < end; ++y)
+            for (int x = 0; x < shares.width; ++x)
+                if (scaled.row(y)[x] > nearest) shares.row(y)[x] = 0;
+    });
 }
 
 void settleByDepth(PlaneView<float> shares, const FaceSet& faces, PlaneView<const Byte> depth) {

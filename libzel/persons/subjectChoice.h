@@ -46,6 +46,12 @@ void keepPeopleOf(const FaceSet& faces, zellab::PlaneView<float> shares);
 void keepSubject(zellab::PlaneView<float> shares, const FaceSet& faces, const std::vector<bool>& ofSubject,
                  zellab::PlaneView<const zellab::Byte> depth, std::optional<zellab::Vector2f> focus);
 
+/// Takes from a person mask what lies so far before the subject that it is out of focus: leaves, a counter, a railing,
+/// which the person network takes for the person. What the subject holds lies in its own plane.
+/// @param faces  the subject's, one at least
+void dropForeground(zellab::PlaneView<float> shares, const FaceSet& faces,
+                    zellab::PlaneView<const zellab::Byte> depth);
+
 /// Lets depth decide where the network is unsure: what is as near as the subject joins it, what lies far behind does
 /// not. What the network is sure of stays, whatever its depth.
 /// @param faces  the subject's, one at least

@@ -19,7 +19,18 @@ struct BlurStrength {
 /// @param resolutionFactor  above 0; below 1 works on a smaller picture, which is never made shorter than 720
 /// @param blurLevel         0..100
 /// @param hasFocusPoints    whether faces were given; without any the blur is weaker
+/// @param inProportion      the radius is the same share of every picture's longer side; otherwise it is smaller where
+///                          the working picture is the picture itself
 BlurStrength computeBlurStrength(int width, int height, float resolutionFactor, int blurLevel,
-                                 bool hasFocusPoints);
+                                 bool hasFocusPoints, bool inProportion = false);
+
+/// The factor with which a blur whose largest radius has so many pixels of the picture comes out as strong at every
+/// size: a coarser working picture than the factor's own where that many working pixels would be too many to blur
+/// over, else a slightly finer one, in which the radius is a whole number of pixels.
+float factorInProportion(int width, int height, float resolutionFactor, float largestRadius);
+
+/// Working pixels of the radius that are left out, since what is that little out of focus looks sharp: the same
+/// share of every picture.
+float unseenRadius(const BlurStrength& strength);
 
 }  // namespace zellab::Bokeh

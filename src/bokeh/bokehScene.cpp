@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <optional>
 #include <utility>
 
 #include "bokeh/blurStrength.h"
@@ -23,6 +24,7 @@ constexpr float kSmoothFromRatio = 2.0f;  // from here on the working picture is
 constexpr float kGuideEpsilon = 0.1f;
 constexpr float kGuideScale = 4.0f;
 constexpr int kHairGuideRadius = 2, kDisparityGuideRadius = 1;
+constexpr float kForegroundInProportion = 0.5f;
 constexpr int kSharpRadius = 2;  // pixels of the picture; a focus point with more is out of focus
 
 float limitedFraction(float fraction) {
@@ -47,6 +49,7 @@ struct BokehScene::Frame {
     Plane<Byte> hair, kernel;
     RgbaImage small;
     DisparityMap disparityMap;
+    std::optional<FocusBand> band;
     Plane<Byte> disparity;    // of the working picture; without depth one plane of zeros
     Plane<Byte> radiusPlane;  // working pixels for the convolution, then pixels of the picture
 
@@ -54,6 +57,26 @@ struct BokehScene::Frame {
     int smallHeight() const { return strength.smallHeight; }
     /// Whether any hair keeps the photograph.
     bool hasHair() const { return !job.constantRadius && job.hairMask.valid(); }
+    /// Where it is decided, the strength is fitted to it.
+    const FocusBand& focusBand() {
+        if (!band) {
+            const FocusPoint focus{limitedFraction(job.focus.y), limitedFraction(job.focus.x)};
+            band = decideFocus(disparityMap, job.focusPoints, focus, strength);
+        }
+        return *band;
+    }
+    RadiusRule rule() const {
+        return job.inProportion ? RadiusRule{.inProportion = true, .foregroundSlope = kForegroundInProportion}
+                                : RadiusRule();
+    }
+    float smallBlurRadius() const {
+        // The size of a photograph of 12 megapixels, for which it was chosen.
+        constexpr float kUsualShortSide = 3024.0f;
+        const auto side = static_cast<float>(std::min(job.source.width, job.source.height));
+        return job.inProportion ? kSmallBlurRadius * std::min(side / kUsualShortSide, 1.0f)
+                                : kSmallBlurRadius;
+    }
+    void computeStrength();
     void fillRadii(const std::array<Byte, 256>& table) {
         std::transform(disparity.data(), disparity.data() + disparity.size(), radiusPlane.data(),
                        [&](Byte value) { return table[value]; });
@@ -83,9 +106,7 @@ RenderOutcome BokehScene::draw(const RenderJob& job) {
     if (const RenderOutcome began = m_passes->begin(job.source); began != RenderOutcome::drawn) return began;
     Frame frame(job);
     prepareKernel(frame);
-    frame.strength = computeBlurStrength(job.source.width, job.source.height,
-                                         job.resolutionFactor > 0.0f ? job.resolutionFactor : 1.0f,
-                                         job.blurLevel, !job.focusPoints.empty());
+    frame.computeStrength();
     sceneLog().debug("scale_factor: %.8f", static_cast<double>(frame.strength.scaleFactor));
     sceneLog().debug("scale ratio: %.8f", static_cast<double>(frame.strength.scaleRatio));
     prepareHair(frame);
@@ -98,8 +119,25 @@ RenderOutcome BokehScene::draw(const RenderJob& job) {
     frame.logFocusPoints();
     return m_passes->compose({.radius = frame.radiusPlane.view(),
                               .scaleRatio = frame.strength.scaleRatio,
-                              .hair = frame.hair.view()},
+                              .hair = frame.hair.view(),
+                              .smallBlurRadius = frame.smallBlurRadius()},
                              job.target);
+}
+
+void BokehScene::Frame::computeStrength() {
+    const int width = job.source.width, height = job.source.height;
+    const auto withFactor = [&](float factor) {
+        return computeBlurStrength(width, height, factor, job.blurLevel, !job.focusPoints.empty(),
+                                   job.inProportion);
+    };
+    const float factor = job.resolutionFactor > 0.0f ? job.resolutionFactor : 1.0f;
+    strength = withFactor(factor);
+    if (!job.inProportion) return;
+    const float largest =
+        job.constantRadius ? strength.radius : largestRadius(disparityMap, focusBand(), strength, rule());
+    const float fitted = strength.radiusPerDisparity;
+    strength = withFactor(factorInProportion(width, height, factor, largest));
+    strength.radiusPerDisparity = fitted;  // pixels of the picture
 }
 
 void BokehScene::prepareKernel(Frame& frame) {
@@ -132,7 +170,7 @@ void BokehScene::prepareRadii(Frame& frame) {
     frame.disparity = Plane<Byte>(width, height);
     frame.radiusPlane = Plane<Byte>(width, height);
     if (frame.job.constantRadius) {
-        frame.radii = constantRadii(frame.strength);
+        frame.radii = constantRadii(frame.strength, frame.rule());
     } else {
         if (const DisparityMap& map = frame.disparityMap; !map.isEmpty()) {
             const bool shrinks = width < map.width() || height < map.height();
@@ -140,9 +178,8 @@ void BokehScene::prepareRadii(Frame& frame) {
             GuidedFilterPlane(frame.disparity.view(), frame.small.view(), kDisparityGuideRadius,
                               kGuideEpsilon, kGuideScale);
         }
-        const FocusPoint focus{limitedFraction(frame.job.focus.y), limitedFraction(frame.job.focus.x)};
-        const FocusBand band = decideFocus(frame.disparityMap, frame.job.focusPoints, focus, frame.strength);
-        frame.radii = radiiByDepth(frame.disparityMap, band, frame.strength);
+        const FocusBand& band = frame.focusBand();
+        frame.radii = radiiByDepth(frame.disparityMap, band, frame.strength, frame.rule());
     }
     frame.fillRadii(frame.radii.working);
 }

@@ -20,6 +20,8 @@ struct RenderJob {
     FocusPoint focus;               ///< limited to 0..1; NaN counts as the middle
     float resolutionFactor = 1.0f;  ///< below 1 works on a smaller picture; what isn't above 0 counts as 1
     int blurLevel = 20;             ///< 0..100
+    bool inProportion =
+        false;  ///< the blur is the same share of a picture of any size: previews show what comes
     Look look;
     BokehType type = kStripBokeh;
     bool spin = false;

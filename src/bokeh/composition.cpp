@@ -24,8 +24,6 @@ namespace {
 /// The size of a photograph of 12 megapixels that the small blur's distances are made for, pixels.
 constexpr float kUsualShortSide = 3024.0f;
 constexpr float kRadiusTapStep = 3.0f;  // pixels of such a photograph
-/// Radii up to which the small blur serves alone, and from which the working picture does, pixels.
-constexpr float kSmallAlone = 4.0f, kSoftAlone = 12.0f;
 constexpr float kSmallReachOfRadius = 0.5f, kLargestSmallReach = 4.0f;
 
 /// Colours in whole numbers: a level is 1 << kFineBits.
@@ -60,6 +58,8 @@ struct Shared {
         : source(from),
           ratio(static_cast<float>(std::min(from.photograph.width, from.photograph.height)) /
                 kUsualShortSide),
+          smallAlone(0.5f * from.smallBlurRadius),
+          softAlone(1.5f * from.smallBlurRadius),
           columns(from.photograph.width, from.radius.width, radiusSpacing(), smallSpacing()),
           rows(from.photograph.height, from.radius.height, radiusSpacing(), smallSpacing()),
           bounds(boundsAround(from.radius, std::max(columns.reach(), rows.reach()))),
@@ -71,6 +71,8 @@ struct Shared {
 
     const CompositionSource& source;
     float ratio;
+    float smallAlone,
+        softAlone;  // radii up to which the small blur serves alone, and from which it doesn't, pixels
     CompositionAxis columns, rows;
     RadiusBounds bounds;
     CompositionTaps taps;
@@ -154,7 +156,7 @@ void RowComposer::composeRun(int x, int count, Byte* target) {
     // Whatever the radius is in between, it changes nothing there.
     if (most == 0)
         std::memcpy(target, photograph() + at(x), static_cast<std::size_t>(at(count)));
-    else if (static_cast<float>(least) >= kSoftAlone &&
+    else if (static_cast<float>(least) >= m_shared.softAlone &&
              static_cast<float>(least) >= kAlike * static_cast<float>(most))
         softRun(x, count, target);
     else
@@ -464,7 +466,7 @@ void RowComposer::mixedRun(int x, int count, bool level, Byte* target) {
     }
     bool anySmall = false, anySoft = false;
     for (int i = 0; i < kRun; ++i) {
-        run.share[i] = smoothstep(kSmallAlone, kSoftAlone, run.radius[i]);
+        run.share[i] = smoothstep(m_shared.smallAlone, m_shared.softAlone, run.radius[i]);
         run.gain[i] = 1.0f;
         anySmall = anySmall || (run.radius[i] > 0.0f && run.share[i] < 1.0f);
         anySoft = anySoft || run.share[i] > 0.0f;

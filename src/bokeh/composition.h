@@ -2,6 +2,7 @@
 
 #include "bokeh/grainMap.h"
 #include "bokeh/noiseTile.h"
+#include "bokeh/renderPasses.h"
 #include "zellab/imageproc/core/imageView.h"
 
 namespace zellab::Bokeh {
@@ -13,6 +14,7 @@ struct CompositionSource {
     PlaneView<const Byte> radius;  // of the blur in pixels of the photograph, a byte a working pixel
     float scaleRatio = 1.0f;       // the photograph's pixels across a working pixel
     PlaneView<const Byte> hair;    // of half the photograph's size; none: no hair keeps the photograph
+    float smallBlurRadius = kSmallBlurRadius;
     const GrainMap* grain = nullptr;
     const NoiseTile* noise = nullptr;
 };

@@ -73,6 +73,10 @@ void fitToPoint(const FocusBand& band, BlurStrength& strength) {
 
 }  // namespace
 
+float nearestSharp(int disparity) {
+    return endsAround(static_cast<float>(disparity), kFaceDepth).highest;
+}
+
 FocusBand decideFocus(const DisparityMap& map, const std::vector<FocusPoint>& faces, FocusPoint focus,
                       BlurStrength& strength) {
     const PlaneView<const Byte> disparity = map.view();

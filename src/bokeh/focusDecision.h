@@ -15,6 +15,9 @@ struct FocusBand {
     int highest = 255;    ///< the near end, 0..255
 };
 
+/// The near end of the band that is sharp with a face of that disparity.
+float nearestSharp(int disparity);
+
 /// Decides what is in focus from the medians of the disparity around the faces and around the focus point,
 /// and fits `strength.radiusPerDisparity` to the band.
 /// @param disparity  as the host gave it, in its own size: the working picture's size, which the resolution

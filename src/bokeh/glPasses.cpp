@@ -93,7 +93,8 @@ RenderOutcome GlPasses::compose(const ComposePass& pass, const ImageView& target
                                        .radius = radius,
                                        .kernel = m_kernel,
                                        .grain = makeGrainTexture(grainMap(m_source))};
-    bool composed = Bokeh::compose(m_shaders, textures, kDispersion, pass.scaleRatio, out);
+    bool composed =
+        Bokeh::compose(m_shaders, textures, kDispersion, pass.scaleRatio, pass.smallBlurRadius, out);
     // Without hair the blend would only copy the picture, which takes a sixth of a render in software.
     if (pass.hair.valid())
         composed = composed && composeHair(m_shaders, out, planeTexture(pass.hair), m_photograph);

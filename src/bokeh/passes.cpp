@@ -53,10 +53,9 @@ bool smoothCopy(ShaderCache& cache, const Texture2D& source, const Texture2D& ta
 }
 
 bool compose(ShaderCache& cache, const CompositionTextures& textures, float dispersion, float scaleRatio,
-             const Texture2D& target) {
+             float smallBlurRadius, const Texture2D& target) {
     // The size of a photograph of 12 megapixels that the small blur's distances are made for.
     constexpr float kUsualShortSide = 3024.0f;
-    constexpr float kSmallBlurRadius = 8.0f;  // pixels
     constexpr int kRadiusTaps = 2, kRadiusTapStep = 3;
     constexpr float kRadiusColourThreshold = 0.4f;
     // Photograph pixels that one repetition of the noise covers.
@@ -68,7 +67,7 @@ bool compose(ShaderCache& cache, const CompositionTextures& textures, float disp
     setPixelSize(program, "reso", target);
     setPixelSize(program, "radius_reso", textures.radius)
         .setVec2("noise_scale", w / kNoiseAcross, h / kNoiseDown)
-        .setInt("RTH", static_cast<int>(std::lround(kSmallBlurRadius)))
+        .setFloat("RTH", smallBlurRadius)
         .setInt("bf_radius", kRadiusTaps)
         .setInt("bf_step", kRadiusTapStep)
         .setFloat("bf_threshold", kRadiusColourThreshold)

@@ -74,7 +74,7 @@ Texture2D makeGrainTexture(const GrainMap& map);
 /// The photograph, its small blurs and the soft picture by the radius, with the photograph's grain.
 /// `dispersion` is a share of the radius, `scaleRatio` the photograph's pixels across a working pixel.
 bool compose(ShaderCache& cache, const CompositionTextures& textures, float dispersion, float scaleRatio,
-             const Texture2D& target);
+             float smallBlurRadius, const Texture2D& target);
 
 /// Blends the composed picture over the photograph, which keeps the share of the hair mask.
 /// Both must be of one size.

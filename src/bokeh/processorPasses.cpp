@@ -75,6 +75,7 @@ RenderOutcome ProcessorPasses::compose(const ComposePass& pass, const ImageView&
                     .radius = pass.radius,
                     .scaleRatio = pass.scaleRatio,
                     .hair = pass.hair,
+                    .smallBlurRadius = pass.smallBlurRadius,
                     .grain = &grain,
                     .noise = &m_noise},
                    target);

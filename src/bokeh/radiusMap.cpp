@@ -9,9 +9,21 @@
 namespace zellab::Bokeh {
 namespace {
 
-constexpr float kForegroundSlope = 0.2f;  // of the blur in front of the band, against its slope behind it
-constexpr int kSharpRadius = 2;           // working pixels that the eye doesn't see
-constexpr float kStretch = 1.2f;          // bends the background's radii where no face is in focus
+constexpr int kSharpRadius = 2;   // working pixels that the eye doesn't see
+constexpr float kStretch = 1.2f;  // bends the background's radii where no face is in focus
+
+/// Of the slope behind the band: the nearer the band, the less.
+float gainBehind(const FocusBand& band) {
+    return (1.0f - static_cast<float>(band.lowest) / 255.0f) * 0.5f + 0.8f;
+}
+
+/// Steps of disparity from the band to the farthest and to the nearest, 1 at least.
+float stepsBehind(const DisparityMap& map, const FocusBand& band) {
+    return static_cast<float>(std::max(1, band.lowest - map.minimum()));
+}
+float stepsBefore(const DisparityMap& map, const FocusBand& band) {
+    return static_cast<float>(std::max(1, map.maximum() - band.highest));
+}
 
 /// Lowers the slope to where the disparity that lies `steps` outside the band reaches the largest radius.
 float limitSlope(float slope, float steps, float gain) {
@@ -21,8 +33,10 @@ float limitSlope(float slope, float steps, float gain) {
     return limited;
 }
 
-Byte workingByte(float radius) {
-    return static_cast<Byte>(std::max(static_cast<int>(radius) - kSharpRadius, 0));
+Byte workingByte(float radius, const BlurStrength& strength, const RadiusRule& rule) {
+    const int seen = rule.inProportion ? static_cast<int>(std::lround(radius - unseenRadius(strength)))
+                                       : static_cast<int>(radius) - kSharpRadius;
+    return static_cast<Byte>(std::max(seen, 0));
 }
 
 Byte fullByte(float radius, float ratio) {
@@ -31,20 +45,20 @@ Byte fullByte(float radius, float ratio) {
 
 }  // namespace
 
-RadiusTables radiiByDepth(const DisparityMap& map, const FocusBand& band, const BlurStrength& strength) {
+RadiusTables radiiByDepth(const DisparityMap& map, const FocusBand& band, const BlurStrength& strength,
+                          const RadiusRule& rule) {
     sceneLog().debug("compute filter radius and alpha mask");
     sceneLog().debug("minimum_disparity = %d", band.lowest);
-    const float backgroundGain = (1.0f - static_cast<float>(band.lowest) / 255.0f) * 0.5f + 0.8f;
+    const float backgroundGain = gainBehind(band);
     float slope = strength.radiusPerDisparity / strength.ratio;
     sceneLog().debug("blur ratio is %f", static_cast<double>(slope));
-    slope = limitSlope(slope, static_cast<float>(std::max(1, band.lowest - map.minimum())), backgroundGain);
-    slope =
-        limitSlope(slope, static_cast<float>(std::max(1, map.maximum() - band.highest)), kForegroundSlope);
+    slope = limitSlope(slope, stepsBehind(map, band), backgroundGain);
+    slope = limitSlope(slope, stepsBefore(map, band), rule.foregroundSlope);
 
     std::array<float, 256> front{}, back{};
     for (int i = 0; i < 256; ++i) {
         const int steps = i < band.lowest ? band.lowest - i : std::max(i - band.highest, 0);
-        front[static_cast<std::size_t>(i)] = static_cast<float>(steps) * slope * kForegroundSlope;
+        front[static_cast<std::size_t>(i)] = static_cast<float>(steps) * slope * rule.foregroundSlope;
         back[static_cast<std::size_t>(i)] = static_cast<float>(steps) * slope * backgroundGain;
     }
     if (!band.onFace) {
@@ -63,17 +77,21 @@ RadiusTables radiiByDepth(const DisparityMap& map, const FocusBand& band, const 
     sceneLog().debug("max search radius: %f", static_cast<double>(tables.largest));
     for (std::size_t i = 0; i < 256; ++i) {
         const float radius = std::min(static_cast<int>(i) < band.lowest ? back[i] : front[i], tables.largest);
-        tables.working[i] = workingByte(radius);
+        tables.working[i] = workingByte(radius, strength, rule);
         tables.full[i] = fullByte(radius, strength.ratio);
     }
     return tables;
 }
 
-RadiusTables constantRadii(const BlurStrength& strength) {
-    const float radius = std::max(
-        std::min(strength.radius / strength.ratio, kLargestWorkingRadius) - static_cast<float>(kSharpRadius),
-        0.0f);
-    const auto pixels = static_cast<float>(static_cast<int>(radius));
+float largestRadius(const DisparityMap& map, const FocusBand& band, const BlurStrength& strength,
+                    const RadiusRule& rule) {
+    return strength.radiusPerDisparity *
+           std::max(stepsBehind(map, band) * gainBehind(band), stepsBefore(map, band) * rule.foregroundSlope);
+}
+
+RadiusTables constantRadii(const BlurStrength& strength, const RadiusRule& rule) {
+    const float bounded = std::min(strength.radius / strength.ratio, kLargestWorkingRadius);
+    const auto pixels = static_cast<float>(workingByte(bounded, strength, rule));
     RadiusTables tables;
     tables.largest = pixels;
     tables.working.fill(static_cast<Byte>(pixels));

@@ -18,6 +18,10 @@ enum BokehType : std::int16_t {
     kFreeBokeh = 1,   ///< one kernel of 300 by 300
 };
 
+/// Pixels of the photograph up to which its own small blurs serve rather than the working picture's, half of them
+/// alone, and from half as many more not at all.
+inline constexpr float kSmallBlurRadius = 8.0f;
+
 /// The working picture and how it is blurred.
 struct BlurPass {
     ConvolutionSource convolution;  // its kernel in the size of the type; none where there is no such type
@@ -31,6 +35,7 @@ struct ComposePass {
     PlaneView<const Byte> radius;  // of the blur in pixels of the photograph, a byte a working pixel
     float scaleRatio = 1.0f;       // the photograph's pixels across a working pixel
     PlaneView<const Byte> hair;    // of half the photograph's size; none: no hair keeps the photograph
+    float smallBlurRadius = kSmallBlurRadius;
 };
 
 /// The drawing steps of one render, which OpenGL or the processor takes. The scene calls each once, in this

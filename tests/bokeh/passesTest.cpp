@@ -28,7 +28,7 @@ protected:
                                            planeTexture(w, h, radius.data()),
                                            {},
                                            makeGrainTexture(grainMap({photograph.data(), width, height}))};
-        EXPECT_TRUE(compose(cache, textures, 0.0f, 2.0f, target));
+        EXPECT_TRUE(compose(cache, textures, 0.0f, 2.0f, kSmallBlurRadius, target));
         return readRgba(target);
     }
 };

@@ -112,6 +112,21 @@ TEST(SubjectChoice, DepthDecidesWhereTheNetworkIsUnsureAlone) {
     EXPECT_LT(shares.row(60)[5], 0.3f);
 }
 
+TEST(SubjectChoice, WhatStandsFarBeforeTheSubjectIsNobodysAndWhatItHoldsStays) {
+    const auto left = [](unsigned char face, unsigned char before) {
+        People people;
+        people.add({40, 20, 20, 20}, face);
+        fill(people.depth, {0, 60, kWidth, 20}, before);  // a counter, or a guitar
+        fill(people.shares, {0, 60, kWidth, 20}, 1.0f);
+        zel::dropForeground(people.shares.view(), people.faces, people.depth.view());
+        EXPECT_EQ(people.shares.row(50)[50], 1) << "the person";
+        return people.shares.row(70)[50];
+    };
+    EXPECT_EQ(left(150, 230), 0);
+    EXPECT_EQ(left(150, 180), 1) << "within reach of the arm";
+    EXPECT_EQ(left(235, 255), 1) << "as estimated depth has it, where a person is the nearest of all";
+}
+
 TEST(SubjectDepth, RaisesTheSubjectToItsNearestFaceAndLowersWhatTheMaskDrewForward) {
     People people;
     people.add({20, 20, 20, 20}, 90);

@@ -28,6 +28,7 @@ struct RunRequest {
     int blurLevel;
     zellab::Bokeh::Look look;
     bool useDepth, useHairMask, hasCurrentContext;
+    bool inProportion = false;  // the blur is the same share of a picture of any size
 };
 
 /// The steps of a render that need its members.

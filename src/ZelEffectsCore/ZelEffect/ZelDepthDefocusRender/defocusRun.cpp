@@ -140,6 +140,7 @@ bool DefocusInternals::run(ZelDepthDefocusRender& render, const RunRequest& requ
                      .focus = request.focus,
                      .resolutionFactor = request.resolutionFactor,
                      .blurLevel = request.blurLevel,
+                     .inProportion = request.inProportion,
                      .look = request.look,
                      .type = zellab::Bokeh::kStripBokeh,
                      .spin = render.m_spin != 0,
