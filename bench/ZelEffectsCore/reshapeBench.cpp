@@ -1,5 +1,6 @@
-// The reshapers beside a bilinear remap of the box that they change, its map made beforehand. The remap reads
-// and writes every pixel of the box; the reshapers sample with sixteen taps, but only what moves.
+// The reshapers beside remaps of the box that they change, the map made beforehand: a bilinear one, and a
+// bicubic one, which takes sixteen taps a pixel as the reshapers do. The remaps read and write every pixel of
+// the box, the reshapers only what moves.
 #include <algorithm>
 #include <opencv2/imgproc.hpp>
 
@@ -44,7 +45,7 @@ cv::Rect meshBox(const zellab::CInterFacePoint& points, Size size) {
     return box & cv::Rect(0, 0, size.width, size.height);
 }
 
-void remapBox(benchmark::State& state, Size size, const cv::Rect& box) {
+void remapBox(benchmark::State& state, Size size, const cv::Rect& box, int taps) {
     auto pixels = zelbench::benchRgba(size);
     const cv::Mat picture(size.height, size.width, CV_8UC4, pixels.data());
     cv::Mat target(box.size(), CV_8UC4), mapX(box.size(), CV_32F), mapY(box.size(), CV_32F);
@@ -58,7 +59,7 @@ void remapBox(benchmark::State& state, Size size, const cv::Rect& box) {
             mapY.at<float>(y, x) = static_cast<float>(box.y + y) - dy * pull * static_cast<float>(box.height);
         }
     for (auto _ : state) {
-        cv::remap(picture, target, mapX, mapY, cv::INTER_LINEAR, cv::BORDER_REPLICATE);
+        cv::remap(picture, target, mapX, mapY, taps, cv::BORDER_REPLICATE);
         benchmark::ClobberMemory();
     }
     state.counters["MP/s"] = benchmark::Counter(static_cast<double>(state.iterations()) * box.area() / 1e6,
@@ -78,12 +79,12 @@ void BM_autoSlimFace(benchmark::State& state) {
                            benchmark::Counter::kIsRate);
 }
 
-void BM_autoSlimFaceRemap(benchmark::State& state) {
+void BM_autoSlimFaceRemap(benchmark::State& state, int taps) {
     const Size size = zelbench::sizeOf(state.range(0));
     cv::setNumThreads(static_cast<int>(state.range(1)));
     zellab::CInterFacePoint points;
     addFace(size, points);
-    remapBox(state, size, meshBox(points, size));
+    remapBox(state, size, meshBox(points, size), taps);
 }
 
 void BM_autoZoomEye(benchmark::State& state) {
@@ -116,10 +117,10 @@ void BM_bulge(benchmark::State& state) {
 void BM_push(benchmark::State& state) {
     stroke(state, 2, kBrush);
 }
-void BM_bulgeRemap(benchmark::State& state) {
+void BM_bulgeRemap(benchmark::State& state, int taps) {
     const Size size = zelbench::sizeOf(state.range(0));
     cv::setNumThreads(static_cast<int>(state.range(1)));
-    remapBox(state, size, {size.width / 2 - kBrush, size.height / 2 - kBrush, 2 * kBrush, 2 * kBrush});
+    remapBox(state, size, {size.width / 2 - kBrush, size.height / 2 - kBrush, 2 * kBrush, 2 * kBrush}, taps);
 }
 
 void reshapeRow(benchmark::internal::Benchmark* row) {
@@ -127,10 +128,20 @@ void reshapeRow(benchmark::internal::Benchmark* row) {
     row->Unit(benchmark::kMillisecond)->UseRealTime();
 }
 BENCHMARK(BM_autoSlimFace)->Name("auto_slim_face/zel")->Apply(reshapeRow);
-BENCHMARK(BM_autoSlimFaceRemap)->Name("auto_slim_face/opencv_remap_of_the_box")->Apply(reshapeRow);
+BENCHMARK_CAPTURE(BM_autoSlimFaceRemap, linear, cv::INTER_LINEAR)
+    ->Name("auto_slim_face/opencv_remap_of_the_box")
+    ->Apply(reshapeRow);
+BENCHMARK_CAPTURE(BM_autoSlimFaceRemap, cubic, cv::INTER_CUBIC)
+    ->Name("auto_slim_face/opencv_cubic_remap_of_the_box")
+    ->Apply(reshapeRow);
 BENCHMARK(BM_autoZoomEye)->Name("auto_zoom_eye/zel")->Apply(reshapeRow);
 BENCHMARK(BM_bulge)->Name("liquify_bulge/zel")->Apply(reshapeRow);
-BENCHMARK(BM_bulgeRemap)->Name("liquify_bulge/opencv_remap_of_the_box")->Apply(reshapeRow);
+BENCHMARK_CAPTURE(BM_bulgeRemap, linear, cv::INTER_LINEAR)
+    ->Name("liquify_bulge/opencv_remap_of_the_box")
+    ->Apply(reshapeRow);
+BENCHMARK_CAPTURE(BM_bulgeRemap, cubic, cv::INTER_CUBIC)
+    ->Name("liquify_bulge/opencv_cubic_remap_of_the_box")
+    ->Apply(reshapeRow);
 BENCHMARK(BM_push)->Name("liquify_push/zel")->Apply(reshapeRow);
 
 }  // namespace

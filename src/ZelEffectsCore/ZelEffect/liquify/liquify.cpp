@@ -47,7 +47,7 @@ void CLiquify::apply(int x1, int y1, int x2, int y2, int mode) {
     if (!inside(y1, m_image.height) || !inside(y2, m_image.height)) return;
     m_strokeStrength = std::fabs(m_strength);
     m_mode = m_strength < 0.0f ? static_cast<int>(kPinch) : mode;
-    buildFalloff();
+    buildFactors();
     if (m_mode == kPush) {
         applyPath(x1, y1, x2, y2);
     } else {
@@ -56,21 +56,59 @@ void CLiquify::apply(int x1, int y1, int x2, int y2, int mode) {
     draw();
 }
 
-/// falloff[i] = ((cos(sqrt(i / radius) * pi) + 1) / 2) ^ 0.7. Only as far as an offset inside the picture can
-/// reach, so that a radius beyond the picture costs nothing.
-void CLiquify::buildFalloff() {
+/// By which share of its offset from the brush a cell may read outside its own place.
+double CLiquify::outwardShare() const {
+    switch (m_mode) {
+        case kPinch:
+            return kBulgeShare;
+        case kTwirl:
+        case kCounterTwirl:
+            return static_cast<double>(kTwirlShare);
+        default:
+            return 0.0;
+    }
+}
+
+/// falloff[i] = ((cos(sqrt(i / radius) * pi) + 1) / 2) ^ 0.7, and with it the factor of the mode, in the
+/// precision of each. Only as far as an offset inside the picture can reach, so that a radius beyond the
+/// picture costs nothing.
+void CLiquify::buildFactors() {
     const std::int64_t dx = m_image.width - 1, dy = m_image.height - 1;
     const auto entries = std::min<std::int64_t>(m_radius, (dx * dx + dy * dy) / m_radius + 1);
-    m_falloff.resize(static_cast<std::size_t>(entries));
-    for (std::size_t i = 0; i < m_falloff.size(); ++i) {
+    m_factors.resize(static_cast<std::size_t>(entries));
+    for (std::size_t i = 0; i < m_factors.size(); ++i) {
         const float share = static_cast<float>(i) / static_cast<float>(m_radius);
         const double cosine = std::cos(std::sqrt(static_cast<double>(share)) * std::numbers::pi);
-        m_falloff[i] = static_cast<float>(std::pow((cosine + 1.0) * 0.5, kFalloffPower));
+        const auto falloff = static_cast<float>(std::pow((cosine + 1.0) * 0.5, kFalloffPower));
+        float& factor = m_factors[i];
+        switch (m_mode) {
+            case kBulge:
+            case kPinch:
+                factor = static_cast<float>(static_cast<double>(falloff) * kBulgeShare *
+                                            static_cast<double>(m_strokeStrength));
+                break;
+            case kRestore:
+                factor = 1.0f - falloff * m_strokeStrength * kRestoreShare;
+                break;
+            case kTwirl:
+            case kCounterTwirl:
+                factor = falloff * m_strokeStrength * kTwirlShare;
+                break;
+            default:
+                factor = falloff * m_strokeStrength;
+        }
     }
 }
 
 void CLiquify::applyOnce(int x, int y) {
-    const std::int64_t r = m_radius, reach = 2 * r;
+    // What the cells read, with the taps beside it. A strength above 100 may reach farther: then the taps are
+    // clamped to twice the radius.
+    constexpr std::int64_t kTaps = 3;
+    const std::int64_t r = m_radius;
+    const std::int64_t reach =
+        m_strokeStrength > 1.0f
+            ? 2 * r
+            : std::min(2 * r, r + static_cast<std::int64_t>(outwardShare() * m_radius) + kTaps);
     const auto [left, width] = cut(x - r, x + r, m_image.width);
     const auto [top, height] = cut(y - r, y + r, m_image.height);
     const auto [snapLeft, snapWidth] = cut(x - reach, x + reach, m_image.width);
@@ -121,7 +159,7 @@ void CLiquify::prepare(const Area& field, const Area& snapshot) {
 }
 
 /// One step: every cell of the disc reads the field as it was before the step, so the new values wait in
-/// m_stepField until all are made. Cells outside the field's area (a long path of tiny steps may drift there
+/// m_stepField until all are made; an empty field is not read. Cells outside the field's area (a long path of tiny steps may drift there
 /// by rounding) are left out.
 void CLiquify::runStep(const Step& step) {
     struct Row {
@@ -142,6 +180,14 @@ void CLiquify::runStep(const Step& step) {
         rows.push_back({y, static_cast<int>(first), static_cast<int>(last - first + 1)});
         cells += static_cast<std::size_t>(rows.back().width);
     }
+    const auto cellsOf = [this](const Row& row) {
+        return m_field.view().row(row.y - m_fieldArea.top) + row.left - m_fieldArea.left;
+    };
+    if (m_fieldEmpty) {
+        for (const Row& row : rows) runStepRow(step, row.y, row.left, row.width, cellsOf(row));
+        m_fieldEmpty = false;
+        return;
+    }
     m_stepField.resize(cells);
     Vector2f* next = m_stepField.data();
     for (const Row& row : rows) {
@@ -150,11 +196,9 @@ void CLiquify::runStep(const Step& step) {
     }
     const Vector2f* made = m_stepField.data();
     for (const Row& row : rows) {
-        std::copy_n(made, row.width,
-                    m_field.view().row(row.y - m_fieldArea.top) + row.left - m_fieldArea.left);
+        std::copy_n(made, row.width, cellsOf(row));
         made += row.width;
     }
-    m_fieldEmpty = false;
 }
 
 void CLiquify::runStepRow(const Step& step, int y, int left, int width, Vector2f* out) const {
@@ -162,50 +206,45 @@ void CLiquify::runStepRow(const Step& step, int y, int left, int width, Vector2f
     std::int64_t dx = left - step.x;
     // index = (dx^2 + dy^2) / r, carried along the row with its remainder.
     std::int64_t index = (dx * dx + dy * dy) / r, rest = (dx * dx + dy * dy) % r;
-    for (int i = 0; i < width; ++i, ++dx) {
-        const float falloff = m_falloff[static_cast<std::size_t>(index)];
-        out[i] = displaced(step, static_cast<int>(dx), static_cast<int>(dy), falloff);
-        rest += 2 * dx + 1;
-        while (rest >= r) rest -= r, ++index;
-        while (rest < 0) rest += r, --index;
-    }
-}
-
-/// The new displacement of the cell at an offset from the brush.
-Vector2f CLiquify::displaced(const Step& step, int dx, int dy, float falloff) const {
-    const int x = step.x + dx, y = step.y + dy;
-    const auto cellX = static_cast<float>(x - m_fieldArea.left),
-               cellY = static_cast<float>(y - m_fieldArea.top);
-    if (m_mode == kRestore) {
-        const Vector2f u = fieldAt(cellX, cellY);
-        const float keep = 1.0f - falloff * m_strokeStrength * kRestoreShare;
-        return {u.x * keep, u.y * keep};
-    }
-    const Vector2f d = change(step, dx, dy, falloff);
-    if (m_fieldEmpty) return keptInside(d, x, y);
-    const Vector2f b = fieldAt(cellX + d.x, cellY + d.y);
-    return keptInside({b.x + d.x, b.y + d.y}, x, y);
-}
-
-Vector2f CLiquify::change(const Step& step, int dx, int dy, float falloff) const {
-    const auto x = static_cast<float>(dx), y = static_cast<float>(dy);
-    const auto bulge = static_cast<float>(static_cast<double>(falloff) * kBulgeShare *
-                                          static_cast<double>(m_strokeStrength));
-    const float push = falloff * m_strokeStrength;
-    const float twirl = falloff * m_strokeStrength * kTwirlShare;
+    const auto eachCell = [&](const auto& displacement) {
+        for (int i = 0; i < width; ++i, ++dx) {
+            out[i] =
+                displacement(left + i, static_cast<float>(dx), m_factors[static_cast<std::size_t>(index)]);
+            rest += 2 * dx + 1;
+            while (rest >= r) rest -= r, ++index;
+            while (rest < 0) rest += r, --index;
+        }
+    };
+    // Adds what the stroke changes, kept inside the picture.
+    const auto eachChange = [&](const auto& change) {
+        eachCell([&](int x, float across, float factor) {
+            const Vector2f d = change(across, factor);
+            if (m_fieldEmpty) return keptInside(d, x, y);
+            const Vector2f b = fieldAt(static_cast<float>(x - m_fieldArea.left) + d.x,
+                                       static_cast<float>(y - m_fieldArea.top) + d.y);
+            return keptInside({b.x + d.x, b.y + d.y}, x, y);
+        });
+    };
+    const auto down = static_cast<float>(dy);
     switch (m_mode) {
         case kBulge:
-            return {-x * bulge, -y * bulge};
+            return eachChange([=](float x, float f) { return Vector2f{-x * f, -down * f}; });
         case kPinch:
-            return {x * bulge, y * bulge};
+            return eachChange([=](float x, float f) { return Vector2f{x * f, down * f}; });
         case kPush:
-            return {step.vector.x * push, step.vector.y * push};
+            return eachChange([&](float, float f) { return Vector2f{step.vector.x * f, step.vector.y * f}; });
+        case kRestore:
+            return eachCell([&](int x, float, float keep) {
+                const Vector2f u = fieldAt(static_cast<float>(x - m_fieldArea.left),
+                                           static_cast<float>(y - m_fieldArea.top));
+                return Vector2f{u.x * keep, u.y * keep};
+            });
         case kTwirl:
-            return {-y * twirl, x * twirl};
+            return eachChange([=](float x, float f) { return Vector2f{-down * f, x * f}; });
         case kCounterTwirl:
-            return {y * twirl, -x * twirl};
+            return eachChange([=](float x, float f) { return Vector2f{down * f, -x * f}; });
         default:
-            return {};
+            return eachChange([](float, float) { return Vector2f{}; });
     }
 }
 

@@ -54,11 +54,10 @@ private:
     void applyOnce(int x, int y);
     void applyPath(int x1, int y1, int x2, int y2);
     void prepare(const Area& field, const Area& snapshot);
-    void buildFalloff();
+    double outwardShare() const;
+    void buildFactors();
     void runStep(const Step& step);
     void runStepRow(const Step& step, int y, int left, int width, Vector2f* out) const;
-    Vector2f displaced(const Step& step, int dx, int dy, float falloff) const;
-    Vector2f change(const Step& step, int dx, int dy, float falloff) const;
     Vector2f fieldAt(float x, float y) const;
     Vector2f keptInside(Vector2f u, int x, int y) const;
     void draw() const;
@@ -66,7 +65,7 @@ private:
     ImageView m_image;
     float m_strength = 0.0f;  // of the caller; the sign selects the mode
     int m_radius = 0;
-    std::vector<float> m_falloff;   // by (distance / radius)^2 in steps of 1 / radius
+    std::vector<float> m_factors;   // of the mode, by (distance / radius)^2 in steps of 1 / radius
     float m_strokeStrength = 0.3f;  // absolute strength of the stroke under way
     int m_mode = 2;
     Area m_fieldArea;

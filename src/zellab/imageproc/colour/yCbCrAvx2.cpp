@@ -46,21 +46,29 @@ ZEL_TARGET_AVX2 std::ptrdiff_t yCbCrPlanesAvx2(const Byte* rgba, Byte* y, Byte* 
 }
 
 ZEL_TARGET_AVX2 std::ptrdiff_t grayAvx2(const Byte* rgba, Byte* gray, std::ptrdiff_t count) {
-    constexpr int kOffsetConstant = 125;
-    static_assert(kOffsetConstant * (kGrayHalf / kOffsetConstant) == kGrayHalf);
-    const __m256i weights =
-        avx2::factors(kGrayFactors.red, kGrayFactors.green, kGrayFactors.blue, kGrayHalf / kOffsetConstant);
+    const __m256i redBlue = _mm256_set1_epi32(kGrayFactors.red | kGrayFactors.blue << 16);
+    const __m256i green = _mm256_set1_epi32(kGrayFactors.green), half = _mm256_set1_epi32(kGrayHalf);
+    const __m256i even = _mm256_set1_epi16(0xff);
+    // Eighths of the sums of eight pixels; they fit 16 bits.
+    const auto eighths = [&](const Byte* pixels) ZEL_TARGET_AVX2 {
+        const __m256i v = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(pixels));
+        const __m256i sum = _mm256_add_epi32(_mm256_madd_epi16(_mm256_and_si256(v, even), redBlue),
+                                             _mm256_madd_epi16(_mm256_srli_epi16(v, 8), green));
+        return _mm256_srli_epi32(_mm256_add_epi32(sum, half), 3);
+    };
     // Dividing by 1000: by 8, then by 125 as a product with 2^22 / 125, exact over the whole range.
-    const __m256i reciprocal = _mm256_set1_epi32(33555);
+    const __m256i reciprocal = _mm256_set1_epi16(static_cast<short>(33555));
+    const auto levels = [&](const Byte* pixels) ZEL_TARGET_AVX2 {
+        const __m256i words = _mm256_packus_epi32(eighths(pixels), eighths(pixels + 32));
+        return _mm256_srli_epi16(_mm256_mulhi_epu16(words, reciprocal), 6);
+    };
+    // The packs work half by half; this puts the groups of four bytes back in a row.
+    const __m256i order = _mm256_setr_epi32(0, 4, 1, 5, 2, 6, 3, 7);
     std::ptrdiff_t i = 0;
     for (; i <= count - 32; i += 32) {
-        __m256i levels[4];
-        for (int k = 0; k < 4; ++k) {
-            const avx2::WidePixels pixels = avx2::loadWide(rgba + 4 * (i + 8 * k), kOffsetConstant);
-            const __m256i eighths = _mm256_srli_epi32(avx2::dot(pixels, weights), 3);
-            levels[k] = _mm256_srli_epi32(_mm256_mullo_epi32(eighths, reciprocal), 22);
-        }
-        storeBytes(gray + i, levels);
+        const Byte* const pixels = rgba + 4 * i;
+        const __m256i packed = _mm256_packus_epi16(levels(pixels), levels(pixels + 64));
+        _mm256_storeu_si256(reinterpret_cast<__m256i*>(gray + i), _mm256_permutevar8x32_epi32(packed, order));
     }
     return i;
 }

@@ -4,71 +4,25 @@
 
 #include <algorithm>
 #include <array>
-#include <cmath>
 #include <cstdint>
+#include <cstdlib>
 #include <utility>
 #include <vector>
 
 #include "platform/simdLevel.h"
 #include "zellab/imageproc/core/ownedImage.h"
 #include "zellab/imageproc/core/parallelRows.h"
+#include "zellab/imageproc/edgeaware/surfaceBlurDirect.h"
+#include "zellab/imageproc/edgeaware/surfaceBlurParts.h"
 
 namespace zellab {
 
 namespace {
 
+using surface::Disc;
+using surface::Weights;
+
 constexpr int kMostRadius = 100, kMostThreshold = 100;
-constexpr int kLevels = 256;
-
-/// Weights by distance in value, as one symmetric row around distance 0, in whole vectors. The sum of value
-/// times weight is taken from the centre value c: sum(k * n) = c * sum(n) + sum((k - c) * n), and distance
-/// times weight fits 16 bits where value times weight does not. Distance 0 counts twice, once for the walk
-/// upward and once for the walk downward.
-struct Weights {
-    static constexpr int kVector = 16;
-
-    int reach;  // largest distance that counts; the row starts at -reach
-    std::vector<std::int16_t> weight, moment;
-
-    explicit Weights(int threshold) {
-        std::array<int, kLevels> byDistance{};
-        // Double precision, where a float step is single elsewhere: at the usual threshold of 10 every fifth
-        // weight ends on a whole number, and single precision falls one short of it.
-        const double step = 96.0 / threshold;
-        double value = 255.0;
-        int count = 0;
-        do {
-            byDistance[static_cast<std::size_t>(count++)] = static_cast<int>(value + 0.4);
-            value -= step;
-        } while (!(value < -0.4) && count < kLevels);
-        reach = count - 1;
-        const int length = (2 * reach + kVector) / kVector * kVector;
-        weight.resize(static_cast<std::size_t>(length));
-        moment.resize(weight.size());
-        for (int d = -reach; d <= reach; ++d) {
-            const int w = byDistance[static_cast<std::size_t>(std::abs(d))];
-            weight[static_cast<std::size_t>(d + reach)] = static_cast<std::int16_t>(d == 0 ? 2 * w : w);
-            moment[static_cast<std::size_t>(d + reach)] = static_cast<std::int16_t>(d * w);
-        }
-    }
-};
-
-/// The disc: dx and dy with |dx| <= half[|dy|]. It is the same along both axes.
-struct Disc {
-    int radius;
-    std::vector<int> half;
-
-    explicit Disc(int r) : radius(r) {
-        for (int d = 0; d <= r; ++d) half.push_back(extent(d, 0.0f));
-    }
-
-    /// Columns that row dy reaches to either side; `more` widens the disc before truncation.
-    int extent(int dy, float more) const {
-        const int square = ((2 * radius + 1) * (2 * radius + 1) + 2) >> 2;
-        const float reach = std::sqrt(static_cast<float>(square - dy * dy)) + more;
-        return static_cast<int>(std::min(reach, static_cast<float>(radius)));
-    }
-};
 
 /// Of three channels: the sums of the weights of counted values, and of these times their distances.
 struct Sums {
@@ -166,7 +120,7 @@ public:
     }
 
 private:
-    static constexpr std::size_t kRoom = kLevels + 2 * Weights::kVector;
+    static constexpr std::size_t kRoom = surface::kLevels + 2 * Weights::kVector;
 
     void change(const Byte* pixel, int by) {
         for (std::size_t c = 0; c < 3; ++c) {
@@ -175,7 +129,7 @@ private:
         }
     }
 
-    std::array<std::array<std::int16_t, kLevels + 2 * kRoom>, 3> m_counts{};
+    std::array<std::array<std::int16_t, surface::kLevels + 2 * kRoom>, 3> m_counts{};
 };
 
 class Blur {
@@ -191,7 +145,15 @@ public:
     }
 
     void run() {
-        const auto sweepBand = platform::pick(platform::simdLevel(), &Blur::sweepPlain, &Blur::sweepAvx2);
+        const auto level = platform::simdLevel();
+        if (level == platform::SimdLevel::avx2 && surface::fitsDirect(m_disc, m_weights)) {
+            const surface::Job job{m_image,     {m_padded.view(), m_disc.radius}, m_mask, m_disc, m_weights,
+                                   everywhere()};
+            parallelRows(m_image.height,
+                         [&](int begin, int end) { surface::blurDirectAvx2(job, begin, end); });
+            return;
+        }
+        const auto sweepBand = platform::pick(level, &Blur::sweepPlain, &Blur::sweepAvx2);
         parallelRows(m_image.height, [&](int begin, int end) { (this->*sweepBand)(begin, end); });
     }
 
@@ -201,19 +163,26 @@ private:
                (std::ptrdiff_t{x} + m_disc.radius) * 4;
     }
 
-    /// The disc around the first pixel of a band. The very first disc of a picture is a little wider than the
-    /// one that slides (0.4 of a pixel); what lies between the two is never removed and counts everywhere.
+    /// The very first disc of a picture is a little wider than the one that slides (0.4 of a pixel); what lies
+    /// between the two is never removed and counts everywhere.
+    std::vector<const Byte*> everywhere() {
+        std::vector<const Byte*> pixels;
+        for (int dy = -m_disc.radius; dy <= m_disc.radius; ++dy) {
+            const int wider = m_disc.extent(std::abs(dy), 0.4f);
+            for (int dx = m_disc.half[static_cast<std::size_t>(std::abs(dy))] + 1; dx <= wider; ++dx)
+                pixels.insert(pixels.end(), {padded(-dx, dy), padded(dx, dy)});
+        }
+        return pixels;
+    }
+
+    /// The disc around the first pixel of a band.
     Histograms start(int y) {
         Histograms histograms;
         for (int dy = -m_disc.radius; dy <= m_disc.radius; ++dy) {
             const int half = m_disc.half[static_cast<std::size_t>(std::abs(dy))];
             for (int dx = -half; dx <= half; ++dx) histograms.add(padded(dx, y + dy));
-            const int wider = m_disc.extent(std::abs(dy), 0.4f);
-            for (int dx = half + 1; dx <= wider; ++dx) {
-                histograms.add(padded(-dx, dy));
-                histograms.add(padded(dx, dy));
-            }
         }
+        for (const Byte* pixel : everywhere()) histograms.add(pixel);
         return histograms;
     }
 

@@ -80,29 +80,51 @@ ZEL_TARGET_AVX2 inline __m128i mixColumns(__m256 left, __m256 right, __m256 frac
     return _mm_packs_epi32(_mm256_castsi256_si128(whole), _mm256_extracti128_si256(whole, 1));
 }
 
-/// The blended left and right neighbours of one output pixel, side by side.
-ZEL_TARGET_AVX2 inline __m256 blendedNeighbours(const RowPair& rows, std::ptrdiff_t offset, __m256 fraction) {
-    const __m128i top = _mm_loadl_epi64(reinterpret_cast<const __m128i*>(rows.top + offset));
-    const __m128i bottom = _mm_loadl_epi64(reinterpret_cast<const __m128i*>(rows.bottom + offset));
-    return blendRows(_mm256_cvtepu8_epi32(top), _mm256_cvtepu8_epi32(bottom), fraction);
-}
+/// The blended left and right neighbours of one output pixel, side by side, from the two rows.
+struct RgbaRows {
+    RowPair rows;
+    ZEL_TARGET_AVX2 __m256 at(int index) const {
+        const std::ptrdiff_t offset = std::ptrdiff_t{4} * index;
+        const __m128i top = _mm_loadl_epi64(reinterpret_cast<const __m128i*>(rows.top + offset));
+        const __m128i bottom = _mm_loadl_epi64(reinterpret_cast<const __m128i*>(rows.bottom + offset));
+        return blendRows(_mm256_cvtepu8_epi32(top), _mm256_cvtepu8_epi32(bottom),
+                         _mm256_set1_ps(rows.fraction));
+    }
+};
 
-/// Two pixels at once over the columns before `end`, whose right neighbour is the next sample in memory.
+/// The same from a line that is blended already.
+struct RgbaLine {
+    const float* line;
+    ZEL_TARGET_AVX2 __m256 at(int index) const { return _mm256_loadu_ps(line + std::ptrdiff_t{4} * index); }
+};
+
+/// Eight pixels at once over the columns before `end`, whose right neighbour is the next sample in memory.
 /// Returns the first column left to do.
-ZEL_TARGET_AVX2 std::size_t scaleRgbaRowAvx2(const RowPair& rows, const std::vector<Step>& columns,
-                                             std::size_t end, Byte* out) {
-    const __m256 fy = _mm256_set1_ps(rows.fraction);
+template <typename Neighbours>
+ZEL_TARGET_AVX2 std::size_t mixRgbaColumns(const Neighbours& neighbours, const int* indices,
+                                           const float* fractions, std::size_t end, Byte* out) {
+    const __m256i opaque = _mm256_set1_epi32(kOpaque);
+    // The packs work half by half; this puts the pixels back in a row.
+    const __m256i order = _mm256_setr_epi32(0, 4, 1, 5, 2, 6, 3, 7);
+    const __m256i firstShare = _mm256_setr_epi32(0, 0, 0, 0, 1, 1, 1, 1), two = _mm256_set1_epi32(2);
     std::size_t x = 0;
-    for (; x + 2 <= end; x += 2) {
-        const Step &a = columns[x], &b = columns[x + 1];
-        const __m256 first = blendedNeighbours(rows, std::ptrdiff_t{4} * a.index, fy);
-        const __m256 second = blendedNeighbours(rows, std::ptrdiff_t{4} * b.index, fy);
-        const __m256 left = _mm256_permute2f128_ps(first, second, 0x20);
-        const __m256 right = _mm256_permute2f128_ps(first, second, 0x31);
-        const __m256 fx = _mm256_set_m128(_mm_set1_ps(b.fraction), _mm_set1_ps(a.fraction));
-        const __m128i words = mixColumns(left, right, fx);
-        const __m128i pixels = _mm_or_si128(_mm_packus_epi16(words, words), _mm_set1_epi32(kOpaque));
-        _mm_storel_epi64(reinterpret_cast<__m128i*>(out + 4 * x), pixels);
+    for (; x + 8 <= end; x += 8) {
+        const __m256 shares = _mm256_loadu_ps(fractions + x);
+        __m256i share = firstShare, pairs[4];
+        for (std::size_t k = 0; k < 4; ++k) {
+            const __m256 first = neighbours.at(indices[x + 2 * k]);
+            const __m256 second = neighbours.at(indices[x + 2 * k + 1]);
+            const __m256 left = _mm256_permute2f128_ps(first, second, 0x20);
+            const __m256 right = _mm256_permute2f128_ps(first, second, 0x31);
+            const __m256 fx = _mm256_permutevar8x32_ps(shares, share);
+            pairs[k] =
+                _mm256_cvttps_epi32(_mm256_add_ps(_mm256_mul_ps(_mm256_sub_ps(right, left), fx), left));
+            share = _mm256_add_epi32(share, two);
+        }
+        const __m256i packed = _mm256_packus_epi16(_mm256_packs_epi32(pairs[0], pairs[1]),
+                                                   _mm256_packs_epi32(pairs[2], pairs[3]));
+        _mm256_storeu_si256(reinterpret_cast<__m256i*>(out + 4 * x),
+                            _mm256_or_si256(_mm256_permutevar8x32_epi32(packed, order), opaque));
     }
     return x;
 }
@@ -131,7 +153,7 @@ ZEL_TARGET_AVX2 inline __m128i loadPairs(const Byte* row, const Step* s) {
                           pairAt(row, s[4]), pairAt(row, s[5]), pairAt(row, s[6]), pairAt(row, s[7]));
 }
 
-/// Eight samples at once over the columns before `end`; otherwise as scaleRgbaRowAvx2.
+/// Eight samples at once over the columns before `end`; otherwise as mixRgbaColumns.
 ZEL_TARGET_AVX2 std::size_t scalePlaneRowAvx2(const RowPair& rows, const std::vector<Step>& columns,
                                               const float* fractions, std::size_t end, Byte* out) {
     const __m256 fy = _mm256_set1_ps(rows.fraction);
@@ -168,22 +190,6 @@ ZEL_TARGET_AVX2 void blendLine(const RowPair& rows, std::size_t count, std::size
         line[i] = static_cast<float>(top) + static_cast<float>(difference) * rows.fraction;
     }
     for (; i < count + kLineSlack; ++i) line[i] = line[i - channels];
-}
-
-/// Two pixels at once, as long as two are left. Returns the first column left to do.
-ZEL_TARGET_AVX2 std::size_t enlargeRgbaRow(const float* line, const std::vector<Step>& columns, Byte* out) {
-    std::size_t x = 0;
-    for (; x + 2 <= columns.size(); x += 2) {
-        const Step &a = columns[x], &b = columns[x + 1];
-        const __m256 first = _mm256_loadu_ps(line + std::ptrdiff_t{4} * a.index);
-        const __m256 second = _mm256_loadu_ps(line + std::ptrdiff_t{4} * b.index);
-        const __m256 fx = _mm256_set_m128(_mm_set1_ps(b.fraction), _mm_set1_ps(a.fraction));
-        const __m128i words = mixColumns(_mm256_permute2f128_ps(first, second, 0x20),
-                                         _mm256_permute2f128_ps(first, second, 0x31), fx);
-        const __m128i pixels = _mm_or_si128(_mm_packus_epi16(words, words), _mm_set1_epi32(kOpaque));
-        _mm_storel_epi64(reinterpret_cast<__m128i*>(out + 4 * x), pixels);
-    }
-    return x;
 }
 
 /// Eight samples at once. They step by one source sample at most, so the left neighbours of all eight lie
@@ -229,9 +235,10 @@ void BilinearRows::scale(int y, Scratch& scratch, Byte* out) const {
     std::size_t done = 0;
     if (m_source.channels == 4) {
         if (m_enlarges)
-            done = enlargeRgbaRow(scratch.data(), m_columns, out);
+            done = mixRgbaColumns(RgbaLine{scratch.data()}, m_indices.data(), m_fractions.data(),
+                                  m_columns.size(), out);
         else if (m_wide)
-            done = scaleRgbaRowAvx2(rows, m_columns, m_inner, out);
+            done = mixRgbaColumns(RgbaRows{rows}, m_indices.data(), m_fractions.data(), m_inner, out);
         scaleRgbaRow(rows, m_columns, done, out);
     } else {
         if (m_enlarges)

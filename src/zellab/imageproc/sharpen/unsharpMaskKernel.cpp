@@ -20,6 +20,10 @@ struct FloatSharpen {
         return clampToByte(
             static_cast<int>(static_cast<float>(in) * own - static_cast<float>(blurred) * other));
     }
+    ZEL_TARGET_AVX2 __m256 wide(__m256 in, __m256 blurred) const {
+        return _mm256_sub_ps(_mm256_mul_ps(in, _mm256_set1_ps(own)),
+                             _mm256_mul_ps(blurred, _mm256_set1_ps(other)));
+    }
 };
 
 /// Four decimals of the amount, limited so that the products stay within 64 bits.

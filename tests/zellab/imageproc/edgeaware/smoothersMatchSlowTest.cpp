@@ -41,15 +41,33 @@ TEST(DomainTransformMatchesSlow, InBothForms) {
         }
 }
 
-// The sums over the disc, and the trace that the wider first disc leaves everywhere.
+/// Noise that grows from nothing at the left to everything at the right, in a picture of several tiles.
+Bytes unevenSurface(Size size) {
+    Bytes picture = randomRgba(size.width, size.height, 75);
+    for (std::size_t i = 0; i < picture.size(); ++i) {
+        const int column = static_cast<int>(i / 4) % size.width;
+        picture[i] = static_cast<unsigned char>(120 + (picture[i] - 120) * column / size.width);
+    }
+    return picture;
+}
+
+const std::vector<Size> kSurfaceSizes = [] {
+    std::vector<Size> sizes = kAwkwardSizes;
+    sizes.push_back({531, 37});
+    return sizes;
+}();
+
+// The sums over the disc, and the trace that the wider first disc leaves everywhere. Small discs with a short
+// reach are summed pixel by pixel, by how far apart the values around lie: hardly, a little, wholly.
 TEST(SurfaceBlurMatchesSlow, WithEveryReach) {
-    for (const Size size : kAwkwardSizes)
-        for (const auto& [radius, threshold] : {std::pair{1, 10}, {2, 1}, {3, 100}, {8, 10}, {13, 37}}) {
+    for (const Size size : kSurfaceSizes)
+        for (const auto& [radius, threshold] :
+             {std::pair{1, 10}, {2, 1}, {3, 100}, {8, 10}, {9, 10}, {4, 12}, {13, 37}}) {
             const int w = size.width, h = size.height;
             Bytes mask = randomPlane(w, h, 74);
             for (unsigned char& m : mask) m = m < 60 ? 0 : m;
             compareWithSlow(
-                size, pictureOf(size),
+                size, size.width > 200 ? unevenSurface(size) : pictureOf(size),
                 [&, r = radius, t = threshold](Bytes& p) { slow::surfaceBlur(p, w, h, r, t, mask); },
                 [&, r = radius, t = threshold](Bytes& p) {
                     ASSERT_TRUE(

@@ -111,6 +111,13 @@ TEST(ToneTableBlendMatchesSlow, OnEveryByteAndEitherSign) {
             strength);
 }
 
+/// The bytes over and over, as many as a picture has.
+Bytes repeated(const Bytes& bytes, Size size) {
+    Bytes picture(static_cast<std::size_t>(size.width) * static_cast<std::size_t>(size.height) * 4);
+    for (std::size_t i = 0; i < picture.size(); ++i) picture[i] = bytes[i % bytes.size()];
+    return picture;
+}
+
 TEST(MixByAlphaMatchesSlow, OnEveryPairOfBytes) {
     const auto compare = [](Size size, const Bytes& before, const Bytes& after, float alpha) {
         compareWithSlow(
@@ -127,6 +134,11 @@ TEST(MixByAlphaMatchesSlow, OnEveryPairOfBytes) {
     for (const Size size : kAwkwardSizes)
         compare(size, randomRgba(size.width, size.height, 33), randomRgba(size.width, size.height, 34),
                 0.61f);
+    // Large pictures are mixed in whole numbers where these give the same; a width that leaves a rest.
+    constexpr Size kLarge{617, 500};
+    const std::array<Bytes, 2> large = {repeated(pairs[0], kLarge), repeated(pairs[1], kLarge)};
+    for (const float alpha : {0.0f, 0.003f, 0.3f, 1.0f / 3, 0.61f, 0.8125f, 1.0f})
+        compare(kLarge, large[0], large[1], alpha);
 }
 
 TEST(UnsharpMaskMatchesSlow, OnPicturesAndPlanes) {
