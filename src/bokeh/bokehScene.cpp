@@ -209,7 +209,8 @@ void BokehScene::Frame::logFocusPoints() const {
     for (std::size_t i = 0; i < job.focusPoints.size(); ++i) {
         const int row = place(job.focusPoints[i].y, smallHeight());
         const int column = place(job.focusPoints[i].x, smallWidth());
-        if (radiusPlane.row(row)[column] <= kSharpRadius) sceneLog().debug("face[%zu] is available", i);
+        if (radiusPlane.row(row)[column] <= kSharpRadius)
+            sceneLog().debug("face[%d] is available", static_cast<int>(i));
     }
 }
 

@@ -161,7 +161,7 @@ std::string Portrait::line(zel_context* context, const zel_effect& effect,
 
 std::string numberText(double number, zel_kind kind) {
     char text[32];
-    std::snprintf(text, sizeof text, kind == ZEL_WHOLE_NUMBER ? "%.0f" : "%.4g", number);
+    std::snprintf(text, sizeof text, kind == ZEL_WHOLE_NUMBER ? "%.0f" : "%.6g", number);
     return text;
 }
 
@@ -234,15 +234,11 @@ int main(int argc, char** argv) {
         if (entry.path().extension() == ".json") names.push_back(entry.path().stem().string());
     std::sort(names.begin(), names.end());
     std::ofstream out(argv[2], std::ios::binary);
-    for (std::size_t i = 0; i < names.size(); ++i) {
-        Portrait portrait(context, std::string(argv[1]) + "/" + names[i]);
-        for (std::size_t e = 0; e < zel_effect_count(); ++e) {
-            const auto all = settingsOf(*zel_effect_at(e));
-            // The defaults on every portrait; the other values go round among them.
-            for (std::size_t s = 0; s < all.size(); ++s)
-                if (s == 0 || s % names.size() == i)
-                    out << names[i] << ' ' << portrait.line(context, *zel_effect_at(e), all[s]) << '\n';
-        }
+    for (const std::string& name : names) {
+        Portrait portrait(context, std::string(argv[1]) + "/" + name);
+        for (std::size_t e = 0; e < zel_effect_count(); ++e)
+            for (const auto& setting : settingsOf(*zel_effect_at(e)))
+                out << name << ' ' << portrait.line(context, *zel_effect_at(e), setting) << '\n';
     }
     zel_context_destroy(context);
     return out ? 0 : 1;
