@@ -37,18 +37,23 @@ def temporaries(folder):
 
 
 def killed_while_writing(folder, words, whole):
-    """Each signal at moments all over a run's time."""
+    """Each signal, half of them at moments all over a run's time and half as soon as the new file begins to be there."""
     begin = time.monotonic()
     run(folder, words)
     length = time.monotonic() - begin
     chance = random.Random(1)
     for kind in (signal.SIGKILL, signal.SIGTERM, signal.SIGINT):
-        ended, left = 0, 0
-        for _ in range(KILLS):
+        ended, writing, left = 0, 0, 0
+        for number in range(KILLS):
             (folder / "out.png").write_bytes(b"old")
             child = subprocess.Popen([ZEL, *words], cwd=folder, stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL,
                                      stderr=subprocess.DEVNULL)
-            time.sleep(chance.uniform(0, 1.1 * length))
+            if number % 2:
+                time.sleep(chance.uniform(0, 1.1 * length))
+            else:
+                while child.poll() is None and not temporaries(folder):
+                    pass
+                writing += bool(temporaries(folder))
             child.send_signal(kind)
             ended += child.wait(60) != 0
             if (folder / "out.png").read_bytes() not in (b"old", whole):
@@ -59,7 +64,7 @@ def killed_while_writing(folder, words, whole):
                     fault(f"a temporary file stayed after {kind.name}: {temporaries(folder)}")
                 for path in temporaries(folder):
                     path.unlink()
-        print(f"{kind.name}: {KILLS} runs, {ended} ended by it, {left} left a temporary file behind")
+        print(f"{kind.name}: {KILLS} runs, {ended} ended by it, {writing} while writing, {left} left a temporary file behind")
 
 
 def no_room(folder, words, bytes_of_out):
