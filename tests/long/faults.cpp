@@ -132,7 +132,6 @@ bool check(const Deed& deed, Supply supply, double seconds, long first) {
         const pid_t child = fork();
         if (child == 0) {
             showFailurePlace(tally.failedIn, sizeof tally.failedIn);
-            if (!std::freopen("/dev/null", "w", stdout) || !std::freopen("/dev/null", "w", stderr)) _exit(2);
             tryAll(deed, supply, seconds, tally);
             _exit(0);
         }
@@ -147,16 +146,16 @@ bool check(const Deed& deed, Supply supply, double seconds, long first) {
         tally.at += std::max(tally.step, 1L);
         tally.failedIn[0] = 0;
     }
-    std::printf("%-30s %-7s %5ld of %5ld: %ld refused, %ld went on", deed.name.c_str(),
-                supply == Supply::memory ? "memory" : "threads", tally.tried, tally.asked, tally.refused,
-                tally.wentOn);
-    if (tally.halfDone > 0) std::printf(", %ld half done", tally.halfDone);
-    for (const auto& [file, count] : deaths) std::printf(", %ld ended by %s", count, file.c_str());
-    if (tally.leaks > 0) std::printf(", %ld lost memory", tally.leaks);
+    std::fprintf(report(), "%-30s %-7s %5ld of %5ld: %ld refused, %ld went on", deed.name.c_str(),
+                 supply == Supply::memory ? "memory" : "threads", tally.tried, tally.asked, tally.refused,
+                 tally.wentOn);
+    if (tally.halfDone > 0) std::fprintf(report(), ", %ld half done", tally.halfDone);
+    for (const auto& [file, count] : deaths) std::fprintf(report(), ", %ld ended by %s", count, file.c_str());
+    if (tally.leaks > 0) std::fprintf(report(), ", %ld lost memory", tally.leaks);
     const bool isSound = !*tally.fault;
-    if (!isSound) std::printf("; FAULT: %s", tally.fault);
-    std::printf("\n");
-    std::fflush(stdout);
+    if (!isSound) std::fprintf(report(), "; FAULT: %s", tally.fault);
+    std::fprintf(report(), "\n");
+    std::fflush(report());
     munmap(shared, sizeof(Tally));
     return isSound;
 }
