@@ -9,9 +9,9 @@
 
 #include "choices.h"
 #include "frame/processorCount.h"
+#include "pixels.h"
 #include "platform/simdLevel.h"
 #include "readAll.h"
-#include "support/drawnFace.h"
 #include "support/guardedBytes.h"
 #include "support/operations.h"
 
@@ -46,7 +46,7 @@ int wholeOf(Choices& choices) {
 
 Bytes pixelsOf(Choices& choices, int width, int height) {
     const unsigned kind = choices.byte() % 4;
-    if (kind < 2) return drawnFace(width, height);
+    if (kind < 2) return zelfuzz::faceOf(width, height);
     Bytes bytes(4 * static_cast<std::size_t>(width) * static_cast<std::size_t>(height));
     unsigned value = 0;
     for (std::size_t i = 0; i < bytes.size(); ++i)

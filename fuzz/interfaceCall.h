@@ -7,7 +7,7 @@
 
 #include "choices.h"
 #include "facepoints/faceTemplate.h"
-#include "support/drawnFace.h"
+#include "pixels.h"
 #include "zel/zel.h"
 
 /// One call of zel_apply made of an input's bytes.
@@ -25,8 +25,8 @@ struct Buffer {
         bytes.resize(stride * static_cast<std::size_t>(height - 1) + row);
         for (std::size_t i = 0; i < bytes.size(); ++i)
             bytes[i] = static_cast<unsigned char>(i * 37 + i / row * 11);
-        if (channels == 4 && choices.byte() & 1) {  // something that effects find eyes and skin in
-            const auto face = zeltest::drawnFace(width, height);
+        if (channels == 4 && choices.byte() & 1) {
+            const auto face = faceOf(width, height);
             for (std::size_t y = 0; y < static_cast<std::size_t>(height); ++y)
                 std::copy_n(face.data() + y * row, row, bytes.data() + y * stride);
         }

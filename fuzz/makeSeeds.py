@@ -6,6 +6,7 @@ Usage: makeSeeds.py FOLDER"""
 import json
 import math
 import pathlib
+import random
 import struct
 import sys
 import zlib
@@ -286,7 +287,18 @@ def write_text_seeds(folder):
             (folder / target / name).write_text(text)
 
 
+def write_effect_seeds(folder):
+    """Choices long enough for a whole call, many of them the plain ones."""
+    for target in ("fuzz_operation", "fuzz_effect"):
+        (folder / target).mkdir(parents=True, exist_ok=True)
+        for seed in range(8):
+            source = random.Random(seed)
+            data = bytes(source.choice((0, 1, source.randrange(256))) for _ in range(500))
+            (folder / target / f"choices{seed}").write_bytes(data)
+
+
 def main():
+    write_effect_seeds(pathlib.Path(sys.argv[1]))
     write_text_seeds(pathlib.Path(sys.argv[1]))
     write_studio_seeds(pathlib.Path(sys.argv[1]) / "fuzz_studio")
     write_reshape_seeds(pathlib.Path(sys.argv[1]) / "fuzz_reshape")

@@ -85,6 +85,14 @@ bool isOneOf(const Enum& enumerator, Enum first, Enum last) {
     return number >= numberOf(first) && number <= numberOf(last);
 }
 
+/// How many bytes of a struct both know: the caller by its struct_size, this version by its own. The size of any
+/// version is a multiple of the alignment; where it was told otherwise, the field that it cuts does not count, or half
+/// a pointer would lead anywhere.
+template <typename Struct>
+constexpr std::size_t commonSize(std::size_t told) {
+    return std::min(told - told % alignof(Struct), sizeof(Struct));
+}
+
 /// A caller's struct as this version knows it: fields that an older caller lacks are zero.
 /// @param pointer  null: all zero
 template <typename Struct>
@@ -94,7 +102,7 @@ Struct received(const Struct* pointer, const char* what) {
     const std::size_t size = given(pointer, what).struct_size;
     if (size < sizeof(std::size_t)) throw badArgument(std::string(what) + " has no struct_size");
     const auto* const bytes = reinterpret_cast<const unsigned char*>(pointer);
-    std::copy(bytes, bytes + std::min(size, sizeof own), reinterpret_cast<unsigned char*>(&own));
+    std::copy(bytes, bytes + commonSize<Struct>(size), reinterpret_cast<unsigned char*>(&own));
     return own;
 }
 

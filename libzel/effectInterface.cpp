@@ -146,7 +146,7 @@ zel_status zel_check_values(const char* effectName, const zel_value* values, siz
         if (!meaning) return;
         // As much of it as the caller's version knows.
         zel_meaning told = received(meaning, "meaning");
-        const std::size_t known = std::min(told.struct_size, sizeof told);
+        const std::size_t known = commonSize<zel_meaning>(told.struct_size);
         static thread_local std::string caution;
         caution = effect.caution ? effect.caution(checked) : std::string();
         told.uses_faces = effect.faces != ZEL_NO && (!effect.usesFaces || effect.usesFaces(checked));

@@ -4,6 +4,7 @@
 #include <atomic>
 #include <exception>
 #include <mutex>
+#include <system_error>
 #include <thread>
 #include <vector>
 
@@ -28,7 +29,10 @@ void forRowBands(int height, const std::function<void(int, int)>& body) {
     const int workers = std::min(bands, static_cast<int>(std::max(1u, std::thread::hardware_concurrency())));
     {
         std::vector<std::jthread> threads;
-        for (int i = 1; i < workers; ++i) threads.emplace_back(work);
+        try {
+            for (int i = 1; i < workers; ++i) threads.emplace_back(work);
+        } catch (const std::system_error&) {  // the system has no thread left: the others do the work
+        }
         work();
     }
     if (failure) std::rethrow_exception(failure);

@@ -7,6 +7,7 @@
 #include <sstream>
 
 #include "libzel/effect.h"
+#include "zellab/imageproc/core/memoryReserve.h"
 
 namespace zel {
 
@@ -111,6 +112,9 @@ Json shortNumber(float value) {
 }  // namespace
 
 FaceSet parseFaces(const std::string& json) {
+    // The JSON library ends the process where it has no memory for taking its tree apart.
+    constexpr std::size_t kBase = std::size_t{1} << 16, kPerByte = 32;
+    zellab::requireMemory(kBase + kPerByte * json.size());
     Json root;
     try {
         root = Json::parse(json);

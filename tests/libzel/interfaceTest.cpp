@@ -9,6 +9,8 @@
 #include <algorithm>
 #include <atomic>
 #include <cmath>
+#include <cstddef>
+#include <cstdint>
 #include <limits>
 #include <mutex>
 #include <thread>
@@ -165,6 +167,12 @@ TEST_F(Interface, HostileCallsGetAStatusAndTouchNothing) {
     EXPECT_EQ(zel_apply(context.get(), "gauss-blur", nullptr, nullptr), ZEL_BAD_ARGUMENT);
     zel_inputs unsized{};
     EXPECT_EQ(zel_apply(context.get(), "gauss-blur", &good, &unsized), ZEL_BAD_ARGUMENT);
+
+    zel_faces* const nowhere = reinterpret_cast<zel_faces*>(~std::uintptr_t{0} / 3);
+    zel_inputs cut = unsized;
+    cut.struct_size = offsetof(zel_inputs, faces) + 3;  // ends within a pointer, which then does not count
+    cut.faces = nowhere;
+    EXPECT_EQ(zel_apply(context.get(), "auto-slim-face", &good, &cut), ZEL_MISSING_INPUT);
 
     const auto status = [&](const char* effect, const zel_value& value) {
         auto inputs = libzel::sized<zel_inputs>();

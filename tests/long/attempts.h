@@ -31,6 +31,7 @@ struct Deed {
     std::function<std::unique_ptr<Attempt>(int width, int height)> prepare;
     bool isOfInterface = false;  // a failed call leaves everything as it was
     bool drawsOnRand = false;    // two at once give other bytes
+    bool endsBeneath = false;    // a library of headers alone may end the process where it has no memory
 };
 
 /// What changes a picture: the operations of the C++ library, and the effects of the C interface as "effect NAME".

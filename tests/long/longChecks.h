@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdio>
 #include <string>
 
 #include "zel/zel.h"
@@ -7,6 +8,10 @@
 /// The checks that take long. Each prints a line a call, and answers whether all went as it must.
 
 namespace zeltest {
+
+/// Where the checks print: standard output as the program found it. Its own streams lead nowhere, since the library
+/// logs to both.
+std::FILE* report();
 
 /// @param seconds  about what one call may take in all; where its failures are too many every so many are tried
 /// @param name     of the one call that is meant; empty: all

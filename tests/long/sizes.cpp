@@ -34,7 +34,7 @@ bool isSoundAt(const Deed& deed, int width, int height, int& changed) {
     const bool isUntouched = attempt->isUntouched();
     changed += !isUntouched;
     const bool isSound = attempt->isIntact() && (isDone || isUntouched || !deed.isOfInterface);
-    if (!isSound) std::printf("%-30s FAULT at %d by %d\n", deed.name.c_str(), width, height);
+    if (!isSound) std::fprintf(report(), "%-30s FAULT at %d by %d\n", deed.name.c_str(), width, height);
     return isSound;
 }
 
@@ -54,9 +54,9 @@ bool checkSizes(zel_context* context, double seconds, const std::string& name) {
             isSound = isSoundAt(deed, width, height, changed) && isSound;
             ++tried;
         }
-        std::printf("%-30s %d of %zu small sizes and both long ones; %d pictures changed\n",
-                    deed.name.c_str(), tried, sizes.size(), changed);
-        std::fflush(stdout);
+        std::fprintf(report(), "%-30s %d of %zu small sizes and both long ones; %d pictures changed\n",
+                     deed.name.c_str(), tried, sizes.size(), changed);
+        std::fflush(report());
     }
     return isSound;
 }
@@ -68,9 +68,9 @@ bool checkLarge(zel_context* context, const std::string& name) {
         int changed = 0;
         const double begin = now();
         isSound = isSoundAt(deed, 12000, 8400, changed) && isSound;
-        std::printf("%-30s 100.8 megapixels %s, %.0f s with making them\n", deed.name.c_str(),
-                    changed ? "changed" : "left as they were", now() - begin);
-        std::fflush(stdout);
+        std::fprintf(report(), "%-30s 100.8 megapixels %s, %.0f s with making them\n", deed.name.c_str(),
+                     changed ? "changed" : "left as they were", now() - begin);
+        std::fflush(report());
     }
     return isSound;
 }

@@ -48,10 +48,10 @@ bool checkThreads(zel_context* context, const std::string& name) {
         ++compared;
         if (!expected.empty() && atOnce[call] == expected) continue;
         ++others;
-        std::printf("%-30s FAULT: call %zu gave other bytes\n", deed.name.c_str(), call);
+        std::fprintf(report(), "%-30s FAULT: call %zu gave other bytes\n", deed.name.c_str(), call);
     }
-    std::printf("%d threads, %d calls of %zu kinds: %d compared, %d differ\n", kThreads, kCalls, deeds.size(),
-                compared, others);
+    std::fprintf(report(), "%d threads, %d calls of %zu kinds: %d compared, %d differ\n", kThreads, kCalls,
+                 deeds.size(), compared, others);
     return others == 0;
 }
 

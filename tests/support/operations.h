@@ -60,8 +60,10 @@ struct Operation {
                ((c.second ? 0u : kSecond) | (c.mask ? 0u : kMask) | (c.params ? 0u : kParams) |
                 (c.table ? 0u : kTable) | (hasFace ? 0u : kFace) | (std::isnan(c.strength) ? kNumbers : 0u));
     }
-    /// A prepared picture brings its own alpha.
-    bool keepsAlpha() const { return std::strcmp(name, "QornSkinWhitening") != 0; }
+    /// A prepared picture brings its own alpha, and what is drawn anew is opaque.
+    bool keepsAlpha() const {
+        return std::strcmp(name, "QornSkinWhitening") != 0 && std::strncmp(name, "Defocus", 7) != 0;
+    }
     /// What draws on rand() gives other bytes to each of two callers.
     bool drawsOnRand() const { return !std::strcmp(name, "Inpaint") || !std::strncmp(name, "De", 2); }
     friend void PrintTo(const Operation& operation, std::ostream* out) { *out << operation.name; }
