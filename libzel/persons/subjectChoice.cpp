@@ -219,8 +219,7 @@ void multiply(PlaneView<float> shares, PlaneView<const Byte> cells) {
 
 }  // namespace
 
-int DepthMedian::value() const {
-    int rest = m_count / 2;
+int DepthMedian::rank(int rest) const {
     std::size_t bin = 0;
     while (bin < 255 && (rest -= m_histogram[bin]) >= 0) ++bin;
     return static_cast<int>(bin);

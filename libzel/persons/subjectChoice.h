@@ -16,9 +16,13 @@ public:
         ++m_histogram[depth];
         ++m_count;
     }
-    int value() const;
+    int value() const { return rank(m_count / 2); }
+    /// The depth that a quarter of them are below.
+    int quarter() const { return rank(m_count / 4); }
 
 private:
+    int rank(int rest) const;
+
     std::array<int, 256> m_histogram{};
     int m_count = 0;
 };

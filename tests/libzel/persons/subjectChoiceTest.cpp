@@ -147,7 +147,7 @@ TEST(SubjectDepth, RaisesTheSubjectToItsNearestFaceAndLowersWhatTheMaskDrewForwa
                                   kHeight)[x * zellab::kDepthPlaneSide / kWidth];
     };
     at(60, 5) = 180;  // a lamp
-    zel::levelSubject(planes, mask, people.faces);
+    zel::levelSubject(planes, mask, people.faces, {});
     EXPECT_EQ(at(25, 60), 220);
     EXPECT_EQ(at(85, 65), 240);
     EXPECT_EQ(at(60, 5), 0);
