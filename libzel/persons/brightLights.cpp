@@ -90,7 +90,7 @@ public:
 
     void lower(PlaneView<Byte> caps, int depth) const {
         visit([&](int x, int y, int distance) {
-            if (distance <= m_glow && m_samples.shares.row(y)[x] < kSomebody)
+            if (distance == 0 || (distance <= m_glow && m_samples.shares.row(y)[x] < kSomebody))
                 caps.row(y)[x] = std::min(caps.row(y)[x], static_cast<Byte>(depth));
         });
     }
