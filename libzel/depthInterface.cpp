@@ -1,5 +1,6 @@
 #include <optional>
 #include <string>
+#include <utility>
 
 #include "depth/portraitDepth.h"
 #include "libzel/call.h"
@@ -47,7 +48,8 @@ public:
     }
 
     void level(zellab::PortraitDepthPlanes& planes) const {
-        if (m_subject) levelSubject(planes, m_subject->mask, facesOf(*m_subject, *m_faces));
+        if (m_subject) levelSubject(planes, m_subject->mask, facesOf(*m_subject, *m_faces),
+                         std::as_const(m_subject->lights).view());
     }
 
     const Mask& used() const { return m_subject ? m_subject->mask : m_mask; }

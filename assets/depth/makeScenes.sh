@@ -1,13 +1,11 @@
 #!/bin/sh
-# Draws what the training pictures are composed of:  makeScenes.sh DEPTHSCENES FOLDER [CHUNKS [SEED [PART]]]
+# Draws what the training pictures are composed of:  makeScenes.sh DEPTHSCENES FOLDER [CHUNKS [SEED]]
 # CHUNKS (7) of 500 people, 400 places and 180 portraits each: about 10 minutes and 1.5 GB on one processor.
-# PART (1): only one in so many of each.
 set -eu
 tool=$1
 folder=$2
 chunks=${3:-7}
 first_seed=${4:-200001} # training takes the seeds from 200001 on, measurements and tests lower ones
-part=${5:-1}
 mkdir -p "$folder"
 
 draw() { # KIND COUNT CHUNK
@@ -19,8 +17,8 @@ draw() { # KIND COUNT CHUNK
 
 chunk=0
 while [ "$chunk" -lt "$chunks" ]; do
-  draw people $((500 / part)) "$chunk"
-  draw places $((400 / part)) "$chunk"
-  draw portraits $((180 / part)) "$chunk"
+  draw people 500 "$chunk"
+  draw places 400 "$chunk"
+  draw portraits 180 "$chunk"
   chunk=$((chunk + 1))
 done

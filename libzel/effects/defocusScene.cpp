@@ -56,7 +56,7 @@ void estimateDepth(EffectRun& run, DefocusScene& scene) {
         return isPerson() ? viewOf(*scene.mask) : DepthView();
     });
     if (!planes.estimated) throw Failure("its depth cannot be estimated");
-    if (isPerson()) levelSubject(planes, *scene.mask, scene.faces);
+    if (isPerson()) levelSubject(planes, *scene.mask, scene.faces, scene.lights());
     scene.depth = std::move(planes.refined);
 }
 

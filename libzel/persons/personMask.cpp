@@ -6,6 +6,7 @@
 
 #include "CrossPlateform/platform_win/stb_image_util/alphaFlatten.h"
 #include "libzel/networks/networkFolder.h"
+#include "libzel/persons/brightLights.h"
 #include "libzel/persons/personNetwork.h"
 #include "libzel/persons/subjectChoice.h"
 #include "zellab/imageproc/core/ownedImage.h"
@@ -150,6 +151,16 @@ Mask withoutSmears(const Mask& mask, PlaneView<const float> shares, ConstImageVi
     return rim;
 }
 
+/// A lamp's shares are unsure, and its depth, which would decide, is wrong.
+void dropLights(PlaneView<float> shares, PlaneView<const Byte> lights) {
+    Plane<Byte> dark(lights.width, lights.height), scaled(shares.width, shares.height);
+    for (int y = 0; y < lights.height; ++y)
+        for (int x = 0; x < lights.width; ++x) dark.row(y)[x] = lights.row(y)[x] == 255 ? 255 : 0;
+    if (!scalePlane(std::as_const(dark).view(), scaled.view(), zellab::YuvFilter::bilinear)) return;
+    for (int y = 0; y < shares.height; ++y)
+        for (int x = 0; x < shares.width; ++x) shares.row(y)[x] *= static_cast<float>(scaled.row(y)[x]) / 255;
+}
+
 /// Runs work(copy, shares), from a look at all people of the picture to a result.
 template <typename Work>
 auto withShares(ConstImageView picture, const FaceSet& faces, const std::string& assets, std::string& reason,
@@ -196,11 +207,13 @@ std::optional<Subject> findSubject(ConstImageView picture, const FaceSet& faces,
         [&](const RgbaImage& copy, Plane<float> shares) -> std::optional<Subject> {
             Subject subject;
             subject.ofFaces = subjectFaces(faces, depth, focus);
+            subject.lights = depthOfLights(copy.view(), std::as_const(shares).view(), depth);
             keepSubject(shares.view(), faces, subject.ofFaces, depth, focus);
             if (const FaceSet own = facesOf(subject, faces); !own.faces.empty()) {
                 settleByDepth(shares.view(), own, depth);
                 dropForeground(shares.view(), own, depth);
             }
+            dropLights(shares.view(), std::as_const(subject.lights).view());
             const float* const end = shares.data() + shares.size();
             if (std::none_of(std::as_const(shares).data(), end, [](float s) { return s >= 0.5f; })) {
                 reason = "nobody is in the focus";

@@ -6,7 +6,7 @@
 
 #include "portrait/faces.h"
 #include "portrait/image.h"
-#include "zellab/imageproc/core/imageView.h"
+#include "zellab/imageproc/core/ownedImage.h"
 
 namespace zel {
 
@@ -15,6 +15,7 @@ struct Subject {
     Mask mask;                  // of the picture's proportions, at most kMaskSide pixels a side
     Mask rim;                   // the same for the render's hair stage: without places where it would smear
     std::vector<bool> ofFaces;  // for each face that was given, whether it is the subject's
+    zellab::Plane<zellab::Byte> lights;  // of the ground: see depthOfLights
 };
 
 /// The faces that are the subject's.

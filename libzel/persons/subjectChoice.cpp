@@ -219,8 +219,7 @@ void multiply(PlaneView<float> shares, PlaneView<const Byte> cells) {
 
 }  // namespace
 
-int DepthMedian::value() const {
-    int rest = m_count / 2;
+int DepthMedian::rank(int rest) const {
     std::size_t bin = 0;
     while (bin < 255 && (rest -= m_histogram[bin]) >= 0) ++bin;
     return static_cast<int>(bin);
@@ -286,12 +285,23 @@ void settleByDepth(PlaneView<float> shares, const FaceSet& faces, PlaneView<cons
     for (int i = 0; i < 256; ++i)
         votes[static_cast<std::size_t>(i)] =
             std::clamp(1 - 2 * static_cast<float>(level - i) / static_cast<float>(kFarBehind), -1.0f, 1.0f);
+    const auto hangsFromEar = [&](int x, int y) {
+        constexpr float kFrom = 0.3f, kTo = 1.1f, kOnCheek = 0.15f, kFromCheek = 0.3f;  // in the face's sizes
+        const float u = (static_cast<float>(x) + 0.5f) / static_cast<float>(shares.width);
+        const float v = (static_cast<float>(y) + 0.5f) / static_cast<float>(shares.height);
+        return std::any_of(faces.faces.begin(), faces.faces.end(), [&](const Face& face) {
+            const float down = (v - face.rect[1]) / face.rect[3];
+            const float aside = std::abs((u - face.rect[0]) / face.rect[2] - 0.5f) - 0.5f;
+            return down > kFrom && down < kTo && aside > -kOnCheek && aside < kFromCheek;
+        });
+    };
     zellab::parallelRows(shares.height, [&](int begin, int end) {
         for (int y = begin; y < end; ++y)
             for (int x = 0; x < shares.width; ++x) {
                 float& share = shares.row(y)[x];
                 const float unsure = 1 - std::abs(2 * share - 1);
-                share += kDepthSays * unsure * votes[scaled.row(y)[x]];
+                const float vote = votes[scaled.row(y)[x]];
+                share += kDepthSays * unsure * (hangsFromEar(x, y) ? 1 : vote);
             }
     });
 }

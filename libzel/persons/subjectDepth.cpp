@@ -48,14 +48,19 @@ std::optional<Subject> subjectFor(zellab::ConstImageView picture, PlaneView<cons
     return std::nullopt;
 }
 
-void levelSubject(zellab::PortraitDepthPlanes& planes, const Mask& mask, const FaceSet& faces) {
+void levelSubject(zellab::PortraitDepthPlanes& planes, const Mask& mask, const FaceSet& faces,
+                  PlaneView<const Byte> lights) {
     const PlaneView<Byte> depth = planes.refined.view();
     Plane<Byte> scaled(depth.width, depth.height);
     if (!scalePlane(viewOf(mask), scaled.view(), zellab::YuvFilter::box)) return;
     const int level = levelOf(depth, std::as_const(scaled).view(), faces);
+    Plane<Byte> most(depth.width, depth.height);
+    std::fill_n(most.data(), most.size(), Byte{255});
+    if (lights.valid()) scalePlane(lights, most.view(), zellab::YuvFilter::bilinear);
     for (std::size_t i = 0; i < scaled.size(); ++i) {
         Byte& own = planes.refined.data()[i];
-        const int ground = std::min(own, planes.unmasked.data()[i]), subject = std::max<int>(own, level);
+        const int subject = std::max<int>(own, level);
+        const int ground = std::min({own, planes.unmasked.data()[i], most.data()[i]});
         own = static_cast<Byte>((ground * (255 - scaled.data()[i]) + subject * scaled.data()[i] + 127) / 255);
     }
 }

@@ -31,7 +31,9 @@ std::optional<Subject> subjectFor(zellab::ConstImageView picture, zellab::PlaneV
 /// Raises the subject in a refined depth to where its nearest face is, or its own middle depth where it has none: no
 /// part of it then lies in the background, and a group lies in one plane. What is not the subject is no nearer than the
 /// depth that was refined without its mask has it: the mask draws lamps beside a face forward that have its colour.
-/// @param faces  the subject's
-void levelSubject(zellab::PortraitDepthPlanes& planes, const Mask& mask, const FaceSet& faces);
+/// @param faces   the subject's
+/// @param lights  as depthOfLights has them, or none
+void levelSubject(zellab::PortraitDepthPlanes& planes, const Mask& mask, const FaceSet& faces,
+                  zellab::PlaneView<const zellab::Byte> lights);
 
 }  // namespace zel

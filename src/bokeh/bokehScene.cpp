@@ -120,7 +120,8 @@ RenderOutcome BokehScene::draw(const RenderJob& job) {
     return m_passes->compose({.radius = frame.radiusPlane.view(),
                               .scaleRatio = frame.strength.scaleRatio,
                               .hair = frame.hair.view(),
-                              .smallBlurRadius = frame.smallBlurRadius()},
+                              .smallBlurRadius = frame.smallBlurRadius(),
+                              .limitGrain = job.inProportion},
                              job.target);
 }
 

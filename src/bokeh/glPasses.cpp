@@ -87,12 +87,14 @@ RenderOutcome GlPasses::compose(const ComposePass& pass, const ImageView& target
     const Texture2D out = byteTexture(target.width, target.height, kOrderRgba, nullptr);
     if (!out.isComplete()) return RenderOutcome::tooLarge;
     const Texture2D radius = planeTexture(pass.radius);
+    GrainMap grain = grainMap(m_source);
+    if (pass.limitGrain) limitGrain(grain);
     const CompositionTextures textures{.soft = m_soft,
                                        .noise = m_noise,
                                        .source = m_photograph,
                                        .radius = radius,
                                        .kernel = m_kernel,
-                                       .grain = makeGrainTexture(grainMap(m_source))};
+                                       .grain = makeGrainTexture(grain)};
     bool composed =
         Bokeh::compose(m_shaders, textures, kDispersion, pass.scaleRatio, pass.smallBlurRadius, out);
     // Without hair the blend would only copy the picture, which takes a sixth of a render in software.

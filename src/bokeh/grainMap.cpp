@@ -118,6 +118,19 @@ private:
 
 }  // namespace
 
+void limitGrain(GrainMap& map) {
+    constexpr float kOverUsual = 1.5f, kUnseen = 0.5f / 255.0f;
+    std::vector<float> one(map.strengths.size() / kStrengths);
+    for (std::size_t c = 0; c < kStrengths && !one.empty(); ++c) {
+        for (std::size_t i = 0; i < one.size(); ++i) one[i] = map.strengths[kStrengths * i + c];
+        const auto middle = one.begin() + static_cast<std::ptrdiff_t>(one.size() / 2);
+        std::nth_element(one.begin(), middle, one.end());
+        const float most = kOverUsual * *middle + kUnseen;
+        for (std::size_t i = c; i < map.strengths.size(); i += kStrengths)
+            map.strengths[i] = std::min(map.strengths[i], most);
+    }
+}
+
 GrainMap grainMap(const ConstImageView& photograph) {
     GrainMap map;
     map.across = (photograph.width - 1) / kSide + 1;

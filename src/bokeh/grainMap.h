@@ -25,4 +25,8 @@ struct GrainMap {
 /// leaves) does not pass for grain.
 GrainMap grainMap(const ConstImageView& photograph);
 
+/// Bounds the strengths by what is usual in the photograph: where stray hair or leaves fill a cell and its neighbours,
+/// their texture passes for grain, and would come back as specks where they are blurred.
+void limitGrain(GrainMap& map);
+
 }  // namespace zellab::Bokeh

@@ -67,7 +67,8 @@ bool ProcessorPasses::blur(const BlurPass& pass) {
 }
 
 RenderOutcome ProcessorPasses::compose(const ComposePass& pass, const ImageView& target) {
-    const GrainMap grain = grainMap(m_photograph);
+    GrainMap grain = grainMap(m_photograph);
+    if (pass.limitGrain) limitGrain(grain);
     std::optional<Photograph> copy;
     if (m_photograph.data == target.data) copy.emplace(m_photograph);
     composePicture({.photograph = copy ? copy->view : m_photograph,

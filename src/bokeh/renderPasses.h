@@ -36,6 +36,7 @@ struct ComposePass {
     float scaleRatio = 1.0f;       // the photograph's pixels across a working pixel
     PlaneView<const Byte> hair;    // of half the photograph's size; none: no hair keeps the photograph
     float smallBlurRadius = kSmallBlurRadius;
+    bool limitGrain = false;  // see limitGrain
 };
 
 /// The drawing steps of one render, which OpenGL or the processor takes. The scene calls each once, in this

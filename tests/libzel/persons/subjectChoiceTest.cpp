@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include "libzel/persons/brightLights.h"
 #include "libzel/persons/subjectDepth.h"
 #include "zellab/imageproc/core/ownedImage.h"
 
@@ -110,6 +111,13 @@ TEST(SubjectChoice, DepthDecidesWhereTheNetworkIsUnsureAlone) {
     EXPECT_EQ(shares.row(5)[110], 0) << "sure, though near";
     EXPECT_GT(shares.row(60)[110], 0.7f);
     EXPECT_LT(shares.row(60)[5], 0.3f);
+
+    fill(depth, {0, 0, kWidth, kHeight}, static_cast<unsigned char>(20));
+    fill(depth, {50, 10, 20, 20}, static_cast<unsigned char>(200));
+    fill(shares, {0, 0, kWidth, kHeight}, 0.5f);
+    zel::settleByDepth(shares.view(), faces, depth.view());
+    EXPECT_GT(shares.row(25)[72], 0.7f) << "an ear ring";
+    EXPECT_LT(shares.row(25)[85], 0.3f) << "a sign farther off";
 }
 
 TEST(SubjectChoice, WhatStandsFarBeforeTheSubjectIsNobodysAndWhatItHoldsStays) {
@@ -127,6 +135,45 @@ TEST(SubjectChoice, WhatStandsFarBeforeTheSubjectIsNobodysAndWhatItHoldsStays) {
     EXPECT_EQ(left(235, 255), 1) << "as estimated depth has it, where a person is the nearest of all";
 }
 
+/// A picture of a person's right half, of its ground and of a disc that touches the person.
+struct LampScene {
+    static constexpr int kSide = zel::kLightsSide;
+    zel::Image picture{kSide, kSide, {}};
+    Shares shares{kSide, kSide};
+    Depth depth{kSide, kSide};
+
+    LampScene(int radius, unsigned char lamp, unsigned char ground, float share) {
+        for (int y = 0; y < kSide; ++y)
+            for (int x = 0; x < kSide; ++x) {
+                const bool person = x < kSide / 2;
+                const int across = x - kSide / 2 - radius + 4, down = y - kSide / 2;
+                const bool isLamp = !person && across * across + down * down < radius * radius;
+                const unsigned char level = person ? 90 : isLamp ? lamp : ground;
+                picture.rgba.insert(picture.rgba.end(), {level, level, level, 255});
+                shares.row(y)[x] = person ? 1 : isLamp ? share : 0;
+                depth.row(y)[x] = person || isLamp ? 240 : 30;
+            }
+    }
+    /// The most that the depth may be in the lamp's middle.
+    int lamp(int radius) const {
+        const auto most =
+            zel::depthOfLights({picture.rgba.data(), kSide, kSide}, shares.view(), depth.view());
+        EXPECT_EQ(most.row(kSide / 2)[kSide / 4], 255) << "the person";
+        EXPECT_EQ(most.row(20)[kSide - 20], 255) << "the ground";
+        return most.row(kSide / 2)[kSide / 2 + radius];
+    }
+};
+
+TEST(BrightLights, OnlyLampsAreGround) {
+    EXPECT_EQ(LampScene(15, 250, 30, 0).lamp(15), 30);
+    EXPECT_EQ(LampScene(15, 250, 30, 0.3f).lamp(15), 30) << "whom the network is unsure of";
+    EXPECT_EQ(LampScene(15, 250, 30, 0.6f).lamp(15), 255) << "a pearl, or a cuff";
+    EXPECT_EQ(LampScene(15, 180, 30, 0).lamp(15), 255) << "a cup in the hand";
+    EXPECT_EQ(LampScene(15, 250, 170, 0).lamp(15), 255) << "paper in the hand, by day";
+    EXPECT_EQ(LampScene(90, 250, 30, 0).lamp(90), 255) << "a window";
+    EXPECT_EQ(LampScene(1, 250, 30, 0).lamp(1), 255) << "a glint";
+}
+
 TEST(SubjectDepth, RaisesTheSubjectToItsNearestFaceAndLowersWhatTheMaskDrewForward) {
     People people;
     people.add({20, 20, 20, 20}, 90);
@@ -135,6 +182,8 @@ TEST(SubjectDepth, RaisesTheSubjectToItsNearestFaceAndLowersWhatTheMaskDrewForwa
     for (std::size_t i = 0; i < people.shares.size(); ++i)
         mask.samples.push_back(people.shares.data()[i] > 0 ? 255 : 0);
     fill(people.depth, {80, 60, 10, 10}, static_cast<unsigned char>(240));  // a hand before them
+    fill(people.depth, {108, 66, 8, 8},
+         static_cast<unsigned char>(240));  // a lamp that a network took for near
     zellab::PortraitDepthPlanes planes;
     planes.unmasked = Depth(zellab::kDepthPlaneSide, zellab::kDepthPlaneSide);
     for (Depth* plane : {&planes.refined, &planes.unmasked})
@@ -147,7 +196,11 @@ TEST(SubjectDepth, RaisesTheSubjectToItsNearestFaceAndLowersWhatTheMaskDrewForwa
                                   kHeight)[x * zellab::kDepthPlaneSide / kWidth];
     };
     at(60, 5) = 180;  // a lamp
-    zel::levelSubject(planes, mask, people.faces);
+    Depth lights(zel::kLightsSide, zel::kLightsSide);
+    std::fill_n(lights.data(), lights.size(), static_cast<unsigned char>(255));
+    fill(lights, {345, 329, 12, 14}, static_cast<unsigned char>(40));
+    zel::levelSubject(planes, mask, people.faces, lights.view());
+    EXPECT_EQ(at(110, 70), 40);
     EXPECT_EQ(at(25, 60), 220);
     EXPECT_EQ(at(85, 65), 240);
     EXPECT_EQ(at(60, 5), 0);
