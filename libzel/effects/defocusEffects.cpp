@@ -99,7 +99,8 @@ void enlivenGround(Render& render, EffectRun& run, const FocusFraction& focus, b
 struct RenderInputs {
     std::vector<float> faces;  // rectangles
     FocusFraction focus;
-    bool mask;  // whether there is one
+    bool mask;          // whether there is one
+    bool maskHasEdges;  // the picture's
 };
 
 /// As strong on a reduced copy, and in a preview, as on the picture itself: the exported forms bound the radius by
@@ -121,6 +122,7 @@ bool draw(Render& render, EffectRun& run, RenderInputs& inputs) {
                  .useDepth = values.toggle("useDepth"),
                  .useHairMask = inputs.mask,
                  .hasCurrentContext = true,
+                 .hairHasEdges = inputs.maskHasEdges,
                  .inProportion = true});
 }
 
@@ -164,7 +166,8 @@ void runDefocus(EffectRun& run) {
         scene = defocusScene(run);
         setDepth(render, run, scene);
     }
-    RenderInputs inputs{faceRectangles(usesDepth ? scene.faces : run.faces), focus, scene.rim != nullptr};
+    RenderInputs inputs{faceRectangles(usesDepth ? scene.faces : run.faces), focus, scene.rim != nullptr,
+                        scene.found != nullptr};
     std::vector<unsigned char> mask;
     if (scene.rim) {
         mask = scene.rim->samples;

@@ -8,6 +8,7 @@
 #include "libzel/networks/networkFolder.h"
 #include "libzel/persons/brightLights.h"
 #include "libzel/persons/personNetwork.h"
+#include "libzel/persons/strayHair.h"
 #include "libzel/persons/subjectChoice.h"
 #include "zellab/imageproc/core/ownedImage.h"
 #include "zellab/imageproc/core/parallelRows.h"
@@ -105,52 +106,6 @@ Mask refined(PlaneView<const float> shares, ConstImageView picture) {
     return mask;
 }
 
-/// The mask for the render's hair stage, which draws its edges to the picture's once more, over wider windows, and keeps
-/// what comes out of that sharp: lamps beside a face that have its colour, too. Around places where more comes out than
-/// the mask has, it is taken back, and depth alone decides.
-Mask withoutSmears(const Mask& mask, PlaneView<const float> shares, ConstImageView picture,
-                   int pictureWidth) {
-    // The stage's windows: five cells a side, each of four pixels of a copy of half the size.
-    constexpr float kCell = 8, kEpsilon = 0.1f;
-    constexpr int kRadius = 2;
-    constexpr int kLikely = 80;  // levels that come out where nobody is without being seen
-    const float scale = kCell * static_cast<float>(mask.width) / static_cast<float>(pictureWidth);
-    Mask drawn = mask;
-    GuidedFilterPlane({drawn.samples.data(), drawn.width, drawn.height}, picture, kRadius, kEpsilon, scale);
-    // The largest excess within a window of the stage.
-    const int reach = std::max(1, static_cast<int>(std::lround((kRadius + 0.5f) * scale)));
-    Plane<Byte> along(mask.width, mask.height);
-    Mask rim = mask;
-    const auto largest = [reach](const auto& at, int i, int count) {
-        int most = 0;
-        for (int k = std::max(i - reach, 0); k <= std::min(i + reach, count - 1); ++k)
-            most = std::max(most, static_cast<int>(at(k)));
-        return most;
-    };
-    zellab::parallelRows(mask.height, [&](int begin, int end) {
-        for (int y = begin; y < end; ++y) {
-            const std::size_t row = zellab::sampleCount(mask.width, y);
-            const auto excess = [&](int x) {
-                const std::size_t i = row + static_cast<std::size_t>(x);
-                return possible(shares.row(y)[x]) > 0 ? 0 : std::max(drawn.samples[i] - kLikely, 0);
-            };
-            for (int x = 0; x < mask.width; ++x)
-                along.row(y)[x] = static_cast<Byte>(largest(excess, x, mask.width));
-        }
-    });
-    zellab::parallelRows(mask.height, [&](int begin, int end) {
-        for (int y = begin; y < end; ++y)
-            for (int x = 0; x < mask.width; ++x) {
-                const auto above = [&](int v) { return along.row(v)[x]; };
-                constexpr int kGain = 8;
-                const int share = std::max(255 - kGain * largest(above, y, mask.height), 0);
-                Byte& own = rim.samples[zellab::sampleCount(mask.width, y) + static_cast<std::size_t>(x)];
-                own = static_cast<Byte>(own * share / 255);
-            }
-    });
-    return rim;
-}
-
 /// A lamp's shares are unsure, and its depth, which would decide, is wrong.
 void dropLights(PlaneView<float> shares, PlaneView<const Byte> lights) {
     Plane<Byte> dark(lights.width, lights.height), scaled(shares.width, shares.height);
@@ -220,8 +175,8 @@ std::optional<Subject> findSubject(ConstImageView picture, const FaceSet& faces,
                 return std::nullopt;
             }
             subject.mask = refined(std::as_const(shares).view(), copy.view());
-            subject.rim =
-                withoutSmears(subject.mask, std::as_const(shares).view(), copy.view(), picture.width);
+            subject.rim = subject.mask;
+            addStrayHair(subject.rim, facesOf(subject, faces), copy.view());
             return subject;
         });
 }

@@ -12,9 +12,9 @@ namespace zel {
 
 /// What depth of field keeps sharp as a whole, whatever the depth network takes its parts for.
 struct Subject {
-    Mask mask;                  // of the picture's proportions, at most kMaskSide pixels a side
-    Mask rim;                   // the same for the render's hair stage: without places where it would smear
-    std::vector<bool> ofFaces;  // for each face that was given, whether it is the subject's
+    Mask mask;                           // of the picture's proportions, at most kMaskSide pixels a side
+    Mask rim;                            // the same with its stray hair: what keeps the photograph
+    std::vector<bool> ofFaces;           // for each face that was given, whether it is the subject's
     zellab::Plane<zellab::Byte> lights;  // of the ground: see depthOfLights
 };
 

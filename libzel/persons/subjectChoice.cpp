@@ -285,8 +285,9 @@ void settleByDepth(PlaneView<float> shares, const FaceSet& faces, PlaneView<cons
     for (int i = 0; i < 256; ++i)
         votes[static_cast<std::size_t>(i)] =
             std::clamp(1 - 2 * static_cast<float>(level - i) / static_cast<float>(kFarBehind), -1.0f, 1.0f);
-    const auto hangsFromEar = [&](int x, int y) {
-        constexpr float kFrom = 0.3f, kTo = 1.1f, kOnCheek = 0.15f, kFromCheek = 0.3f;  // in the face's sizes
+    const auto isAtEar = [&](int x, int y) {
+        constexpr float kFrom = -0.1f, kTo = 1.1f, kOnCheek = 0.15f,
+                        kFromCheek = 0.3f;  // in the face's sizes
         const float u = (static_cast<float>(x) + 0.5f) / static_cast<float>(shares.width);
         const float v = (static_cast<float>(y) + 0.5f) / static_cast<float>(shares.height);
         return std::any_of(faces.faces.begin(), faces.faces.end(), [&](const Face& face) {
@@ -301,7 +302,7 @@ void settleByDepth(PlaneView<float> shares, const FaceSet& faces, PlaneView<cons
                 float& share = shares.row(y)[x];
                 const float unsure = 1 - std::abs(2 * share - 1);
                 const float vote = votes[scaled.row(y)[x]];
-                share += kDepthSays * unsure * (hangsFromEar(x, y) ? 1 : vote);
+                share += kDepthSays * unsure * (isAtEar(x, y) ? 1 : vote);
             }
     });
 }

@@ -57,7 +57,7 @@ void dropForeground(zellab::PlaneView<float> shares, const FaceSet& faces,
                     zellab::PlaneView<const zellab::Byte> depth);
 
 /// Lets depth decide where the network is unsure: what is as near as the subject joins it, what lies far behind does
-/// not. What the network is sure of stays, whatever its depth. Beside the cheeks, where ear rings hang, which depth takes
+/// not. What the network is sure of stays, whatever its depth. Beside the cheeks, where ears and their rings are, which depth takes
 /// for ground, unsure is enough.
 /// @param faces  the subject's, one at least
 void settleByDepth(zellab::PlaneView<float> shares, const FaceSet& faces,

@@ -160,8 +160,9 @@ void BokehScene::prepareHair(Frame& frame) {
     const PlaneView<const Byte> mask = frame.job.hairMask;
     const ConstImageView source = frame.job.source;
     frame.hair = Plane<Byte>(width, height);
-    RgbaImage guide(width, height);
     scalePlane(mask, frame.hair.view(), YuvFilter::bilinear);
+    if (frame.job.hairHasEdges) return;
+    RgbaImage guide(width, height);
     scaleArgb(source, guide.view(), YuvFilter::linear);
     GuidedFilterPlane(frame.hair.view(), guide.view(), kHairGuideRadius, kGuideEpsilon, kGuideScale);
 }

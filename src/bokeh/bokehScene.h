@@ -29,6 +29,7 @@ struct RenderJob {
     bool cpuOnly = false;             ///< all tiles of the convolution on the processor
     PlaneView<const Byte> disparity;  ///< larger is nearer; none: everything lies at 0
     PlaneView<const Byte> hairMask;   ///< hair keeps the sharp picture; no mask: no hair
+    bool hairHasEdges = false;        ///< the mask has the picture's edges already, and is taken as it is
     PlaneView<const Byte> kernel;     ///< the shape, by the type; of any size, and scaled to what is read
 };
 

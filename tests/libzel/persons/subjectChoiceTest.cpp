@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include "libzel/persons/brightLights.h"
+#include "libzel/persons/strayHair.h"
 #include "libzel/persons/subjectDepth.h"
 #include "zellab/imageproc/core/ownedImage.h"
 
@@ -172,6 +173,38 @@ TEST(BrightLights, OnlyLampsAreGround) {
     EXPECT_EQ(LampScene(15, 250, 170, 0).lamp(15), 255) << "paper in the hand, by day";
     EXPECT_EQ(LampScene(90, 250, 30, 0).lamp(90), 255) << "a window";
     EXPECT_EQ(LampScene(1, 250, 30, 0).lamp(1), 255) << "a glint";
+}
+
+TEST(StrayHair, IsAddedBeforePlainGroundWhereItIsThinAndThePersons) {
+    constexpr int kSide = 384;
+    zel::Image picture{kSide, kSide, {}};
+    zel::Mask mask{kSide, kSide, {}};
+    for (int y = 0; y < kSide; ++y)
+        for (int x = 0; x < kSide; ++x) {
+            const bool person = x > 150 && x < 250 && y > 80;
+            const bool strand = y / 2 == 60 && x >= 90 && x <= 150;        // two pixels, at the person
+            const bool apart = y / 2 == 80 && x >= 90 && x <= 130;         // likewise, away from it
+            const bool block = y > 210 && y < 250 && x > 100 && x <= 150;  // a pot
+            const bool low = y / 2 == 180 && x >= 90 && x <= 150;          // a belt
+            const bool pattern = x >= 260 && (x / 6 + y / 6) % 2;          // wallpaper on the other side
+            const unsigned char level = person || strand || apart || block || low || pattern ? 60 : 230;
+            picture.rgba.insert(picture.rgba.end(), {level, level, level, 255});
+            mask.samples.push_back(person ? 255 : 0);
+        }
+    const zel::Face face{{0.4f, 0.25f, 0.2f, 0.2f}, {}, {}};
+    const zel::Mask before = mask;
+    zel::addStrayHair(mask, {kSide, kSide, {face}}, {picture.rgba.data(), kSide, kSide});
+    const auto at = [&](int x, int y) { return mask.samples[static_cast<std::size_t>(y * kSide + x)]; };
+    EXPECT_EQ(at(100, 121), 255);
+    EXPECT_EQ(at(100, 118), 0) << "the ground beside it";
+    EXPECT_EQ(at(100, 161), 0) << "not the person's";
+    EXPECT_EQ(at(125, 230), 0) << "no strand";
+    EXPECT_EQ(at(100, 351), 0) << "far below the head";
+    for (int y = 0; y < kSide; ++y)
+        for (int x = 265; x < kSide; ++x) ASSERT_EQ(at(x, y), 0) << x << ", " << y;
+    mask = before;
+    zel::addStrayHair(mask, {kSide, kSide, {}}, {picture.rgba.data(), kSide, kSide});
+    EXPECT_EQ(mask.samples, before.samples) << "no head";
 }
 
 TEST(SubjectDepth, RaisesTheSubjectToItsNearestFaceAndLowersWhatTheMaskDrewForward) {

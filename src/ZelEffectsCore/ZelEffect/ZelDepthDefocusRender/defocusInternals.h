@@ -28,6 +28,7 @@ struct RunRequest {
     int blurLevel;
     zellab::Bokeh::Look look;
     bool useDepth, useHairMask, hasCurrentContext;
+    bool hairHasEdges = false;  // the hair mask has the picture's edges already
     bool inProportion = false;  // the blur is the same share of a picture of any size
 };
 

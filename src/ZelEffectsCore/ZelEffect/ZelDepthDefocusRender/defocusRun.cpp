@@ -147,6 +147,7 @@ bool DefocusInternals::run(ZelDepthDefocusRender& render, const RunRequest& requ
                      .constantRadius = !request.useDepth,
                      .disparity = {render.m_depth, render.m_depthWidth, render.m_depthHeight},
                      .hairMask = hairMask,
+                     .hairHasEdges = request.hairHasEdges,
                      .kernel = kernel.view()}));
     }
     if (!request.hasCurrentContext && !onProcessor) zellab::gl::EnvironmentHolder::doneCurrent();
