@@ -18,6 +18,13 @@ bool isGrey(std::span<const unsigned char> rgba) {
     return true;
 }
 
+/// The first channels of each pixel.
+template <std::size_t kChannels>
+void copyFirst(std::span<const unsigned char> rgba, unsigned char* out) {
+    for (std::size_t i = 0; i < rgba.size(); i += 4, out += kChannels)
+        std::copy_n(rgba.data() + i, kChannels, out);
+}
+
 void layOnWhite(std::span<const unsigned char> rgba, std::size_t channels, unsigned char* out) {
     for (std::size_t i = 0; i < rgba.size(); i += 4, out += channels)
         for (std::size_t c = 0; c < channels; ++c) {
@@ -43,9 +50,10 @@ PackedPixels packPixels(const Image& image, std::span<const unsigned char> rgba,
         layOnWhite(rgba, channels, packed.bytes.data());
         return packed;
     }
-    unsigned char* out = packed.bytes.data();
-    for (std::size_t i = 0; i < rgba.size(); i += 4, out += channels)
-        std::copy_n(rgba.data() + i, channels, out);
+    if (grey)
+        copyFirst<1>(rgba, packed.bytes.data());
+    else
+        copyFirst<3>(rgba, packed.bytes.data());
     return packed;
 }
 
