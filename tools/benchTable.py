@@ -68,7 +68,7 @@ def compared(rows):
     for (prefix, who, arguments), ours in sorted(rows.items(), key=order):
         if who.startswith(PEERS):
             continue
-        copy = copies.get(dict(arguments).get("MP"))
+        copy = None if "hole" in dict(arguments) else copies.get(dict(arguments).get("MP"))
         entry = {
             "row": "/".join([prefix] + ([] if who in OURS else [who])),
             "arguments": dict(arguments),
