@@ -3,6 +3,9 @@
 
 namespace {
 
+/// Rows that name no number of threads run on one, as their peers do.
+[[maybe_unused]] const zellab::WorkerCount kOneThread(1);
+
 void BM_memcpy(benchmark::State& state) {
     const zelbench::Size size = zelbench::sizeOf(state.range(0));
     zelbench::copyPicture(state, size, zelbench::benchRgba(size));

@@ -1,8 +1,10 @@
 #!/usr/bin/env python3
-"""Prints a table of ratios from the JSON of a benchmark run. Usage: benchTable.py RESULTS.json
+"""Prints a table of ratios from the JSON of a benchmark run, and writes its rows.
+Usage: benchTable.py RESULTS.json [TABLE.json]
 
 Rows are named PREFIX/WHO/ARGUMENTS, as in stack_blur/ours/radius:20/MP:12/threads:2. Every row of this library
-is set beside the peers that share its prefix and arguments, and beside a plain copy of the picture."""
+is set beside the peers that share its prefix and arguments, and beside a plain copy of the picture. On one thread
+the least processor time counts, which other programs disturb least; on more, the median of wall-clock time."""
 import json
 import statistics
 import sys
@@ -16,8 +18,8 @@ PEERS = ("opencv", "libyuv", "yuv", "fftw", "memcpy", "plain", "eigen", "gegl")
 OURS = ("ours", "own", "zel")
 
 
-def medians(results):
-    """Median real time in milliseconds of each row, by (prefix, who, arguments)."""
+def times_of(results):
+    """The time of each row in milliseconds, by (prefix, who, arguments)."""
     times = {}
     scale = {"ns": 1e-6, "us": 1e-3, "ms": 1.0, "s": 1e3}
     for entry in results["benchmarks"]:
@@ -26,9 +28,14 @@ def medians(results):
         parts = [p for p in entry["run_name"].split("/") if p not in ("real_time", "process_time")]
         words = [p for p in parts if ":" not in p]
         arguments = dict(p.split(":", 1) for p in parts if ":" in p)
+        arguments.pop("iterations", None)
         key = ("/".join(words[:-1]) or words[0], words[-1], tuple(sorted(arguments.items())))
-        times.setdefault(key, []).append(entry["real_time"] * scale[entry["time_unit"]])
-    return {key: statistics.median(values) for key, values in times.items()}
+        one = arguments.get("threads", "1") == "1"
+        times.setdefault(key, []).append(entry["cpu_time" if one else "real_time"] * scale[entry["time_unit"]])
+    return {
+        key: min(values) if dict(key[2]).get("threads", "1") == "1" else statistics.median(values)
+        for key, values in times.items()
+    }
 
 
 def second_thread_gain(rows):
@@ -49,22 +56,41 @@ def order(item):
     return prefix, who, [(name, float(value) if value.replace(".", "", 1).isdigit() else 0.0) for name, value in arguments]
 
 
-def table(rows, trusted):
-    copies = {dict(arguments).get("MP"): time for (prefix, _, arguments), time in rows.items() if prefix == "memcpy"}
-    lines = [("row", "ours ms", "x memcpy", "peer", "peer ms", "times as fast")]
+def copy_times(rows):
+    """The time of a copy of the picture by its megapixels."""
+    return {dict(a).get("MP"): time for (prefix, _, a), time in rows.items() if prefix == "memcpy"}
+
+
+def compared(rows):
+    """One entry a row of this library and peer; a row without a peer has one entry."""
+    copies = copy_times(rows)
+    entries = []
     for (prefix, who, arguments), ours in sorted(rows.items(), key=order):
         if who.startswith(PEERS):
             continue
-        values = dict(arguments)
-        name = "/".join([prefix] + ([] if who in OURS else [who]) + [f"{k}:{v}" for k, v in arguments])
-        copy = copies.get(values.get("MP"))
-        against_copy = f"{ours / copy:.2f}" if copy else "-"
-        mark = "" if trusted or values.get("threads", "1") == "1" else " untrusted"
+        copy = None if "hole" in dict(arguments) else copies.get(dict(arguments).get("MP"))
+        entry = {
+            "row": "/".join([prefix] + ([] if who in OURS else [who])),
+            "arguments": dict(arguments),
+            "ours_ms": ours,
+            "copies": ours / copy if copy else None,
+        }
         peers = [(other, time) for (p, other, a), time in rows.items()
-                 if p == prefix and a == arguments and other.startswith(PEERS)]
-        for other, time in sorted(peers) or [("-", None)]:
-            ratio = f"{time / ours:.2f}{mark}" if time else "-" + mark
-            lines.append((name, f"{ours:.3f}", against_copy, other, f"{time:.3f}" if time else "-", ratio))
+                 if p == prefix and a == arguments and other.startswith(PEERS) and other != "memcpy"]
+        entries += [{**entry, "peer": other, "peer_ms": time, "times_as_fast": time / ours}
+                    for other, time in sorted(peers)] or [entry]
+    return entries
+
+
+def table(entries, trusted):
+    lines = [("row", "ours ms", "copies", "peer", "peer ms", "times as fast")]
+    for entry in entries:
+        arguments = entry["arguments"]
+        mark = "" if trusted or arguments.get("threads", "1") == "1" else " untrusted"
+        name = "/".join([entry["row"]] + [f"{k}:{v}" for k, v in arguments.items()])
+        copies = f"{entry['copies']:.2f}" if entry["copies"] else "-"
+        peer = (entry["peer"], f"{entry['peer_ms']:.3f}", f"{entry['times_as_fast']:.2f}") if "peer" in entry else ("-", "-", "-")
+        lines.append((name, f"{entry['ours_ms']:.3f}", copies, *peer[:2], peer[2] + mark))
     return lines
 
 
@@ -75,13 +101,17 @@ def print_columns(lines):
 
 
 def main():
-    if len(sys.argv) != 2:
-        sys.exit(__doc__.splitlines()[0])
+    if len(sys.argv) not in (2, 3):
+        sys.exit(__doc__)
     with open(sys.argv[1], encoding="utf-8") as file:
-        rows = medians(json.load(file))
+        rows = times_of(json.load(file))
     gain = second_thread_gain(rows)
     trusted = gain is not None and gain >= TRUSTED_GAIN
-    print_columns(table(rows, trusted))
+    entries = compared(rows)
+    print_columns(table(entries, trusted))
+    if len(sys.argv) == 3:
+        with open(sys.argv[2], "w", encoding="utf-8") as file:
+            json.dump({"second_thread_gain": gain, "copies_ms": copy_times(rows), "rows": entries}, file, indent=1)
     if gain is None:
         print("\nThe yardstick of the second thread did not run: figures on two threads are untrusted.")
     else:

@@ -1,6 +1,6 @@
 // What each effect of the C interface costs on drawn portraits, at its defaults: the least time on one and on two
 // threads, and the peak of its memory beside the picture. Every effect runs in a process of its own.
-// Usage: zel_effect_costs OUT.json MEGAPIXELS...
+// Usage: zel_effect_costs OUT.json MEGAPIXELS... [EFFECT...]
 #include <malloc.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -137,18 +137,26 @@ Cost measured(const zel_effect& effect, const Scene& scene, int threads) {
 
 int main(int argc, char** argv) {
     if (argc < 3) {
-        std::fprintf(stderr, "usage: zel_effect_costs OUT.json MEGAPIXELS...\n");
+        std::fprintf(stderr, "usage: zel_effect_costs OUT.json MEGAPIXELS... [EFFECT...]\n");
         return 2;
     }
+    std::vector<double> sizes;
+    std::vector<std::string> wanted;  // all where none is named
+    for (int i = 2; i < argc; ++i)
+        if (const double megapixels = std::atof(argv[i]); megapixels > 0)
+            sizes.push_back(megapixels);
+        else
+            wanted.emplace_back(argv[i]);
     std::ofstream out(argv[1]);
     out << "[";
     const char* comma = "\n";
-    for (int i = 2; i < argc; ++i) {
-        const double megapixels = std::atof(argv[i]);
+    for (const double megapixels : sizes) {
         const Scene scene = sceneOf(megapixels);
         const double pixels = static_cast<double>(scene.picture.width) * scene.picture.height;
         for (std::size_t k = 0; const zel_effect* effect = zel_effect_at(k); ++k)
             for (const int threads : {1, 2}) {
+                if (!wanted.empty() && std::find(wanted.begin(), wanted.end(), effect->name) == wanted.end())
+                    continue;
                 const Cost cost = measured(*effect, scene, threads);
                 if (!cost.worked) continue;
                 out << comma << "{\"effect\": \"" << effect->name << "\", \"megapixels\": " << pixels / 1e6

@@ -1,7 +1,9 @@
 #include "cli/commands/applyPicture.h"
 
 #include <algorithm>
+#include <array>
 #include <charconv>
+#include <cstdint>
 #include <cstring>
 #include <type_traits>
 
@@ -24,17 +26,23 @@ constexpr double kReadShare = 0.1, kEffectShare = 0.9;
 constexpr const char* kNoFace =
     "no face was found; --faces can tell where one is, and --no-face skip or copy goes on without";
 
-/// A sum that two different pictures of one size hardly share.
+/// A sum that two different pictures of one size hardly share. Of several lanes, which need not wait for each other.
 std::uint64_t sumOf(const std::vector<unsigned char>& bytes) {
     constexpr std::uint64_t kFactor = 0x9E3779B97F4A7C15u;
-    std::uint64_t sum = bytes.size();
-    std::size_t at = 0;
-    for (std::uint64_t word; at + sizeof word <= bytes.size(); at += sizeof word) {
-        std::memcpy(&word, bytes.data() + at, sizeof word);
+    constexpr std::size_t kLanes = 4;
+    const auto mixed = [](std::uint64_t sum, std::uint64_t word) {
         sum = (sum ^ word) * kFactor;
-        sum ^= sum >> 32;
+        return sum ^ sum >> 32;
+    };
+    std::array<std::uint64_t, kLanes> lanes = {1, 2, 3, 4}, words;
+    std::size_t at = 0;
+    for (; at + sizeof words <= bytes.size(); at += sizeof words) {
+        std::memcpy(words.data(), bytes.data() + at, sizeof words);
+        for (std::size_t k = 0; k < kLanes; ++k) lanes[k] = mixed(lanes[k], words[k]);
     }
-    for (; at < bytes.size(); ++at) sum = (sum ^ bytes[at]) * kFactor;
+    std::uint64_t sum = bytes.size();
+    for (; at < bytes.size(); ++at) sum = mixed(sum, bytes[at]);
+    for (const std::uint64_t lane : lanes) sum = mixed(sum, lane);
     return sum;
 }
 

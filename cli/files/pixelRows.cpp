@@ -18,12 +18,24 @@ bool isGrey(std::span<const unsigned char> rgba) {
     return true;
 }
 
-void layOnWhite(std::span<const unsigned char> rgba, std::size_t channels, unsigned char* out) {
-    for (std::size_t i = 0; i < rgba.size(); i += 4, out += channels)
-        for (std::size_t c = 0; c < channels; ++c) {
-            const int alpha = rgba[i + 3];
-            out[c] = static_cast<unsigned char>((rgba[i + c] * alpha + 255 * (255 - alpha) + 127) / 255);
-        }
+/// The first channels of each pixel.
+template <std::size_t kChannels>
+void copyFirst(std::span<const unsigned char> rgba, unsigned char* out) {
+    for (std::size_t i = 0; i < rgba.size(); i += 4, out += kChannels)
+        std::copy_n(rgba.data() + i, kChannels, out);
+}
+
+/// The first channels of each pixel as they look on white.
+template <std::size_t kChannels>
+void layOnWhite(std::span<const unsigned char> rgba, unsigned char* out) {
+    for (std::size_t i = 0; i < rgba.size(); i += 4, out += kChannels) {
+        const int alpha = rgba[i + 3];
+        if (alpha == 255)
+            std::copy_n(rgba.data() + i, kChannels, out);
+        else
+            for (std::size_t c = 0; c < kChannels; ++c)
+                out[c] = static_cast<unsigned char>((rgba[i + c] * alpha + 255 * (255 - alpha) + 127) / 255);
+    }
 }
 
 }  // namespace
@@ -37,15 +49,10 @@ PackedPixels packPixels(const Image& image, std::span<const unsigned char> rgba,
         packed.bytes.assign(rgba.begin(), rgba.end());
         return packed;
     }
-    const auto channels = static_cast<std::size_t>(packed.channels);
-    packed.bytes.resize(rgba.size() / 4 * channels);
-    if (!keepAlpha) {
-        layOnWhite(rgba, channels, packed.bytes.data());
-        return packed;
-    }
-    unsigned char* out = packed.bytes.data();
-    for (std::size_t i = 0; i < rgba.size(); i += 4, out += channels)
-        std::copy_n(rgba.data() + i, channels, out);
+    packed.bytes.resize(rgba.size() / 4 * static_cast<std::size_t>(packed.channels));
+    const auto pack =
+        grey ? (keepAlpha ? copyFirst<1> : layOnWhite<1>) : (keepAlpha ? copyFirst<3> : layOnWhite<3>);
+    pack(rgba, packed.bytes.data());
     return packed;
 }
 

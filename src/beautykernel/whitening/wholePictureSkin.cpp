@@ -39,8 +39,9 @@ Plane<Byte> reddishPixels(ConstImageView image) {
 /// Smooths the reddish pixels, mixes and brightens everything.
 void smoothAndBrighten(ImageView image, int radius, const MixWeights& weights, const ByteTable& curve) {
     const Plane<Byte> mask = reddishPixels(image);
-    const RgbaImage before = copyOf(image);
-    SurfaceBlurFilter().Run(image, radius, kSurfaceThreshold, mask.view());
+    SurfaceBlurFilter filter;
+    filter.Run(image, radius, kSurfaceThreshold, mask.view());
+    const ConstImageView before = filter.before();
     parallelRows(image.height, [&](int begin, int end) {
         for (int y = begin; y < end; ++y) {
             Byte* p = image.row(y);

@@ -60,6 +60,33 @@ TEST(BlockEdges, BecomeSlopesAndTheBarStays) {
     }
 }
 
+/// The mean step of luma before pixels whose place within blocks of eight is `offset`, less that before the others.
+double plainExcess(const Image& image, bool rows, int offset) {
+    double sums[2] = {}, counts[2] = {};
+    const auto luma = [&](int x, int y) {
+        const unsigned char* p = image.rgba.data() + (static_cast<std::ptrdiff_t>(y) * image.width + x) * 4;
+        return (77 * p[0] + 150 * p[1] + 29 * p[2]) >> 8;
+    };
+    for (int y = rows ? 0 : 1; y < image.height; ++y)
+        for (int x = rows ? 1 : 0; x < image.width; ++x) {
+            const int before = rows ? luma(x - 1, y) : luma(x, y - 1);
+            const int border = ((rows ? x : y) - offset) % 8 == 0;
+            sums[border] += std::abs(luma(x, y) - before);
+            ++counts[border];
+        }
+    return sums[1] / counts[1] - sums[0] / counts[0];
+}
+
+TEST(BlockEdges, ShowAsTheMeanStepAtTheBordersBeyondThatInside) {
+    for (const auto& [width, height] : {std::pair{16, 16}, {17, 24}, {31, 19}, {101, 77}}) {
+        const Image image = zeltest::testImage(width, height, 7);
+        const auto stronger = [&image = image](bool rows, int length) {
+            return std::max(plainExcess(image, rows, 0), plainExcess(image, rows, length % 8));
+        };
+        EXPECT_EQ(blockiness(image), (stronger(true, width) + stronger(false, height)) / 2) << width;
+    }
+}
+
 TEST(BlockEdges, PicturesWithoutBlocksKeepEveryByte) {
     for (const Image& image : {slope(), zeltest::testImage(101, 77, 9), zeltest::testImage(9, 400, 4)}) {
         Image after = image;

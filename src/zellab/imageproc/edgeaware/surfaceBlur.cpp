@@ -134,21 +134,14 @@ private:
 
 class Blur {
 public:
-    Blur(const ImageView& image, int radius, int threshold, PlaneView<const Byte> mask)
-        : m_image(image),
-          m_mask(mask),
-          m_disc(radius),
-          m_weights(threshold),
-          m_padded(image.width + 2 * radius, image.height + 2 * radius),
-          m_stride(m_padded.view().stride) {
-        copyPixels(image, m_padded.view().crop(radius, radius, image.width, image.height));
-    }
+    /// @param padded  the picture as it was, in a rim of zeros as wide as the radius
+    Blur(const ImageView& image, ConstImageView padded, int radius, int threshold, PlaneView<const Byte> mask)
+        : m_image(image), m_mask(mask), m_disc(radius), m_weights(threshold), m_before{padded, radius} {}
 
     void run() {
         const auto level = platform::simdLevel();
         if (level == platform::SimdLevel::avx2 && surface::fitsDirect(m_disc, m_weights)) {
-            const surface::Job job{m_image,     {m_padded.view(), m_disc.radius}, m_mask, m_disc, m_weights,
-                                   everywhere()};
+            const surface::Job job{m_image, m_before, m_mask, m_disc, m_weights, everywhere()};
             parallelRows(m_image.height,
                          [&](int begin, int end) { surface::blurDirectAvx2(job, begin, end); });
             return;
@@ -158,11 +151,6 @@ public:
     }
 
 private:
-    Byte* padded(int x, int y) {
-        return m_padded.data() + (std::ptrdiff_t{y} + m_disc.radius) * m_stride +
-               (std::ptrdiff_t{x} + m_disc.radius) * 4;
-    }
-
     /// The very first disc of a picture is a little wider than the one that slides (0.4 of a pixel); what lies
     /// between the two is never removed and counts everywhere.
     std::vector<const Byte*> everywhere() {
@@ -170,7 +158,7 @@ private:
         for (int dy = -m_disc.radius; dy <= m_disc.radius; ++dy) {
             const int wider = m_disc.extent(std::abs(dy), 0.4f);
             for (int dx = m_disc.half[static_cast<std::size_t>(std::abs(dy))] + 1; dx <= wider; ++dx)
-                pixels.insert(pixels.end(), {padded(-dx, dy), padded(dx, dy)});
+                pixels.insert(pixels.end(), {m_before.at(-dx, dy), m_before.at(dx, dy)});
         }
         return pixels;
     }
@@ -180,7 +168,7 @@ private:
         Histograms histograms;
         for (int dy = -m_disc.radius; dy <= m_disc.radius; ++dy) {
             const int half = m_disc.half[static_cast<std::size_t>(std::abs(dy))];
-            for (int dx = -half; dx <= half; ++dx) histograms.add(padded(dx, y + dy));
+            for (int dx = -half; dx <= half; ++dx) histograms.add(m_before.at(dx, y + dy));
         }
         for (const Byte* pixel : everywhere()) histograms.add(pixel);
         return histograms;
@@ -189,7 +177,8 @@ private:
     /// Rows [begin, end), right along one and left along the next, so that the disc moves by one pixel only.
     template <typename Kernel>
     [[gnu::always_inline]] void sweep(int begin, int end) {
-        const auto right = edges(4, m_stride), left = edges(-4, m_stride), down = edges(m_stride, 4);
+        const std::ptrdiff_t stride = m_before.pixels.stride;
+        const auto right = edges(4, stride), left = edges(-4, stride), down = edges(stride, 4);
         Histograms histograms = start(begin);
         const auto move = [&histograms](const Byte* centre, const auto& pairs) {
             for (const auto& [leaving, entering] : pairs) {
@@ -203,10 +192,10 @@ private:
             for (int i = 0;; ++i) {
                 blurPixel<Kernel>(x, y, histograms);
                 if (i + 1 == m_image.width) break;
-                move(padded(x, y), rightwards ? right : left);
+                move(m_before.at(x, y), rightwards ? right : left);
                 x += rightwards ? 1 : -1;
             }
-            if (y + 1 < end) move(padded(x, y), down);
+            if (y + 1 < end) move(m_before.at(x, y), down);
         }
     }
 
@@ -228,22 +217,26 @@ private:
     template <typename Kernel>
     [[gnu::always_inline]] void blurPixel(int x, int y, const Histograms& histograms) {
         if (m_mask.valid() && m_mask.row(y)[x] == 0) return;
-        histograms.means<Kernel>(padded(x, y), m_weights, m_image.at(x, y));
+        histograms.means<Kernel>(m_before.at(x, y), m_weights, m_image.at(x, y));
     }
 
     ImageView m_image;
     PlaneView<const Byte> m_mask;
     Disc m_disc;
     Weights m_weights;
-    RgbaImage m_padded;  // the picture as it was, in a rim of zeros as wide as the radius
-    std::ptrdiff_t m_stride;
+    surface::Padded m_before;
 };
 
 }  // namespace
 
 bool SurfaceBlurFilter::Run(ImageView image, int radius, int threshold, PlaneView<const Byte> mask) {
     if (!image.valid() || radius < 1) return false;
-    Blur(image, std::min(radius, kMostRadius), std::clamp(threshold, 1, kMostThreshold), mask).run();
+    radius = std::min(radius, kMostRadius);
+    m_padded = RgbaImage(image.width + 2 * radius, image.height + 2 * radius);
+    const ImageView inner = m_padded.view().crop(radius, radius, image.width, image.height);
+    copyPixels(image, inner);
+    m_before = inner;
+    Blur(image, m_padded.view(), radius, std::clamp(threshold, 1, kMostThreshold), mask).run();
     return true;
 }
 

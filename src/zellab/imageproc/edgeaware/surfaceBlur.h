@@ -1,6 +1,6 @@
 #pragma once
 
-#include "zellab/imageproc/core/imageView.h"
+#include "zellab/imageproc/core/ownedImage.h"
 
 namespace zellab {
 
@@ -13,6 +13,13 @@ public:
     /// size, or is none (not valid): pixels whose byte is 0 stay. Values of 0 never count, not even genuine
     /// ones. Returns false, the picture untouched, for a view that is not valid or a radius below 1.
     bool Run(ImageView image, int radius, int threshold, PlaneView<const Byte> mask);
+
+    /// The picture that the last Run was given, as it was; valid until the next one.
+    ConstImageView before() const { return m_before; }
+
+private:
+    RgbaImage m_padded;       // in a rim of zeros as wide as the radius
+    ConstImageView m_before;  // its inner part
 };
 
 }  // namespace zellab

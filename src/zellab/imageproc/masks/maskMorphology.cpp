@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "frame/processorCount.h"
+#include "zellab/imageproc/core/ownedImage.h"
 #include "zellab/imageproc/core/parallelRows.h"
 
 namespace zellab {
@@ -132,6 +133,88 @@ void foldBox(const PlaneView<Byte>& plane, Window window) {
     foldAlongColumns<Join>(plane, window);
 }
 
+/// Writes the join of kCount lines of bytes.
+template <typename Join, int kCount>
+void joinLines(const Byte* const* lines, std::size_t bytes, Byte* out) {
+    std::size_t i = 0;
+    for (; i + 16 <= bytes; i += 16) {
+        const auto sixteen = [&](int k) {
+            return _mm_loadu_si128(reinterpret_cast<const __m128i*>(lines[k] + i));
+        };
+        __m128i joined = sixteen(0);
+        for (int k = 1; k < kCount; ++k) joined = Join::join(joined, sixteen(k));
+        _mm_storeu_si128(reinterpret_cast<__m128i*>(out + i), joined);
+    }
+    for (; i < bytes; ++i) {
+        out[i] = lines[0][i];
+        for (int k = 1; k < kCount; ++k) out[i] = Join::join(out[i], lines[k][i]);
+    }
+}
+
+/// foldBox for small windows: both directions in one walk over the plane. Bands of rows are folded at once, each
+/// from copies of the rows beyond its own, which its neighbours overwrite.
+template <typename Join>
+class SmallBox {
+public:
+    static constexpr int kMostRadius = 4;
+
+    SmallBox(const PlaneView<Byte>& plane, int radius) : m_plane(plane), m_radius(radius) {}
+
+    void run() {
+        const int bands = (m_plane.height - 1) / kBandRows + 1, workers = rowWorkers(m_plane.height);
+        m_outside = Plane<Byte>(m_plane.width, 2 * m_radius * bands);
+        for (int band = 0; band < bands; ++band)
+            for (int k = 0; k < 2 * m_radius; ++k)
+                if (const int y = outsideRow(band, k); y >= 0 && y < m_plane.height)
+                    std::copy_n(m_plane.row(y), m_plane.width, m_outside.row(2 * m_radius * band + k));
+        runTasks(bands, workers, [this](int band) { foldBand(band); });
+    }
+
+private:
+    static constexpr int kBandRows = 128;
+    static constexpr int kMostLines = 2 * kMostRadius + 1;
+    /// By the radius.
+    static constexpr void (*kJoins[])(const Byte* const*, std::size_t, Byte*) = {
+        joinLines<Join, 1>, joinLines<Join, 3>, joinLines<Join, 5>, joinLines<Join, 7>, joinLines<Join, 9>};
+
+    int begin(int band) const { return band * kBandRows; }
+    int end(int band) const { return std::min(begin(band) + kBandRows, m_plane.height); }
+    /// The k-th row that a band needs beyond its own: those above it, then those below. May lie outside the plane.
+    int outsideRow(int band, int k) const {
+        return k < m_radius ? begin(band) - m_radius + k : end(band) + k - m_radius;
+    }
+
+    void foldBand(int band) {
+        const int side = 2 * m_radius + 1, first = begin(band), last = end(band);
+        const auto width = static_cast<std::size_t>(m_plane.width),
+                   reach = static_cast<std::size_t>(m_radius);
+        Plane<Byte> joined(m_plane.width, side);  // row y folded along itself at y % side
+        std::vector<Byte> padded(width + 2 * reach);
+        const Byte* shifted[kMostLines];
+        for (int k = 0; k < side; ++k) shifted[k] = padded.data() + k;
+        const Byte* lines[kMostLines];
+        for (int k = 0; k < side; ++k) lines[k] = joined.row(k);
+        const auto join = kJoins[m_radius];
+        const auto foldRow = [&](int y) {
+            const int copies = 2 * m_radius * band;
+            const Byte* from = y < first   ? m_outside.row(copies + m_radius + y - first)
+                               : y >= last ? m_outside.row(copies + m_radius + y - last)
+                                           : m_plane.row(y);
+            std::copy_n(from, width, padded.data() + reach);
+            join(shifted, width, joined.row((y + side) % side));
+        };
+        for (int y = first - m_radius; y < first + m_radius; ++y) foldRow(y);
+        for (int y = first; y < last; ++y) {
+            foldRow(y + m_radius);
+            join(lines, width, m_plane.row(y));
+        }
+    }
+
+    PlaneView<Byte> m_plane;
+    int m_radius;
+    Plane<Byte> m_outside;  // of each band, 0 beyond the plane
+};
+
 /// What a scan in reading order leaves where every pixel becomes the maximum of its window and later windows
 /// see it. Values then never fall along a row or down a column, so of all that was scanned before, the last
 /// pixel to the left and the rightmost reach of the row above hold the maximum.
@@ -176,6 +259,8 @@ void BoxMorphology(PlaneView<Byte> plane, int radius, bool dilate) {
     const std::int64_t side = 2 * std::int64_t{radius} + 1;
     if (plane.width <= side || plane.height <= side)
         spreadInReadingOrder(plane, radius);
+    else if (radius <= SmallBox<LimitedSum>::kMostRadius)
+        SmallBox<LimitedSum>(plane, radius).run();
     else
         foldBox<LimitedSum>(plane, centredWindow(radius));
     if (!dilate) invert(plane);
