@@ -13,7 +13,8 @@
 ///
 /// Bad input. A null picture, a width or height below 1, a missing file or asset: a bool operation returns
 /// false and a void operation returns with the picture untouched, unless its declaration says otherwise;
-/// a line on standard error says why where one is documented. Nothing is thrown but a failing allocation.
+/// a line on standard error says why where one is documented. Nothing is thrown but a failing allocation
+/// (std::bad_alloc), which may leave the picture half done.
 ///
 /// Threads. Operations may be called from any thread, at the same time, and return when the result lies in
 /// the buffer. The same call on the same pixels gives the same bytes on any number of processors, but for

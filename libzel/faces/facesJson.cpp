@@ -60,10 +60,11 @@ std::array<float, kFaceGroups> guessedOf(const Json& groups, const std::string& 
     if (!groups.is_object()) fail(where, "must be an object");
     std::array<float, kFaceGroups> guessed{};
     for (const auto& [name, value] : groups.items()) {
-        const auto group = std::find(kGroupNames.begin(), kGroupNames.end(), name);
+        const auto* const group = std::find(kGroupNames.begin(), kGroupNames.end(), name);
         if (group == kGroupNames.end())
             fail(where, "the groups are contour, leftBrow, rightBrow, leftEye, rightEye, nose and mouth");
-        guessed[static_cast<std::size_t>(group - kGroupNames.begin())] = shareOf(value, where + ": " + name);
+        guessed[static_cast<std::size_t>(group - kGroupNames.begin())] =
+            shareOf(value, std::string(where).append(": ").append(name));
     }
     return guessed;
 }
