@@ -15,7 +15,11 @@ constexpr const char* kTag = "zelgl";
 constexpr int kInitialThreshold = 3;
 
 std::atomic<int> g_threshold{kInitialThreshold};
-std::atomic<EnvironmentLogCallback> g_callback{nullptr};
+/// Some compilers lose a function type's attributes where it is a template's argument by itself.
+struct Callback {
+    EnvironmentLogCallback function = nullptr;
+};
+std::atomic<Callback> g_callback{};
 
 }  // namespace
 
@@ -24,7 +28,7 @@ void setEnvironmentLogThreshold(int threshold) {
 }
 
 void setEnvironmentLogCallback(EnvironmentLogCallback callback) {
-    g_callback = callback;
+    g_callback = Callback{callback};
 }
 
 void logEnvironment(int level, const char* format, ...) {
@@ -42,7 +46,7 @@ void logEnvironment(int level, const char* format, ...) {
         va_end(arguments);
         std::putchar('\n');
     }
-    if (const EnvironmentLogCallback callback = g_callback) {
+    if (const EnvironmentLogCallback callback = g_callback.load().function) {
         va_start(arguments, format);
         callback(level, format, arguments);
         va_end(arguments);

@@ -139,11 +139,11 @@ int main(int argc, char** argv) {
     if (argc != 2) return std::fprintf(stderr, "usage: vendorNames FOLDER\n"), 2;
     const std::filesystem::path folder = argv[1];
     const HMODULE effects = LoadLibraryW((folder / "zel_effects.dll").c_str());
-    const HMODULE interface = LoadLibraryW((folder / "zel.dll").c_str());
-    if (!effects || !interface) return std::printf("FAILED: a library cannot be loaded\n"), 1;
+    const HMODULE cInterface = LoadLibraryW((folder / "zel.dll").c_str());
+    if (!effects || !cInterface) return std::printf("FAILED: a library cannot be loaded\n"), 1;
     findAll(effects, folder / "zel_effects.def");
     callFive(effects);
-    refuseHuge(interface);
+    refuseHuge(cInterface);
     std::printf(g_failures ? "%d failures\n" : "all is well\n", g_failures);
     return g_failures ? 1 : 0;
 }
