@@ -41,14 +41,16 @@ def run(*command, **settings):
     return subprocess.run(command, check=True, capture_output=True, text=True, **settings).stdout
 
 
-def owner(path):
-    """The Debian package that a file belongs to. Of a system whose /lib is a link, dpkg knows either name."""
-    path = os.path.realpath(path)
-    for name in (path, path.removeprefix("/usr")):
-        found = subprocess.run(["dpkg", "-S", name], capture_output=True, text=True)
-        if found.returncode == 0:
-            return found.stdout.split(":")[0]
-    raise SystemExit(f"{path} belongs to no package")
+def owners(paths):
+    """The Debian packages that files belong to. Of a system whose /lib is a link, dpkg knows either name."""
+    names = {name: path for path in map(os.path.realpath, paths) for name in (path, path.removeprefix("/usr"))}
+    # Of two names one is unknown, so that dpkg ends with status 1.
+    told = subprocess.run(["dpkg", "-S", *sorted(names)], capture_output=True, text=True).stdout if names else ""
+    found = {names[name]: packages.split(":")[0] for packages, name in
+             (line.split(": ", 1) for line in told.splitlines()) if name in names}
+    if missing := set(names.values()) - found.keys():
+        raise SystemExit(f"{sorted(missing)[0]} belongs to no package")
+    return set(found.values())
 
 
 def is_program(file):
@@ -68,7 +70,7 @@ def mapped(files, whole):
             found = re.search(r"(/\S+) \(0x", line)
             if found and not found[1].startswith(str(whole)):
                 libraries.add(found[1])
-    return {owner(path) for path in libraries}
+    return owners(libraries)
 
 
 def licences(package):
@@ -86,13 +88,17 @@ def identifier(name):
     return "SPDXRef-" + re.sub(r"[^A-Za-z0-9.-]", "-", name)
 
 
+def supplier(maintainer):
+    return "Organization: " + maintainer.replace("<", "(").replace(">", ")")
+
+
 def installed(package):
     fields = "${Version}\t${Architecture}\t${Maintainer}\t${Homepage}\n"
     version, architecture, maintainer, homepage = run("dpkg-query", "-W", "-f", fields, package).split("\n")[0].split("\t")
     most, names = licences(package)
     return {
         "name": package, "SPDXID": identifier(package), "versionInfo": version,
-        "supplier": "Organization: " + maintainer, "downloadLocation": "NOASSERTION", "filesAnalyzed": False,
+        "supplier": supplier(maintainer), "downloadLocation": "NOASSERTION", "filesAnalyzed": False,
         "homepage": homepage or "NOASSERTION", "copyrightText": "NOASSERTION", "licenseConcluded": "NOASSERTION",
         "licenseDeclared": SPDX.get(most.lower(), "NOASSERTION"),
         "licenseComments": "; ".join(names) + f" in /usr/share/doc/{package}/copyright" if names
@@ -107,7 +113,7 @@ def ours(deb):
     licence = "Apache-2.0" if field["Package"] == "zel-networks" else "MIT"
     return {
         "name": field["Package"], "SPDXID": identifier(field["Package"]), "versionInfo": field["Version"],
-        "supplier": "Organization: " + field["Maintainer"], "packageFileName": deb.name,
+        "supplier": supplier(field["Maintainer"]), "packageFileName": deb.name,
         "downloadLocation": "NOASSERTION", "filesAnalyzed": False, "copyrightText": "NOASSERTION",
         "licenseConcluded": "NOASSERTION", "licenseDeclared": licence,
         "checksums": [{"algorithm": "SHA256", "checksumValue": hashlib.sha256(deb.read_bytes()).hexdigest()}],
