@@ -28,7 +28,7 @@ public:
     }
     bool run() override {
         std::srand(1);
-        return m_operation.run(m_call);
+        return m_operation.run(m_call) || m_operation.act;
     }
     Bytes written() override {
         const std::size_t bytes =
