@@ -28,7 +28,7 @@ public:
     }
     bool run() override {
         std::srand(1);
-        return m_operation.run(m_call);
+        return m_operation.run(m_call) || m_operation.act;
     }
     Bytes written() override {
         const std::size_t bytes =
@@ -87,7 +87,7 @@ public:
         m_inputs.values = m_list.data();
         m_inputs.value_count = m_list.size();
         if (effect.faces != ZEL_NO) m_inputs.faces = m_faces.get();
-        if (effect.second != ZEL_NO) m_inputs.second = &m_planes[0];
+        if (effect.second != ZEL_NO) m_inputs.second = m_planes.data();
         if (effect.mask != ZEL_NO) m_inputs.mask = &m_planes[1];
         if (effect.depth != ZEL_NO) m_inputs.depth = &m_planes[1];
         if (effect.mask_out != ZEL_NO) m_inputs.mask_out = &m_planes[2];

@@ -16,7 +16,7 @@ namespace zeltest {
 class Attempt {
 public:
     virtual ~Attempt() = default;
-    /// The call's answer; of the C interface whether it is ZEL_OK. Throws std::logic_error where an answer and what
+    /// The call's answer, true where it has none; of the C interface whether it is ZEL_OK. Throws std::logic_error where an answer and what
     /// came with it do not belong together.
     virtual bool run() = 0;
     /// What the call may write.

@@ -13,11 +13,13 @@
 
 extern "C" {
 // The allocator beneath, by the names that it has within the C library.
+// NOLINTBEGIN(bugprone-reserved-identifier)
 void* __libc_malloc(std::size_t);
 void* __libc_calloc(std::size_t, std::size_t);
 void* __libc_realloc(void*, std::size_t);
 void* __libc_memalign(std::size_t, std::size_t);
 void __libc_free(void*);
+// NOLINTEND(bugprone-reserved-identifier)
 }
 
 namespace zeltest {

@@ -73,7 +73,7 @@ void tryOnce(const Deed& deed, Supply supply, const Bytes& good, Tally& tally) {
             const std::unique_ptr<Attempt> attempt = deed.prepare(kWidth, kHeight);
             startCounting(supply, tally.at);
             try {
-                isDone = attempt->run() || !deed.isOfInterface;
+                isDone = attempt->run();
                 endCounting();
             } catch (const std::bad_alloc&) {
                 endCounting();

@@ -26,6 +26,10 @@ int main(int argc, char** argv) {
     if (!zeltest::report() || !std::freopen("/dev/null", "w", stdout)) return 2;
     if (!std::freopen("/dev/null", "w", stderr)) return 2;
     bool isSound = false;
+    if (check != "faults" && check != "sizes" && check != "large" && check != "threads") {
+        std::fputs("one of faults, sizes, large, threads is needed\n", zeltest::report());
+        return 2;
+    }
     if (check == "faults") isSound = zeltest::checkFaults(context.get(), seconds, name, first);
     if (check == "sizes") isSound = zeltest::checkSizes(context.get(), seconds, name);
     if (check == "large") isSound = zeltest::checkLarge(context.get(), name);
