@@ -207,6 +207,19 @@ TEST(StrayHair, IsAddedBeforePlainGroundWhereItIsThinAndThePersons) {
     EXPECT_EQ(mask.samples, before.samples) << "no head";
 }
 
+TEST(StrayHair, AndLightsOfOddPicturesAreNoTrouble) {
+    for (const auto& [width, height] : {std::pair(1, 1), {1, 5000}, {7, 3}}) {
+        const zel::Image picture{width, height, std::vector<unsigned char>(4 * width * height, 240)};
+        const zellab::ConstImageView view(picture.rgba.data(), width, height);
+        zel::Mask mask{width, height, std::vector<unsigned char>(width * height)};
+        const zel::Mask before = mask;
+        zel::addStrayHair(mask, {width, height, {{{-0.5f, 0.9f, 1.5f, 0.001f}, {}, {}}}}, view);
+        EXPECT_EQ(mask.samples, before.samples);
+        const Shares shares(width, height);
+        EXPECT_EQ(zel::depthOfLights(view, shares.view(), Depth(1, 1).view()).row(0)[0], 255);
+    }
+}
+
 TEST(SubjectDepth, RaisesTheSubjectToItsNearestFaceAndLowersWhatTheMaskDrewForward) {
     People people;
     people.add({20, 20, 20, 20}, 90);
