@@ -21,10 +21,11 @@ thread_local unsigned t_seed = 1;
 }
 // The generator of Windows, by its published formula, in the place of this system's: effects that patch holes and grain
 // draw on the C runtime's own.
-extern "C" void srand(unsigned seed) {
+#define ZEL_SHOWN __attribute__((visibility("default")))
+extern "C" ZEL_SHOWN void srand(unsigned seed) {
     t_seed = seed;
 }
-extern "C" int rand() {
+extern "C" ZEL_SHOWN int rand() {
     t_seed = t_seed * 214013u + 2531011u;
     return static_cast<int>(t_seed >> 16 & 0x7FFF);
 }
