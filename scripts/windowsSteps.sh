@@ -5,6 +5,8 @@ set -uo pipefail
 build=$1 folder=$2 machine=${1##*-}
 out=$folder/$machine portraits=$folder/portraits
 export WINEDEBUG=-all
+# Wine reads the names of files by it.
+export LC_ALL=C.UTF-8
 failures=0
 
 # Runs one step and tells how it went: step NAME COMMAND...
