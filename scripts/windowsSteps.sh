@@ -5,6 +5,8 @@ set -uo pipefail
 build=$1 folder=$2 machine=${1##*-}
 out=$folder/$machine portraits=$folder/portraits
 export WINEDEBUG=-all
+# Wine reads the names of files by it.
+export LC_ALL=C.UTF-8
 failures=0
 
 # Runs one step and tells how it went: step NAME COMMAND...
@@ -37,6 +39,7 @@ step names wine vendorNames.exe .
 # The tests find assets in the working folder; what draws by OpenGL finds the display.
 step tests wine zel_tests.exe --gtest_brief=1
 step table wine effectTable.exe "$portraits" "$out/table.txt"
+step openGL wine openGlDefocus.exe "$portraits/p10.png" "$portraits/p10/depth.png" assets "$out/openGlDefocus.ppm"
 step retouch wine retouch.exe "$portraits/p10.png" "$out/retouch.ppm"
 step depthOfField wine depthOfField.exe "$portraits/p10.png" assets "$out/depthOfField.ppm"
 step command wine zel.exe apply auto-slim-face + nature-smooth "$portraits/p10.png" -o "$out/applied.png" --quiet \
@@ -53,7 +56,7 @@ fi
 # Without a window there is no OpenGL: a message and no crash.
 without_window() {
     local said
-    said=$(env -u DISPLAY "$WINE" depthOfField.exe "$portraits/p01.png" assets "$out/none.ppm" 2>&1)
+    said=$(env -u DISPLAY "$WINE" openGlDefocus.exe "$portraits/p01.png" "$portraits/p01/depth.png" assets "$out/none.ppm" 2>&1)
     printf '%s\n' "$said"
     [[ $said == *"no OpenGL: "*failed* ]]
 }

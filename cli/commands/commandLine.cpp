@@ -213,6 +213,8 @@ int flushResults(int status) {
 }  // namespace
 
 CommandLine::CommandLine() : app(std::string("zel: ") + kProgramSummary, "zel") {
+    // One grammar everywhere: a word that begins with a slash is a path.
+    app.allow_windows_style_options(false);
     app.set_version_flag("--version", "zel " ZEL_VERSION, "Print the version and leave");
     app.add_flag("--man", manPage)->group("");  // for the build: the manual page
     app.get_formatter()->column_width(kHelpColumn);
@@ -416,6 +418,7 @@ std::vector<std::string> takeSteps(const std::vector<std::string>& words, std::v
         CLI::App step;
         StepOptions& options = steps.emplace_back();
         addStepOptions(step, options);
+        step.allow_windows_style_options(false);
         step.allow_extras();
         std::vector<std::string> reversed(std::make_reverse_iterator(plus), std::make_reverse_iterator(at));
         step.parse(reversed);

@@ -15,20 +15,7 @@
 #include <string>
 #include <vector>
 
-#ifndef _WIN32
-namespace {
-thread_local unsigned t_seed = 1;
-}
-// The generator of Windows, by its published formula, in the place of this system's: effects that patch holes and grain
-// draw on the C runtime's own.
-extern "C" void srand(unsigned seed) {
-    t_seed = seed;
-}
-extern "C" int rand() {
-    t_seed = t_seed * 214013u + 2531011u;
-    return static_cast<int>(t_seed >> 16 & 0x7FFF);
-}
-#endif
+#include "windowsRand.h"
 
 namespace {
 

@@ -86,16 +86,14 @@ void callFive(HMODULE library) {
         library, "?zoomEye@CEyeZoomRender@@SA_NPEAEHHUVector2f@zellab@@MH@Z",
         "?zoomEye@CEyeZoomRender@@SA_NPAEHHUVector2f@zellab@@MH@Z");
     picture = edge();
-    expect(zoom(picture.data(), kWidth, kHeight, {kWidth / 2.0f + 6, kHeight / 2.0f}, 16, 80) &&
-               picture != edge(),
+    expect(zoom(picture.data(), kWidth, kHeight, {0.6f, 0.5f}, 0.3f, 80) && picture != edge(),
            "the zoom moves the edge");
 
     const auto slim = find<bool(Byte*, int, int, float, float, float, float, float, float)>(
         library, "?slimFace@CFaceSlimRender@@SA_NPEAEHHMMMMMM@Z",
         "?slimFace@CFaceSlimRender@@SA_NPAEHHMMMMMM@Z");
     picture = edge();
-    expect(slim(picture.data(), kWidth, kHeight, kWidth / 2.0f, 24, kWidth / 2.0f + 8, 24, 20, 1) &&
-               picture != edge(),
+    expect(slim(picture.data(), kWidth, kHeight, 0.5f, 0.5f, 0.65f, 0.5f, 0.3f, 90) && picture != edge(),
            "the push moves the edge");
 }
 
