@@ -8,6 +8,13 @@ readonly DEPENDENCIES
 
 declare -rA TRIPLES=([x64]=x86_64-w64-mingw32 [x86]=i686-w64-mingw32)
 
+# Where this machine has Debian's packages from.
+debian_archive() {
+    # shellcheck disable=SC2016 # apt's own variables
+    apt-get indextargets --format '$(RELEASE) $(COMPONENT) $(REPO_URI)' 'Created-By: Packages' |
+        sed -n 's/^bookworm main //p' | head -n 1
+}
+
 # Fetches and unpacks a Debian source package, unless it is there: fetch_source PACKAGE
 # The list of sources is one of its own; the system's stays as it is.
 fetch_source() {
@@ -18,7 +25,7 @@ fetch_source() {
         -o "Dir::State::Lists=$lists" -o APT::Sandbox::User=root)
     if [[ ! -e $folder/sources.list ]]; then
         printf 'deb-src [signed-by=/usr/share/keyrings/debian-archive-keyring.gpg] %s bookworm main\n' \
-            http://deb.debian.org/debian >"$folder/sources.list"
+            "$(debian_archive)" >"$folder/sources.list"
     fi
     [[ -n $(find "$lists" -name '*Sources*' -print -quit) ]] || apt-get -q "${options[@]}" update
     rm -rf -- "${folder:?}/$1" "$folder/$1.new"

@@ -17,7 +17,7 @@ make_wine32() {
     [[ ! -e $system/.whole ]] || return 0
     say "Making a 32-bit system for Wine"
     as_root rm -rf -- "$system"
-    as_root debootstrap --arch=i386 --variant=minbase bookworm "$system" http://deb.debian.org/debian >"$DEPENDENCIES/i386.log" 2>&1 ||
+    as_root debootstrap --arch=i386 --variant=minbase bookworm "$system" "$(debian_archive)" >"$DEPENDENCIES/i386.log" 2>&1 ||
         fail "it cannot be made; all that was said is in $DEPENDENCIES/i386.log"
     # shellcheck disable=SC2016 # its own arguments
     as_root unshare --mount bash -euc '
