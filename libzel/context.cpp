@@ -4,6 +4,7 @@
 #include "libzel/assets.h"
 #include "libzel/call.h"
 #include "platform/fileProbe.h"
+#include "platform/utf8Path.h"
 
 namespace {
 
@@ -25,7 +26,7 @@ std::string assetsOf(const zel_settings& told) {
     if (!zellab::platform::isDirectory(told.assets))
         throw zel::Failure(std::string(told.assets) + ": is no folder with assets", ZEL_BAD_ASSET);
     // The host may go to another folder later.
-    return std::filesystem::absolute(told.assets).lexically_normal().string();
+    return std::filesystem::absolute(zellab::platform::utf8Path(told.assets)).lexically_normal().string();
 }
 
 }  // namespace

@@ -3,6 +3,7 @@
 #include "cli/files/writePicture.h"
 #include "cli/recipes/recipe.h"
 #include "cli/run/namingFile.h"
+#include "platform/utf8Path.h"
 
 namespace zelcli {
 
@@ -27,7 +28,8 @@ std::string besideRecipe(const zel_effect& effect, const std::string& name, cons
                          const std::string& recipe) {
     for (std::size_t i = 0; i < effect.parameter_count; ++i)
         if (effect.parameters[i]->kind == ZEL_FILE && name == effect.parameters[i]->name && !text.empty())
-            return (std::filesystem::path(recipe).parent_path() / text).string();
+            return (zellab::platform::utf8Path(recipe).parent_path() / zellab::platform::utf8Path(text))
+                .string();
     return text;
 }
 

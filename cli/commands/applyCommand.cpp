@@ -12,6 +12,7 @@
 #include "cli/run/jobs.h"
 #include "cli/run/namingFile.h"
 #include "platform/interruption.h"
+#include "platform/utf8Path.h"
 
 namespace zelcli {
 
@@ -74,7 +75,8 @@ int ApplyRun::run(const ApplyPlan& plan) {
 void ApplyRun::prepare(const ApplyPlan& plan) {
     prepareChain(m_chain, m_options);
     std::error_code none;
-    if (!m_options.faces.empty() && !std::filesystem::is_directory(m_options.faces, none))
+    if (!m_options.faces.empty() &&
+        !std::filesystem::is_directory(zellab::platform::utf8Path(m_options.faces), none))
         m_faces = namingFile(m_options.faces, [&] { return readFaces(UserPath(m_options.faces).real); });
     for (const UserPath& folder : plan.folders) {
         std::error_code error;

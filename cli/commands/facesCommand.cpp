@@ -11,6 +11,7 @@
 #include "cli/library.h"
 #include "cli/run/jobs.h"
 #include "cli/run/messages.h"
+#include "platform/utf8Path.h"
 
 namespace zelcli {
 
@@ -29,8 +30,10 @@ struct FacesItem {
 
 bool isFolder(const std::string& path, std::size_t inputs, const char* option) {
     std::error_code error;
-    if (fs::is_directory(path, error) || (!path.empty() && path.back() == '/')) return true;
-    if (inputs > 1 && (fs::exists(path, error) || fs::path(path).has_extension()))
+    if (fs::is_directory(zellab::platform::utf8Path(path), error) || (!path.empty() && path.back() == '/'))
+        return true;
+    if (inputs > 1 && (fs::exists(zellab::platform::utf8Path(path), error) ||
+                       zellab::platform::utf8Path(path).has_extension()))
         throw UsageError(std::string(option) + " must be a folder for several inputs, not '" + path + "'");
     return inputs > 1;
 }
@@ -51,7 +54,7 @@ FacesPlan planFaces(const FacesOptions& options) {
     if (overlayFolder) plan.folders.emplace_back(options.overlay);
     std::map<std::string, std::string> owners;
     for (const std::string& name : options.inputs) {
-        const std::string stem = fs::path(name).stem().string();
+        const std::string stem = zellab::platform::utf8Path(name).stem().string();
         FacesItem item;
         item.input = UserPath(name);
         item.data = dataFolder ? UserPath(options.output) / (stem + ".json") : UserPath(options.output);

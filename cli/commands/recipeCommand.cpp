@@ -7,6 +7,7 @@
 #include "cli/commands/applyChain.h"
 #include "cli/commands/applyCommand.h"
 #include "cli/run/messages.h"
+#include "platform/utf8Path.h"
 
 namespace zelcli {
 
@@ -17,8 +18,9 @@ namespace fs = std::filesystem;
 std::vector<std::string> recipesIn(const std::string& path) {
     std::error_code error;
     std::vector<std::string> files;
-    if (!fs::is_directory(path, error)) return {path};
-    for (fs::directory_iterator at(path, error), end; !error && at != end; at.increment(error))
+    if (!fs::is_directory(zellab::platform::utf8Path(path), error)) return {path};
+    for (fs::directory_iterator at(zellab::platform::utf8Path(path), error), end; !error && at != end;
+         at.increment(error))
         if (at->path().extension() == ".json") files.push_back(at->path().string());
     std::sort(files.begin(), files.end());
     return files;

@@ -34,8 +34,8 @@ LoadedPicture decode(const std::vector<unsigned char>& file, const ReadOptions& 
 
 UserPath UserPath::operator/(const std::string& name) const {
     UserPath path;
-    path.shown = (std::filesystem::path(shown) / name).string();
-    path.real = real / name;
+    path.shown = (zellab::platform::utf8Path(shown) / zellab::platform::utf8Path(name)).string();
+    path.real = real / zellab::platform::utf8Path(name);
     return path;
 }
 

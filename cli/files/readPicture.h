@@ -6,6 +6,7 @@
 
 #include "cli/failure.h"
 #include "cli/files/pictureCodec.h"
+#include "platform/utf8Path.h"
 
 namespace zelcli {
 
@@ -18,7 +19,8 @@ struct UserPath {
     std::filesystem::path real;
 
     UserPath() = default;
-    explicit UserPath(const std::string& typed) : shown(typed), real(std::filesystem::absolute(typed)) {}
+    explicit UserPath(const std::string& typed)
+        : shown(typed), real(std::filesystem::absolute(zellab::platform::utf8Path(typed))) {}
     UserPath operator/(const std::string& name) const;
     bool isStream() const { return shown == kStandardStream; }
 };

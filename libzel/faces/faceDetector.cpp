@@ -8,6 +8,7 @@
 #include "platform/fileProbe.h"
 #include "platform/libraryFolder.h"
 #include "platform/processEnvironment.h"
+#include "platform/utf8Path.h"
 #include "zellab/utils/assetFolders.h"
 
 namespace zel {
@@ -42,11 +43,11 @@ struct FaceDetector::Cascade {
 
 std::filesystem::path detectorFolder() {
     const auto named = zellab::platform::environmentText(kFolderVariable);
-    if (named && !named->empty()) return *named;
+    if (named && !named->empty()) return zellab::platform::utf8Path(*named);
     for (const std::string& assets : zellab::assetFolders(zellab::platform::folderOfCode(kBelowAssets)))
         if (const std::string folder = zellab::assetPath(assets, kBelowAssets);
             zellab::platform::isDirectory(folder.c_str()))
-            return folder;
+            return zellab::platform::utf8Path(folder);
     return kFolder;
 }
 

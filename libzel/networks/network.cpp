@@ -9,6 +9,7 @@
 #include "inference/moduleLoader.h"
 #include "libzel/networks/knownNetworks.h"
 #include "libzel/networks/networkFile.h"
+#include "platform/utf8Path.h"
 
 namespace zel {
 
@@ -152,7 +153,7 @@ std::shared_ptr<Network> Network::load(const std::string& folder, const NetworkK
     // Never taken down: threads may still work when static objects end.
     static auto& known = *new std::map<std::string, Known>;
 
-    const std::string path = (std::filesystem::path(folder) / kind.file).string();
+    const std::string path = (zellab::platform::utf8Path(folder) / kind.file).string();
     const auto stamp = stampOf(path);
     const std::lock_guard<std::mutex> lock(mutex);
     if (const auto found = known.find(path); stamp && found != known.end() && found->second.stamp == *stamp) {

@@ -5,6 +5,7 @@
 
 #include "libzel/networks/sha256.h"
 #include "platform/fileProbe.h"
+#include "platform/utf8Path.h"
 
 namespace zel {
 
@@ -18,9 +19,9 @@ constexpr std::size_t kMostFiles = 64;                        // that are rememb
 std::optional<FileStamp> stampOf(const std::string& path) {
     std::error_code error;
     FileStamp stamp;
-    stamp.size = std::filesystem::file_size(path, error);
+    stamp.size = std::filesystem::file_size(zellab::platform::utf8Path(path), error);
     if (error) return std::nullopt;
-    stamp.time = std::filesystem::last_write_time(path, error);
+    stamp.time = std::filesystem::last_write_time(zellab::platform::utf8Path(path), error);
     return error ? std::nullopt : std::optional(stamp);
 }
 

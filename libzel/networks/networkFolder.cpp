@@ -4,6 +4,7 @@
 
 #include "platform/fileProbe.h"
 #include "platform/processEnvironment.h"
+#include "platform/utf8Path.h"
 
 namespace zel {
 
@@ -20,8 +21,8 @@ std::string networkFolder(const std::string& assets) {
     const auto below = [](const std::filesystem::path& folder, const char* name) {
         return folder.empty() ? std::string() : (folder / name).string();
     };
-    for (const std::string& folder :
-         {below(assets, kBelowAssets), below(zellab::platform::userDataFolder(), kBelowUserData)})
+    for (const std::string& folder : {below(zellab::platform::utf8Path(assets), kBelowAssets),
+                                      below(zellab::platform::userDataFolder(), kBelowUserData)})
         if (!folder.empty() && zellab::platform::isDirectory(folder.c_str())) return folder;
     return {};
 }

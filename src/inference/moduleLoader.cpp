@@ -9,6 +9,7 @@
 #include "platform/libraryFolder.h"
 #include "platform/module.h"
 #include "platform/processEnvironment.h"
+#include "platform/utf8Path.h"
 
 namespace zellab::platform {
 
@@ -42,8 +43,7 @@ std::vector<std::string> places() {
     const std::string base = folderOfCode(kFolders);
     if (base.empty()) return files;
     for (const char* folder : kFolders)
-        files.push_back(
-            (std::filesystem::path(base) / folder / moduleFileName(kName)).lexically_normal().string());
+        files.push_back((utf8Path(base) / folder / moduleFileName(kName)).lexically_normal().string());
     return files;
 }
 
@@ -85,7 +85,7 @@ const ZelNetworkModule* toldModule(const std::string& told, std::string& absence
     std::string why = "there is no file that can be read";
     if (told.empty())
         absence = moduleText() + " is switched off (" + kVariable + " is empty)";
-    else if (!std::filesystem::path(told).is_absolute())
+    else if (!utf8Path(told).is_absolute())
         absence = unusable(told, std::string(kVariable) + " must hold an absolute path");
     else if (const ZelNetworkModule* functions =
                  openRegularFile(told.c_str()) ? moduleOf(told, why) : nullptr)
@@ -107,7 +107,7 @@ const ZelNetworkModule* networkModule(std::string& absence) {
             if (const ZelNetworkModule* functions = moduleOf(file, why)) return absence.clear(), functions;
             if (absence.empty()) absence = unusable(file, why);
         }
-        looked += (looked.empty() ? "looked in " : ", ") + std::filesystem::path(file).parent_path().string();
+        looked += (looked.empty() ? "looked in " : ", ") + utf8Path(file).parent_path().string();
     }
     if (absence.empty())
         absence = moduleText() + " is not installed (" +

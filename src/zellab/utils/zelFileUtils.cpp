@@ -10,6 +10,7 @@
 #include "frame/zel_log.h"
 #include "platform/fileProbe.h"
 #include "platform/libraryFolder.h"
+#include "platform/utf8Path.h"
 #include "zellab/utils/assetFolders.h"
 
 namespace zellab {
@@ -33,7 +34,7 @@ bool exists(const std::string& path) {
 }
 
 bool isAbsolute(const char* path) {
-    return std::filesystem::path(path).is_absolute();
+    return platform::utf8Path(path).is_absolute();
 }
 
 /// A signed little-endian word; 0 where the file ends.
