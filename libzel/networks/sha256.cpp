@@ -29,7 +29,7 @@ constexpr std::array<Word, kRounds> firstPrimes() {
 using Wide = std::array<Word, 4>;
 
 /// The lowest 128 bits of a product.
-constexpr Wide product(const Wide& a, const Wide& b) {
+Wide product(const Wide& a, const Wide& b) {
     Wide sum{};
     for (std::size_t i = 0; i < a.size(); ++i) {
         std::uint64_t carry = 0;
@@ -44,7 +44,7 @@ constexpr Wide product(const Wide& a, const Wide& b) {
 }
 
 /// The first 32 bits behind the point of a prime's square root (power 2) or cube root (power 3).
-constexpr Word rootBits(Word prime, int power) {
+Word rootBits(Word prime, int power) {
     Wide whole{};
     whole[whole.size() - 1 - static_cast<std::size_t>(power)] = prime;  // prime * 2^(32 power)
     std::uint64_t root = 0;                                             // in 2^-32
@@ -59,7 +59,7 @@ constexpr Word rootBits(Word prime, int power) {
 }
 
 template <std::size_t count>
-constexpr std::array<Word, count> rootsOfPrimes(int power) {
+std::array<Word, count> rootsOfPrimes(int power) {
     constexpr auto kPrimes = firstPrimes();
     std::array<Word, count> roots{};
     std::transform(kPrimes.begin(), kPrimes.begin() + count, roots.begin(),
@@ -67,8 +67,9 @@ constexpr std::array<Word, count> rootsOfPrimes(int power) {
     return roots;
 }
 
-constexpr auto kSquareRoots = rootsOfPrimes<kState>(2);  // where the state begins
-constexpr auto kCubeRoots = rootsOfPrimes<kRounds>(3);   // added in the rounds
+// Made while the library is loaded: it takes more steps than some compilers go through.
+const auto kSquareRoots = rootsOfPrimes<kState>(2);  // where the state begins
+const auto kCubeRoots = rootsOfPrimes<kRounds>(3);   // added in the rounds
 
 Word bigEndian(const unsigned char* bytes) {
     return Word{bytes[0]} << 24 | Word{bytes[1]} << 16 | Word{bytes[2]} << 8 | Word{bytes[3]};
