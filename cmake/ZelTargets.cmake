@@ -7,8 +7,12 @@ endfunction()
 
 # Tests, benchmarks: every folder adds its files to the one program of its kind.
 function(zelAddTest)
-  list(REMOVE_ITEM ARGN ${ZEL_TESTS_FOR_POSIX})
-  target_sources(zel_tests PRIVATE ${ARGN})
+  foreach(file ${ARGN})
+    cmake_path(GET file FILENAME name)
+    if(NOT name IN_LIST ZEL_TESTS_FOR_POSIX)
+      target_sources(zel_tests PRIVATE ${file})
+    endif()
+  endforeach()
 endfunction()
 
 function(zelAddBench)

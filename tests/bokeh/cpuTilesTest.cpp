@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <numbers>
 #include <ostream>
 #include <set>
 
@@ -102,9 +103,9 @@ TEST(SpinIndex, TurnsWithThePlaceAroundTheCentreAndStepsOutwards) {
             ASSERT_NEAR(record % 6 + 0.5, distance * 6, 0.51) << x << ',' << y;
             if (std::hypot(right, down) < 2) continue;
             // A turned kernel shows its frame turned by minus the record's angle: that must point outwards.
-            const double turned = -(record / 6) * 18 * M_PI / 180;
+            const double turned = -(record / 6) * 18 * std::numbers::pi / 180;
             ASSERT_GT((std::cos(turned) * right + std::sin(turned) * down) / std::hypot(right, down),
-                      std::cos(9.01 * M_PI / 180))
+                      std::cos(9.01 * std::numbers::pi / 180))
                 << x << ',' << y;
         }
     EXPECT_GT(seen.size(), 100u);

@@ -33,15 +33,6 @@ std::optional<std::size_t> fileLength(const File& file) {
     return static_cast<std::size_t>(status.st_size);
 }
 
-std::optional<std::vector<unsigned char>> readRegularFile(const char* path, std::size_t largest) {
-    const File file = openRegularFile(path);
-    const std::optional<std::size_t> length = fileLength(file);
-    if (!length || *length > largest) return std::nullopt;
-    std::vector<unsigned char> bytes(*length);
-    bytes.resize(std::fread(bytes.data(), 1, bytes.size(), file.get()));
-    return bytes;
-}
-
 bool isDirectory(const char* path) {
     struct stat status {};
     return stat(path, &status) == 0 && S_ISDIR(status.st_mode);

@@ -29,15 +29,6 @@ std::optional<std::size_t> fileLength(const File& file) {
     return static_cast<std::size_t>(length);
 }
 
-std::optional<std::vector<unsigned char>> readRegularFile(const char* path, std::size_t largest) {
-    const File file = openRegularFile(path);
-    const std::optional<std::size_t> length = fileLength(file);
-    if (!length || *length > largest) return std::nullopt;
-    std::vector<unsigned char> bytes(*length);
-    bytes.resize(std::fread(bytes.data(), 1, bytes.size(), file.get()));
-    return bytes;
-}
-
 bool isDirectory(const char* path) {
     const DWORD attributes = GetFileAttributesW(wideText(path).c_str());
     return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY);
