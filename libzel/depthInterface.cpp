@@ -48,7 +48,8 @@ public:
     }
 
     void level(zellab::PortraitDepthPlanes& planes) const {
-        if (m_subject) levelSubject(planes, m_subject->mask, facesOf(*m_subject, *m_faces),
+        if (m_subject)
+            levelSubject(planes, m_subject->mask, facesOf(*m_subject, *m_faces),
                          std::as_const(m_subject->lights).view());
     }
 
