@@ -8,6 +8,7 @@
 
 #include "depth/networkPixels.h"
 #include "depth/portraitDepth.h"
+#include "platform/module.h"
 #include "support/environment.h"
 #include "support/scratchFolder.h"
 #include "support/streamCapture.h"
@@ -100,7 +101,9 @@ TEST_F(DepthEngineTest, WithoutTheInferenceModuleNoNetworkLoadsUntilItIsThere) {
         const Environment none("ZEL_NETWORKS_MODULE", "");
         StreamCapture err(stderr);
         EXPECT_FALSE(engine->LoadModel(path.c_str()));
-        const std::string text = err.text(), says = "the inference module libzel_networks.so is switched off";
+        const std::string text = err.text(), says = "the inference module " +
+                                                    zellab::platform::moduleFileName("zel_networks") +
+                                                    " is switched off";
         EXPECT_THAT(text, testing::HasSubstr(" : " + says));
         EXPECT_EQ(text.find(says), text.rfind(says)) << "told once";
         EXPECT_THAT(text, testing::EndsWith(lines({"Net Load File Failed: " + path})));

@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <array>
+#include <filesystem>
 #include <memory>
 #include <thread>
 
@@ -34,8 +35,8 @@ TEST(NetworkModuleLoader, TakesNoFileButAModuleOfItsVersionAndLooksAgainEachTime
                  {folder.path("none.so"), "no file"},
                  {folder.path(""), "no file"},
                  {folder.path("libzel_networks.so"), "cannot be used"},
-                 {ZEL_OLD_MODULE, "version 2, not 1"},
-                 {ZEL_OTHER_MODULE, "another kind"}};
+                 {std::filesystem::absolute(ZEL_OLD_MODULE).string(), "version 2, not 1"},
+                 {std::filesystem::absolute(ZEL_OTHER_MODULE).string(), "another kind"}};
     for (const auto& c : cases) {
         std::string absence;
         {
