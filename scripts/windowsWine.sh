@@ -98,7 +98,8 @@ make_own_results() {
 # Builds are there: runs everything of one processor under Wine and compares. test_under_wine MACHINE
 test_under_wine() {
     local machine=$1 folder=$ROOT/build/windows-test result failed=()
-    if [[ ! -e $folder/own/depth.png ]]; then
+    # Made anew where this machine's build is younger.
+    if [[ ! $folder/own/depth.png -nt $ROOT/build/release/libzel/libzel.so ]]; then
         say "Making this machine's results"
         rm -rf -- "$folder"
         mkdir -p -- "$folder/portraits"

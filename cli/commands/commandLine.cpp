@@ -91,8 +91,13 @@ std::string hintForForeign(const std::string& option, const std::vector<std::str
         if (zel_effect_find(word.c_str(), &effect) != ZEL_OK) continue;
         for (const zel_parameter* parameter : setParameters(*effect))
             if (name == parameter->name)
-                return "; " + word + " takes it as --set " + name + "=VALUE (" + describeRange(*parameter) +
-                       ")";
+                return std::string("; ")
+                    .append(word)
+                    .append(" takes it as --set ")
+                    .append(name)
+                    .append("=VALUE (")
+                    .append(describeRange(*parameter))
+                    .append(")");
     }
     for (const auto& [foreign, own] : kOtherNames)
         if (option.substr(0, option.find('=')) == foreign) return std::string("; here it is ") + own;
