@@ -9,6 +9,8 @@ namespace zelcli {
 
 namespace {
 
+using zellab::platform::utf8Path;
+
 /// An option that the effect needs must be there, and one that it cannot use must not.
 void checkNeed(const zel_effect& effect, zel_need need, const std::string& value, const char* option) {
     const std::string name = effect.name;
@@ -28,8 +30,7 @@ std::string besideRecipe(const zel_effect& effect, const std::string& name, cons
                          const std::string& recipe) {
     for (std::size_t i = 0; i < effect.parameter_count; ++i)
         if (effect.parameters[i]->kind == ZEL_FILE && name == effect.parameters[i]->name && !text.empty())
-            return (zellab::platform::utf8Path(recipe).parent_path() / zellab::platform::utf8Path(text))
-                .string();
+            return (utf8Path(recipe).parent_path() / utf8Path(text)).string();
     return text;
 }
 

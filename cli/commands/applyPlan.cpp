@@ -12,10 +12,11 @@ namespace zelcli {
 namespace {
 
 namespace fs = std::filesystem;
+using zellab::platform::utf8Path;
 
 bool isFolder(const std::string& path) {
     std::error_code error;
-    return !path.empty() && fs::is_directory(zellab::platform::utf8Path(path), error);
+    return !path.empty() && fs::is_directory(utf8Path(path), error);
 }
 
 /// Whether `path` names a folder to write into. `option` names it in messages.
@@ -23,8 +24,7 @@ bool meansFolder(const std::string& path, bool several, const char* option) {
     if (isFolder(path) || (!path.empty() && path.back() == '/')) return true;
     if (!several) return false;
     std::error_code error;
-    if (path == kStandardStream || fs::exists(zellab::platform::utf8Path(path), error) ||
-        formatOfSuffix(path))
+    if (path == kStandardStream || fs::exists(utf8Path(path), error) || formatOfSuffix(path))
         throw UsageError(std::string(option) + " must be a folder for several inputs, not '" + path + "'");
     return true;
 }
@@ -42,7 +42,7 @@ public:
 
     std::vector<Found> search(const std::string& folder) {
         m_found.clear();
-        visit(zellab::platform::utf8Path(folder), {});
+        visit(utf8Path(folder), {});
         if (m_found.empty() && m_readable) m_plan.failures.emplace_back(folder, "holds no pictures");
         return m_found;
     }
@@ -119,8 +119,7 @@ struct GivenBack {
     }
     UserPath pathFor(const fs::path& below, const std::string& stem) const {
         if (path.empty()) return {};
-        return toFolder ? UserPath(path) / (below / zellab::platform::utf8Path(stem + suffix)).string()
-                        : UserPath(path);
+        return toFolder ? UserPath(path) / (below / utf8Path(stem + suffix)).string() : UserPath(path);
     }
 };
 
@@ -187,15 +186,12 @@ ApplyPlan planApply(const ApplyOptions& options) {
     for (const auto& [name, below] : inputs) {
         ApplyItem item;
         item.input = UserPath(name);
-        const std::string stem =
-            item.input.isStream() ? "picture" : zellab::platform::utf8Path(name).stem().string();
+        const std::string stem = item.input.isStream() ? "picture" : utf8Path(name).stem().string();
         if (options.inPlace) {
             item.output = item.input;
         } else if (beside) {
-            item.output =
-                UserPath((zellab::platform::utf8Path(name).parent_path() /
-                          zellab::platform::utf8Path(outputName(zellab::platform::utf8Path(name), options)))
-                             .string());
+            item.output = UserPath(
+                (utf8Path(name).parent_path() / utf8Path(outputName(utf8Path(name), options))).string());
         } else if (toFolder) {
             item.output = UserPath(options.output) / (below / outputName(name, options)).string();
             needFolderOf(options.output, below);
@@ -207,8 +203,7 @@ ApplyPlan planApply(const ApplyOptions& options) {
                           : formatOfSuffix(item.output.shown);
         if (hasSheet)
             item.sheet = sheetsToFolder
-                             ? UserPath(options.compare) /
-                                   (below / zellab::platform::utf8Path(stem + "-sheet.png")).string()
+                             ? UserPath(options.compare) / (below / utf8Path(stem + "-sheet.png")).string()
                              : UserPath(options.compare);
         if (sheetsToFolder) needFolderOf(options.compare, below);
         item.maskOut = masks.pathFor(below, stem);
@@ -216,10 +211,9 @@ ApplyPlan planApply(const ApplyOptions& options) {
         for (const GivenBack* given : {&masks, &depths})
             if (given->toFolder) needFolderOf(given->path, below);
         if (!options.faces.empty())
-            item.faces =
-                isFolder(options.faces)
-                    ? UserPath(options.faces) / (below / zellab::platform::utf8Path(stem + ".json")).string()
-                    : UserPath(options.faces);
+            item.faces = isFolder(options.faces)
+                             ? UserPath(options.faces) / (below / utf8Path(stem + ".json")).string()
+                             : UserPath(options.faces);
         plan.items.push_back(item);
     }
     refuseCollisions(plan.items, options.inPlace);

@@ -18,6 +18,7 @@ namespace zelcli {
 namespace {
 
 namespace fs = std::filesystem;
+using zellab::platform::utf8Path;
 
 /// Overlays of smaller pictures are enlarged to about this many pixels, so that the numbers can be read.
 constexpr int kOverlaySide = 2400;
@@ -30,10 +31,8 @@ struct FacesItem {
 
 bool isFolder(const std::string& path, std::size_t inputs, const char* option) {
     std::error_code error;
-    if (fs::is_directory(zellab::platform::utf8Path(path), error) || (!path.empty() && path.back() == '/'))
-        return true;
-    if (inputs > 1 && (fs::exists(zellab::platform::utf8Path(path), error) ||
-                       zellab::platform::utf8Path(path).has_extension()))
+    if (fs::is_directory(utf8Path(path), error) || (!path.empty() && path.back() == '/')) return true;
+    if (inputs > 1 && (fs::exists(utf8Path(path), error) || utf8Path(path).has_extension()))
         throw UsageError(std::string(option) + " must be a folder for several inputs, not '" + path + "'");
     return inputs > 1;
 }
@@ -54,7 +53,7 @@ FacesPlan planFaces(const FacesOptions& options) {
     if (overlayFolder) plan.folders.emplace_back(options.overlay);
     std::map<std::string, std::string> owners;
     for (const std::string& name : options.inputs) {
-        const std::string stem = zellab::platform::utf8Path(name).stem().string();
+        const std::string stem = utf8Path(name).stem().string();
         FacesItem item;
         item.input = UserPath(name);
         item.data = dataFolder ? UserPath(options.output) / (stem + ".json") : UserPath(options.output);

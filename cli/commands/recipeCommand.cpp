@@ -14,13 +14,13 @@ namespace zelcli {
 namespace {
 
 namespace fs = std::filesystem;
+using zellab::platform::utf8Path;
 
 std::vector<std::string> recipesIn(const std::string& path) {
     std::error_code error;
     std::vector<std::string> files;
-    if (!fs::is_directory(zellab::platform::utf8Path(path), error)) return {path};
-    for (fs::directory_iterator at(zellab::platform::utf8Path(path), error), end; !error && at != end;
-         at.increment(error))
+    if (!fs::is_directory(utf8Path(path), error)) return {path};
+    for (fs::directory_iterator at(utf8Path(path), error), end; !error && at != end; at.increment(error))
         if (at->path().extension() == ".json") files.push_back(at->path().string());
     std::sort(files.begin(), files.end());
     return files;

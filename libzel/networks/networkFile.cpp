@@ -11,6 +11,8 @@ namespace zel {
 
 namespace {
 
+using zellab::platform::utf8Path;
+
 constexpr std::size_t kLargestFile = std::size_t{256} << 20;  // bytes
 constexpr std::size_t kMostFiles = 64;                        // that are remembered
 
@@ -19,9 +21,9 @@ constexpr std::size_t kMostFiles = 64;                        // that are rememb
 std::optional<FileStamp> stampOf(const std::string& path) {
     std::error_code error;
     FileStamp stamp;
-    stamp.size = std::filesystem::file_size(zellab::platform::utf8Path(path), error);
+    stamp.size = std::filesystem::file_size(utf8Path(path), error);
     if (error) return std::nullopt;
-    stamp.time = std::filesystem::last_write_time(zellab::platform::utf8Path(path), error);
+    stamp.time = std::filesystem::last_write_time(utf8Path(path), error);
     return error ? std::nullopt : std::optional(stamp);
 }
 
